@@ -1,0 +1,20 @@
+# Warnings for our own files only: JUCE's modules are compiled inside the shared code target as well, with their own rules.
+set (TARVIK_WARNINGS
+     -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wcast-align
+     -Woverloaded-virtual -Wnon-virtual-dtor -Wnull-dereference -Wdouble-promotion -Wformat=2 -Wimplicit-fallthrough
+     -Wmissing-declarations -Wredundant-decls -Wunused -Wzero-as-null-pointer-constant -Wno-unknown-pragmas)
+
+# JUCE's headers are not ours to mend. A folder given both ways counts as a system folder.
+get_target_property (juce_folders juce::juce_core INTERFACE_INCLUDE_DIRECTORIES)
+foreach (folder IN LISTS juce_folders)
+    list (APPEND TARVIK_WARNINGS "-isystem${folder}"
+                 "-isystem${folder}/juce_audio_processors/format_types/VST3_SDK")
+endforeach()
+
+# Adds source files to a target and compiles just those with warnings as errors.
+function (tarvik_add_sources target)
+    target_sources (${target} PRIVATE ${ARGN})
+    set (own_files ${ARGN})
+    list (FILTER own_files INCLUDE REGEX "\\.cpp$")
+    set_source_files_properties (${own_files} TARGET_DIRECTORY ${target} PROPERTIES COMPILE_OPTIONS "${TARVIK_WARNINGS}")
+endfunction()
