@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dsp/InstructionSets.h"
+
+#include <hwy/targets.h>
+
+namespace tarvik
+{
+void selectInstructionSet() noexcept { hwy::GetChosenTarget().Update (hwy::SupportedTargets()); }
+
+std::vector<InstructionSet> supportedInstructionSets()
+{
+    std::vector<InstructionSet> sets;
+
+    for (const auto target : hwy::SupportedAndGeneratedTargets())
+        sets.push_back ({ target, hwy::TargetName (target) });
+
+    return sets;
+}
+
+ScopedInstructionSet::ScopedInstructionSet (InstructionSet set) noexcept
+{
+    hwy::SetSupportedTargetsForTest (set.target);
+    selectInstructionSet();
+}
+
+ScopedInstructionSet::~ScopedInstructionSet()
+{
+    hwy::SetSupportedTargetsForTest (0);
+    selectInstructionSet();
+}
+} // namespace tarvik

@@ -1,0 +1,187 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <cstdint>
+
+namespace tarvik
+{
+
+/** What the two kinds of smoothed value have in common: a value on its way from `current` to `target`, which it reaches
+    in `steps` samples whatever the distance.
+
+    `Kind` says how one sample is taken and how a new way begins. A ramp belongs to one thread; `SharedRamp` below is
+   the way in for other threads. Nothing here allocates or throws.
+*/
+template <typename Kind>
+struct Ramp
+{
+    std::uint32_t steps = 100;   ///< Samples of a full move.
+    std::uint32_t remaining = 0; ///< Samples left of the move in progress; 0 at rest.
+    double current = 1.0;
+    double target = 1.0;
+    double increment = 0.0; ///< Per sample: a difference or a factor, by the kind.
+
+    Ramp() = default;
+
+    explicit Ramp (double initial) noexcept : current (initial), target (initial) {}
+
+    bool isIdle() const noexcept { return remaining == 0; }
+
+    /** True while every sample of a row would be exactly 1, so that multiplying by it can be left out. */
+    bool restsAtOne() const noexcept { return isIdle() && current == 1.0; }
+
+    /** Starts a move to t. A t within 1e-6 of the present value is taken at once; the target already on its way is left
+        alone; anything else begins a move of `steps` samples from the present value. Values that are not finite are
+        ignored.
+    */
+    void set (double t) noexcept
+    {
+        if (! std::isfinite (t))
+            return;
+
+        if (std::abs (t - current) < jumpDistance)
+        {
+            current = target = t;
+            remaining = 0;
+        }
+        else if (t != target) // exact: only the very same request counts as "already on its way"
+        {
+            Kind::begin (*this, t);
+            remaining = steps;
+        }
+    }
+
+    /** Ends the move: the value is the target from now on. */
+    void snap() noexcept
+    {
+        current = target;
+        remaining = 0;
+    }
+
+    /** Writes the next n values, rounded to float, and leaves the ramp n samples further on. */
+    void fill (float* row, int n) noexcept
+    {
+        const auto moving =
+            static_cast<int> (std::min<std::uint32_t> (static_cast<std::uint32_t> (std::max (n, 0)), remaining));
+
+        for (int i = 0; i < moving; ++i)
+        {
+            current = Kind::next (current, increment);
+            row[i] = static_cast<float> (current);
+        }
+
+        remaining -= static_cast<std::uint32_t> (moving);
+
+        if (moving > 0 && remaining == 0)
+        {
+            current = target;
+            row[moving - 1] = static_cast<float> (target);
+        }
+
+        for (int i = moving; i < n; ++i)
+            row[i] = static_cast<float> (current);
+    }
+
+private:
+    static constexpr double jumpDistance = 1e-6;
+};
+
+struct LinearStep
+{
+    static double next (double value, double increment) noexcept { return value + increment; }
+
+    static void begin (Ramp<LinearStep>& ramp, double t) noexcept
+    {
+        ramp.target = t;
+        ramp.increment = (t - ramp.current) / ramp.steps;
+    }
+};
+
+struct GeometricStep
+{
+    static double next (double value, double increment) noexcept { return value * increment; }
+
+    /** A geometric way has no zero on it, so both ends are lifted to at least -80 dB. */
+    static void begin (Ramp<GeometricStep>& ramp, double t) noexcept
+    {
+        constexpr double lowest = 1e-4;
+        ramp.current = std::max (ramp.current, lowest);
+        ramp.target = std::max (t, lowest);
+        ramp.increment = std::pow (ramp.target / ramp.current, 1.0 / ramp.steps);
+    }
+};
+
+/** Equal differences per sample: for wet and dry levels, and for a change of sign. */
+using LinearRamp = Ramp<LinearStep>;
+
+/** Equal factors per sample, so equal decibels: for gains. */
+using GeometricRamp = Ramp<GeometricStep>;
+
+/** A ramp that any thread may give a target, while the audio thread runs it.
+
+    A request is one value behind one flag. The audio thread takes it up at the start of a slice with `takeRequest`, so
+   the ramp's own fields have a single writer; of several requests between two slices the last one counts. Neither side
+    waits.
+*/
+template <typename RampType>
+class SharedRamp
+{
+public:
+    SharedRamp() = default;
+
+    explicit SharedRamp (double initial) noexcept : ramp (initial) {}
+
+    /** Any thread. */
+    void request (double t) noexcept
+    {
+        requested.store (t, std::memory_order_relaxed);
+        isWaiting.store (true, std::memory_order_release);
+    }
+
+    /** Audio thread, or while no audio runs. */
+    void takeRequest() noexcept
+    {
+        if (isWaiting.load (std::memory_order_relaxed) && isWaiting.exchange (false, std::memory_order_acquire))
+            ramp.set (requested.load (std::memory_order_relaxed));
+    }
+
+    /** While no audio runs: sets the length of a move, which must be at least one sample, and ends the present one. */
+    void prepare (std::uint32_t stepsPerMove) noexcept
+    {
+        snap();
+        ramp.steps = std::max<std::uint32_t> (1, stepsPerMove);
+    }
+
+    /** While no audio runs: takes up what waits and goes there at once. */
+    void snap() noexcept
+    {
+        takeRequest();
+        ramp.snap();
+    }
+
+    /** Audio thread: takes up what waits and writes the next n values. */
+    void fill (float* row, int n) noexcept
+    {
+        takeRequest();
+        ramp.fill (row, n);
+    }
+
+    /** Audio thread: takes up what waits, and says whether the coming samples are all exactly 1. */
+    bool restsAtOne() noexcept
+    {
+        takeRequest();
+        return ramp.restsAtOne();
+    }
+
+    const RampType& get() const noexcept { return ramp; }
+
+private:
+    RampType ramp;
+    std::atomic<double> requested{ 0.0 };
+    std::atomic<bool> isWaiting{ false };
+};
+
+} // namespace tarvik

@@ -1,0 +1,212 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "dsp/RowOperations.cpp" // this file, compiled once for each instruction set
+
+#include "dsp/RowOperations.h"
+
+#include <hwy/foreach_target.h> // before highway.h
+#include <hwy/highway.h>
+
+#include <limits>
+
+HWY_BEFORE_NAMESPACE();
+
+namespace tarvik::rows::HWY_NAMESPACE
+{
+namespace
+{
+namespace hn = hwy::HWY_NAMESPACE;
+
+// Walks from sample i as far as whole vectors of `d` reach, and returns where it stopped.
+template <typename D, typename T, typename Operation>
+HWY_INLINE int walk (D d, Operation operation, T* dst, const T* a, const T* b, int i, int n)
+{
+    const auto lanes = static_cast<int> (hn::Lanes (d));
+
+    for (; n - i >= lanes; i += lanes)
+        hn::StoreU (operation (hn::LoadU (d, a + i), hn::LoadU (d, b + i)), d, dst + i);
+
+    return i;
+}
+
+template <typename D, typename T, typename Operation>
+HWY_INLINE int walk (D d, Operation operation, T* dst, const T* src, int i, int n)
+{
+    const auto lanes = static_cast<int> (hn::Lanes (d));
+
+    for (; n - i >= lanes; i += lanes)
+        hn::StoreU (operation (d, hn::LoadU (d, src + i)), d, dst + i);
+
+    return i;
+}
+
+// The processor's widest vectors first, then groups of four, then single samples: lanes never mix, so that the width
+// that a sample happens to be computed in cannot change its value.
+template <typename T, typename Operation>
+HWY_INLINE void forTwoRows (Operation operation, T* dst, const T* a, const T* b, int n)
+{
+    int i = walk (hn::ScalableTag<T>(), operation, dst, a, b, 0, n);
+    i = walk (hn::CappedTag<T, 4>(), operation, dst, a, b, i, n);
+    walk (hn::CappedTag<T, 1>(), operation, dst, a, b, i, n);
+}
+
+template <typename T, typename Operation>
+HWY_INLINE void forOneRow (Operation operation, T* dst, const T* src, int n)
+{
+    int i = walk (hn::ScalableTag<T>(), operation, dst, src, 0, n);
+    i = walk (hn::CappedTag<T, 4>(), operation, dst, src, i, n);
+    walk (hn::CappedTag<T, 1>(), operation, dst, src, i, n);
+}
+
+// Comparing and choosing instead of the processors' own minimum and maximum, which differ among each other on NaN.
+template <typename V>
+HWY_INLINE V smaller (V x, V y)
+{
+    return hn::IfThenElse (hn::Lt (y, x), y, x);
+}
+
+template <typename V>
+HWY_INLINE V larger (V x, V y)
+{
+    return hn::IfThenElse (hn::Gt (y, x), y, x);
+}
+
+// Comparisons with NaN are false, so a NaN is neither in range nor finite. The samples in range pass through a
+// bitwise choice only and thus keep their bits even where the processor reads subnormals as 0.
+template <typename D, typename V>
+HWY_INLINE V clampedToFinite (D d, V x, V limit)
+{
+    const auto magnitude = hn::Abs (x);
+    const auto infinity = hn::Set (d, std::numeric_limits<hn::TFromD<D>>::infinity());
+    const auto held = hn::IfThenElseZero (hn::Lt (magnitude, infinity), hn::CopySign (limit, x));
+    return hn::IfThenElse (hn::And (hn::Le (magnitude, limit), hn::Lt (magnitude, infinity)), x, held);
+}
+
+template <typename T>
+HWY_INLINE void rowLoop (RowOperation operation, T* dst, const T* a, const T* b, int n)
+{
+    switch (operation)
+    {
+        case RowOperation::add:
+            return forTwoRows ([] (auto x, auto y) HWY_ATTR { return hn::Add (x, y); }, dst, a, b, n);
+        case RowOperation::subtract:
+            return forTwoRows ([] (auto x, auto y) HWY_ATTR { return hn::Sub (x, y); }, dst, a, b, n);
+        case RowOperation::multiply:
+            return forTwoRows ([] (auto x, auto y) HWY_ATTR { return hn::Mul (x, y); }, dst, a, b, n);
+        case RowOperation::divide:
+            return forTwoRows ([] (auto x, auto y) HWY_ATTR { return hn::Div (x, y); }, dst, a, b, n);
+        case RowOperation::minimum:
+            return forTwoRows ([] (auto x, auto y) HWY_ATTR { return smaller (x, y); }, dst, a, b, n);
+        case RowOperation::maximum:
+            return forTwoRows ([] (auto x, auto y) HWY_ATTR { return larger (x, y); }, dst, a, b, n);
+    }
+}
+
+template <typename T>
+HWY_INLINE void scalarLoop (ScalarOperation operation, T* dst, const T* src, T s, int n)
+{
+    switch (operation)
+    {
+        case ScalarOperation::fill:
+            return forOneRow ([s] (auto d, auto) HWY_ATTR { return hn::Set (d, s); }, dst, src, n);
+        case ScalarOperation::add:
+            return forOneRow ([s] (auto d, auto x) HWY_ATTR { return hn::Add (x, hn::Set (d, s)); }, dst, src, n);
+        case ScalarOperation::subtractFrom:
+            return forOneRow ([s] (auto d, auto x) HWY_ATTR { return hn::Sub (hn::Set (d, s), x); }, dst, src, n);
+        case ScalarOperation::multiply:
+            return forOneRow ([s] (auto d, auto x) HWY_ATTR { return hn::Mul (x, hn::Set (d, s)); }, dst, src, n);
+        case ScalarOperation::divide:
+            return forOneRow ([s] (auto d, auto x) HWY_ATTR { return hn::Div (x, hn::Set (d, s)); }, dst, src, n);
+        case ScalarOperation::divideInto:
+            return forOneRow ([s] (auto d, auto x) HWY_ATTR { return hn::Div (hn::Set (d, s), x); }, dst, src, n);
+        case ScalarOperation::minimum:
+            return forOneRow ([s] (auto d, auto x) HWY_ATTR { return smaller (x, hn::Set (d, s)); }, dst, src, n);
+        case ScalarOperation::maximum:
+            return forOneRow ([s] (auto d, auto x) HWY_ATTR { return larger (x, hn::Set (d, s)); }, dst, src, n);
+        case ScalarOperation::absolute:
+            return forOneRow ([] (auto, auto x) HWY_ATTR { return hn::Abs (x); }, dst, src, n);
+        case ScalarOperation::clampToFinite:
+            return forOneRow ([s] (auto d, auto x) HWY_ATTR { return clampedToFinite (d, x, hn::Set (d, s)); }, dst,
+                              src, n);
+    }
+}
+
+template <typename T>
+HWY_INLINE void multiplyAddLoop (T* dst, const T* src, T s, int n)
+{
+    const auto sum = [s] (auto x, auto y) HWY_ATTR
+    { return hn::Add (x, hn::Mul (y, hn::Set (hn::DFromV<decltype (y)>(), s))); };
+
+    forTwoRows (sum, dst, dst, src, n);
+}
+
+// The dispatch tables below hold plain functions, one set for each sample type.
+void rowsFloat (RowOperation operation, float* dst, const float* a, const float* b, int n)
+{
+    rowLoop (operation, dst, a, b, n);
+}
+
+void rowsDouble (RowOperation operation, double* dst, const double* a, const double* b, int n)
+{
+    rowLoop (operation, dst, a, b, n);
+}
+
+void scalarFloat (ScalarOperation operation, float* dst, const float* src, float s, int n)
+{
+    scalarLoop (operation, dst, src, s, n);
+}
+
+void scalarDouble (ScalarOperation operation, double* dst, const double* src, double s, int n)
+{
+    scalarLoop (operation, dst, src, s, n);
+}
+
+void multiplyAddFloat (float* dst, const float* src, float s, int n) { multiplyAddLoop (dst, src, s, n); }
+
+void multiplyAddDouble (double* dst, const double* src, double s, int n) { multiplyAddLoop (dst, src, s, n); }
+} // namespace
+} // namespace tarvik::rows::HWY_NAMESPACE
+
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace tarvik::rows
+{
+HWY_EXPORT (rowsFloat);
+HWY_EXPORT (rowsDouble);
+HWY_EXPORT (scalarFloat);
+HWY_EXPORT (scalarDouble);
+HWY_EXPORT (multiplyAddFloat);
+HWY_EXPORT (multiplyAddDouble);
+
+void combine (RowOperation operation, float* dst, const float* a, const float* b, int n) noexcept
+{
+    HWY_DYNAMIC_DISPATCH (rowsFloat) (operation, dst, a, b, n);
+}
+
+void combine (RowOperation operation, double* dst, const double* a, const double* b, int n) noexcept
+{
+    HWY_DYNAMIC_DISPATCH (rowsDouble) (operation, dst, a, b, n);
+}
+
+void combine (ScalarOperation operation, float* dst, const float* src, float s, int n) noexcept
+{
+    HWY_DYNAMIC_DISPATCH (scalarFloat) (operation, dst, src, s, n);
+}
+
+void combine (ScalarOperation operation, double* dst, const double* src, double s, int n) noexcept
+{
+    HWY_DYNAMIC_DISPATCH (scalarDouble) (operation, dst, src, s, n);
+}
+
+void multiplyAdd (float* dst, const float* src, float s, int n) noexcept
+{
+    HWY_DYNAMIC_DISPATCH (multiplyAddFloat) (dst, src, s, n);
+}
+
+void multiplyAdd (double* dst, const double* src, double s, int n) noexcept
+{
+    HWY_DYNAMIC_DISPATCH (multiplyAddDouble) (dst, src, s, n);
+}
+} // namespace tarvik::rows
+#endif

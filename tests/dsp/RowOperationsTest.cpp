@@ -1,0 +1,215 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dsp/RowOperations.h"
+
+#include "dsp/InstructionSets.h"
+
+#include <gtest/gtest.h>
+#include <hwy/targets.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <random>
+#include <set>
+#include <vector>
+
+#if defined(__SSE2__)
+#include <xmmintrin.h>
+#endif
+
+namespace tarvik
+{
+namespace
+{
+constexpr int longestRow = 67; // four of the widest vectors (16 floats) and every kind of rest
+constexpr int guard = 16;      // samples around each row that nobody may write
+constexpr int misalignments = 4;
+
+template <typename T>
+bool sameBits (T a, T b)
+{
+    return std::memcmp (&a, &b, sizeof (T)) == 0 || (std::isnan (a) && std::isnan (b));
+}
+
+// Ordinary levels, mixed with everything that may be read differently: zeros, subnormals, infinities, NaN, extremes.
+template <typename T>
+std::vector<T> difficultSamples (std::size_t count, unsigned seed)
+{
+    using Limits = std::numeric_limits<T>;
+    const T special[] = { T (0),
+                          -T (0),
+                          Limits::denorm_min(),
+                          -Limits::min() / 2,
+                          Limits::infinity(),
+                          -Limits::infinity(),
+                          Limits::quiet_NaN(),
+                          -Limits::quiet_NaN(),
+                          Limits::max(),
+                          Limits::lowest(),
+                          T (1.5) };
+    std::mt19937 random (seed);
+    std::uniform_real_distribution<T> level (-2, 2);
+    std::vector<T> samples (count);
+
+    for (auto& sample : samples)
+        sample = random() % 4 == 0 ? special[random() % std::size (special)] : level (random);
+
+    return samples;
+}
+
+template <typename T>
+struct OperationCase
+{
+    const char* name;
+    std::function<void (T* dst, const T* a, const T* b, T s, int n)> rows;
+    std::function<T (T dst, T a, T b, T s)> plain;
+};
+
+template <typename T>
+std::vector<OperationCase<T>> operationCases()
+{
+    const auto clamped = [] (T x, T limit) { return std::isfinite (x) ? std::clamp (x, -limit, limit) : T (0); };
+
+    return {
+        { "absolute", [] (T* d, const T* a, const T*, T, int n) { rows::absolute (d, a, n); },
+          [] (T, T a, T, T) { return std::abs (a); } },
+        { "multiply in place", [] (T* d, const T* a, const T*, T, int n) { rows::multiply (d, a, n); },
+          [] (T d, T a, T, T) { return d * a; } },
+        { "multiply", [] (T* d, const T* a, const T* b, T, int n) { rows::multiply (d, a, b, n); },
+          [] (T, T a, T b, T) { return a * b; } },
+        { "scale in place", [] (T* d, const T*, const T*, T s, int n) { rows::scale (d, s, n); },
+          [] (T d, T, T, T s) { return d * s; } },
+        { "scale", [] (T* d, const T* a, const T*, T s, int n) { rows::scale (d, a, s, n); },
+          [] (T, T a, T, T s) { return a * s; } },
+        { "multiplyAdd", [] (T* d, const T* a, const T*, T s, int n) { rows::multiplyAdd (d, a, s, n); },
+          [] (T d, T a, T, T s) { return d + a * s; } },
+        { "add", [] (T* d, const T* a, const T*, T, int n) { rows::add (d, a, n); },
+          [] (T d, T a, T, T) { return d + a; } },
+        { "subtract", [] (T* d, const T* a, const T*, T, int n) { rows::subtract (d, a, n); },
+          [] (T d, T a, T, T) { return d - a; } },
+        { "divide", [] (T* d, const T* a, const T*, T, int n) { rows::divide (d, a, n); },
+          [] (T d, T a, T, T) { return d / a; } },
+        { "fill", [] (T* d, const T*, const T*, T s, int n) { rows::fill (d, s, n); },
+          [] (T, T, T, T s) { return s; } },
+        { "copy", [] (T* d, const T* a, const T*, T, int n) { rows::copy (d, a, n); },
+          [] (T, T a, T, T) { return a; } },
+        { "minimum", [] (T* d, const T*, const T*, T s, int n) { rows::minimum (d, s, n); },
+          [] (T d, T, T, T s) { return std::min (d, s); } },
+        { "maximum", [] (T* d, const T*, const T*, T s, int n) { rows::maximum (d, s, n); },
+          [] (T d, T, T, T s) { return std::max (d, s); } },
+        { "clampToFinite", [] (T* d, const T*, const T*, T s, int n) { rows::clampToFinite (d, s, n); },
+          [clamped] (T d, T, T, T s) { return clamped (d, s); } },
+        { "clampToFinite, no limit",
+          [] (T* d, const T*, const T*, T, int n) { rows::clampToFinite (d, std::numeric_limits<T>::infinity(), n); },
+          [] (T d, T, T, T) { return std::isfinite (d) ? d : T (0); } },
+    };
+}
+
+template <typename T>
+class RowOperations : public testing::Test
+{
+};
+
+using SampleTypes = testing::Types<float, double>;
+TYPED_TEST_SUITE (RowOperations, SampleTypes, );
+
+TYPED_TEST (RowOperations, EveryLengthAndAlignmentGivesThePlainLoopsBitsOnEveryInstructionSet)
+{
+    using T = TypeParam;
+    constexpr auto room = static_cast<std::size_t> (longestRow + misalignments + 2 * guard);
+    const auto a = difficultSamples<T> (room, 1), b = difficultSamples<T> (room, 2),
+               before = difficultSamples<T> (room, 3);
+    const auto s = T (0.7);
+
+    for (const auto& set : supportedInstructionSets())
+    {
+        const ScopedInstructionSet forced (set);
+
+        for (const auto& operation : operationCases<T>())
+            for (int n = -1; n <= longestRow; ++n)
+                for (int shift = 0; shift < misalignments; ++shift)
+                {
+                    auto row = before;
+                    const auto* firstA = a.data() + shift;
+                    const auto* firstB = b.data() + (3 * shift) % misalignments;
+                    const auto start = guard + (shift * shift) % misalignments; // dst, a and b misaligned apart
+                    operation.rows (row.data() + start, firstA, firstB, s, n);
+
+                    for (int i = 0; i < static_cast<int> (room); ++i)
+                    {
+                        const auto at = static_cast<std::size_t> (i);
+                        const auto inside = i >= start && i < start + n;
+                        const auto expected =
+                            inside ? operation.plain (before[at], firstA[i - start], firstB[i - start], s) : before[at];
+                        ASSERT_TRUE (sameBits (row[at], expected))
+                            << operation.name << " on " << set.name << ", n " << n << ", shift " << shift << ", sample "
+                            << i - start << ": " << row[at] << " instead of " << expected;
+                    }
+                }
+    }
+}
+
+TYPED_TEST (RowOperations, ADestinationThatIsAlsoTheSourceIsAllowed)
+{
+    using T = TypeParam;
+    const auto before = difficultSamples<T> (longestRow, 4);
+    auto squared = before, halved = before, positive = before, sum = before;
+    rows::multiply (squared.data(), squared.data(), squared.data(), longestRow);
+    rows::scale (halved.data(), halved.data(), T (0.5), longestRow);
+    rows::absolute (positive.data(), positive.data(), longestRow);
+    rows::multiplyAdd (sum.data(), sum.data(), T (0.3), longestRow);
+
+    for (std::size_t i = 0; i < before.size(); ++i)
+    {
+        EXPECT_TRUE (sameBits (squared[i], before[i] * before[i])) << i;
+        EXPECT_TRUE (sameBits (halved[i], before[i] * T (0.5))) << i;
+        EXPECT_TRUE (sameBits (positive[i], std::abs (before[i]))) << i;
+        EXPECT_TRUE (sameBits (sum[i], before[i] + before[i] * T (0.3))) << i;
+    }
+}
+
+#if defined(__SSE2__)
+// The audio thread flushes subnormals; the guard of a filter's input still may not alter what it lets through.
+TYPED_TEST (RowOperations, ClampingKeepsSubnormalBitsWhileTheThreadFlushesThem)
+{
+    using T = TypeParam;
+    constexpr unsigned flushAndZero = 0x8040; // both flags of the control register
+    constexpr T limit = 8;
+    const std::vector<T> before (longestRow, std::numeric_limits<T>::denorm_min());
+
+    for (const auto& set : supportedInstructionSets())
+    {
+        const ScopedInstructionSet forced (set);
+        auto row = before;
+        const auto previous = _mm_getcsr();
+        _mm_setcsr (previous | flushAndZero);
+        rows::clampToFinite (row.data(), limit, longestRow);
+        _mm_setcsr (previous);
+        EXPECT_EQ (std::memcmp (row.data(), before.data(), row.size() * sizeof (T)), 0) << set.name;
+    }
+}
+#endif
+
+TEST (InstructionSets, ForcingReachesTheDispatcherAndEndsWithTheScope)
+{
+    hwy::SetSupportedTargetsForTest (0); // whatever ran before
+    selectInstructionSet();
+    ASSERT_TRUE (hwy::GetChosenTarget().IsInitialized());
+    const auto best = hwy::GetChosenTarget().GetIndex();
+    const auto sets = supportedInstructionSets();
+    std::set<std::size_t> indices;
+
+    for (const auto& set : sets)
+    {
+        const ScopedInstructionSet forced (set);
+        indices.insert (hwy::GetChosenTarget().GetIndex());
+    }
+
+    EXPECT_EQ (indices.size(), sets.size());
+    EXPECT_EQ (hwy::GetChosenTarget().GetIndex(), best);
+    EXPECT_EQ (*indices.begin(), best) << "the best set is not the one chosen";
+}
+} // namespace
+} // namespace tarvik
