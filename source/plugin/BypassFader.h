@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "dsp/Ramps.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace tarvik
+{
+
+class LatencyDelay;
+
+/** Fades between the strip and its delayed input over 100 ms. Audio thread, but for `prepare`.
+
+    While the strip is fully in, the fader is idle and costs nothing but keeping the delay's history current.
+*/
+class BypassFader
+{
+public:
+    LinearRamp wet{ 1.0 }; ///< The strip's share.
+
+    /** While no audio runs: sizes and clears the rows for slices of at most maxSamples, and ends a fade. */
+    void prepare (double rateHz, int mainChannels, int maxSamples);
+
+    /** Keeps the dry share of the slice before the strip works on it, delayed by `delay` samples. */
+    void beginSlice (const float* const* channels, int n, LatencyDelay& latencyDelay, int delay) noexcept;
+
+    /** Blends the strip's output with what `beginSlice` kept. */
+    void endSlice (float* const* channels, int n) noexcept;
+
+private:
+    float* rowAt (int index) noexcept { return storage.data() + static_cast<std::size_t> (index) * rowLength; }
+
+    static constexpr int wetRow = 0;
+    static constexpr int dryRow = 1;
+    static constexpr int firstSignalRow = 2;
+
+    std::vector<float> storage;
+    std::size_t rowLength = 0;
+    int numChannels = 0;
+    bool activeThisSlice = false;
+};
+
+} // namespace tarvik

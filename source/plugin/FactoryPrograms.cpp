@@ -1,0 +1,210 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "plugin/FactoryPrograms.h"
+
+#include "plugin/ParameterTable.h"
+
+#include <cstring>
+
+namespace tarvik
+{
+
+namespace
+{
+/** What a program says, as a user would read it off the panel. Everything else has its default. */
+struct ProgramRow
+{
+    struct GainAndEqualiser
+    {
+        const char* name;
+        float thd, gain;
+        bool unity;
+        const char *highFreq, *highGain;
+        const char* midFreq;
+        float midGain;
+        const char* midMode;
+        const char* lowFreq;
+        float lowGain;
+        const char* highPass;
+        bool eqPost;
+    } strip;
+
+    struct CompressorAndLevel
+    {
+        float mix, highPassHz, threshold;
+        const char *ratio, *attack, *release;
+        float input, output;
+        bool limit, niveau, smash;
+        float level;
+    } comp;
+
+    struct Expander
+    {
+        float threshold, range;
+        const char* attack;
+        float releaseSeconds;
+    } expander;
+};
+
+// clang-format off
+constexpr ProgramRow programRows[] =
+{
+    // name, THD, gain, unity, high frequency and gain, mid frequency, gain and mode, low frequency and gain, high pass, EQ post
+    //   mix, high pass, threshold, ratio, attack, release, input, output, limit, Niveau, Smash, level
+    //   expander threshold, range, attack, release
+    { { "Default"             ,   0.0f,   0.0f, false, "10 kHz", "0 dB"  , "2800 Hz",  0.0f, "Boost", "0 dB"  ,  0.0f, "OFF"  , false },
+      {    1.0f,   20.0f,    0.0f, "2:1", "Slow"  , "50 ms" ,  2.5f,  2.5f, false, false, false,   0.0f },
+      {  -30.0f,  -20.0f, "Medium",   0.3f } },
+    { { "808 1"               ,   0.0f,  4.77f, true , "10 kHz", "0 dB"  , "1000 Hz", 0.64f, "Boost", "60 Hz" , 0.83f, "OFF"  , false },
+      {    1.0f,  26.17f,  -12.5f, "2:1", "Slow"  , "AUTO"  ,  2.5f,  2.5f, false, true , false, -2.27f },
+      {  -30.0f,    0.0f, "Medium",   0.2f } },
+    { { "808 2"               ,   0.0f,  9.87f, true , "10 kHz", "0 dB"  , "700 Hz" , 0.34f, "Boost", "100 Hz", 0.25f, "OFF"  , false },
+      {    1.0f,   20.0f, -11.32f, "2:1", "Slow"  , "AUTO"  ,  2.5f,  2.5f, false, false, false, -0.76f },
+      {  -30.0f,    0.0f, "Medium",   0.2f } },
+    { { "808 3 Dist"          ,   0.0f, 14.43f, true , "10 kHz", "0 dB"  , "700 Hz" , 0.34f, "Boost", "60 Hz" , 0.76f, "OFF"  , false },
+      {    1.0f,   20.0f, -12.31f, "2:1", "Slow"  , "50 ms" ,  2.5f,  2.5f, false, false, false, -0.76f },
+      {  -30.0f,    0.0f, "Medium",   0.2f } },
+    { { "Bass 1"              ,   0.0f,  3.49f, true , "10 kHz", "0 dB"  , "1000 Hz", 0.64f, "Boost", "100 Hz", 0.39f, "OFF"  , false },
+      {    1.0f,   20.0f, -12.41f, "2:1", "Slow"  , "100 ms",  2.5f,  2.5f, false, true , false, -1.85f },
+      {  -30.0f,    0.0f, "Medium",   0.2f } },
+    { { "Bass 2 Overdrive"    , -1.58f, 10.58f, true , "6 kHz" , "-8 dB" , "1400 Hz", 0.64f, "Boost", "100 Hz", 0.39f, "OFF"  , false },
+      {    1.0f,   20.0f, -18.21f, "2:1", "Slow"  , "100 ms",  2.5f, 2.88f, false, true , false, -1.85f },
+      {  -30.0f,    0.0f, "Medium",   0.2f } },
+    { { "Bass 3"              ,   0.0f,  2.88f, true , "10 kHz", "0 dB"  , "2000 Hz",  0.4f, "Boost", "60 Hz" , 0.26f, "OFF"  , false },
+      {    1.0f,   20.0f, -12.78f, "2:1", "Slow"  , "100 ms",  2.5f,  2.5f, false, true , false, -1.43f },
+      {  -30.0f,    0.0f, "Medium",   0.2f } },
+    { { "Drum Buss 1"         ,   0.0f,  4.89f, true , "10 kHz", "2 dB"  , "2800 Hz", 0.21f, "Boost", "60 Hz" , 0.14f, "OFF"  , false },
+      { 0.8675f,   20.0f,  -6.89f, "2:1", "Fast"  , "50 ms" ,  2.5f, 2.42f, false, false, false,   0.0f },
+      {  -30.0f,    0.0f, "Medium",   0.2f } },
+    { { "Drum Buss 2"         ,   0.0f,   0.0f, true , "14 kHz", "2 dB"  , "3500 Hz", 0.37f, "Boost", "60 Hz" , 0.14f, "OFF"  , false },
+      { 0.8675f,  92.38f,  -7.59f, "2:1", "Fast"  , "AUTO"  ,  2.5f, 2.42f, false, false, false,   0.0f },
+      {  -30.0f,    0.0f, "Medium",   0.2f } },
+    { { "Drum Buss 3"         ,   0.0f,  4.88f, true , "10 kHz", "0 dB"  , "2800 Hz",  0.4f, "Boost", "60 Hz" , 0.51f, "40 Hz", false },
+      {    1.0f,   20.0f, -14.51f, "2:1", "Slow"  , "25 ms" ,  2.5f, 2.18f, false, true , false,   0.0f },
+      {  -30.0f,    0.0f, "Medium",   0.2f } },
+    { { "Drum Buss 4"         ,   0.0f,  4.88f, true , "10 kHz", "0 dB"  , "2800 Hz",  0.4f, "Boost", "60 Hz" , 0.46f, "40 Hz", false },
+      { 0.4931f,   58.2f, -14.51f, "2:1", "Slow"  , "25 ms" , 3.75f, 1.59f, false, true , true , -4.29f },
+      {  -30.0f,    0.0f, "Medium",   0.2f } },
+    { { "Kick 1"              ,   0.0f,   0.0f, false, "6 kHz" , "4 dB"  , "2800 Hz", 0.42f, "Boost", "60 Hz" , 0.68f, "OFF"  , false },
+      {    1.0f,   20.0f, -17.15f, "3:1", "Slow"  , "25 ms" ,  2.5f, 2.41f, false, true , false,   0.0f },
+      {  -40.0f,  -2.06f, "Medium", 0.292f } },
+    { { "Kick 2"              ,   0.0f,   0.0f, false, "6 kHz" , "4 dB"  , "4500 Hz", 0.57f, "Boost", "60 Hz" , 0.78f, "OFF"  , false },
+      { 0.8877f,  49.66f, -16.21f, "2:1", "Slow"  , "50 ms" , 4.44f, 1.17f, false, true , false, -1.85f },
+      {  -40.0f,  -2.06f, "Medium", 0.292f } },
+    { { "Kick 3"              ,   0.0f, -0.25f, true , "10 kHz", "-8 dB" , "6000 Hz", 0.86f, "Boost", "60 Hz" , 0.77f, "40 Hz", false },
+      {    1.0f,   20.0f, -10.93f, "2:1", "Slow"  , "25 ms" ,  2.5f, 2.37f, false, false, false,   0.0f },
+      {  -30.0f,    0.0f, "Medium",   0.2f } },
+    { { "Mix Buss 1"          , -14.9f,  2.38f, true , "14 kHz", "0 dB"  , "6000 Hz", 0.18f, "Boost", "60 Hz" , 0.09f, "OFF"  , false },
+      {    1.0f,  92.45f,  -4.07f, "2:1", "Slow"  , "100 ms",  2.5f,  2.5f, false, false, false, -0.34f },
+      {  -30.0f,    0.0f, "Medium",   0.2f } },
+    { { "Mix Buss 2"          ,   0.0f,  0.81f, true , "14 kHz", "4 dB"  , "2800 Hz", 0.23f, "Boost", "60 Hz" , 0.06f, "OFF"  , false },
+      {    1.0f,  94.92f,  -9.18f, "2:1", "Slow"  , "AUTO"  ,  2.5f,  2.5f, false, false, false,   0.0f },
+      {  -30.0f,    0.0f, "Medium",   0.2f } },
+    { { "Mix Buss 3"          ,   0.0f,  1.63f, true , "14 kHz", "2 dB"  , "2800 Hz", 0.19f, "Boost", "60 Hz" ,  0.2f, "OFF"  , true },
+      { 0.8432f, 107.79f,  -6.97f, "2:1", "Slow"  , "AUTO"  ,  2.5f, 2.56f, false, true , false,   0.0f },
+      {  -30.0f,    0.0f, "Medium",   0.2f } },
+    { { "Snare 1"             ,   0.0f,  6.01f, true , "6 kHz" , "4 dB"  , "700 Hz" , 0.68f, "Cut"  , "200 Hz", 0.61f, "80 Hz", false },
+      {    1.0f,   20.0f, -15.58f, "2:1", "Medium", "100 ms",  2.5f,  2.5f, false, false, false,   0.0f },
+      { -37.68f,  -7.58f, "Fast"  ,   0.2f } },
+    { { "Snare 2"             ,   0.0f,  6.01f, true , "6 kHz" , "4 dB"  , "700 Hz" , 0.68f, "Cut"  , "200 Hz", 0.61f, "80 Hz", false },
+      { 0.6208f,   20.0f, -15.58f, "2:1", "Medium", "100 ms",  2.5f,  2.5f, false, false, true ,  -2.1f },
+      { -37.68f,  -7.58f, "Fast"  ,   0.2f } },
+    { { "Snare 3"             ,   0.0f,  6.01f, true , "10 kHz", "6 dB"  , "2800 Hz", 0.62f, "Boost", "100 Hz", 0.48f, "80 Hz", false },
+      {    1.0f,   20.0f, -14.07f, "2:1", "Slow"  , "200 ms", 2.87f, 1.94f, false, false, false,   0.0f },
+      {  -40.0f, -11.25f, "Fast"  , 0.255f } },
+    { { "Vox Female 1"        ,   0.0f,   0.0f, false, "14 kHz", "2 dB"  , "2800 Hz", 0.37f, "Boost", "-6 dB" ,  0.0f, "80 Hz", false },
+      {    1.0f,   20.0f, -15.81f, "2:1", "Slow"  , "100 ms",  2.5f, 2.93f, false, true , false,   0.0f },
+      {  -30.0f,    0.0f, "Medium",   0.2f } },
+    { { "Vox Female 2"        ,   0.0f, 10.04f, true , "10 kHz", "4 dB"  , "3500 Hz", 0.29f, "Boost", "-12 dB",  0.0f, "80 Hz", false },
+      {    1.0f,   20.0f, -15.81f, "2:1", "Slow"  , "25 ms" ,  2.5f, 1.97f, false, true , true ,   0.0f },
+      {  -30.0f,    0.0f, "Medium",   0.2f } },
+    { { "Vox Female 3 Vintage", 17.66f, 13.03f, true , "10 kHz", "-10 dB", "2000 Hz", 0.54f, "Boost", "-15 dB",  0.0f, "80 Hz", false },
+      { 0.6432f,   20.0f, -13.06f, "2:1", "Medium", "100 ms", 2.37f, 2.03f, false, true , true ,   0.0f },
+      {  -30.0f,    0.0f, "Medium",   0.2f } },
+    { { "Vox Rap 1"           ,   0.0f,  5.61f, true , "10 kHz", "2 dB"  , "3500 Hz", 0.64f, "Boost", "-6 dB" ,  0.0f, "80 Hz", false },
+      {    1.0f,   20.0f, -14.49f, "3:1", "Slow"  , "100 ms",  2.5f,  2.7f, true , true , false,   0.0f },
+      {  -30.0f,    0.0f, "Medium",   0.2f } },
+    { { "Vox Rap 2"           ,   0.0f,  8.34f, true , "10 kHz", "4 dB"  , "3500 Hz", 0.64f, "Boost", "-9 dB" ,  0.0f, "80 Hz", false },
+      { 0.9517f,  46.77f, -14.49f, "3:1", "Slow"  , "25 ms" ,  2.5f, 2.41f, true , false, true ,   0.0f },
+      {  -30.0f,    0.0f, "Medium",   0.2f } },
+    { { "Vox Rap 3 Aggressive",   0.0f, 20.84f, true , "10 kHz", "-10 dB", "4500 Hz", 0.88f, "Boost", "-12 dB",  0.0f, "80 Hz", false },
+      { 0.8678f,  46.77f, -13.89f, "3:1", "Slow"  , "25 ms" ,  2.5f, 2.47f, true , true , true ,   0.0f },
+      {  -30.0f,    0.0f, "Medium",   0.2f } }
+};
+// clang-format on
+
+static_assert (std::size (programRows) == numFactoryPrograms);
+
+/** The index of a choice by its text; the list is that of the parameter which the field belongs to. */
+int indexOfChoice (ParameterRow::IntField field, const char* text)
+{
+    for (const auto& row : parameterTable())
+        if (const auto* const own = std::get_if<ParameterRow::IntField> (&row.field); own != nullptr && *own == field)
+            for (std::size_t i = 0; i < row.choices.size(); ++i)
+                if (std::strcmp (row.choices[i], text) == 0)
+                    return static_cast<int> (i);
+
+    jassertfalse; // a text in the table above that its parameter does not have
+    return 0;
+}
+
+FactoryProgram makeProgram (const ProgramRow& row)
+{
+    using Snapshot = ParameterSnapshot;
+
+    FactoryProgram program;
+    program.name = row.strip.name;
+
+    auto& s = program.snapshot;
+    const auto choose = [&s] (ParameterRow::IntField field, const char* text)
+    { s.*field = indexOfChoice (field, text); };
+
+    s.thd = row.strip.thd;
+    s.gain = row.strip.gain;
+    s.unity = row.strip.unity;
+    choose (&Snapshot::highFreq, row.strip.highFreq);
+    choose (&Snapshot::highGain, row.strip.highGain);
+    choose (&Snapshot::midFreq, row.strip.midFreq);
+    s.midGain = row.strip.midGain;
+    choose (&Snapshot::midMode, row.strip.midMode);
+    choose (&Snapshot::lowFreq, row.strip.lowFreq);
+    s.lowGain = row.strip.lowGain;
+    choose (&Snapshot::highPass, row.strip.highPass);
+    s.eqPost = row.strip.eqPost;
+
+    s.compMix = row.comp.mix;
+    s.compHPF = row.comp.highPassHz;
+    s.compThreshold = row.comp.threshold;
+    choose (&Snapshot::compRatio, row.comp.ratio);
+    choose (&Snapshot::compAttack, row.comp.attack);
+    choose (&Snapshot::compRelease, row.comp.release);
+    s.compInput = row.comp.input;
+    s.compOutput = row.comp.output;
+    s.compLimit = row.comp.limit;
+    s.compNiveau = row.comp.niveau;
+    s.compNuke = row.comp.smash;
+    s.level = row.comp.level;
+
+    s.expThreshold = row.expander.threshold;
+    s.expRange = row.expander.range;
+    choose (&Snapshot::expAttack, row.expander.attack);
+    s.expRelease = row.expander.releaseSeconds;
+    return program;
+}
+} // namespace
+
+const std::array<FactoryProgram, numFactoryPrograms>& factoryPrograms()
+{
+    static const auto programs = []
+    {
+        std::array<FactoryProgram, numFactoryPrograms> made;
+
+        for (std::size_t i = 0; i < made.size(); ++i)
+            made[i] = makeProgram (programRows[i]);
+
+        return made;
+    }();
+
+    return programs;
+}
+
+} // namespace tarvik

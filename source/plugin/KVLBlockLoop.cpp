@@ -1,0 +1,255 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dsp/RowOperations.h"
+#include "plugin/KVLProcessor.h"
+#include "strip/RampTimes.h"
+
+#include <algorithm>
+
+namespace tarvik
+{
+
+namespace
+{
+/** +60 dBFS. Audio beyond it, or that is no number at all, is held here before any stage can keep it. */
+constexpr float highestSample = 1000.0f;
+} // namespace
+
+//==============================================================================
+void KVLProcessor::prepareToPlay (double sampleRate, int announcedBlockSize)
+{
+    updateGate.acquire();
+
+    maxSliceSize = sliceSize;
+
+    const auto factor = OversamplerBank::usableFactor (oversamplingSetting().getValue());
+    const auto numMain = getChannelCountOfBus (true, 0);
+    preparedMainChannels = numMain;
+
+    prepareDsp (sampleRate, factor, numMain, sliceSize);
+
+    // A host may send more than it announced: slices are cut to 256, so rows of that length always do.
+    const auto rowLength = std::max (announcedBlockSize, static_cast<int> (sliceSize));
+    gainRows.setSize (numGainRows, rowLength, false, true, true);
+
+    updateDsp (true);
+    resetDsp();
+
+    oversamplers.prepare (std::max (getTotalNumInputChannels(), 2 * numMain), factor, rowLength);
+    latencyDelay.prepare (numMain);
+    inputGainRamp.prepare (rampSteps (sampleRate));
+    outputGainRamp.prepare (rampSteps (sampleRate));
+    bypassFader.prepare (sampleRate, numMain, rowLength);
+
+    updateGate.release ([this] { updateDsp (false); });
+}
+
+void KVLProcessor::releaseResources()
+{
+    maxSliceSize = 0;
+    releaseDsp();
+    oversamplers.release();
+}
+
+//==============================================================================
+void KVLProcessor::processBlock (juce::AudioBuffer<float>& buffer, juce::MidiBuffer&)
+{
+    if (bypassRequested)
+    {
+        bypassFader.wet.set (activeLevel);
+        bypassRequested = false;
+    }
+
+    const juce::ScopedNoDenormals noDenormals;
+
+    if (! licence.permitsAudio() || ! isPrepared())
+    {
+        buffer.clear();
+        return;
+    }
+
+    if (buffer.getNumSamples() == 0)
+        return;
+
+    const auto layout = channelsOf (buffer);
+
+    forEachSlice (buffer, layout,
+                  [&] (float** channels, int, int n)
+                  { processSlice (channels, layout.numMain, layout.numSidechain, n); });
+
+    // What came in on the side chain must not reach the host as output.
+    const auto lastInput = std::min (getTotalNumInputChannels(), buffer.getNumChannels());
+
+    for (int c = getChannelCountOfBus (false, 0); c < lastInput; ++c)
+        buffer.clear (c, 0, buffer.getNumSamples());
+}
+
+void KVLProcessor::processBlockBypassed (juce::AudioBuffer<float>& buffer, juce::MidiBuffer&)
+{
+    if (! bypassRequested)
+    {
+        bypassRequested = true;
+        bypassFader.wet.set (0.0);
+    }
+
+    if (! licence.permitsAudio() || ! isPrepared())
+    {
+        buffer.clear();
+        return;
+    }
+
+    if (buffer.getNumSamples() == 0)
+        return;
+
+    const auto layout = channelsOf (buffer);
+    const auto isFading = ! bypassFader.wet.isIdle(); // once, for the whole block
+
+    if (isFading)
+    {
+        forEachSlice (buffer, layout,
+                      [&] (float** channels, int, int n)
+                      { processSlice (channels, layout.numMain, layout.numSidechain, n); });
+        return;
+    }
+
+    const auto numDelayed = std::min (latencyDelay.getNumChannels(), buffer.getNumChannels());
+
+    forEachSlice (buffer, layout,
+                  [&] (float**, int offset, int n)
+                  {
+                      processBypassedChunk (n, layout.numSidechain, oversamplers.getFactor());
+
+                      for (int c = 0; c < numDelayed; ++c)
+                          latencyDelay.process (c, buffer.getWritePointer (c, offset), n, latencyInUse);
+                  });
+}
+
+//==============================================================================
+KVLProcessor::BlockChannels KVLProcessor::channelsOf (const juce::AudioBuffer<float>& buffer) const
+{
+    const auto inBuffer = buffer.getNumChannels();
+    const auto* const sidechain = getBus (true, 1);
+    const auto isListening = sidechain != nullptr && sidechain->isEnabled() && isSidechainUsed();
+
+    BlockChannels layout;
+    layout.numMain = std::min (preparedMainChannels, static_cast<int> (maxChannels));
+    layout.sidechainStart = std::min (getChannelCountOfBus (true, 0), inBuffer);
+
+    if (isListening)
+    {
+        // A host may change the layout under a running strip; what was prepared for bounds what is used.
+        const auto offered = std::min (getTotalNumInputChannels(), inBuffer) - layout.sidechainStart;
+        const auto room = std::min (oversamplers.getNumChannels(), static_cast<int> (maxChannels)) - layout.numMain;
+        layout.numSidechain = std::max (0, std::min (offered, room));
+    }
+
+    return layout;
+}
+
+template <typename SliceWork>
+void KVLProcessor::forEachSlice (juce::AudioBuffer<float>& buffer, const BlockChannels& layout, SliceWork&& work)
+{
+    const auto numSamples = buffer.getNumSamples();
+    const auto mainInBuffer = std::min (layout.numMain, layout.sidechainStart);
+
+    for (int offset = 0; offset < numSamples; offset += sliceSize)
+    {
+        const auto n = std::min (static_cast<int> (sliceSize), numSamples - offset);
+        float* channels[maxChannels] = {};
+
+        for (int c = 0; c < layout.numMain; ++c)
+        {
+            if (c < mainInBuffer)
+            {
+                channels[c] = buffer.getWritePointer (c, offset);
+            }
+            else
+            {
+                // A main channel that the host has left out is silent, and goes nowhere.
+                channels[c] = gainRows.getWritePointer (spareRow);
+                rows::fill (channels[c], 0.0f, n);
+            }
+        }
+
+        for (int c = 0; c < layout.numSidechain; ++c)
+            channels[layout.numMain + c] = buffer.getWritePointer (layout.sidechainStart + c, offset);
+
+        work (channels, offset, n);
+    }
+}
+
+void KVLProcessor::processSlice (float** channels, int numMain, int numSide, int n)
+{
+    const auto numChannels = numMain + numSide;
+    auto* const inputGain = gainRows.getWritePointer (inputGainRow);
+    auto* const outputGain = gainRows.getWritePointer (outputGainRow);
+    const double calibration = currentSnapshot().calibration;
+
+    for (int c = 0; c < numChannels; ++c)
+        rows::clampToFinite (channels[c], highestSample, n);
+
+    bypassFader.beginSlice (channels, n, latencyDelay, latencyInUse);
+
+    inputGainRamp.fill (inputGain, n);
+    outputGainRamp.fill (outputGain, n);
+
+    for (int c = 0; c < numChannels; ++c)
+    {
+        rows::multiply (channels[c], inputGain, n);
+        rows::scale (channels[c], static_cast<float> (calibration), n);
+    }
+
+    processPreOversampling (channels, n, numSide);
+    processMiddleSection (channels, numMain, numSide, n);
+    processPostOversampling (channels, n, numSide);
+
+    for (int c = 0; c < numMain; ++c)
+    {
+        rows::scale (channels[c], static_cast<float> (1.0 / calibration), n);
+        rows::multiply (channels[c], outputGain, n);
+    }
+
+    bypassFader.endSlice (channels, n);
+}
+
+void KVLProcessor::processMiddleSection (float** channels, int numMain, int numSide, int n)
+{
+    const auto factor = oversamplers.getFactor();
+
+    if (factor <= 1)
+    {
+        processChunk (channels, n, numSide);
+        return;
+    }
+
+    const auto numChannels = numMain + numSide;
+
+    for (int c = 0; c < numChannels; ++c)
+        oversamplers.upsample (c, channels[c], n);
+
+    for (int position = 0; position < factor * n; position += sliceSize)
+    {
+        float* chunk[maxChannels] = {};
+
+        for (int c = 0; c < numChannels; ++c)
+            chunk[c] = oversamplers.processingRow (c) + position;
+
+        processOversampledChunk (chunk, std::min (static_cast<int> (sliceSize), factor * n - position), numSide);
+    }
+
+    for (int c = 0; c < numMain; ++c)
+        oversamplers.downsample (c, channels[c], n);
+}
+
+//==============================================================================
+void KVLProcessor::processPreOversampling (float**, int, int) {}
+
+void KVLProcessor::processOversampledChunk (float** channels, int numSamples, int numSidechainChannels)
+{
+    processChunk (channels, numSamples, numSidechainChannels);
+}
+
+void KVLProcessor::processPostOversampling (float**, int, int) {}
+
+void KVLProcessor::processBypassedChunk (int, int, int) {}
+
+} // namespace tarvik

@@ -1,0 +1,209 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "plugin/KVLProcessor.h"
+
+#include "plugin/EditorInterface.h"
+#include "plugin/FactoryPrograms.h"
+#include "plugin/LibraryStart.h"
+#include "plugin/ParameterTable.h"
+#include "plugin/ProductRecord.h"
+#include "plugin/SettingsFile.h"
+
+#include <cmath>
+
+namespace tarvik
+{
+
+KVLProcessor::KVLProcessor() : AudioProcessor (makeBuses())
+{
+    startLibrary();
+    recordProduct();
+
+    settingsFile.setStorageParameters (settingsFileOptions());
+    setLatencySamples (latencyInUse);
+    makeSettings();
+
+    InstanceBroadcaster::get().addListener (*this);
+}
+
+juce::AudioProcessor::BusesProperties KVLProcessor::makeBuses()
+{
+    const auto stereo = juce::AudioChannelSet::stereo();
+    return BusesProperties()
+        .withInput ("Input", stereo, true)
+        .withOutput ("Output", stereo, true)
+        .withInput ("Sidechain", stereo, true);
+}
+
+KVLProcessor::~KVLProcessor() { InstanceBroadcaster::get().removeListener (*this); }
+
+juce::AudioProcessorEditor* KVLProcessor::createEditor() { return createStripEditor (*this); }
+
+//==============================================================================
+bool KVLProcessor::isBusesLayoutSupported (const BusesLayout& layouts) const
+{
+    const auto main = layouts.getMainInputChannelSet();
+    const auto sidechain = layouts.inputBuses[1]; // the empty set if there is no such bus
+
+    if (main != layouts.getMainOutputChannelSet())
+        return false;
+
+    if (main != juce::AudioChannelSet::mono() && main != juce::AudioChannelSet::stereo())
+        return false;
+
+    if (sidechain == main || sidechain.isDisabled())
+        return true;
+
+    // A VST3 host that offers a side chain of another width is refused, and finds the bus at the main width when it
+    // looks. The query is const by JUCE's signature, while the adjustment is meant.
+    if (wrapperType == wrapperType_VST3)
+    {
+        auto adjusted = layouts;
+        adjusted.inputBuses.getReference (1) = main;
+        const_cast<KVLProcessor*> (this)->setBusesLayout (adjusted); // NOLINT
+    }
+
+    return false;
+}
+
+void KVLProcessor::updateTrackProperties (const TrackProperties& properties)
+{
+    for (auto& slot : slots)
+    {
+        slot.trackName = properties.name;
+        slot.trackColour = properties.colour.getARGB();
+    }
+}
+
+//==============================================================================
+void KVLProcessor::listenToParameters()
+{
+    for (auto* const parameter : getParameters())
+        if (parameter->getCategory() == juce::AudioProcessorParameter::genericParameter)
+            parameter->addListener (this);
+}
+
+void KVLProcessor::parameterValueChanged (int index, float normalisedValue)
+{
+    auto* const parameter = dynamic_cast<juce::RangedAudioParameter*> (getParameters()[index]);
+    const auto field = fieldForParameter (currentSnapshot(), index);
+
+    if (parameter == nullptr || ! field)
+        return;
+
+    if (! std::isfinite (normalisedValue))
+    {
+        parameter->setValue (parameter->convertTo0to1 (field.get()));
+        return;
+    }
+
+    field.set (parameter->convertFrom0to1 (parameter->getValue()));
+
+    if (! ignoreParameterChanges)
+        requestUpdate();
+}
+
+void KVLProcessor::applySnapshot (const ParameterSnapshot& snapshot)
+{
+    ignoreParameterChanges = true;
+
+    for (auto* const p : getParameters())
+    {
+        auto* const parameter = dynamic_cast<juce::RangedAudioParameter*> (p);
+        const auto index = p->getParameterIndex();
+
+        if (parameter == nullptr || index >= numParameters)
+            continue;
+
+        // What a parameter holds lies on its grid, so that is what the wanted value is compared with.
+        const auto wanted = parameter->getNormalisableRange().snapToLegalValue (plainValueOf (snapshot, index));
+        const auto present = parameter->convertFrom0to1 (parameter->getValue());
+
+        if (! std::isfinite (wanted) || wanted == present)
+            continue;
+
+        const auto normalised = parameter->convertTo0to1 (wanted);
+        parameter->setValue (normalised);
+        parameter->sendValueChangedMessageToListeners (normalised);
+    }
+
+    ignoreParameterChanges = false;
+    requestUpdate();
+}
+
+void KVLProcessor::requestUpdate()
+{
+    updateGate.request ([this] { updateDsp (false); });
+}
+
+void KVLProcessor::updateDsp (bool) {}
+
+bool KVLProcessor::isSidechainUsed() const { return false; }
+
+void KVLProcessor::onStateRestored() {}
+
+//==============================================================================
+void KVLProcessor::randomChannel()
+{
+    auto* const channel = dynamic_cast<juce::AudioParameterInt*> (getParameters()[parameterIndex::tolChannel]);
+    const auto* const link = dynamic_cast<juce::AudioParameterBool*> (getParameters()[parameterIndex::tolLink]);
+
+    if (channel == nullptr || link == nullptr) // a broadcast may come before the parameters exist
+        return;
+
+    const auto range = channel->getRange();
+    const auto low = range.getStart();
+    const auto high = std::max (low, range.getEnd());
+    const auto spare = link->get() ? 0 : getChannelCountOfBus (true, 0) - 1;
+
+    juce::Random random;
+    random.setSeedRandomly();
+    const auto drawn = random.nextInt ({ low, std::max (low, high - spare) + 1 });
+
+    channel->beginChangeGesture();
+    *channel = drawn;
+    channel->endChangeGesture();
+}
+
+//==============================================================================
+void KVLProcessor::selectSlot (int index)
+{
+    if (! juce::isPositiveAndBelow (index, static_cast<int> (numSlots)))
+        return;
+
+    currentSlot = index;
+    const auto wanted = currentSnapshot(); // a copy: the parameters write into the slot while it is applied
+    applySnapshot (wanted);
+    updateHostDisplay();
+}
+
+void KVLProcessor::copySlotToOther()
+{
+    const auto other = (currentSlot + 1) % numSlots;
+    slots[static_cast<std::size_t> (other)] = currentSnapshot();
+}
+
+//==============================================================================
+int KVLProcessor::getNumPrograms() { return static_cast<int> (factoryPrograms().size()); }
+
+void KVLProcessor::setCurrentProgram (int index)
+{
+    constexpr juce::uint32 restoreMilliseconds = 500;
+
+    currentProgram = juce::jlimit (0, getNumPrograms() - 1, index);
+
+    // Hosts that restore a project set its program number right behind the state, which must not be overwritten by it.
+    if (juce::Time::getMillisecondCounter() - lastStateLoadTime < restoreMilliseconds)
+        return;
+
+    applySnapshot (factoryPrograms()[static_cast<std::size_t> (currentProgram.get())].snapshot);
+}
+
+const juce::String KVLProcessor::getProgramName (int index)
+{
+    if (! juce::isPositiveAndBelow (index, getNumPrograms()))
+        return {};
+
+    return factoryPrograms()[static_cast<std::size_t> (index)].name;
+}
+
+} // namespace tarvik

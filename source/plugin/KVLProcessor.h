@@ -1,0 +1,276 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "dsp/Ramps.h"
+#include "plugin/BypassFader.h"
+#include "plugin/InstanceBroadcaster.h"
+#include "plugin/LatencyDelay.h"
+#include "plugin/LicenceCheck.h"
+#include "plugin/OversamplerBank.h"
+#include "plugin/ProcessorSetting.h"
+#include "plugin/UpdateGate.h"
+#include "strip/ParameterSnapshot.h"
+
+#include <juce_audio_processors/juce_audio_processors.h>
+
+#include <array>
+#include <atomic>
+
+namespace tarvik
+{
+
+/** Places of the settings in the processor's array. */
+namespace settingIndex
+{
+enum : int
+{
+    calibration,
+    oversampling,
+    analog,
+    uiZoom,
+    limiterSensitivity,
+    meterMode
+};
+} // namespace settingIndex
+
+/** The host-facing side of a strip: buses, parameters, settings, state, programs, and the block loop with input and
+   output gain, calibration, oversampling, latency delay and bypass fade. A concrete strip fills in the operations named
+   ...Dsp and process....
+
+    Threads. Blocks arrive on the host's audio thread. Parameters may change on any thread, on the audio thread too, and
+    reach the model through `updateDsp`, one call at a time and without a wait. Preparing, state, slots, programs and
+    settings belong to the message thread or the host's own state thread.
+*/
+class KVLProcessor : public juce::AudioProcessor,
+                     public juce::AudioProcessorParameter::Listener,
+                     public InstanceBroadcaster::Listener
+{
+public:
+    /** The longest stretch that the strip is given at once, at either rate. */
+    static constexpr int sliceSize = 256;
+
+    static constexpr int numSlots = 2;
+
+    ~KVLProcessor() override;
+
+    //==============================================================================
+    // Slots, programs and settings.
+
+    /** The record that the model listens to. */
+    ParameterSnapshot& currentSnapshot() noexcept { return slots[static_cast<std::size_t> (currentSlot.get())]; }
+
+    const ParameterSnapshot& currentSnapshot() const noexcept
+    {
+        return slots[static_cast<std::size_t> (currentSlot.get())];
+    }
+
+    int getCurrentSlot() const noexcept { return currentSlot; }
+
+    const ParameterSnapshot& getSlot (int index) const noexcept { return slots[static_cast<std::size_t> (index)]; }
+
+    /** Puts slot 0 (A) or 1 (B) in force and tells the host; any other index does nothing. */
+    void selectSlot (int index);
+
+    /** Copies the slot in force, with its read-outs and track, to the other one. The audio does not change. */
+    void copySlotToOther();
+
+    /** Gives every parameter the snapshot's value, without gestures and only where it differs, and then brings the
+       model up to date once. Meters, calibration and track are not touched.
+    */
+    void applySnapshot (const ParameterSnapshot& snapshot);
+
+    /** By the places of `settingIndex`. */
+    AbstractProcessorSetting& getSetting (int index) const { return *settings[index]; }
+
+    int getNumSettings() const noexcept { return settings.size(); }
+
+    ProcessorSetting<double>& calibrationSetting() const { return settingAt<double> (settingIndex::calibration); }
+
+    ProcessorSetting<int>& oversamplingSetting() const { return settingAt<int> (settingIndex::oversampling); }
+
+    ProcessorSetting<bool>& analogSetting() const { return settingAt<bool> (settingIndex::analog); }
+
+    ProcessorSetting<double>& uiZoomSetting() const { return settingAt<double> (settingIndex::uiZoom); }
+
+    float getCalibrationGain() const noexcept { return calibrationGain; }
+
+    /** Draws a new console channel for this instance, inside a gesture; with unlinked sides the last one stays in
+     * range. */
+    void randomChannel();
+
+    //==============================================================================
+    // juce::AudioProcessor.
+
+    void prepareToPlay (double sampleRate, int announcedBlockSize) override;
+    void releaseResources() override;
+    void processBlock (juce::AudioBuffer<float>& buffer, juce::MidiBuffer&) override;
+    void processBlockBypassed (juce::AudioBuffer<float>& buffer, juce::MidiBuffer&) override;
+    using juce::AudioProcessor::processBlock;
+    using juce::AudioProcessor::processBlockBypassed;
+
+    bool isBusesLayoutSupported (const BusesLayout& layouts) const override;
+    void updateTrackProperties (const TrackProperties& properties) override;
+
+    bool acceptsMidi() const override { return false; }
+
+    bool producesMidi() const override { return false; }
+
+    bool isMidiEffect() const override { return false; }
+
+    double getTailLengthSeconds() const override { return 0.0; }
+
+    bool hasEditor() const override { return true; }
+
+    juce::AudioProcessorEditor* createEditor() override;
+
+    int getNumPrograms() override;
+
+    int getCurrentProgram() override { return currentProgram; }
+
+    void setCurrentProgram (int index) override;
+    const juce::String getProgramName (int index) override; // NOLINT: JUCE's own signature
+
+    void changeProgramName (int, const juce::String&) override {}
+
+    void getStateInformation (juce::MemoryBlock& block) override;
+    void setStateInformation (const void* data, int sizeInBytes) override;
+
+    //==============================================================================
+    // Listeners.
+
+    /** Any thread: the field follows the parameter, and the model the field. A value that is not a number is undone. */
+    void parameterValueChanged (int index, float normalisedValue) override;
+
+    void parameterGestureChanged (int, bool) override {}
+
+    /** Message thread. */
+    void handleBroadcast (BroadcastMessage message) override;
+
+protected:
+    KVLProcessor();
+
+    //==============================================================================
+    // What a concrete strip provides. Channel arrays hold the main channels first and the side chain channels behind
+    // them.
+
+    /** Sizes every stage for sampleRate x oversamplingFactor and for calls of at most maxSamples samples. */
+    virtual void prepareDsp (double sampleRate, int oversamplingFactor, int numMainChannels, int maxSamples) = 0;
+
+    /** Ends all moves and clears filters, detectors and delays. */
+    virtual void resetDsp() = 0;
+
+    /** Frees the large work buffers. */
+    virtual void releaseDsp() = 0;
+
+    /** Host rate, once per slice. */
+    virtual void processPreOversampling (float** channels, int numSamples, int numSidechainChannels);
+
+    /** Processing rate, at most 256 samples a call. */
+    virtual void processOversampledChunk (float** channels, int numSamples, int numSidechainChannels);
+
+    /** The body of the strip; without oversampling it gets the slice itself. */
+    virtual void processChunk (float** channels, int numSamples, int numSidechainChannels) = 0;
+
+    /** Host rate, once per slice; the place for meters. */
+    virtual void processPostOversampling (float** channels, int numSamples, int numSidechainChannels);
+
+    /** A slice in full bypass. */
+    virtual void processBypassedChunk (int numSamples, int numSidechainChannels, int oversamplingFactor);
+
+    /** Brings the model up to date with the snapshot in force; any thread, one call at a time. */
+    virtual void updateDsp (bool force);
+
+    /** Whether the snapshot in force listens to the side chain. */
+    virtual bool isSidechainUsed() const;
+
+    /** The end of a state load, whatever came of it. */
+    virtual void onStateRestored();
+
+    //==============================================================================
+    /** The end of a concrete constructor: listens to all parameters of the generic category. */
+    void listenToParameters();
+
+    /** Has `updateDsp (false)` run: now, or on the thread that is at it. Never waits. */
+    void requestUpdate();
+
+    bool isPrepared() const noexcept { return maxSliceSize.get() > 0; }
+
+    template <typename T>
+    ProcessorSetting<T>& settingAt (int index) const
+    {
+        return static_cast<ProcessorSetting<T>&> (*settings[index]);
+    }
+
+    template <typename T>
+    void addSetting (const char* key, T fallback, typename ProcessorSetting<T>::Validator validator,
+                     typename ProcessorSetting<T>::ChangeAction onChange)
+    {
+        settings.add (
+            new ProcessorSetting<T> (settingsFile, key, fallback, std::move (validator), std::move (onChange)));
+    }
+
+    SharedRamp<GeometricRamp> inputGainRamp{ 1.0 };
+    SharedRamp<GeometricRamp> outputGainRamp{ 1.0 };
+    std::array<ParameterSnapshot, numSlots> slots;
+    RelaxedValue<bool> analogOn = true;
+
+private:
+    /** What a block's channels are, taken once per block and held within what was prepared for. */
+    struct BlockChannels
+    {
+        int numMain = 0;      ///< Main channels of the strip.
+        int numSidechain = 0; ///< 0 while nothing listens to it.
+        int sidechainStart = 0;
+    };
+
+    static BusesProperties makeBuses();
+    void makeSettings();
+    void calibrationChanged (double decibels);
+    void oversamplingChanged (int setting);
+    void zoomChanged();
+
+    BlockChannels channelsOf (const juce::AudioBuffer<float>& buffer) const;
+
+    template <typename SliceWork>
+    void forEachSlice (juce::AudioBuffer<float>& buffer, const BlockChannels& layout, SliceWork&& work);
+
+    void processSlice (float** channels, int numMain, int numSide, int n);
+    void processMiddleSection (float** channels, int numMain, int numSide, int n);
+
+    /** Four pointers are enough: stereo and a stereo side chain. */
+    static constexpr int maxChannels = 4;
+
+    enum GainRow : int
+    {
+        spareRow,
+        inputGainRow,
+        outputGainRow,
+        numGainRows
+    };
+
+    std::atomic<bool> ignoreParameterChanges{ false };
+    UpdateGate updateGate;
+
+    juce::AudioBuffer<float> gainRows;
+    juce::ApplicationProperties settingsFile;
+    juce::OwnedArray<AbstractProcessorSetting> settings;
+    RelaxedValue<int> currentSlot = 0;
+    RelaxedValue<int> currentProgram = 0;
+    RelaxedValue<juce::uint32> lastStateLoadTime = 0;
+    bool isFirstStateSave = true;
+
+    OversamplerBank oversamplers;
+    RelaxedValue<int> maxSliceSize = 0; ///< 256 while prepared, 0 otherwise.
+    int preparedMainChannels = 0;
+    LatencyDelay latencyDelay;
+    RelaxedValue<int> latencyInUse = Polyphase::latencySamples;
+    BypassFader bypassFader;
+    bool bypassRequested = false;
+    static constexpr float activeLevel = 1.0f;
+    RelaxedValue<float> calibrationGain = static_cast<float> (ParameterSnapshot::defaultCalibration);
+    LicenceCheck licence;
+
+    JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (KVLProcessor)
+};
+
+} // namespace tarvik

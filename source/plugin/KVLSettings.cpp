@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dsp/Decibels.h"
+#include "plugin/EditorInterface.h"
+#include "plugin/KVLProcessor.h"
+
+#include <algorithm>
+#include <array>
+
+namespace tarvik
+{
+
+namespace
+{
+constexpr double defaultCalibrationDb = 18.0;
+constexpr double lowestCalibrationDb = 16.0;
+constexpr double highestCalibrationDb = 24.0;
+constexpr double highestUsableDb = 100.0; ///< Far beyond any console; keeps a damaged project's value finite.
+constexpr double squareRootOf1Point2 = 1.09544511501033;
+
+constexpr int defaultOversampling = 2;
+constexpr std::array oversamplingFactors{ 1, 2, 4, 8, 16 };
+
+constexpr double defaultZoom = 1.2;
+constexpr double lowestZoom = 0.8;
+constexpr double highestZoom = 1.5;
+} // namespace
+
+void KVLProcessor::makeSettings()
+{
+    addSetting<double> (
+        "Calibration", defaultCalibrationDb,
+        [] (const double& db) { return db >= lowestCalibrationDb && db <= highestCalibrationDb; },
+        [this] (const double& db) { calibrationChanged (db); });
+
+    addSetting<int> (
+        "Oversampling", defaultOversampling,
+        [] (const int& factor) {
+            return std::find (oversamplingFactors.begin(), oversamplingFactors.end(), factor)
+                   != oversamplingFactors.end();
+        },
+        [this] (const int& factor) { oversamplingChanged (factor); });
+
+    addSetting<bool> ("Analog", true, {},
+                      [this] (const bool& isOn)
+                      {
+                          analogOn = isOn;
+
+                          if (isPrepared())
+                              requestUpdate();
+                      });
+
+    addSetting<double> (
+        "UIZoom", defaultZoom, [] (const double& zoom) { return zoom >= lowestZoom && zoom <= highestZoom; },
+        [this] (const double&) { zoomChanged(); });
+}
+
+void KVLProcessor::calibrationChanged (double decibels)
+{
+    const auto gain = static_cast<float> (gainFromDb (decibels) * squareRootOf1Point2);
+
+    // A damaged project may say anything; the strip multiplies by this gain and divides by it again.
+    if (! (decibels <= highestUsableDb) || gain <= 0.0f)
+        return;
+
+    calibrationGain = gain;
+
+    for (auto& slot : slots)
+        slot.calibration = static_cast<double> (gain);
+
+    if (isPrepared())
+        requestUpdate();
+}
+
+void KVLProcessor::oversamplingChanged (int setting)
+{
+    const auto latency = OversamplerBank::latencyOfFactor (OversamplerBank::usableFactor (setting));
+
+    if (! isPrepared())
+    {
+        setLatencySamples (latency);
+        latencyInUse = latency;
+        return;
+    }
+
+    // Both calls take the callback lock only to set the flag: blocks that come meanwhile are silent.
+    suspendProcessing (true);
+    prepareToPlay (getSampleRate(), maxSliceSize);
+    setLatencySamples (latency);
+    updateHostDisplay();
+    latencyInUse = latency;
+    suspendProcessing (false);
+}
+
+void KVLProcessor::zoomChanged()
+{
+    if (auto* const editor = dynamic_cast<ZoomableEditor*> (getActiveEditor()))
+        editor->zoomSettingChanged();
+}
+
+void KVLProcessor::handleBroadcast (BroadcastMessage message)
+{
+    switch (message.type)
+    {
+        case BroadcastMessage::randomChannel:
+            randomChannel();
+            break;
+        case BroadcastMessage::calibration:
+            calibrationSetting().setValue (message.value);
+            break;
+        case BroadcastMessage::oversampling:
+            oversamplingSetting().setValue (message.value);
+            break;
+        case BroadcastMessage::analog:
+            analogSetting().setValue (message.value != 0);
+            break;
+        default:
+            break;
+    }
+}
+
+} // namespace tarvik

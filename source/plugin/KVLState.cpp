@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "plugin/KVLProcessor.h"
+#include "plugin/ParameterTable.h"
+#include "plugin/StateSchema.h"
+
+#include <cmath>
+
+namespace tarvik
+{
+
+namespace
+{
+void writeField (juce::XmlElement& xml, const juce::String& id, const ParameterFieldRef& field)
+{
+    if (field.kind == ParameterFieldKind::Float)
+        xml.setAttribute (id, static_cast<double> (field.get()));
+    else
+        xml.setAttribute (id, juce::roundToInt (field.get()));
+}
+
+/** The attribute's value on the parameter's grid and within its range. What the project does not know, or no number,
+    takes the parameter's default.
+*/
+void readField (const juce::XmlElement& xml, const juce::RangedAudioParameter& parameter,
+                const ParameterFieldRef& field)
+{
+    const auto id = parameterID (parameter);
+    const auto plainDefault = parameter.convertFrom0to1 (parameter.getDefaultValue());
+
+    if (field.kind == ParameterFieldKind::Bool)
+    {
+        field.set (xml.getBoolAttribute (id, plainDefault >= 0.5f) ? 1.0f : 0.0f);
+        return;
+    }
+
+    const auto value = xml.getDoubleAttribute (id, static_cast<double> (plainDefault));
+
+    if (! std::isfinite (value))
+    {
+        field.set (plainDefault);
+        return;
+    }
+
+    const auto& range = parameter.getNormalisableRange();
+    const auto bounded = juce::jlimit (static_cast<double> (range.start), static_cast<double> (range.end), value);
+    const auto isWhole = field.kind == ParameterFieldKind::Int || field.kind == ParameterFieldKind::Choice;
+    const auto plain = static_cast<float> (isWhole ? std::trunc (bounded) : bounded);
+    field.set (range.snapToLegalValue (plain));
+}
+
+/** Calls action (parameter, field) for every parameter that has a field in the snapshot. */
+template <typename Action>
+void forEachField (juce::AudioProcessor& processor, ParameterSnapshot& snapshot, Action&& action)
+{
+    for (auto* const p : processor.getParameters())
+        if (auto* const parameter = dynamic_cast<juce::RangedAudioParameter*> (p))
+            if (const auto field = fieldForParameter (snapshot, p->getParameterIndex()))
+                action (*parameter, field);
+}
+} // namespace
+
+void KVLProcessor::getStateInformation (juce::MemoryBlock& block)
+{
+    juce::XmlElement root (stateSchema::root);
+    root.setAttribute (stateSchema::version, stateSchema::versionText);
+    root.setAttribute (stateSchema::buildDate, juce::Time::getCompilationDate().toISO8601 (true));
+
+    for (int slot = 0; slot < numSlots; ++slot)
+    {
+        auto* const xml = root.createNewChildElement (stateSchema::slotTag (slot));
+        forEachField (*this, slots[static_cast<std::size_t> (slot)],
+                      [xml] (const auto& parameter, const auto& field)
+                      { writeField (*xml, parameterID (parameter), field); });
+    }
+
+    root.setAttribute (stateSchema::currentSlot, currentSlot.get());
+
+    // That host format asks a fresh instance for its state and would keep today's defaults as the project's settings.
+    if (wrapperType != wrapperType_AAX || ! isFirstStateSave)
+        for (const auto* const setting : settings)
+            setting->saveToXml (root);
+
+    copyXmlToBinary (root, block);
+}
+
+void KVLProcessor::setStateInformation (const void* data, int sizeInBytes)
+{
+    isFirstStateSave = false;
+
+    const auto root = getXmlFromBinary (data, sizeInBytes);
+
+    if (root != nullptr && root->hasTagName (stateSchema::root))
+    {
+        for (int slot = 0; slot < numSlots; ++slot)
+            if (const auto* const xml = root->getChildByName (stateSchema::slotTag (slot)))
+                forEachField (*this, slots[static_cast<std::size_t> (slot)],
+                              [xml] (const auto& parameter, const auto& field) { readField (*xml, parameter, field); });
+
+        const auto slot = root->getIntAttribute (stateSchema::currentSlot, currentSlot);
+
+        if (juce::isPositiveAndBelow (slot, static_cast<int> (numSlots)))
+            currentSlot = slot;
+
+        for (auto* const setting : settings)
+            setting->loadFromXml (*root);
+
+        const auto wanted = currentSnapshot(); // a copy: the parameters write into the slot while it is applied
+        applySnapshot (wanted);
+    }
+
+    lastStateLoadTime = juce::Time::getMillisecondCounter();
+    onStateRestored();
+}
+
+} // namespace tarvik

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <vector>
+
+namespace tarvik
+{
+
+/** Delays rows of audio by the latency that the samplers add, so that the dry signal stays in step with the wet one.
+
+    Each channel keeps the last `length` samples, whatever the delay, so that the delay may change at any time. Audio
+    thread, but for `prepare`.
+*/
+class LatencyDelay
+{
+public:
+    /** Samples of history per channel, the longest delay. */
+    static constexpr int length = 52;
+
+    /** While no audio runs: sizes and clears the history. */
+    void prepare (int numChannels);
+
+    int getNumChannels() const noexcept { return numRows; }
+
+    /** Delays n samples of a channel in place by `delay`, which is 0 to `length`. */
+    void process (int channel, float* row, int n, int delay) noexcept;
+
+private:
+    int numRows = 0;
+    std::vector<float> buffer; ///< Per channel 2 x length: the history, and room to join new samples to it.
+};
+
+} // namespace tarvik

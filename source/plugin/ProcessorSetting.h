@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "strip/RelaxedValue.h"
+
+#include <juce_data_structures/juce_data_structures.h>
+
+#include <functional>
+#include <type_traits>
+
+namespace tarvik
+{
+
+/** A choice that is not automated: its value belongs to one instance and travels in the project, its default lives in
+   the user's settings file.
+*/
+class AbstractProcessorSetting
+{
+public:
+    virtual ~AbstractProcessorSetting() = default;
+
+    virtual void loadFromXml (const juce::XmlElement& xml) = 0;
+    virtual void saveToXml (juce::XmlElement& xml) const = 0;
+};
+
+/** A setting of type int, double or bool.
+
+    The value may be read from any thread; everything else belongs to the message thread or to the host's state thread.
+   A value that comes in through `setValue` or a project is taken as it is: whoever uses it bounds it.
+*/
+template <typename T>
+class ProcessorSetting final : public AbstractProcessorSetting
+{
+public:
+    static_assert (std::is_same_v<T, int> || std::is_same_v<T, double> || std::is_same_v<T, bool>);
+
+    using Validator = std::function<bool (const T&)>;
+    using ChangeAction = std::function<void (const T&)>;
+
+    /** Starts at the fallback and then takes the stored default, with the change action if it differs.
+
+        key          name in the settings file and of the attribute in the state
+        fallback     the compiled default
+        validator    refuses a stored default; an empty one accepts everything
+        onChange     runs after each change of the value, on the thread of the change; may be empty
+    */
+    ProcessorSetting (juce::ApplicationProperties& file, juce::String settingKey, T fallbackValue,
+                      Validator acceptsStored, ChangeAction changeAction)
+        : properties (file), key (std::move (settingKey)), fallback (fallbackValue),
+          validator (std::move (acceptsStored)), onChange (std::move (changeAction)), value (fallbackValue)
+    {
+        setValue (storedDefault());
+    }
+
+    T getValue() const noexcept { return value; }
+
+    T getFallback() const noexcept { return fallback; }
+
+    const juce::String& getKey() const noexcept { return key; }
+
+    void setValue (T newValue)
+    {
+        if (newValue == value.get())
+            return;
+
+        value = newValue;
+
+        if (onChange)
+            onChange (newValue);
+    }
+
+    /** The user's default as the file holds it now, whichever instance wrote it; the compiled one where the file has
+       none or one that is refused.
+    */
+    T storedDefault() const
+    {
+        auto& file = reloadedFile();
+        T stored = fallback;
+
+        if constexpr (std::is_same_v<T, int>)
+            stored = file.getIntValue (key, fallback);
+        else if constexpr (std::is_same_v<T, double>)
+            stored = file.getDoubleValue (key, fallback);
+        else
+            stored = file.getBoolValue (key, fallback);
+
+        return ! validator || validator (stored) ? stored : fallback;
+    }
+
+    /** Writes a default for new instances at once; the value of this one stays. False if the file cannot be written. */
+    bool saveAsDefault (T newDefault)
+    {
+        reloadedFile().setValue (key, newDefault);
+        return properties.saveIfNeeded();
+    }
+
+    void loadFromXml (const juce::XmlElement& xml) override
+    {
+        setValue (xml.hasAttribute (key) ? read (xml) : storedDefault());
+    }
+
+    void saveToXml (juce::XmlElement& xml) const override
+    {
+        if constexpr (std::is_same_v<T, bool>)
+            xml.setAttribute (key, static_cast<int> (value.get()));
+        else
+            xml.setAttribute (key, value.get());
+    }
+
+private:
+    T read (const juce::XmlElement& xml) const
+    {
+        if constexpr (std::is_same_v<T, int>)
+            return xml.getIntAttribute (key);
+        else if constexpr (std::is_same_v<T, double>)
+            return xml.getDoubleAttribute (key);
+        else
+            return xml.getBoolAttribute (key);
+    }
+
+    /** Each instance keeps a copy of the file: without reading it again, one would overwrite what another has saved. */
+    juce::PropertiesFile& reloadedFile() const
+    {
+        auto* const file = properties.getUserSettings();
+        jassert (file != nullptr);
+        file->reload();
+        return *file;
+    }
+
+    juce::ApplicationProperties& properties;
+    const juce::String key;
+    const T fallback;
+    const Validator validator;
+    const ChangeAction onChange;
+    RelaxedValue<T> value;
+};
+
+} // namespace tarvik

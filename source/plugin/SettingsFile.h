@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <juce_data_structures/juce_data_structures.h>
+
+namespace tarvik
+{
+
+/** Where the user's defaults for all instances live: "Tarvik 41 Channel.settings" in a folder "Tarvik Plugins" of the
+   user's application data, as XML. On Linux that is under $XDG_CONFIG_HOME, or ~/.config where the variable is not set.
+*/
+juce::PropertiesFile::Options settingsFileOptions();
+
+} // namespace tarvik

@@ -1,0 +1,252 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <gtest/gtest.h>
+#include <juce_core/juce_core.h>
+#include <pluginterfaces/base/ipluginbase.h>
+#include <pluginterfaces/vst/ivstaudioprocessor.h>
+#include <pluginterfaces/vst/ivstcomponent.h>
+#include <pluginterfaces/vst/ivsteditcontroller.h>
+#include <pluginterfaces/vst/ivstmessage.h>
+#include <pluginterfaces/vst/ivstunits.h>
+
+#include <cstring>
+#include <dlfcn.h>
+#include <memory>
+#include <string>
+
+namespace tarvik
+{
+
+using namespace Steinberg;
+
+namespace
+{
+/** The built module, opened as a host opens it. */
+class Module
+{
+public:
+    Module() : handle (dlopen (TARVIK_MODULE, RTLD_NOW | RTLD_LOCAL))
+    {
+        if (handle != nullptr && entry<bool (*) (void*)> ("ModuleEntry") (handle))
+            getFactory = entry<IPluginFactory* (*) ()> ("GetPluginFactory");
+    }
+
+    ~Module()
+    {
+        if (getFactory != nullptr)
+            entry<bool (*)()> ("ModuleExit")();
+
+        if (handle != nullptr)
+            dlclose (handle);
+    }
+
+    Module (const Module&) = delete;
+    Module& operator= (const Module&) = delete;
+
+    template <typename Function>
+    Function entry (const char* name) const
+    {
+        return reinterpret_cast<Function> (dlsym (handle, name));
+    }
+
+    void* handle = nullptr;
+    IPluginFactory* (*getFactory)() = nullptr;
+};
+
+/** A reference that the host holds and gives back. */
+struct GiveBack
+{
+    void operator() (FUnknown* object) const { object->release(); }
+};
+
+template <typename Interface>
+using Held = std::unique_ptr<Interface, GiveBack>;
+
+template <typename Interface>
+Held<Interface> query (FUnknown& object, const TUID iid)
+{
+    void* result = nullptr;
+    return Held<Interface> (object.queryInterface (iid, &result) == kResultOk ? static_cast<Interface*> (result)
+                                                                              : nullptr);
+}
+
+template <typename Interface>
+Held<Interface> create (IPluginFactory& factory, const TUID cid, const TUID iid)
+{
+    void* result = nullptr;
+    factory.createInstance (cid, iid, &result);
+    return Held<Interface> (static_cast<Interface*> (result));
+}
+
+/** A class identifier from its four words, by the interface's rule for inline identifiers. */
+std::string identifier (uint32 word1, uint32 word2)
+{
+    constexpr uint32 manufacturer = 0x516d7278; // "Qmrx"
+    constexpr uint32 plugin = 0x54564368;       // "TVCh"
+    const TUID uid = INLINE_UID (word1, word2, manufacturer, plugin);
+    return { uid, sizeof (TUID) };
+}
+
+const auto componentId = identifier (0xABCDEF01, 0x9182FAEB);
+const auto controllerId = identifier (0xABCDEF01, 0x1234ABCD);
+
+std::string text (const Vst::String128& wide)
+{
+    return juce::String (juce::CharPointer_UTF16 (reinterpret_cast<const juce::CharPointer_UTF16::CharType*> (wide)))
+        .toStdString();
+}
+} // namespace
+
+TEST (Module, ExportsItsEntriesAndTheStringsAndCodesThatHostsKeep)
+{
+    Module module;
+    ASSERT_NE (module.getFactory, nullptr) << dlerror();
+    EXPECT_TRUE (module.entry<bool (*)()> ("InitDll")());
+    EXPECT_TRUE (module.entry<bool (*)()> ("ExitDll")());
+    EXPECT_EQ (dlsym (module.handle, "createPluginFilter"), nullptr) << "only the entries may be visible";
+
+    auto* const first = module.getFactory();
+    const Held<IPluginFactory> factory (first);
+    EXPECT_EQ (module.getFactory(), first) << "one factory for the whole module";
+    EXPECT_EQ (first->addRef(), 3u);
+    first->release();
+    EXPECT_EQ (first->release(), 1u);
+
+    PFactoryInfo info;
+    ASSERT_EQ (factory->getFactoryInfo (&info), kResultOk);
+    EXPECT_STREQ (info.vendor, "Nomvale");
+    EXPECT_EQ (info.flags, PFactoryInfo::kUnicode);
+
+    ASSERT_EQ (factory->countClasses(), 2);
+    const auto factory2 = query<IPluginFactory2> (*factory, INLINE_UID_OF (IPluginFactory2));
+    ASSERT_NE (factory2, nullptr);
+
+    const std::pair<const char*, std::string> classes[] = { { "Audio Module Class", componentId },
+                                                            { "Component Controller Class", controllerId } };
+
+    for (int32 i = 0; i < 2; ++i)
+    {
+        PClassInfo2 record;
+        ASSERT_EQ (factory2->getClassInfo2 (i, &record), kResultOk);
+        EXPECT_EQ (std::string (record.cid, sizeof (TUID)), classes[i].second);
+        EXPECT_STREQ (record.category, classes[i].first);
+        EXPECT_STREQ (record.name, "Tarvik 41 Channel");
+        EXPECT_STREQ (record.vendor, "Nomvale");
+        EXPECT_STREQ (record.subCategories, "Fx|Channel Strip");
+        EXPECT_STREQ (record.version, "1.0.0");
+        EXPECT_STREQ (record.sdkVersion, "VST 3.7.2");
+        EXPECT_EQ (record.cardinality, PClassInfo::kManyInstances);
+        EXPECT_EQ (record.classFlags, 0u);
+    }
+}
+
+TEST (Module, ComponentHasThreeBusesNoEventsAndItsLatency)
+{
+    Module module;
+    ASSERT_NE (module.getFactory, nullptr);
+    const Held<IPluginFactory> factory (module.getFactory());
+    const auto component = create<Vst::IComponent> (*factory, componentId.data(), INLINE_UID_OF (Vst::IComponent));
+    ASSERT_NE (component, nullptr);
+    ASSERT_EQ (component->initialize (nullptr), kResultOk);
+
+    EXPECT_EQ (component->getBusCount (Vst::kEvent, Vst::kInput), 0);
+    EXPECT_EQ (component->getBusCount (Vst::kEvent, Vst::kOutput), 0);
+    ASSERT_EQ (component->getBusCount (Vst::kAudio, Vst::kInput), 2);
+    ASSERT_EQ (component->getBusCount (Vst::kAudio, Vst::kOutput), 1);
+
+    struct Expected
+    {
+        Vst::BusDirection direction;
+        int32 index;
+        const char* name;
+        Vst::BusType type;
+    };
+
+    for (const auto& expected :
+         { Expected{ Vst::kInput, 0, "Input", Vst::kMain }, Expected{ Vst::kOutput, 0, "Output", Vst::kMain },
+           Expected{ Vst::kInput, 1, "Sidechain", Vst::kAux } })
+    {
+        Vst::BusInfo bus;
+        ASSERT_EQ (component->getBusInfo (Vst::kAudio, expected.direction, expected.index, bus), kResultOk);
+        EXPECT_EQ (text (bus.name), expected.name);
+        EXPECT_EQ (bus.busType, expected.type);
+        EXPECT_EQ (bus.channelCount, 2);
+        EXPECT_TRUE (bus.flags & Vst::BusInfo::kDefaultActive) << expected.name;
+    }
+
+    const auto processor = query<Vst::IAudioProcessor> (*component, INLINE_UID_OF (Vst::IAudioProcessor));
+    ASSERT_NE (processor, nullptr);
+    EXPECT_EQ (processor->getLatencySamples(), 52u);
+    EXPECT_EQ (processor->getTailSamples(), Vst::kNoTail);
+    EXPECT_EQ (processor->canProcessSampleSize (Vst::kSample32), kResultTrue);
+    EXPECT_EQ (processor->canProcessSampleSize (Vst::kSample64), kResultFalse);
+
+    using Vst::SpeakerArr::kMono;
+    using Vst::SpeakerArr::kStereo;
+    Vst::SpeakerArrangement monoIn[] = { kMono, kMono };
+    Vst::SpeakerArrangement wideSidechain[] = { kMono, kStereo };
+    Vst::SpeakerArrangement monoOut = kMono;
+    EXPECT_EQ (processor->setBusArrangements (monoIn, 2, &monoOut, 1), kResultTrue);
+    EXPECT_EQ (processor->setBusArrangements (wideSidechain, 2, &monoOut, 1), kResultFalse);
+    Vst::SpeakerArrangement now = 0;
+    processor->getBusArrangement (Vst::kInput, 1, now);
+    EXPECT_EQ (now, kMono) << "the refused side chain follows the main width";
+    component->terminate();
+}
+
+TEST (Module, ControllerShowsTheParametersTheBypassAndTheProgramsToAHost)
+{
+    Module module;
+    ASSERT_NE (module.getFactory, nullptr);
+    const Held<IPluginFactory> factory (module.getFactory());
+    const auto component = create<Vst::IComponent> (*factory, componentId.data(), INLINE_UID_OF (Vst::IComponent));
+    const auto controller =
+        create<Vst::IEditController> (*factory, controllerId.data(), INLINE_UID_OF (Vst::IEditController));
+    ASSERT_NE (component, nullptr);
+    ASSERT_NE (controller, nullptr);
+    ASSERT_EQ (component->initialize (nullptr), kResultOk);
+    ASSERT_EQ (controller->initialize (nullptr), kResultOk);
+
+    TUID itsController{};
+    ASSERT_EQ (component->getControllerClassId (itsController), kResultOk);
+    EXPECT_EQ (std::string (itsController, sizeof (TUID)), controllerId);
+
+    const auto componentEnd = query<Vst::IConnectionPoint> (*component, INLINE_UID_OF (Vst::IConnectionPoint));
+    const auto controllerEnd = query<Vst::IConnectionPoint> (*controller, INLINE_UID_OF (Vst::IConnectionPoint));
+    ASSERT_NE (componentEnd, nullptr);
+    ASSERT_NE (controllerEnd, nullptr);
+    componentEnd->connect (controllerEnd.get());
+    controllerEnd->connect (componentEnd.get());
+
+    constexpr int32 ownParameters = 42;
+    ASSERT_EQ (controller->getParameterCount(), ownParameters + 2);
+
+    Vst::ParameterInfo parameter;
+    controller->getParameterInfo (25, parameter);
+    EXPECT_EQ (text (parameter.title), "Comp Smash");
+    EXPECT_EQ (parameter.id, static_cast<uint32> (juce::String ("compNuke").hashCode()) & 0x7fffffffu)
+        << "projects keep automation under this number";
+    EXPECT_TRUE (parameter.flags & Vst::ParameterInfo::kCanAutomate);
+    EXPECT_EQ (parameter.stepCount, 1);
+
+    controller->getParameterInfo (ownParameters, parameter);
+    EXPECT_EQ (text (parameter.title), "Bypass");
+    controller->getParameterInfo (ownParameters + 1, parameter);
+    EXPECT_EQ (text (parameter.title), "Program");
+    EXPECT_EQ (parameter.stepCount, 25);
+
+    const auto units = query<Vst::IUnitInfo> (*controller, INLINE_UID_OF (Vst::IUnitInfo));
+    ASSERT_NE (units, nullptr);
+    Vst::ProgramListInfo programs;
+    ASSERT_EQ (units->getProgramListInfo (0, programs), kResultOk);
+    EXPECT_EQ (programs.programCount, 26);
+    Vst::String128 name{};
+    units->getProgramName (programs.id, 25, name);
+    EXPECT_EQ (text (name), "Vox Rap 3 Aggressive");
+
+    componentEnd->disconnect (controllerEnd.get());
+    controllerEnd->disconnect (componentEnd.get());
+    controller->terminate();
+    component->terminate();
+}
+
+} // namespace tarvik

@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "plugin/ParameterTable.h"
+#include "tests/support/StripTestTools.h"
+
+#include <limits>
+
+namespace tarvik
+{
+
+using namespace test;
+
+namespace
+{
+struct CountingListener : juce::AudioProcessorListener
+{
+    void audioProcessorParameterChanged (juce::AudioProcessor*, int, float) override { ++changes; }
+
+    void audioProcessorChanged (juce::AudioProcessor*, const ChangeDetails&) override {}
+
+    int changes = 0;
+};
+
+juce::String textOf (juce::AudioProcessor& strip, const char* id, float plain)
+{
+    auto& p = parameter (strip, id);
+    return p.getText (p.convertTo0to1 (plain), 5);
+}
+
+float fromText (juce::AudioProcessor& strip, const char* id, const char* typed)
+{
+    auto& p = parameter (strip, id);
+    return p.convertFrom0to1 (p.getValueForText (typed));
+}
+} // namespace
+
+TEST (Parameters, IdsAndOrderAreThoseThatProjectsAreStoredWith)
+{
+    const char* const ids[] = {
+        "thd",        "gain",      "pad",           "unity",      "highFreq",   "highGain",         "midFreq",
+        "midGain",    "midMode",   "lowFreq",       "lowGain",    "equalizer",  "eqPost",           "highPass",
+        "compMix",    "compHPF",   "compThreshold", "compRatio",  "compAttack", "compRelease",      "compInput",
+        "compOutput", "compLimit", "compIn",        "compNiveau", "compNuke",   "compExtSideChain", "expThreshold",
+        "expRange",   "expAttack", "expRelease",    "expMode",    "expHold",    "expInverted",      "expExtSideChain",
+        "mute",       "phase",     "level",         "inLevel",    "outLevel",   "TolChannel",       "TolLink"
+    };
+    Tarvik41Processor strip;
+    ASSERT_EQ (strip.getParameters().size(), static_cast<int> (std::size (ids)));
+
+    for (int i = 0; i < strip.getParameters().size(); ++i)
+    {
+        EXPECT_EQ (parameterID (*strip.getParameters()[i]), ids[i]);
+        EXPECT_TRUE (strip.getParameters()[i]->isAutomatable());
+    }
+
+    juce::AudioProcessor::setTypeOfNextNewPlugin (juce::AudioProcessor::wrapperType_AAX);
+    Tarvik41Processor inAax;
+    juce::AudioProcessor::setTypeOfNextNewPlugin (juce::AudioProcessor::wrapperType_Undefined);
+    ASSERT_EQ (inAax.getParameters().size(), 43);
+    EXPECT_EQ (parameterID (*inAax.getParameters()[42]), "gainReduction");
+}
+
+TEST (Parameters, EachReachesItsOwnFieldAndNoOther)
+{
+    Tarvik41Processor strip;
+    auto previous = strip.currentSnapshot();
+
+    for (int i = 0; i < numParameters; ++i)
+    {
+        auto& p = *dynamic_cast<juce::RangedAudioParameter*> (strip.getParameters()[i]);
+        EXPECT_FLOAT_EQ (plainValueOf (previous, i), p.convertFrom0to1 (p.getDefaultValue())) << p.paramID;
+
+        p.setValueNotifyingHost (p.getValue() > 0.5f ? 0.0f : 1.0f);
+
+        for (int j = 0; j < numParameters; ++j)
+            EXPECT_EQ (plainValueOf (strip.currentSnapshot(), j) != plainValueOf (previous, j), i == j)
+                << p.paramID << " and field " << j;
+
+        previous = strip.currentSnapshot();
+    }
+
+    const ParameterSnapshot& snapshot = strip.currentSnapshot();
+    EXPECT_EQ (snapshot.compNuke.get(), true);
+    EXPECT_EQ (snapshot.lowFreq.get(), 9);
+    EXPECT_EQ (snapshot.level.get(), -80.0f) << "its default lies above the middle of the travel";
+    EXPECT_EQ (snapshot.tolChannel.get(), 32);
+    EXPECT_EQ (fieldForParameter (strip.currentSnapshot(), 43).kind, ParameterFieldKind::None);
+    EXPECT_EQ (fieldForParameter (strip.currentSnapshot(), -1).kind, ParameterFieldKind::None);
+}
+
+TEST (Parameters, TextRulesReadLikeTheConsoleAndReadBack)
+{
+    Tarvik41Processor strip;
+
+    struct Case
+    {
+        const char* id;
+        float plain;
+        const char* text;
+    };
+
+    for (const auto& c :
+         { Case{ "midGain", 0.0f, "0.00" }, Case{ "midGain", 1.0f, "15.42" }, Case{ "lowGain", 0.0f, "0.00" },
+           Case{ "lowGain", 0.2f, "3.34" }, Case{ "lowGain", 1.0f, "15.42" }, Case{ "compMix", 1.0f, "100 %" },
+           Case{ "compMix", 0.476f, "48 %" }, Case{ "compHPF", 20.0f, "Off" }, Case{ "compHPF", 123.4f, "123.4 Hz" },
+           Case{ "expRelease", 0.3f, "0.300" }, Case{ "level", -80.0f, "-80.0" }, Case{ "thd", 0.0f, "0.00" },
+           Case{ "lowFreq", 8.0f, "-12 dB" }, Case{ "expMode", 2.0f, "Gate" }, Case{ "TolChannel", 17.0f, "17" } })
+        EXPECT_EQ (textOf (strip, c.id, c.plain), c.text) << c.id;
+
+    for (int i = 0; i <= 100; ++i)
+        for (const auto* id : { "midGain", "lowGain" })
+        {
+            const auto x = static_cast<float> (i) / 100.0f;
+            const auto text = textOf (strip, id, x);
+            EXPECT_NEAR (fromText (strip, id, text.toRawUTF8()), x, 0.0101f) << id << " " << text;
+        }
+
+    EXPECT_FLOAT_EQ (fromText (strip, "compHPF", "Off"), 20.0f);
+    EXPECT_NEAR (fromText (strip, "compHPF", "90.0 Hz"), 90.0f, 0.01f);
+    EXPECT_FLOAT_EQ (fromText (strip, "compMix", "47 %"), 0.47f);
+    EXPECT_FLOAT_EQ (fromText (strip, "midGain", "15.42 dB"), 1.0f);
+    EXPECT_FLOAT_EQ (fromText (strip, "midGain", "-100"), 0.0f) << "no level is the lower end, not a number gone bad";
+    EXPECT_EQ (decimalText (-0.001f, 2), "0.00");
+}
+
+TEST (Parameters, TravelsAreTheFadersAndTheLogarithmic)
+{
+    Tarvik41Processor strip;
+    auto& level = parameter (strip, "level");
+    EXPECT_FLOAT_EQ (level.convertFrom0to1 (0.5f), -10.0f);
+    EXPECT_FLOAT_EQ (level.convertFrom0to1 (0.125f), -40.0f);
+    EXPECT_FLOAT_EQ (level.convertFrom0to1 (0.75f), 0.0f);
+    EXPECT_FLOAT_EQ (level.convertTo0to1 (-25.0f), 0.3125f);
+
+    auto& release = parameter (strip, "expRelease");
+    EXPECT_FLOAT_EQ (release.convertFrom0to1 (0.5f), 0.2f);
+    EXPECT_EQ (release.convertFrom0to1 (1.0f), 1.6f);
+    EXPECT_EQ (release.convertFrom0to1 (0.0f), 0.025f);
+
+    EXPECT_NEAR (parameter (strip, "compHPF").convertFrom0to1 (0.5f), 90.0f, 0.01f);
+
+    for (const auto& row : parameterTable())
+        for (int i = 0; i <= 1000; ++i)
+        {
+            auto& p = parameter (strip, row.id);
+            const auto plain = p.convertFrom0to1 (static_cast<float> (i) / 1000.0f);
+            ASSERT_FLOAT_EQ (p.convertFrom0to1 (p.convertTo0to1 (plain)), plain) << row.id << " at " << i;
+        }
+}
+
+TEST (Parameters, WhatIsNoNumberIsIgnoredByEveryKind)
+{
+    for (const auto bad : { std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity() })
+        for (const auto* id : { "gain", "pad", "lowFreq", "TolChannel", "expRelease", "level" })
+        {
+            Tarvik41Processor strip;
+            auto& p = parameter (strip, id);
+            p.setValueNotifyingHost (0.7f);
+            const auto before = p.convertFrom0to1 (p.getValue());
+            const auto field = plainValueOf (strip.currentSnapshot(), p.getParameterIndex());
+
+            p.setValueNotifyingHost (bad);
+            EXPECT_EQ (p.convertFrom0to1 (p.getValue()), before) << id;
+            EXPECT_EQ (plainValueOf (strip.currentSnapshot(), p.getParameterIndex()), field) << id;
+        }
+}
+
+TEST (Parameters, ApplyingWhatTheyHoldTellsNobodyAndAForeignRecordReachesAll)
+{
+    Tarvik41Processor strip;
+    std::mt19937 random (3);
+
+    for (auto* const p : strip.getParameters())
+        p->setValueNotifyingHost (static_cast<float> (random() % 1000) / 999.0f);
+
+    const auto held = strip.currentSnapshot();
+    CountingListener host;
+    strip.addListener (&host);
+    strip.applySnapshot (held);
+    EXPECT_EQ (host.changes, 0);
+
+    ParameterSnapshot other;
+    other.trackName = "not a parameter";
+    other.calibration = 1.0;
+    strip.applySnapshot (other);
+    EXPECT_GT (host.changes, 30);
+    EXPECT_EQ (strip.currentSnapshot().trackName, juce::String());
+    EXPECT_EQ (strip.currentSnapshot().calibration.get(), ParameterSnapshot::defaultCalibration);
+
+    for (int i = 0; i < numParameters; ++i)
+        EXPECT_FLOAT_EQ (plainValueOf (strip.currentSnapshot(), i), plainValueOf (other, i)) << i;
+
+    strip.removeListener (&host);
+}
+
+} // namespace tarvik

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "plugin/FactoryPrograms.h"
+#include "plugin/ParameterTable.h"
+#include "tests/support/StripTestTools.h"
+
+namespace tarvik
+{
+
+using namespace test;
+
+TEST (Programs, TwentySixWithDefaultsFirst)
+{
+    Tarvik41Processor strip;
+    EXPECT_EQ (strip.getNumPrograms(), 26);
+    EXPECT_EQ (strip.getProgramName (0), "Default");
+    EXPECT_EQ (strip.getProgramName (17), "Snare 1");
+    EXPECT_EQ (strip.getProgramName (26), "");
+
+    const ParameterSnapshot defaults;
+    for (int i = 0; i < numParameters; ++i)
+        EXPECT_EQ (plainValueOf (factoryPrograms()[0].snapshot, i), plainValueOf (defaults, i)) << i;
+}
+
+TEST (Programs, SettleEveryParameterOfTheSlotInForceAndClampTheirNumber)
+{
+    Tarvik41Processor strip;
+    setPlain (strip, "TolChannel", 9.0f);
+    setPlain (strip, "mute", 1.0f);
+    strip.selectSlot (1);
+    strip.setCurrentProgram (17);
+
+    const auto& b = strip.getSlot (1);
+    EXPECT_EQ (b.midMode.get(), 0);
+    EXPECT_EQ (b.lowFreq.get(), 1);
+    EXPECT_FLOAT_EQ (b.gain, 6.01f);
+    EXPECT_EQ (b.compAttack.get(), 1);
+    EXPECT_EQ (b.highPass.get(), 2);
+    EXPECT_FLOAT_EQ (b.expThreshold, -37.68f);
+    EXPECT_EQ (strip.getSlot (0).tolChannel.get(), 9) << "the other slot is left alone";
+
+    strip.setCurrentProgram (-1);
+    EXPECT_EQ (strip.getCurrentProgram(), 0);
+    strip.setCurrentProgram (100);
+    EXPECT_EQ (strip.getCurrentProgram(), 25);
+    EXPECT_EQ (b.compNuke.get(), true);
+    EXPECT_EQ (b.lowFreq.get(), 8);
+    EXPECT_FLOAT_EQ (b.midGain, 0.88f);
+}
+
+TEST (Programs, ProgramRightBehindAStateLoadDoesNotOverwriteIt)
+{
+    Tarvik41Processor strip;
+    setPlain (strip, "gain", 7.0f);
+    juce::MemoryBlock state;
+    strip.getStateInformation (state);
+    strip.setStateInformation (state.getData(), static_cast<int> (state.getSize()));
+
+    strip.setCurrentProgram (5);
+    EXPECT_EQ (strip.getCurrentProgram(), 5);
+    EXPECT_FLOAT_EQ (plainOf (strip, "gain"), 7.0f);
+
+    juce::Thread::sleep (510);
+    strip.setCurrentProgram (5);
+    EXPECT_FLOAT_EQ (plainOf (strip, "gain"), 10.58f);
+}
+
+} // namespace tarvik

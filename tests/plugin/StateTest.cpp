@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "plugin/ParameterTable.h"
+#include "tests/support/StripTestTools.h"
+
+namespace tarvik
+{
+
+using namespace test;
+
+namespace
+{
+juce::MemoryBlock saved (Tarvik41Processor& strip)
+{
+    juce::MemoryBlock block;
+    strip.getStateInformation (block);
+    return block;
+}
+
+void load (Tarvik41Processor& strip, const juce::MemoryBlock& block)
+{
+    strip.setStateInformation (block.getData(), static_cast<int> (block.getSize()));
+}
+
+/** Saves, lets `change` alter the document, and loads it into the strip. */
+template <typename Change>
+void loadChanged (Tarvik41Processor& strip, Change&& change)
+{
+    const auto block = saved (strip);
+    const auto xml = juce::AudioProcessor::getXmlFromBinary (block.getData(), static_cast<int> (block.getSize()));
+    ASSERT_NE (xml, nullptr);
+    change (*xml);
+    juce::MemoryBlock changed;
+    juce::AudioProcessor::copyXmlToBinary (*xml, changed);
+    load (strip, changed);
+}
+} // namespace
+
+TEST (State, BothSlotsAndAllSettingsComeBackByteForByte)
+{
+    Tarvik41Processor original;
+    std::mt19937 random (17);
+
+    for (int slot = 0; slot < 2; ++slot)
+    {
+        original.selectSlot (slot);
+
+        for (auto* const p : original.getParameters())
+            p->setValueNotifyingHost (static_cast<float> (random() % 1000) / 999.0f);
+    }
+
+    original.calibrationSetting().setValue (21.0);
+    original.oversamplingSetting().setValue (8);
+    original.analogSetting().setValue (false);
+    original.limiterSensitivitySetting().setValue (1);
+
+    const auto block = saved (original);
+    Tarvik41Processor reopened;
+    load (reopened, block);
+    EXPECT_EQ (saved (reopened), block);
+    EXPECT_EQ (reopened.getCurrentSlot(), 1);
+    EXPECT_EQ (reopened.getLatencySamples(), 52);
+
+    for (int i = 0; i < numParameters; ++i)
+    {
+        EXPECT_EQ (plainValueOf (reopened.getSlot (0), i), plainValueOf (original.getSlot (0), i)) << i;
+        EXPECT_EQ (plainValueOf (reopened.getSlot (1), i), plainValueOf (original.getSlot (1), i)) << i;
+    }
+
+    EXPECT_FLOAT_EQ (plainOf (reopened, "gain"), original.getSlot (1).gain) << "the parameters show the slot in force";
+    EXPECT_EQ (reopened.getCalibrationGain(), original.getCalibrationGain());
+}
+
+TEST (State, MissingBadAndForeignFieldsTakeDefaultsAndStayInRange)
+{
+    Tarvik41Processor strip;
+    setPlain (strip, "gain", 9.0f);
+    setPlain (strip, "lowFreq", 2.0f);
+    setPlain (strip, "pad", 1.0f);
+
+    loadChanged (strip,
+                 [] (juce::XmlElement& xml)
+                 {
+                     auto& a = *xml.getChildByName ("data0");
+                     a.removeAttribute ("gain");
+                     a.setAttribute ("lowFreq", "99");
+                     a.setAttribute ("midFreq", "-3");
+                     a.setAttribute ("thd", "nan");
+                     a.setAttribute ("level", "inf");
+                     a.setAttribute ("expRelease", "1e9");
+                     a.setAttribute ("compNuke", 1);
+                     a.setAttribute ("noSuchThing", 5);
+                     xml.deleteAllChildElementsWithTagName ("data1");
+                     xml.setAttribute ("currentData", 7);
+                     xml.setAttribute ("Calibration", "nan");
+                     xml.setAttribute ("Oversampling", 1000000000);
+                 });
+
+    const auto& a = strip.getSlot (0);
+    EXPECT_EQ (strip.getCurrentSlot(), 0);
+    EXPECT_EQ (a.gain.get(), 0.0f) << "unknown to the project, so at its default";
+    EXPECT_EQ (a.lowFreq.get(), 9);
+    EXPECT_EQ (a.midFreq.get(), 0);
+    EXPECT_EQ (a.thd.get(), 0.0f);
+    EXPECT_EQ (a.level.get(), 0.0f);
+    EXPECT_EQ (a.expRelease.get(), 1.6f);
+    EXPECT_TRUE (a.compNuke);
+    EXPECT_TRUE (a.pad);
+    EXPECT_FLOAT_EQ (strip.getCalibrationGain(), 8.70143032f);
+
+    strip.analogSetting().setValue (false);
+    strip.prepareToPlay (48000.0, 256);
+    for (const auto sample :
+         firstOf (process (strip, { noise (1000, 1), noise (1000, 2), Signal (1000), Signal (1000) }, 256)))
+        ASSERT_TRUE (std::isfinite (sample));
+}
+
+TEST (State, DamagedBlocksChangeNothing)
+{
+    Tarvik41Processor strip;
+    setPlain (strip, "gain", 9.0f);
+    const auto block = saved (strip);
+
+    for (std::size_t length = 0; length < block.getSize() - 1; length += 7)
+        strip.setStateInformation (block.getData(), static_cast<int> (length));
+
+    auto wrongMagic = block;
+    wrongMagic[0] = 'x';
+    load (strip, wrongMagic);
+
+    loadChanged (strip, [] (juce::XmlElement& xml) { xml.setTagName ("SomethingElse"); });
+    EXPECT_EQ (saved (strip), block);
+}
+
+} // namespace tarvik
