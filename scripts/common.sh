@@ -1,7 +1,8 @@
 # Sourced by ./run and ./test: what both need before they can begin. Expects the project's root as the current folder.
 
 # What the module and the offline host are built from.
-build_packages="g++ cmake ninja-build pkg-config juce-modules-source libhwy-dev libflac-dev libvorbis-dev libogg-dev"
+build_packages="g++ cmake ninja-build pkg-config juce-modules-source libhwy-dev libarmadillo-dev liblapack-dev libblas-dev
+    libgfortran-12-dev libflac-dev libvorbis-dev libogg-dev"
 
 # Installs those Debian packages of the arguments that are missing; says what to type where that takes another user.
 ensure_packages()

@@ -18,7 +18,7 @@ class LatencyDelay;
 class BypassFader
 {
 public:
-    LinearRamp wet{ 1.0 }; ///< The strip's share.
+    LinearRamp wet { 1.0 }; ///< The strip's share.
 
     /** While no audio runs: sizes and clears the rows for slices of at most maxSamples, and ends a fade. */
     void prepare (double rateHz, int mainChannels, int maxSamples);

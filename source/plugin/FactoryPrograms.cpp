@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/FactoryPrograms.h"
 
-#include "plugin/ParameterTable.h"
+#include "plugin/ParameterRows.h"
 
-#include <cstring>
+#include <string_view>
 
 namespace tarvik
 {
@@ -134,49 +134,68 @@ constexpr ProgramRow programRows[] =
 
 static_assert (std::size (programRows) == numFactoryPrograms);
 
-/** The index of a choice by its text; the list is that of the parameter which the field belongs to. */
-int indexOfChoice (ParameterRow::IntField field, const char* text)
+/** The index of a choice by its text, -1 if its parameter has none like that. */
+constexpr int indexOfChoice (ParameterRow::IntField field, std::string_view text)
 {
-    for (const auto& row : parameterTable())
+    for (const auto& row : parameterRows)
         if (const auto* const own = std::get_if<ParameterRow::IntField> (&row.field); own != nullptr && *own == field)
             for (std::size_t i = 0; i < row.choices.size(); ++i)
-                if (std::strcmp (row.choices[i], text) == 0)
+                if (row.choices[i] == text)
                     return static_cast<int> (i);
 
-    jassertfalse; // a text in the table above that its parameter does not have
-    return 0;
+    return -1;
 }
 
-FactoryProgram makeProgram (const ProgramRow& row)
+/** Every choice of a row, with the field that it sets: `take (field, text)`. */
+template <typename Take>
+constexpr void forEachChoice (const ProgramRow& row, Take&& take)
 {
     using Snapshot = ParameterSnapshot;
 
+    take (&Snapshot::highFreq, row.strip.highFreq);
+    take (&Snapshot::highGain, row.strip.highGain);
+    take (&Snapshot::midFreq, row.strip.midFreq);
+    take (&Snapshot::midMode, row.strip.midMode);
+    take (&Snapshot::lowFreq, row.strip.lowFreq);
+    take (&Snapshot::highPass, row.strip.highPass);
+    take (&Snapshot::compRatio, row.comp.ratio);
+    take (&Snapshot::compAttack, row.comp.attack);
+    take (&Snapshot::compRelease, row.comp.release);
+    take (&Snapshot::expAttack, row.expander.attack);
+}
+
+constexpr bool everyChoiceExists()
+{
+    bool allExist = true;
+
+    for (const auto& row : programRows)
+        forEachChoice (row, [&] (ParameterRow::IntField field, const char* text)
+                       { allExist = allExist && indexOfChoice (field, text) >= 0; });
+
+    return allExist;
+}
+
+static_assert (everyChoiceExists(), "a program names a choice that its parameter does not have");
+
+FactoryProgram makeProgram (const ProgramRow& row)
+{
     FactoryProgram program;
     program.name = row.strip.name;
 
     auto& s = program.snapshot;
-    const auto choose = [&s] (ParameterRow::IntField field, const char* text)
-    { s.*field = indexOfChoice (field, text); };
+    forEachChoice (row,
+                   [&s] (ParameterRow::IntField field, const char* text) { s.*field = indexOfChoice (field, text); });
 
     s.thd = row.strip.thd;
     s.gain = row.strip.gain;
     s.unity = row.strip.unity;
-    choose (&Snapshot::highFreq, row.strip.highFreq);
-    choose (&Snapshot::highGain, row.strip.highGain);
-    choose (&Snapshot::midFreq, row.strip.midFreq);
     s.midGain = row.strip.midGain;
-    choose (&Snapshot::midMode, row.strip.midMode);
-    choose (&Snapshot::lowFreq, row.strip.lowFreq);
     s.lowGain = row.strip.lowGain;
-    choose (&Snapshot::highPass, row.strip.highPass);
     s.eqPost = row.strip.eqPost;
 
     s.compMix = row.comp.mix;
     s.compHPF = row.comp.highPassHz;
     s.compThreshold = row.comp.threshold;
-    choose (&Snapshot::compRatio, row.comp.ratio);
-    choose (&Snapshot::compAttack, row.comp.attack);
-    choose (&Snapshot::compRelease, row.comp.release);
     s.compInput = row.comp.input;
     s.compOutput = row.comp.output;
     s.compLimit = row.comp.limit;
@@ -186,7 +205,6 @@ FactoryProgram makeProgram (const ProgramRow& row)
 
     s.expThreshold = row.expander.threshold;
     s.expRange = row.expander.range;
-    choose (&Snapshot::expAttack, row.expander.attack);
     s.expRelease = row.expander.releaseSeconds;
     return program;
 }

@@ -15,11 +15,13 @@ constexpr float highestSample = 1000.0f;
 } // namespace
 
 //==============================================================================
-void KVLProcessor::prepareToPlay (double sampleRate, int announcedBlockSize)
+void KVLProcessor::prepareToPlay (double sampleRate, int)
 {
-    updateGate.acquire();
+    const juce::ScopedLock lock (preparationLock);
+    const UpdateGate::Hold hold (updateGate, [this] { updateDsp (false); });
 
     maxSliceSize = sliceSize;
+    preparedSampleRate = sampleRate;
 
     const auto factor = OversamplerBank::usableFactor (oversamplingSetting().getValue());
     const auto numMain = getChannelCountOfBus (true, 0);
@@ -27,24 +29,24 @@ void KVLProcessor::prepareToPlay (double sampleRate, int announcedBlockSize)
 
     prepareDsp (sampleRate, factor, numMain, sliceSize);
 
-    // A host may send more than it announced: slices are cut to 256, so rows of that length always do.
-    const auto rowLength = std::max (announcedBlockSize, static_cast<int> (sliceSize));
-    gainRows.setSize (numGainRows, rowLength, false, true, true);
+    // Slices are cut to 256 whatever the host announces and sends, so that is what the rows hold.
+    gainRows.setSize (numGainRows, sliceSize, false, true, true);
 
     updateDsp (true);
     resetDsp();
 
-    oversamplers.prepare (std::max (getTotalNumInputChannels(), 2 * numMain), factor, rowLength);
+    oversamplers.prepare (std::max (getTotalNumInputChannels(), 2 * numMain), factor, sliceSize);
     latencyDelay.prepare (numMain);
     inputGainRamp.prepare (rampSteps (sampleRate));
     outputGainRamp.prepare (rampSteps (sampleRate));
-    bypassFader.prepare (sampleRate, numMain, rowLength);
-
-    updateGate.release ([this] { updateDsp (false); });
+    bypassFader.prepare (sampleRate, numMain, sliceSize);
 }
 
 void KVLProcessor::releaseResources()
 {
+    const juce::ScopedLock lock (preparationLock);
+    const UpdateGate::Hold hold (updateGate, [this] { updateDsp (false); });
+
     maxSliceSize = 0;
     releaseDsp();
     oversamplers.release();
@@ -77,9 +79,7 @@ void KVLProcessor::processBlock (juce::AudioBuffer<float>& buffer, juce::MidiBuf
                   { processSlice (channels, layout.numMain, layout.numSidechain, n); });
 
     // What came in on the side chain must not reach the host as output.
-    const auto lastInput = std::min (getTotalNumInputChannels(), buffer.getNumChannels());
-
-    for (int c = getChannelCountOfBus (false, 0); c < lastInput; ++c)
+    for (int c = layout.firstUnheard; c < layout.numInputs; ++c)
         buffer.clear (c, 0, buffer.getNumSamples());
 }
 
@@ -128,16 +128,18 @@ KVLProcessor::BlockChannels KVLProcessor::channelsOf (const juce::AudioBuffer<fl
 {
     const auto inBuffer = buffer.getNumChannels();
     const auto* const sidechain = getBus (true, 1);
-    const auto isListening = sidechain != nullptr && sidechain->isEnabled() && isSidechainUsed();
+    const auto isListening = sidechain != nullptr && sidechain->getNumberOfChannels() > 0 && isSidechainUsed();
 
     BlockChannels layout;
     layout.numMain = std::min (preparedMainChannels, static_cast<int> (maxChannels));
     layout.sidechainStart = std::min (getChannelCountOfBus (true, 0), inBuffer);
+    layout.firstUnheard = getChannelCountOfBus (false, 0);
+    layout.numInputs = std::min (getTotalNumInputChannels(), inBuffer);
 
     if (isListening)
     {
         // A host may change the layout under a running strip; what was prepared for bounds what is used.
-        const auto offered = std::min (getTotalNumInputChannels(), inBuffer) - layout.sidechainStart;
+        const auto offered = layout.numInputs - layout.sidechainStart;
         const auto room = std::min (oversamplers.getNumChannels(), static_cast<int> (maxChannels)) - layout.numMain;
         layout.numSidechain = std::max (0, std::min (offered, room));
     }

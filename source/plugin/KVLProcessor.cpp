@@ -80,6 +80,8 @@ void KVLProcessor::listenToParameters()
     for (auto* const parameter : getParameters())
         if (parameter->getCategory() == juce::AudioProcessorParameter::genericParameter)
             parameter->addListener (this);
+
+    isComplete = true;
 }
 
 void KVLProcessor::parameterValueChanged (int index, float normalisedValue)
@@ -98,12 +100,21 @@ void KVLProcessor::parameterValueChanged (int index, float normalisedValue)
 
     field.set (parameter->convertFrom0to1 (parameter->getValue()));
 
+    // Either this sees that the flag has gone, or the end of `applySnapshot` sees the field.
+    std::atomic_thread_fence (std::memory_order_seq_cst);
+
     if (! ignoreParameterChanges)
         requestUpdate();
 }
 
 void KVLProcessor::applySnapshot (const ParameterSnapshot& snapshot)
 {
+    // Values first: the parameters write into the slot in force, which may be the very snapshot that is applied.
+    std::array<float, numParameters> values {};
+
+    for (int index = 0; index < numParameters; ++index)
+        values[static_cast<std::size_t> (index)] = plainValueOf (snapshot, index);
+
     ignoreParameterChanges = true;
 
     for (auto* const p : getParameters())
@@ -115,7 +126,8 @@ void KVLProcessor::applySnapshot (const ParameterSnapshot& snapshot)
             continue;
 
         // What a parameter holds lies on its grid, so that is what the wanted value is compared with.
-        const auto wanted = parameter->getNormalisableRange().snapToLegalValue (plainValueOf (snapshot, index));
+        const auto wanted =
+            parameter->getNormalisableRange().snapToLegalValue (values[static_cast<std::size_t> (index)]);
         const auto present = parameter->convertFrom0to1 (parameter->getValue());
 
         if (! std::isfinite (wanted) || wanted == present)
@@ -127,6 +139,7 @@ void KVLProcessor::applySnapshot (const ParameterSnapshot& snapshot)
     }
 
     ignoreParameterChanges = false;
+    std::atomic_thread_fence (std::memory_order_seq_cst);
     requestUpdate();
 }
 
@@ -147,7 +160,7 @@ void KVLProcessor::randomChannel()
     auto* const channel = dynamic_cast<juce::AudioParameterInt*> (getParameters()[parameterIndex::tolChannel]);
     const auto* const link = dynamic_cast<juce::AudioParameterBool*> (getParameters()[parameterIndex::tolLink]);
 
-    if (channel == nullptr || link == nullptr) // a broadcast may come before the parameters exist
+    if (channel == nullptr || link == nullptr)
         return;
 
     const auto range = channel->getRange();
@@ -171,8 +184,7 @@ void KVLProcessor::selectSlot (int index)
         return;
 
     currentSlot = index;
-    const auto wanted = currentSnapshot(); // a copy: the parameters write into the slot while it is applied
-    applySnapshot (wanted);
+    applySnapshot (currentSnapshot());
     updateHostDisplay();
 }
 

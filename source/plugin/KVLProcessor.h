@@ -82,8 +82,6 @@ public:
     /** By the places of `settingIndex`. */
     AbstractProcessorSetting& getSetting (int index) const { return *settings[index]; }
 
-    int getNumSettings() const noexcept { return settings.size(); }
-
     ProcessorSetting<double>& calibrationSetting() const { return settingAt<double> (settingIndex::calibration); }
 
     ProcessorSetting<int>& oversamplingSetting() const { return settingAt<int> (settingIndex::oversampling); }
@@ -187,8 +185,10 @@ protected:
     virtual void onStateRestored();
 
     //==============================================================================
-    /** The end of a concrete constructor: listens to all parameters of the generic category. */
+    /** The end of a concrete constructor: listens to all parameters of the generic category, and to broadcasts. */
     void listenToParameters();
+
+    bool isConstructed() const noexcept { return isComplete; }
 
     /** Has `updateDsp (false)` run: now, or on the thread that is at it. Never waits. */
     void requestUpdate();
@@ -209,8 +209,8 @@ protected:
             new ProcessorSetting<T> (settingsFile, key, fallback, std::move (validator), std::move (onChange)));
     }
 
-    SharedRamp<GeometricRamp> inputGainRamp{ 1.0 };
-    SharedRamp<GeometricRamp> outputGainRamp{ 1.0 };
+    SharedRamp<GeometricRamp> inputGainRamp { 1.0 };
+    SharedRamp<GeometricRamp> outputGainRamp { 1.0 };
     std::array<ParameterSnapshot, numSlots> slots;
     RelaxedValue<bool> analogOn = true;
 
@@ -221,6 +221,8 @@ private:
         int numMain = 0;      ///< Main channels of the strip.
         int numSidechain = 0; ///< 0 while nothing listens to it.
         int sidechainStart = 0;
+        int firstUnheard = 0; ///< Inputs from here to numInputs are none of the host's outputs.
+        int numInputs = 0;
     };
 
     static BusesProperties makeBuses();
@@ -228,6 +230,7 @@ private:
     void calibrationChanged (double decibels);
     void oversamplingChanged (int setting);
     void zoomChanged();
+    void tellEditorOfZoom();
 
     BlockChannels channelsOf (const juce::AudioBuffer<float>& buffer) const;
 
@@ -248,8 +251,27 @@ private:
         numGainRows
     };
 
-    std::atomic<bool> ignoreParameterChanges{ false };
+    /** Brings a change of the zoom to the editor on the message thread, whichever thread loads the state. */
+    struct ZoomNotifier final : juce::AsyncUpdater
+    {
+        explicit ZoomNotifier (KVLProcessor& processorToUse) : processor (processorToUse) {}
+
+        ~ZoomNotifier() override { cancelPendingUpdate(); }
+
+        void handleAsyncUpdate() override { processor.tellEditorOfZoom(); }
+
+        KVLProcessor& processor;
+    };
+
+    std::atomic<bool> ignoreParameterChanges { false };
+    std::atomic<bool> isComplete { false }; ///< Before that a broadcast finds half an instance.
     UpdateGate updateGate;
+
+    /** Held while the strip is rebuilt or freed, since a host's thread and the message thread may both want to. Comes
+        before JUCE's callback lock, and never on the audio thread.
+    */
+    juce::CriticalSection preparationLock;
+    double preparedSampleRate = 0.0;
 
     juce::AudioBuffer<float> gainRows;
     juce::ApplicationProperties settingsFile;
@@ -269,6 +291,7 @@ private:
     static constexpr float activeLevel = 1.0f;
     RelaxedValue<float> calibrationGain = static_cast<float> (ParameterSnapshot::defaultCalibration);
     LicenceCheck licence;
+    ZoomNotifier zoomNotifier { *this };
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (KVLProcessor)
 };

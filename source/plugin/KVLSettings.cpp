@@ -18,7 +18,7 @@ constexpr double highestUsableDb = 100.0; ///< Far beyond any console; keeps a d
 constexpr double squareRootOf1Point2 = 1.09544511501033;
 
 constexpr int defaultOversampling = 2;
-constexpr std::array oversamplingFactors{ 1, 2, 4, 8, 16 };
+constexpr std::array oversamplingFactors { 1, 2, 4, 8, 16 };
 
 constexpr double defaultZoom = 1.2;
 constexpr double lowestZoom = 0.8;
@@ -73,6 +73,7 @@ void KVLProcessor::calibrationChanged (double decibels)
 
 void KVLProcessor::oversamplingChanged (int setting)
 {
+    const juce::ScopedLock lock (preparationLock);
     const auto latency = OversamplerBank::latencyOfFactor (OversamplerBank::usableFactor (setting));
 
     if (! isPrepared())
@@ -84,7 +85,7 @@ void KVLProcessor::oversamplingChanged (int setting)
 
     // Both calls take the callback lock only to set the flag: blocks that come meanwhile are silent.
     suspendProcessing (true);
-    prepareToPlay (getSampleRate(), maxSliceSize);
+    prepareToPlay (preparedSampleRate, maxSliceSize);
     setLatencySamples (latency);
     updateHostDisplay();
     latencyInUse = latency;
@@ -93,12 +94,23 @@ void KVLProcessor::oversamplingChanged (int setting)
 
 void KVLProcessor::zoomChanged()
 {
+    if (juce::MessageManager::existsAndIsCurrentThread())
+        tellEditorOfZoom();
+    else
+        zoomNotifier.triggerAsyncUpdate();
+}
+
+void KVLProcessor::tellEditorOfZoom()
+{
     if (auto* const editor = dynamic_cast<ZoomableEditor*> (getActiveEditor()))
         editor->zoomSettingChanged();
 }
 
 void KVLProcessor::handleBroadcast (BroadcastMessage message)
 {
+    if (! isConstructed())
+        return;
+
     switch (message.type)
     {
         case BroadcastMessage::randomChannel:

@@ -104,8 +104,7 @@ void KVLProcessor::setStateInformation (const void* data, int sizeInBytes)
         for (auto* const setting : settings)
             setting->loadFromXml (*root);
 
-        const auto wanted = currentSnapshot(); // a copy: the parameters write into the slot while it is applied
-        applySnapshot (wanted);
+        applySnapshot (currentSnapshot());
     }
 
     lastStateLoadTime = juce::Time::getMillisecondCounter();

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "dsp/Polyphase.h"
+
 #include <vector>
 
 namespace tarvik
@@ -15,7 +17,7 @@ class LatencyDelay
 {
 public:
     /** Samples of history per channel, the longest delay. */
-    static constexpr int length = 52;
+    static constexpr int length = Polyphase::latencySamples;
 
     /** While no audio runs: sizes and clears the history. */
     void prepare (int numChannels);

@@ -57,10 +57,6 @@ struct ParameterRow
 /** Host indices of the parameters, for the few places that mean one of them. */
 namespace parameterIndex
 {
-inline constexpr int compExtSideChain = 26;
-inline constexpr int expExtSideChain = 34;
-inline constexpr int inLevel = 38;
-inline constexpr int outLevel = 39;
 inline constexpr int tolChannel = 40;
 inline constexpr int tolLink = 41;
 inline constexpr int gainReduction = 42; ///< Only for hosts of the one format that shows it as a parameter.

@@ -19,7 +19,9 @@ float numberBefore (const juce::String& text, const char* unit)
     return text.replace (unit, "", true).trim().getFloatValue();
 }
 
-/** The fixed gain behind the equaliser, 10^0.771. Against it the two potentiometers read 0 dB at rest. */
+/** The gain behind the equaliser, about (5.1 + 25) / 5.1, as the panel's texts have it: with it the two potentiometers
+    read 0 dB at rest.
+*/
 constexpr float makeupGain = 5.901968f;
 
 namespace midPot
@@ -102,10 +104,10 @@ float fromText (const juce::String& text)
 } // namespace highPass
 } // namespace
 
-const TextRule textRules::midGain{ midPot::toText, midPot::fromText };
-const TextRule textRules::lowGain{ lowPot::toText, lowPot::fromText };
-const TextRule textRules::percent{ mix::toText, mix::fromText };
-const TextRule textRules::highPassHz{ highPass::toText, highPass::fromText };
+const TextRule textRules::midGain { midPot::toText, midPot::fromText };
+const TextRule textRules::lowGain { lowPot::toText, lowPot::fromText };
+const TextRule textRules::percent { mix::toText, mix::fromText };
+const TextRule textRules::highPassHz { highPass::toText, highPass::fromText };
 
 juce::String decimalText (float value, int decimals)
 {

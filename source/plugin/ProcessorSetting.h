@@ -54,10 +54,6 @@ public:
 
     T getValue() const noexcept { return value; }
 
-    T getFallback() const noexcept { return fallback; }
-
-    const juce::String& getKey() const noexcept { return key; }
-
     void setValue (T newValue)
     {
         if (newValue == value.get())

@@ -9,14 +9,14 @@ namespace tarvik
 
 namespace
 {
-constexpr int defaultLimiterSensitivity = 2;
 constexpr int defaultMeterMode = 0;
 } // namespace
 
 Tarvik41Processor::Tarvik41Processor() : readOuts (*this)
 {
     addSetting<int> (
-        "LimiterSensitivity", defaultLimiterSensitivity, [] (const int& level) { return level >= 0 && level <= 2; },
+        "LimiterSensitivity", ParameterSnapshot::defaultLimiterSensitivity,
+        [] (const int& level) { return level >= 0 && level <= 2; },
         [this] (const int& level) { limiterSensitivityChanged (level); });
     addSetting<int> ("MeterMode", defaultMeterMode, [] (const int& mode) { return mode == 0 || mode == 1; }, {});
 
@@ -49,7 +49,7 @@ void Tarvik41Processor::handleBroadcast (BroadcastMessage message)
 {
     KVLProcessor::handleBroadcast (message);
 
-    if (message.type == BroadcastMessage::limiterSensitivity)
+    if (isConstructed() && message.type == BroadcastMessage::limiterSensitivity)
         limiterSensitivitySetting().setValue (message.value);
 }
 

@@ -43,7 +43,7 @@ private:
     void limiterSensitivityChanged (int sensitivity);
 
     ChannelStrip strip;
-    RelaxedValue<int> limiterSensitivity = 2;
+    RelaxedValue<int> limiterSensitivity = ParameterSnapshot::defaultLimiterSensitivity;
     float lastInLevelDb = 0.0f;
     float lastOutLevelDb = 0.0f;
     StripReadOuts readOuts;

@@ -4,15 +4,15 @@
 #include <atomic>
 #include <cstdint>
 #include <thread>
+#include <utility>
 
 namespace tarvik
 {
 
 /** Lets one thread at a time bring the model up to date, without anybody waiting and without losing a change.
 
-    Host automation reports a parameter on the audio thread while an editor's drag reports another on the message
-   thread. Whoever comes first does the work; who comes meanwhile leaves a note and goes, and the owner does the work
-   once more.
+    Host automation reports a parameter on the audio thread while an editor's drag reports another on the message thread.
+    Whoever comes first does the work; who comes meanwhile leaves a note and goes, and the owner does the work once more.
 */
 class UpdateGate
 {
@@ -25,27 +25,42 @@ public:
             drain (work);
     }
 
-    /** Keeps requests from running while something larger is rebuilt: they are carried out by `release`. Waits for work
-       in progress, so never on the audio thread.
+    /** Keeps requests from running while something larger is rebuilt. They are carried out at the end, by `work`, if
+        anybody asked meanwhile. The constructor waits for work in progress, so never on the audio thread.
     */
-    void acquire() noexcept
-    {
-        for (std::uint32_t none = 0;
-             ! requests.compare_exchange_weak (none, 1, std::memory_order_acq_rel, std::memory_order_relaxed); none = 0)
-            std::this_thread::yield();
-    }
-
-    /** Ends what `acquire` began; runs `work` if anybody asked for it since. */
     template <typename Work>
-    void release (Work&& work) noexcept
+    class Hold
     {
-        std::uint32_t own = 1;
+    public:
+        Hold (UpdateGate& gateToHold, Work workAtTheEnd) noexcept : gate (gateToHold), work (std::move (workAtTheEnd))
+        {
+            std::uint32_t none = 0;
 
-        if (! requests.compare_exchange_strong (own, 0, std::memory_order_acq_rel))
-            drain (work);
-    }
+            while (! gate.requests.compare_exchange_weak (none, 1, std::memory_order_acq_rel))
+            {
+                none = 0;
+                std::this_thread::yield();
+            }
+        }
+
+        ~Hold()
+        {
+            std::uint32_t own = 1;
+
+            if (! gate.requests.compare_exchange_strong (own, 0, std::memory_order_acq_rel))
+                gate.drain (work);
+        }
+
+        Hold (const Hold&) = delete;
+        Hold& operator= (const Hold&) = delete;
+
+    private:
+        UpdateGate& gate;
+        Work work;
+    };
 
 private:
+    /** The owner works until nobody has asked since it began. */
     template <typename Work>
     void drain (Work& work) noexcept
     {
@@ -58,7 +73,7 @@ private:
         }
     }
 
-    std::atomic<std::uint32_t> requests{ 0 };
+    std::atomic<std::uint32_t> requests { 0 };
 };
 
 } // namespace tarvik

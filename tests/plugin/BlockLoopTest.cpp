@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/support/BareStrip.h"
+#include "tests/support/ProbeStrip.h"
 #include "tests/support/StripTestTools.h"
 
 #include <limits>
@@ -11,55 +13,6 @@ using namespace test;
 
 namespace
 {
-/** A strip that does nothing but write down what the block loop asks of it. */
-class ProbeStrip final : public KVLProcessor
-{
-public:
-    const juce::String getName() const override { return "Probe"; }
-
-    void prepareDsp (double rate, int factor, int numMain, int maxSamples) override
-    {
-        log.push_back ("prepare " + std::to_string (static_cast<int> (rate)) + " " + std::to_string (factor) + " "
-                       + std::to_string (numMain) + " " + std::to_string (maxSamples));
-    }
-
-    void resetDsp() override { log.push_back ("reset"); }
-
-    void releaseDsp() override { log.push_back ("release"); }
-
-    void updateDsp (bool force) override { log.push_back (force ? "update all" : "update"); }
-
-    bool isSidechainUsed() const override { return isListening; }
-
-    void processPreOversampling (float**, int n, int side) override { note ("pre", n, side); }
-
-    void processPostOversampling (float**, int n, int side) override { note ("post", n, side); }
-
-    void processChunk (float** channels, int n, int side) override
-    {
-        note ("chunk", n, side);
-
-        if (side > 0)
-            sidechainSeen = channels[2][0];
-    }
-
-    void processBypassedChunk (int n, int side, int factor) override
-    {
-        note ("bypassed", n, side);
-        EXPECT_EQ (factor, oversamplingSetting().getValue());
-    }
-
-    void note (const char* what, int n, int side)
-    {
-        log.push_back (std::string (what) + " " + std::to_string (n)
-                       + (side > 0 ? " side " + std::to_string (side) : ""));
-    }
-
-    std::vector<std::string> log;
-    bool isListening = false;
-    float sidechainSeen = 0.0f;
-};
-
 using Log = std::vector<std::string>;
 
 constexpr double sampleRate = 48000.0;
@@ -70,7 +23,7 @@ TEST (BlockLoop, CutsBlocksIntoSlicesAndSlicesIntoChunksInOrder)
     ProbeStrip strip;
     strip.oversamplingSetting().setValue (4);
     strip.prepareToPlay (sampleRate, 1000);
-    EXPECT_EQ (strip.log, (Log{ "prepare 48000 4 2 256", "update all", "reset" }));
+    EXPECT_EQ (strip.log, (Log { "prepare 48000 4 2 256", "update all", "reset" }));
 
     strip.log.clear();
     process (strip, std::vector<Signal> (4, Signal (1000)), 1000);
@@ -90,7 +43,7 @@ TEST (BlockLoop, CutsBlocksIntoSlicesAndSlicesIntoChunksInOrder)
     strip.oversamplingSetting().setValue (1);
     strip.log.clear();
     process (strip, std::vector<Signal> (4, Signal (300)), 300);
-    EXPECT_EQ (strip.log, (Log{ "pre 256", "chunk 256", "post 256", "pre 44", "chunk 44", "post 44" }));
+    EXPECT_EQ (strip.log, (Log { "pre 256", "chunk 256", "post 256", "pre 44", "chunk 44", "post 44" }));
 }
 
 TEST (BlockLoop, SidechainReachesTheStripOnlyWhileSomethingListensAndNeverTheHost)
@@ -99,7 +52,7 @@ TEST (BlockLoop, SidechainReachesTheStripOnlyWhileSomethingListensAndNeverTheHos
     strip.oversamplingSetting().setValue (1);
     strip.prepareToPlay (sampleRate, 256);
 
-    const std::vector<Signal> input{ Signal (100, 0.1f), Signal (100, 0.2f), Signal (100, 0.3f), Signal (100, 0.4f) };
+    const std::vector<Signal> input { Signal (100, 0.1f), Signal (100, 0.2f), Signal (100, 0.3f), Signal (100, 0.4f) };
     strip.log.clear();
     auto output = process (strip, input, 100);
     EXPECT_EQ (strip.log[1], "chunk 100");
@@ -112,8 +65,28 @@ TEST (BlockLoop, SidechainReachesTheStripOnlyWhileSomethingListensAndNeverTheHos
     EXPECT_EQ (strip.log[1], "chunk 100 side 2");
     EXPECT_EQ (output[3], Signal (100));
 
-    // It passes the calibration like the main channels do.
+    // It passes the calibration and the input gain like the main channels do, and is guarded like them.
     EXPECT_FLOAT_EQ (strip.sidechainSeen, 0.3f * 8.70143032f);
+
+    strip.requestInputGain (0.5);
+    auto bad = std::vector<Signal> (4, Signal (6000, 0.3f));
+    bad[2].back() = std::numeric_limits<float>::quiet_NaN();
+    bad[3].back() = 1e20f;
+    process (strip, bad, 5999);
+    EXPECT_EQ (strip.sidechainSeen, 0.0f);
+    process (strip, std::vector<Signal> (4, Signal (10, 0.3f)), 10);
+    EXPECT_FLOAT_EQ (strip.sidechainSeen, 0.15f * 8.70143032f);
+}
+
+TEST (BlockLoop, SubnormalsAreFlushedInsideTheRunningEntryAndNotBehindIt)
+{
+    ProbeStrip strip;
+    strip.prepareToPlay (sampleRate, 64);
+    process (strip, std::vector<Signal> (4, Signal (64)), 64);
+    EXPECT_TRUE (strip.flushesToZero);
+
+    volatile float subnormal = 1e-39f;
+    EXPECT_NE (subnormal * 2.0f, 0.0f) << "the host's own setting comes back";
 }
 
 TEST (BlockLoop, SurvivesBlocksOtherThanAnnouncedAndChannelsThatAreMissing)
@@ -165,7 +138,8 @@ TEST (BlockLoop, LatencyFollowsTheFactorAndIsKnownBeforeTheFirstBlock)
     strip.log.clear();
     strip.oversamplingSetting().setValue (16);
     EXPECT_EQ (strip.getLatencySamples(), 52);
-    EXPECT_EQ (strip.log[0].substr (0, 7), "prepare");
+    EXPECT_EQ (strip.log[0], "prepare 48000 16 2 256") << "at the rate that was prepared";
+    EXPECT_TRUE (strip.wasSuspendedWhilePreparing);
     EXPECT_EQ (host.latencyChanges, 3) << "one for the latency, one for the whole";
     EXPECT_FALSE (strip.isSuspended());
 
@@ -189,8 +163,7 @@ TEST (BlockLoop, GainOnlyStripMultipliesAndNothingElse)
     for (const auto rate : { 44100.0, 48000.0, 88200.0, 96000.0, 176400.0, 192000.0 })
         for (const auto width : { 1, 2 })
         {
-            const auto strip = makeStrip (width);
-            makeGainOnly (*strip);
+            const auto strip = makeBareStrip (width);
             setPlain (*strip, "gain", 3.5f);
             setPlain (*strip, "level", -7.0f);
             setPlain (*strip, "inLevel", -4.0f);
@@ -225,11 +198,12 @@ TEST (BlockLoop, AStreamCutAnywhereSoundsTheSame)
 
         for (auto* const strip : { whole.get(), cut.get() })
         {
-            makeGainOnly (*strip, factor);
+            strip->oversamplingSetting().setValue (factor);
+            strip->analogSetting().setValue (false);
             strip->prepareToPlay (sampleRate, 512);
         }
 
-        const std::vector<Signal> input{ noise (9000, 5), noise (9000, 6) };
+        const std::vector<Signal> input { noise (9000, 5), noise (9000, 6) };
         const auto expected = process (*whole, input, 9000);
         const auto actual = process (*cut, input, [&] { return static_cast<int> (random() % 700); });
         EXPECT_EQ (actual, expected) << "factor " << factor << ", seed " << seed;
@@ -238,11 +212,10 @@ TEST (BlockLoop, AStreamCutAnywhereSoundsTheSame)
 
 TEST (BlockLoop, BadAudioIsHeldAtTheEntryAndForgotten)
 {
-    const auto strip = makeStrip();
-    makeGainOnly (*strip);
+    const auto strip = makeBareStrip();
     strip->prepareToPlay (sampleRate, 512);
 
-    std::vector<Signal> input{ Signal (512, 0.5f), Signal (512, 0.5f) };
+    std::vector<Signal> input { Signal (512, 0.5f), Signal (512, 0.5f) };
     input[0][10] = std::numeric_limits<float>::quiet_NaN();
     input[0][11] = std::numeric_limits<float>::infinity();
     input[0][12] = -1e30f;
@@ -263,8 +236,7 @@ TEST (BlockLoop, ImpulseComesOutAtTheReportedLatencyAtEveryFactor)
 {
     for (const auto factor : { 1, 2, 4, 8, 16, 3, 0, 1000000000 })
     {
-        const auto strip = makeStrip();
-        makeGainOnly (*strip, factor);
+        const auto strip = makeBareStrip (2, factor);
         strip->prepareToPlay (sampleRate, 256);
 
         Signal impulse (300);

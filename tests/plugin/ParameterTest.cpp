@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/ParameterTable.h"
+#include "tests/support/Golden.h"
+#include "tests/support/ProbeStrip.h"
 #include "tests/support/StripTestTools.h"
 
 #include <limits>
@@ -33,24 +35,25 @@ float fromText (juce::AudioProcessor& strip, const char* id, const char* typed)
 }
 } // namespace
 
-TEST (Parameters, IdsAndOrderAreThoseThatProjectsAreStoredWith)
+TEST (Parameters, AreThoseThatProjectsAndAutomationAreStoredWith)
 {
-    const char* const ids[] = {
-        "thd",        "gain",      "pad",           "unity",      "highFreq",   "highGain",         "midFreq",
-        "midGain",    "midMode",   "lowFreq",       "lowGain",    "equalizer",  "eqPost",           "highPass",
-        "compMix",    "compHPF",   "compThreshold", "compRatio",  "compAttack", "compRelease",      "compInput",
-        "compOutput", "compLimit", "compIn",        "compNiveau", "compNuke",   "compExtSideChain", "expThreshold",
-        "expRange",   "expAttack", "expRelease",    "expMode",    "expHold",    "expInverted",      "expExtSideChain",
-        "mute",       "phase",     "level",         "inLevel",    "outLevel",   "TolChannel",       "TolLink"
-    };
     Tarvik41Processor strip;
-    ASSERT_EQ (strip.getParameters().size(), static_cast<int> (std::size (ids)));
+    juce::String all;
 
-    for (int i = 0; i < strip.getParameters().size(); ++i)
+    for (auto* const p : strip.getParameters())
     {
-        EXPECT_EQ (parameterID (*strip.getParameters()[i]), ids[i]);
-        EXPECT_TRUE (strip.getParameters()[i]->isAutomatable());
+        const auto& parameter = *dynamic_cast<juce::RangedAudioParameter*> (p);
+        const auto& range = parameter.getNormalisableRange();
+        all << parameterID (parameter) << " | " << parameter.getName (100) << " | " << parameter.getLabel() << " | "
+            << range.start << " to " << range.end << " by " << range.interval << " | default "
+            << parameter.convertFrom0to1 (parameter.getDefaultValue()) << " | half way "
+            << juce::String (parameter.convertFrom0to1 (0.5f), 3) << " | "
+            << parameter.getAllValueStrings().joinIntoString (", ") << "\n";
+        EXPECT_TRUE (parameter.isAutomatable());
+        EXPECT_EQ (parameter.getCategory(), juce::AudioProcessorParameter::genericParameter);
     }
+
+    expectGolden ("parameters.txt", all);
 
     juce::AudioProcessor::setTypeOfNextNewPlugin (juce::AudioProcessor::wrapperType_AAX);
     Tarvik41Processor inAax;
@@ -99,11 +102,11 @@ TEST (Parameters, TextRulesReadLikeTheConsoleAndReadBack)
     };
 
     for (const auto& c :
-         { Case{ "midGain", 0.0f, "0.00" }, Case{ "midGain", 1.0f, "15.42" }, Case{ "lowGain", 0.0f, "0.00" },
-           Case{ "lowGain", 0.2f, "3.34" }, Case{ "lowGain", 1.0f, "15.42" }, Case{ "compMix", 1.0f, "100 %" },
-           Case{ "compMix", 0.476f, "48 %" }, Case{ "compHPF", 20.0f, "Off" }, Case{ "compHPF", 123.4f, "123.4 Hz" },
-           Case{ "expRelease", 0.3f, "0.300" }, Case{ "level", -80.0f, "-80.0" }, Case{ "thd", 0.0f, "0.00" },
-           Case{ "lowFreq", 8.0f, "-12 dB" }, Case{ "expMode", 2.0f, "Gate" }, Case{ "TolChannel", 17.0f, "17" } })
+         { Case { "midGain", 0.0f, "0.00" }, Case { "midGain", 1.0f, "15.42" }, Case { "lowGain", 0.0f, "0.00" },
+           Case { "lowGain", 0.2f, "3.34" }, Case { "lowGain", 1.0f, "15.42" }, Case { "compMix", 1.0f, "100 %" },
+           Case { "compMix", 0.476f, "48 %" }, Case { "compHPF", 20.0f, "Off" }, Case { "compHPF", 123.4f, "123.4 Hz" },
+           Case { "expRelease", 0.3f, "0.300" }, Case { "level", -80.0f, "-80.0" }, Case { "thd", 0.0f, "0.00" },
+           Case { "lowFreq", 8.0f, "-12 dB" }, Case { "expMode", 2.0f, "Gate" }, Case { "TolChannel", 17.0f, "17" } })
         EXPECT_EQ (textOf (strip, c.id, c.plain), c.text) << c.id;
 
     for (int i = 0; i <= 100; ++i)
@@ -190,6 +193,24 @@ TEST (Parameters, ApplyingWhatTheyHoldTellsNobodyAndAForeignRecordReachesAll)
         EXPECT_FLOAT_EQ (plainValueOf (strip.currentSnapshot(), i), plainValueOf (other, i)) << i;
 
     strip.removeListener (&host);
+}
+
+TEST (Parameters, ASnapshotIsOneUpdateHoweverManyParametersItMoves)
+{
+    ProbeStrip strip;
+    setPlain (strip, "gain", 5.0f);
+    EXPECT_EQ (strip.log, std::vector<std::string> { "update" });
+
+    strip.log.clear();
+    ParameterSnapshot other;
+    other.gain = -3.0f;
+    other.lowFreq = 7;
+    other.mute = true;
+    strip.applySnapshot (other);
+    EXPECT_EQ (strip.log, std::vector<std::string> { "update" });
+
+    strip.applySnapshot (strip.currentSnapshot());
+    EXPECT_EQ (strip.log.size(), 2u) << "also when nothing differs";
 }
 
 } // namespace tarvik

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/FactoryPrograms.h"
 #include "plugin/ParameterTable.h"
+#include "tests/support/Golden.h"
 #include "tests/support/StripTestTools.h"
 
 namespace tarvik
@@ -8,17 +9,37 @@ namespace tarvik
 
 using namespace test;
 
-TEST (Programs, TwentySixWithDefaultsFirst)
+TEST (Programs, AreThoseThatUsersKnow)
 {
     Tarvik41Processor strip;
     EXPECT_EQ (strip.getNumPrograms(), 26);
-    EXPECT_EQ (strip.getProgramName (0), "Default");
-    EXPECT_EQ (strip.getProgramName (17), "Snare 1");
     EXPECT_EQ (strip.getProgramName (26), "");
+    EXPECT_EQ (strip.getProgramName (-1), "");
 
+    // What differs from the default settings, as a user reads it.
     const ParameterSnapshot defaults;
-    for (int i = 0; i < numParameters; ++i)
-        EXPECT_EQ (plainValueOf (factoryPrograms()[0].snapshot, i), plainValueOf (defaults, i)) << i;
+    juce::String all;
+
+    for (int program = 0; program < strip.getNumPrograms(); ++program)
+    {
+        all << strip.getProgramName (program) << ":";
+        const auto& snapshot = factoryPrograms()[static_cast<std::size_t> (program)].snapshot;
+
+        for (int i = 0; i < numParameters; ++i)
+        {
+            const auto& row = parameterTable()[static_cast<std::size_t> (i)];
+            const auto value = plainValueOf (snapshot, i);
+
+            if (value != plainValueOf (defaults, i))
+                all << " " << row.id << "="
+                    << (row.choices.empty() ? juce::String (value)
+                                            : juce::String (row.choices[static_cast<std::size_t> (value)]));
+        }
+
+        all << "\n";
+    }
+
+    expectGolden ("programs.txt", all);
 }
 
 TEST (Programs, SettleEveryParameterOfTheSlotInForceAndClampTheirNumber)

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/support/BareStrip.h"
 #include "tests/support/RealTimeTrap.h"
 #include "tests/support/StripTestTools.h"
 
@@ -44,42 +45,39 @@ TEST (RealTime, BlocksAndParameterChangesAllocateNothingAndLockNothing)
         std::mt19937 random (1);
         std::size_t lengthIndex = 0;
 
-        for (auto* const p : strip->getParameters())
-            for (const auto value : { 1.0f, 0.0f, 0.3f })
-            {
-                const auto n = blockLengths[lengthIndex++ % std::size (blockLengths)];
-                juce::AudioBuffer<float> block (buffer.getArrayOfWritePointers(), 4, n);
+        // Running with every parameter moved, then the same while the bypass fades and when it has come to rest.
+        for (const auto isBypassed : { false, true })
+            for (auto* const p : strip->getParameters())
+                for (const auto value : { 1.0f, 0.0f, 0.3f })
+                {
+                    const auto n = blockLengths[lengthIndex++ % std::size (blockLengths)];
+                    juce::AudioBuffer<float> block (buffer.getArrayOfWritePointers(), 4, n);
 
-                for (int c = 0; c < 4; ++c)
-                    for (int i = 0; i < n; ++i)
-                        block.setSample (c, i, static_cast<float> (random() % 1000) * 1e-3f - 0.5f);
+                    for (int c = 0; c < 4; ++c)
+                        for (int i = 0; i < n; ++i)
+                            block.setSample (c, i, static_cast<float> (random() % 1000) * 1e-3f - 0.5f);
 
-                // As a host's automation does, but without JUCE's own lock around its list of listeners.
-                p->setValue (value);
-                const RealTimeTrap trap;
-                strip->parameterValueChanged (p->getParameterIndex(), value);
-                strip->processBlock (block, midi);
-                ASSERT_EQ (trap.allocations(), 0) << p->getName (50) << ", " << n << " samples, factor " << factor;
-                ASSERT_EQ (trap.locks(), 0) << p->getName (50) << ", " << n << " samples, factor " << factor;
-            }
+                    // As a host's automation does, but without JUCE's own lock around its list of listeners.
+                    p->setValue (value);
+                    const RealTimeTrap trap;
+                    strip->parameterValueChanged (p->getParameterIndex(), value);
 
-        for (int pass = 0; pass < 60; ++pass)
-        {
-            juce::AudioBuffer<float> block (buffer.getArrayOfWritePointers(), 4,
-                                            blockLengths[static_cast<std::size_t> (pass) % std::size (blockLengths)]);
-            const RealTimeTrap trap;
-            strip->processBlockBypassed (block, midi);
-            ASSERT_EQ (trap.allocations() + trap.locks(), 0) << "bypassed, factor " << factor;
-        }
+                    if (isBypassed)
+                        strip->processBlockBypassed (block, midi);
+                    else
+                        strip->processBlock (block, midi);
+
+                    ASSERT_EQ (trap.allocations(), 0) << p->getName (50) << ", " << n << " samples, factor " << factor;
+                    ASSERT_EQ (trap.locks(), 0) << p->getName (50) << ", " << n << " samples, factor " << factor;
+                }
     }
 }
 
 TEST (RealTime, ChangesFromTwoThreadsAreAllTakenUpWhileAudioRuns)
 {
-    const auto strip = makeStrip();
-    makeGainOnly (*strip);
+    const auto strip = makeBareStrip();
     strip->prepareToPlay (sampleRate, 256);
-    std::atomic<bool> isRunning{ true };
+    std::atomic<bool> isRunning { true };
 
     std::thread drag (
         [&]

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/SettingsFile.h"
+#include "tests/support/ProbeStrip.h"
 #include "tests/support/StripTestTools.h"
 
+#include <atomic>
 #include <limits>
+#include <thread>
 
 namespace tarvik
 {
@@ -116,6 +119,48 @@ TEST_F (Settings, BroadcastsReachEveryInstanceAndTheirTypesAreKept)
     }
 
     EXPECT_FALSE (file().existsAsFile()) << "telling all instances is not saving";
+
+    // What an instance already has is no change.
+    ProbeStrip probe;
+    probe.prepareToPlay (48000.0, 256);
+    broadcaster.broadcast ({ BroadcastMessage::oversampling, probe.oversamplingSetting().getValue() });
+    probe.log.clear();
+    broadcaster.broadcast ({ BroadcastMessage::oversampling, probe.oversamplingSetting().getValue() });
+    broadcaster.broadcast ({ BroadcastMessage::analog, 1 });
+    EXPECT_EQ (probe.log, std::vector<std::string>());
+    broadcaster.broadcast ({ BroadcastMessage::analog, 0 });
+    EXPECT_EQ (probe.log, std::vector<std::string> { "update" });
+}
+
+TEST_F (Settings, InstancesComeAndGoWhileOthersBroadcastAndHostsRebuild)
+{
+    std::atomic<bool> isRunning { true };
+    const auto strip = makeStrip();
+    std::thread host (
+        [&]
+        {
+            while (isRunning)
+            {
+                strip->prepareToPlay (48000.0, 64);
+                strip->releaseResources();
+            }
+        });
+    std::thread maker (
+        [&]
+        {
+            while (isRunning)
+                Tarvik41Processor().handleBroadcast ({});
+        });
+
+    for (int i = 0; i < 200; ++i)
+    {
+        InstanceBroadcaster::get().broadcast ({ BroadcastMessage::oversampling, 1 << i % 3 });
+        InstanceBroadcaster::get().broadcast ({ BroadcastMessage::limiterSensitivity, i % 3 });
+    }
+
+    isRunning = false;
+    host.join();
+    maker.join();
 }
 
 TEST_F (Settings, AnInstanceMayLeaveDuringABroadcast)
@@ -145,7 +190,7 @@ TEST_F (Settings, AnInstanceMayLeaveDuringABroadcast)
 
 TEST_F (Settings, RandomChannelsStayWithinWhatBothSidesCanTake)
 {
-    for (const auto& [width, isLinked, highest] : { std::tuple{ 1, false, 32 }, { 2, false, 31 }, { 2, true, 32 } })
+    for (const auto& [width, isLinked, highest] : { std::tuple { 1, false, 32 }, { 2, false, 31 }, { 2, true, 32 } })
     {
         const auto strip = makeStrip (width);
         setPlain (*strip, "TolLink", isLinked ? 1.0f : 0.0f);

@@ -2,6 +2,9 @@
 #include "plugin/ParameterTable.h"
 #include "tests/support/StripTestTools.h"
 
+#include <atomic>
+#include <thread>
+
 namespace tarvik
 {
 
@@ -76,6 +79,8 @@ TEST (State, MissingBadAndForeignFieldsTakeDefaultsAndStayInRange)
     setPlain (strip, "gain", 9.0f);
     setPlain (strip, "lowFreq", 2.0f);
     setPlain (strip, "pad", 1.0f);
+    strip.copySlotToOther();
+    setPlain (strip, "gain", 8.0f);
 
     loadChanged (strip,
                  [] (juce::XmlElement& xml)
@@ -105,6 +110,7 @@ TEST (State, MissingBadAndForeignFieldsTakeDefaultsAndStayInRange)
     EXPECT_EQ (a.expRelease.get(), 1.6f);
     EXPECT_TRUE (a.compNuke);
     EXPECT_TRUE (a.pad);
+    EXPECT_EQ (strip.getSlot (1).gain.get(), 9.0f) << "a slot that the project lacks keeps what it had";
     EXPECT_FLOAT_EQ (strip.getCalibrationGain(), 8.70143032f);
 
     strip.analogSetting().setValue (false);
@@ -112,6 +118,98 @@ TEST (State, MissingBadAndForeignFieldsTakeDefaultsAndStayInRange)
     for (const auto sample :
          firstOf (process (strip, { noise (1000, 1), noise (1000, 2), Signal (1000), Signal (1000) }, 256)))
         ASSERT_TRUE (std::isfinite (sample));
+}
+
+TEST (State, TheDocumentKeepsItsNamesAndTheirOrder)
+{
+    Tarvik41Processor strip;
+    const auto block = saved (strip);
+    const auto xml = juce::AudioProcessor::getXmlFromBinary (block.getData(), static_cast<int> (block.getSize()));
+    ASSERT_NE (xml, nullptr);
+    EXPECT_EQ (xml->getTagName(), "Tarvik41Channel");
+
+    const char* const attributes[] = { "Version", "BuildDate", "currentData",        "Calibration", "Oversampling",
+                                       "Analog",  "UIZoom",    "LimiterSensitivity", "MeterMode" };
+    ASSERT_EQ (xml->getNumAttributes(), static_cast<int> (std::size (attributes)));
+
+    for (int i = 0; i < xml->getNumAttributes(); ++i)
+        EXPECT_EQ (xml->getAttributeName (i), attributes[i]);
+
+    ASSERT_EQ (xml->getNumChildElements(), 2);
+    EXPECT_EQ (xml->getChildElement (0)->getTagName(), "data0");
+    EXPECT_EQ (xml->getChildElement (1)->getTagName(), "data1");
+    EXPECT_EQ (xml->getChildElement (1)->getNumAttributes(), numParameters);
+    EXPECT_EQ (xml->getChildElement (1)->getAttributeName (25), "compNuke");
+    EXPECT_EQ (xml->getStringAttribute ("Version"), "1.0.0");
+}
+
+TEST (State, SlotsAreSelectedCopiedAndNamedTogether)
+{
+    struct Host : juce::AudioProcessorListener
+    {
+        void audioProcessorParameterChanged (juce::AudioProcessor*, int, float) override {}
+
+        void audioProcessorChanged (juce::AudioProcessor*, const ChangeDetails& details) override
+        {
+            if (details.latencyChanged && details.parameterInfoChanged && details.programChanged)
+                ++changes;
+        }
+
+        int changes = 0;
+    } host;
+
+    Tarvik41Processor strip;
+    strip.addListener (&host);
+    strip.updateTrackProperties ({ "Snare", juce::Colours::red });
+    setPlain (strip, "gain", 11.0f);
+    strip.copySlotToOther();
+    EXPECT_EQ (host.changes, 0) << "copying is not heard";
+    setPlain (strip, "gain", 3.0f);
+
+    strip.selectSlot (1);
+    EXPECT_EQ (host.changes, 1);
+    EXPECT_FLOAT_EQ (plainOf (strip, "gain"), 11.0f);
+    strip.selectSlot (2);
+    EXPECT_EQ (strip.getCurrentSlot(), 1);
+    EXPECT_FLOAT_EQ (strip.getSlot (0).gain, 3.0f);
+
+    for (int slot = 0; slot < 2; ++slot)
+    {
+        EXPECT_EQ (strip.getSlot (slot).trackName, "Snare");
+        EXPECT_EQ (strip.getSlot (slot).trackColour.get(), juce::Colours::red.getARGB());
+    }
+
+    strip.removeListener (&host);
+}
+
+TEST (State, LoadsWhileTheHostNamesTheTrackAndAnotherThreadPlays)
+{
+    const auto strip = makeStrip();
+    strip->analogSetting().setValue (false);
+    strip->prepareToPlay (48000.0, 256);
+    const auto block = saved (*strip);
+    std::atomic<bool> isRunning { true };
+
+    std::thread state (
+        [&]
+        {
+            while (isRunning)
+                load (*strip, block);
+        });
+    std::thread track (
+        [&]
+        {
+            for (int i = 0; isRunning; ++i)
+                strip->updateTrackProperties ({ "a track name too long for any short buffer " + juce::String (i), {} });
+        });
+
+    for (int i = 0; i < 1500; ++i)
+        for (const auto sample : firstOf (process (*strip, { Signal (64, 0.1f), Signal (64, 0.1f) }, 64)))
+            ASSERT_TRUE (std::isfinite (sample));
+
+    isRunning = false;
+    state.join();
+    track.join();
 }
 
 TEST (State, DamagedBlocksChangeNothing)

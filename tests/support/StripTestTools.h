@@ -54,15 +54,6 @@ inline float plainOf (juce::AudioProcessor& processor, const juce::String& id)
     return p.convertFrom0to1 (p.getValue());
 }
 
-/** Takes everything out of the strip but its gains: what is left is arithmetic that a test can do again. */
-inline void makeGainOnly (Tarvik41Processor& strip, int oversampling = 1)
-{
-    strip.oversamplingSetting().setValue (oversampling);
-    strip.analogSetting().setValue (false);
-    setPlain (strip, "equalizer", 0.0f);
-    setPlain (strip, "compIn", 0.0f);
-}
-
 inline Signal noise (int numSamples, unsigned seed, float level = 1.0f)
 {
     std::mt19937 random (seed);

@@ -1,0 +1,7 @@
+# LAPACK and BLAS for the roots of polynomials, the reference versions and as archives: those that the system has chosen as
+# its shared ones may take memory or start threads, and designs may run on the audio thread.
+find_library (LAPACK_ARCHIVE NAMES liblapack_pic.a REQUIRED)
+find_library (BLAS_ARCHIVE NAMES libblas.a HINTS /usr/lib/${CMAKE_LIBRARY_ARCHITECTURE}/blas NO_DEFAULT_PATH REQUIRED)
+
+add_library (tarvik_linear_algebra INTERFACE)
+target_link_libraries (tarvik_linear_algebra INTERFACE ${LAPACK_ARCHIVE} ${BLAS_ARCHIVE} gfortran)
