@@ -1,0 +1,209 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/CommandLine.h"
+
+#include "tools/ToolError.h"
+
+#include <functional>
+
+namespace tarvik
+{
+
+namespace
+{
+using Task = CommandLine::Task;
+
+struct TaskWord
+{
+    const char* word;
+    Task task;
+};
+
+/** Words that say, in first place, what is to be done; without one of them a file is rendered. */
+constexpr TaskWord taskWords[] = { { "render", Task::render }, { "list", Task::list } };
+
+/** The same as options, which may stand anywhere. */
+constexpr TaskWord taskOptions[] = {
+    { "--list", Task::list }, { "--help", Task::help }, { "-h", Task::help }, { "--version", Task::version }
+};
+
+template <std::size_t N>
+const TaskWord* findTask (const TaskWord (&words)[N], const juce::String& argument)
+{
+    for (const auto& entry : words)
+        if (argument == entry.word)
+            return &entry;
+
+    return nullptr;
+}
+
+int wholeNumber (const juce::String& option, const juce::String& text, int lowest, int highest)
+{
+    constexpr int mostDigits = 9; // always fits an int
+
+    const auto isWhole = text.isNotEmpty() && text.containsOnly ("0123456789") && text.length() <= mostDigits;
+    const auto value = isWhole ? text.getIntValue() : lowest - 1;
+
+    if (value < lowest || value > highest)
+        throw ToolError (option + " wants a whole number from " + juce::String (lowest) + " to "
+                         + juce::String (highest) + ", not '" + text + "'");
+
+    return value;
+}
+
+/** Takes the values of the options that have one. */
+class OptionReader
+{
+public:
+    explicit OptionReader (CommandLine& target) : line (target) {}
+
+    /** True if the argument is an option with a value. */
+    bool takesValue (const juce::String& option) const
+    {
+        return option == "--set" || option == "--block" || option == "--bits" || textOf (option) != nullptr;
+    }
+
+    void take (const juce::String& option, const juce::String& value)
+    {
+        if (value.isEmpty())
+            throw ToolError (option + " wants a value that is not empty");
+
+        if (option == "--set")
+        {
+            line.assignments.add (value);
+            return;
+        }
+
+        if (seen.contains (option))
+            throw ToolError (option + " is given twice");
+
+        seen.add (option);
+
+        if (option == "--block")
+            line.blockSize = wholeNumber (option, value, 1, CommandLine::largestBlockSize);
+        else if (option == "--bits")
+            line.bitDepth = bits (value);
+        else
+            *textOf (option) = value;
+    }
+
+private:
+    juce::String* textOf (const juce::String& option) const
+    {
+        const std::pair<const char*, juce::String*> texts[] = {
+            { "--module", &line.modulePath },   { "--sidechain", &line.sidechainPath },
+            { "--state", &line.loadStatePath }, { "--save-state", &line.saveStatePath },
+            { "--program", &line.program },
+        };
+
+        for (const auto& [name, text] : texts)
+            if (option == name)
+                return text;
+
+        return nullptr;
+    }
+
+    static int bits (const juce::String& value)
+    {
+        if (value != "24" && value != "32")
+            throw ToolError ("--bits wants 24 or 32, not '" + value + "'");
+
+        return value.getIntValue();
+    }
+
+    CommandLine& line;
+    juce::StringArray seen;
+};
+
+void takePositional (CommandLine& line, const juce::String& argument)
+{
+    if (argument.isEmpty())
+        throw ToolError ("a file name is empty");
+
+    if (line.inputPath.isEmpty())
+        line.inputPath = argument;
+    else if (line.outputPath.isEmpty())
+        line.outputPath = argument;
+    else
+        throw ToolError ("there is one file too many: '" + argument + "'");
+}
+} // namespace
+
+CommandLine parseCommandLine (const juce::StringArray& arguments)
+{
+    CommandLine line;
+    OptionReader options (line);
+    int first = 0;
+    bool onlyFiles = false;
+
+    if (const auto* const word = findTask (taskWords, arguments[0]))
+    {
+        line.task = word->task;
+        first = 1;
+    }
+
+    for (int i = first; i < arguments.size(); ++i)
+    {
+        const auto& argument = arguments[i];
+
+        if (onlyFiles || ! argument.startsWithChar ('-'))
+        {
+            takePositional (line, argument);
+        }
+        else if (argument == "--")
+        {
+            onlyFiles = true;
+        }
+        else if (const auto* const task = findTask (taskOptions, argument))
+        {
+            line.task = task->task;
+        }
+        else if (options.takesValue (argument))
+        {
+            if (i + 1 >= arguments.size())
+                throw ToolError (argument + " wants a value behind it");
+
+            options.take (argument, arguments[++i]);
+        }
+        else
+        {
+            throw ToolError ("there is no option '" + argument + "' (see --help)");
+        }
+    }
+
+    if (line.task == Task::render && line.outputPath.isEmpty())
+        throw ToolError (line.inputPath.isEmpty() ? "an input and an output file are wanted (see --help)"
+                                                  : "an output file is wanted behind the input (see --help)");
+
+    if (line.task == Task::list && line.inputPath.isNotEmpty())
+        throw ToolError ("a list wants no file: '" + line.inputPath + "'");
+
+    return line;
+}
+
+const char* usageText()
+{
+    return R"(Sends a recording through the built VST3 module, as a host would, and writes what comes back.
+
+  tarvik41-render [render] [OPTIONS] INPUT OUTPUT
+  tarvik41-render list [--module FILE]
+
+INPUT is a WAV, FLAC or AIFF file, mono or stereo, of any rate and length. OUTPUT becomes a WAV file of the same length,
+with the module's latency taken out. It appears when it is complete, and not at all after an error.
+
+  --program NAME     start from a factory program, by its name or its number
+  --set ID=TEXT      set a parameter in its own units, as often as wanted: --set gain=6 --set "compMix=47 %"
+  --sidechain FILE   feed the side chain, from a file of the input's rate; silence follows its end
+  --state FILE       start from a .vstpreset
+  --save-state FILE  write the settings that were rendered with as a .vstpreset
+  --block N          samples for each call of the module, 1 to 65536 (512)
+  --bits 24|32       24-bit, or 32-bit floating point (32)
+  --module FILE      the .vst3 bundle, instead of the one beside this program, of its build, or installed
+  --list             the same as "list": the module's parameters, programs, buses and latency
+  --version, --help
+
+However they are ordered: the state is loaded first, then the program, then each --set from left to right. A file whose
+name begins with a dash goes behind "--". Exit status: 0, or 2 after an error, which is told in one line.
+)";
+}
+
+} // namespace tarvik

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <juce_core/juce_core.h>
+
+namespace tarvik
+{
+
+/** The words of the command line, sorted by what they mean. What they name is not looked at yet. */
+struct CommandLine
+{
+    enum class Task
+    {
+        render,
+        list,
+        help,
+        version
+    };
+
+    static constexpr int defaultBlockSize = 512;
+    static constexpr int largestBlockSize = 65536;
+
+    Task task = Task::render;
+    juce::String inputPath, outputPath;
+    juce::String modulePath; ///< Empty: look in the usual places.
+    juce::String sidechainPath;
+    juce::String loadStatePath, saveStatePath;
+    juce::String program;          ///< A name or a number, empty for none.
+    juce::StringArray assignments; ///< Each ID=TEXT, in the order given.
+    int blockSize = defaultBlockSize;
+    int bitDepth = 32; ///< 24, or 32 for floating point.
+};
+
+/** Sorts the arguments, without the program's own name. Throws `ToolError` at the first that has no meaning or lacks
+   its value.
+*/
+CommandLine parseCommandLine (const juce::StringArray& arguments);
+
+/** The explanation for `--help`, several lines. */
+const char* usageText();
+
+} // namespace tarvik

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <juce_core/juce_core.h>
+
+namespace tarvik
+{
+
+/** A file that appears under its name only when it is complete. Until then it is written under a hidden name in the
+   same folder, which goes when the object goes.
+*/
+class OutputFile
+{
+public:
+    /** Throws `ToolError` if the folder is missing, or if something other than a file has the name. Creates nothing. */
+    explicit OutputFile (const juce::String& path);
+
+    ~OutputFile();
+
+    OutputFile (const OutputFile&) = delete;
+    OutputFile& operator= (const OutputFile&) = delete;
+
+    /** Throws `ToolError` if the path leads to the same file, `what` saying which file that is. */
+    void refuseSameFileAs (const juce::String& otherPath, const char* what) const;
+
+    /** A stream into the hidden file. Throws `ToolError` if the folder cannot be written to. */
+    std::unique_ptr<juce::FileOutputStream> open();
+
+    /** Gives the file its name, in place of one that had it before. Throws `ToolError` if that fails. */
+    void commit();
+
+    const juce::String& path() const { return wantedPath; }
+
+    /** For any step of the writing that failed. */
+    [[noreturn]] void throwWriteError (const juce::String& reason) const;
+
+private:
+    const juce::String wantedPath;
+    juce::File target, hidden;
+};
+
+/** The file that a user's path means, seen from the present folder. */
+juce::File fileAt (const juce::String& path);
+
+} // namespace tarvik

@@ -1,0 +1,180 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/ParameterArguments.h"
+
+#include "plugin/ParameterTable.h"
+#include "tools/ToolError.h"
+
+#include <charconv>
+#include <cmath>
+#include <optional>
+
+namespace tarvik
+{
+
+namespace
+{
+const ParameterRow& rowAt (int index) { return parameterTable()[static_cast<std::size_t> (index)]; }
+
+juce::String unitOf (const ParameterRow& row)
+{
+    if (row.textRule == &textRules::midGain || row.textRule == &textRules::lowGain)
+        return "dB";
+
+    if (row.textRule == &textRules::percent)
+        return "%";
+
+    return row.textRule == &textRules::highPassHz ? "Hz" : row.label;
+}
+
+/** The number that a text consists of; nothing else may stand beside it. */
+std::optional<double> asNumber (const juce::String& text)
+{
+    const auto trimmed = text.trim().toStdString();
+    const auto* first = trimmed.data();
+    const auto* const last = first + trimmed.size();
+
+    // The library's reader takes no plus sign.
+    if (trimmed.size() > 1 && *first == '+' && first[1] != '-')
+        ++first;
+
+    double value = 0.0;
+    const auto [end, error] = std::from_chars (first, last, value);
+    return error == std::errc {} && end == last && std::isfinite (value) ? std::optional (value) : std::nullopt;
+}
+
+juce::String withoutUnit (const juce::String& text, const juce::String& unit)
+{
+    const auto trimmed = text.trim();
+    return unit.isNotEmpty() && trimmed.endsWithIgnoreCase (unit) ? trimmed.dropLastCharacters (unit.length())
+                                                                  : trimmed;
+}
+
+/** How the table shows a value, without the unit. */
+juce::String shownText (const ParameterRow& row, float plain)
+{
+    if (row.textRule != nullptr)
+        return row.textRule->toText (plain);
+
+    return decimalText (plain, decimalsOfStep (row.step));
+}
+
+/** One end of the range as the user counts, which is not always as the parameter does. */
+double shownNumber (const ParameterRow& row, float plain)
+{
+    return asNumber (withoutUnit (shownText (row, plain), unitOf (row))).value_or (static_cast<double> (plain));
+}
+
+juce::String rangeText (const ParameterRow& row)
+{
+    const auto unit = unitOf (row);
+    return withoutUnit (shownText (row, row.start), unit).trim() + " to "
+           + withoutUnit (shownText (row, row.end), unit).trim() + (unit.isEmpty() ? "" : " " + unit);
+}
+
+juce::String choicesText (const ParameterRow& row)
+{
+    juce::StringArray texts (row.choices.data(), static_cast<int> (row.choices.size()));
+    return texts.joinIntoString (", ");
+}
+
+juce::String valuesText (const ParameterRow& row)
+{
+    if (row.kind == ParameterFieldKind::Bool)
+        return "on, off";
+
+    return row.kind == ParameterFieldKind::Choice ? choicesText (row) : rangeText (row);
+}
+
+[[noreturn]] void refuse (const ParameterRow& row, const juce::String& text)
+{
+    throw ToolError (juce::String (row.id) + " cannot be '" + text + "', only " + valuesText (row));
+}
+
+//==============================================================================
+float boolValue (const ParameterRow& row, const juce::String& text)
+{
+    for (const auto* const word : { "on", "true", "yes", "1" })
+        if (text.equalsIgnoreCase (word))
+            return 1.0f;
+
+    for (const auto* const word : { "off", "false", "no", "0" })
+        if (text.equalsIgnoreCase (word))
+            return 0.0f;
+
+    refuse (row, text);
+}
+
+float choiceValue (const ParameterRow& row, const juce::String& text)
+{
+    for (std::size_t i = 0; i < row.choices.size(); ++i)
+        if (text.equalsIgnoreCase (row.choices[i]))
+            return static_cast<float> (i);
+
+    refuse (row, text);
+}
+
+float numberValue (const ParameterRow& row, const juce::String& text)
+{
+    // A word for an end of the range, as a switched-off filter has.
+    for (const auto plain : { row.start, row.end })
+        if (text.equalsIgnoreCase (shownText (row, plain)))
+            return plain;
+
+    const auto number = asNumber (withoutUnit (text, unitOf (row)));
+
+    if (! number || *number < shownNumber (row, row.start) || *number > shownNumber (row, row.end))
+        refuse (row, text);
+
+    if (row.kind == ParameterFieldKind::Int && std::trunc (*number) != *number)
+        refuse (row, text);
+
+    if (row.textRule != nullptr)
+        return juce::jlimit (row.start, row.end, row.textRule->fromText (juce::String (*number)));
+
+    return static_cast<float> (*number);
+}
+
+float plainValue (const ParameterRow& row, const juce::String& text)
+{
+    if (row.kind == ParameterFieldKind::Bool)
+        return boolValue (row, text);
+
+    return row.kind == ParameterFieldKind::Choice ? choiceValue (row, text) : numberValue (row, text);
+}
+} // namespace
+
+//==============================================================================
+ParameterSetting parseParameterSetting (const juce::String& argument)
+{
+    const auto equals = argument.indexOfChar ('=');
+
+    if (equals <= 0)
+        throw ToolError ("--set wants ID=TEXT, not '" + argument + "'");
+
+    const auto id = argument.substring (0, equals).trim();
+    const auto text = argument.substring (equals + 1).trim();
+
+    for (int index = 0; index < numParameters; ++index)
+    {
+        const auto& row = rowAt (index);
+
+        if (id == row.id)
+        {
+            const auto parameter = createParameter (index);
+            return { index, parameter->convertTo0to1 (plainValue (row, text)) };
+        }
+    }
+
+    throw ToolError ("there is no parameter '" + id + "' (see --list)");
+}
+
+juce::String describeValues (int index) { return valuesText (rowAt (index)); }
+
+juce::String unitOf (int index) { return unitOf (rowAt (index)); }
+
+juce::String withUnit (int index, const juce::String& shown)
+{
+    return asNumber (shown) ? (shown + " " + unitOf (index)).trim() : shown;
+}
+
+} // namespace tarvik

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/PresetFile.h"
+
+#include "plugin/StateSchema.h"
+#include "tools/ToolError.h"
+
+#include <juce_audio_processors/juce_audio_processors.h>
+
+#include <optional>
+
+namespace tarvik
+{
+
+namespace
+{
+// The frame, all numbers little-endian: "VST3", an int32 version, the class ID in 32 digits, and the place of the list
+// as an int64. The list: "List", an int32 count, and for each chunk its name of four letters, place and size (int64).
+// Documented in the VST3 SDK's vstpresetfile.h.
+constexpr int idLength = 4;
+constexpr int classIDStart = 8;
+constexpr int classIDLength = 32;
+constexpr int headerLength = 48;
+constexpr juce::int64 largestFile = 1 << 24; ///< Far above any real one.
+
+struct Chunk
+{
+    juce::int64 start = 0, length = 0;
+};
+
+/** The part that holds the component's state, if the frame is in order up to there. */
+std::optional<Chunk> findComponentState (const juce::MemoryBlock& preset)
+{
+    juce::MemoryInputStream stream (preset, false);
+    const auto readID = [&stream]
+    {
+        char id[idLength + 1] = {};
+        stream.read (id, idLength);
+        return juce::String (id);
+    };
+
+    const auto total = stream.getTotalLength();
+
+    if (total < headerLength || readID() != "VST3")
+        return {};
+
+    stream.setPosition (classIDStart + classIDLength);
+    const auto listStart = stream.readInt64();
+
+    if (listStart < headerLength || listStart >= total)
+        return {};
+
+    stream.setPosition (listStart);
+
+    if (readID() != "List")
+        return {};
+
+    for (auto count = stream.readInt(); count > 0 && ! stream.isExhausted(); --count)
+    {
+        const auto id = readID();
+        const auto start = stream.readInt64();
+        const auto length = stream.readInt64();
+
+        if (id == "Comp" && start >= headerLength && length > 0 && start <= total && length <= total - start)
+            return Chunk { start, length };
+    }
+
+    return {};
+}
+
+/** The component's state is a document of ours, and complete. */
+bool holdsProject (const juce::MemoryBlock& preset, const Chunk& chunk)
+{
+    const auto* const state = static_cast<const char*> (preset.getData()) + chunk.start;
+    const auto xml = juce::AudioProcessor::getXmlFromBinary (state, static_cast<int> (chunk.length));
+    return xml != nullptr && xml->hasTagName (stateSchema::root);
+}
+} // namespace
+
+juce::String classIDOfPreset (const juce::MemoryBlock& preset)
+{
+    if (preset.getSize() < headerLength)
+        return {};
+
+    const auto* const digits = static_cast<const char*> (preset.getData()) + classIDStart;
+    return { digits, static_cast<std::size_t> (classIDLength) };
+}
+
+juce::MemoryBlock readPresetFile (const juce::String& path, const juce::String& classID)
+{
+    const auto fail = [&path] (const char* reason)
+    { throw ToolError ("cannot load the state '" + path + "': " + juce::String (reason)); };
+
+    const auto file = fileAt (path);
+
+    if (! file.existsAsFile())
+        fail ("there is no such file");
+
+    juce::MemoryBlock preset;
+
+    if (file.getSize() > largestFile || ! file.loadFileAsData (preset))
+        fail (file.getSize() > largestFile ? "it is too large for a .vstpreset" : "it cannot be read");
+
+    constexpr const char* magic = "VST3";
+
+    if (preset.getSize() < headerLength || std::memcmp (preset.getData(), magic, idLength) != 0)
+        fail ("it is no .vstpreset");
+
+    if (! classIDOfPreset (preset).equalsIgnoreCase (classID))
+        fail ("it was saved from another plug-in");
+
+    const auto chunk = findComponentState (preset);
+
+    if (! chunk || ! holdsProject (preset, *chunk))
+        fail ("it is damaged");
+
+    return preset;
+}
+
+void writePresetFile (OutputFile& file, const juce::MemoryBlock& preset)
+{
+    const auto stream = file.open();
+    const auto isWritten = stream->write (preset.getData(), preset.getSize());
+    stream->flush();
+
+    if (! isWritten || stream->getStatus().failed()
+        || stream->getFile().getSize() != static_cast<juce::int64> (preset.getSize()))
+        file.throwWriteError ("the disk fails");
+}
+
+} // namespace tarvik

@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/CommandLine.h"
+#include "tools/Interruption.h"
+#include "tools/ListCommand.h"
+#include "tools/RenderCommand.h"
+#include "tools/ToolError.h"
+
+#include <juce_events/juce_events.h>
+
+#include <iostream>
+
+namespace
+{
+constexpr int failure = 2;
+
+int fail (const char* message)
+{
+    std::cout.flush();
+    std::cerr << "tarvik41-render: " << message << std::endl;
+    return failure;
+}
+
+void perform (const tarvik::CommandLine& line)
+{
+    using Task = tarvik::CommandLine::Task;
+
+    switch (line.task)
+    {
+        case Task::render:
+            tarvik::renderFile (line);
+            break;
+        case Task::list:
+            tarvik::listModule (line);
+            break;
+        case Task::help:
+            std::cout << tarvik::usageText();
+            break;
+        case Task::version:
+            std::cout << "tarvik41-render " TARVIK_VERSION "\n";
+            break;
+    }
+}
+
+int run (const juce::StringArray& arguments)
+{
+    // Hosted modules want JUCE's message thread to be known; no loop has to run.
+    const juce::ScopedJuceInitialiser_GUI juceLibrary;
+
+    try
+    {
+        perform (tarvik::parseCommandLine (arguments));
+        return 0;
+    }
+    catch (const std::exception& error)
+    {
+        return fail (error.what());
+    }
+}
+} // namespace
+
+int main (int argc, char** argv)
+{
+    juce::StringArray arguments;
+
+    for (int i = 1; i < argc; ++i)
+        arguments.add (juce::String::fromUTF8 (argv[i]));
+
+    if (arguments.isEmpty())
+    {
+        std::cerr << tarvik::usageText();
+        return failure;
+    }
+
+    try
+    {
+        return run (arguments);
+    }
+    catch (const tarvik::Interrupted& interruption)
+    {
+        tarvik::endBySignal (interruption.signalNumber);
+    }
+}
