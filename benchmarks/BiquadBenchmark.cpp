@@ -98,7 +98,7 @@ void runEqualiser (benchmark::State& state, InstructionSet set, Way way)
 void runPlain (benchmark::State& state)
 {
     const auto n = static_cast<int> (state.range (0));
-    const std::vector<double> taps{ 1.0, -2.0, 1.0, 1.0, -1.98, 0.981, 1.0, -1.8, 0.82, 1.0, -1.7, 0.75 };
+    const std::vector<double> taps { 1.0, -2.0, 1.0, 1.0, -1.98, 0.981, 1.0, -1.8, 0.82, 1.0, -1.7, 0.75 };
     std::array<BiquadCascade, 6> cascades;
     const auto source = signal (n);
     auto left = source, right = source;

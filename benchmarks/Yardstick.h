@@ -31,8 +31,8 @@ public:
             const auto alpha = std::sin (radians) * bandwidthSine;
             const auto a = i % 2 == 0 ? amplitude : 1.0 / amplitude;
             const auto a0 = 1.0 + alpha / a, first = -2.0 * std::cos (radians) / a0;
-            const Section section{ (1.0 + alpha * a) / a0, first, (1.0 - alpha * a) / a0, first,
-                                   (1.0 - alpha / a) / a0 };
+            const Section section { (1.0 + alpha * a) / a0, first, (1.0 - alpha * a) / a0, first,
+                                    (1.0 - alpha / a) / a0 };
             sections[i] = { section, section };
         }
     }
@@ -69,7 +69,7 @@ private:
 inline double threadSeconds() noexcept
 {
     constexpr double nano = 1e-9;
-    std::timespec time{};
+    std::timespec time {};
     clock_gettime (CLOCK_THREAD_CPUTIME_ID, &time);
     return static_cast<double> (time.tv_sec) + nano * static_cast<double> (time.tv_nsec);
 }
@@ -82,7 +82,7 @@ inline double yardstickSeconds()
         constexpr int n = 256, blocksPerRun = 200, channels = 2;
         constexpr std::size_t runs = 41;
         std::vector<float> source (n), left (n), right (n);
-        std::array<double, runs> seconds{};
+        std::array<double, runs> seconds {};
         Yardstick yardstick;
 
         for (std::size_t i = 0; i < n; ++i)

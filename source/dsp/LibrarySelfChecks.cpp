@@ -21,8 +21,8 @@ VBufferTest::VBufferTest() : UnitTest ("VBuffer", libraryCategory) {}
 void VBufferTest::runTest()
 {
     constexpr int length = 67; // whole vectors of every width, and a rest
-    std::array<float, length> a{};
-    std::array<float, length> b{};
+    std::array<float, length> a {};
+    std::array<float, length> b {};
     auto random = getRandom();
 
     for (int i = 0; i < length; ++i)

@@ -37,7 +37,7 @@ struct MultiRateFirSpec
     const DownKernel* downKernel = nullptr;
 
     // Up: how the sums are computed.
-    UpMethod upMethod{};
+    UpMethod upMethod {};
 
     // Down: `outputsPerGroup` neighbouring outputs begin `planes` whole vectors behind the group before, so that their
     // inputs share one alignment. A group's inputs are `rowsPerGroup` rows of one vector each. Row i of the signal is

@@ -115,7 +115,7 @@ template <int R, int... steps>
 constexpr auto downTable (std::integer_sequence<int, steps...>)
 {
     using Function = void (*) (const MultiRateFirSpec&, const float*, float*);
-    return std::array<Function, sizeof...(steps)>{ &downGroups<R, (steps + 1) * outputsPerStep<R> / R>... };
+    return std::array<Function, sizeof...(steps)> { &downGroups<R, (steps + 1) * outputsPerStep<R> / R>... };
 }
 
 template <int R>
@@ -202,7 +202,7 @@ void run (const MultiRateFirSpec& spec, float* work, int skip, float* out, int n
 
 const DownKernel* kernel()
 {
-    static constexpr DownKernel table{ lanes, &run };
+    static constexpr DownKernel table { lanes, &run };
     return &table;
 }
 } // namespace

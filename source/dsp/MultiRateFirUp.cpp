@@ -100,7 +100,7 @@ HWY_INLINE void directPhases (const MultiRateFirSpec& spec, const float* in, con
     const Tag d;
     Vectors<T> sums[static_cast<std::size_t> (P)];
     clear<P, T> (sums);
-    accumulate<P, T> (std::array{ in }, -1, taps, spec.tapsPerPhase, sums);
+    accumulate<P, T> (std::array { in }, -1, taps, spec.tapsPerPhase, sums);
 
     if (isFirst)
         addLastTap<T> (in - spec.tapsPerPhase, spec.taps[static_cast<std::size_t> (spec.factor * spec.tapsPerPhase)],
@@ -159,7 +159,7 @@ void pairsTile (const MultiRateFirSpec& spec, const float* even, const float* od
 {
     Vectors<T> sums[static_cast<std::size_t> (upPhasesPerGroup)];
     clear<upPhasesPerGroup, T> (sums);
-    accumulate<upPhasesPerGroup, T> (std::array{ odd, even }, -1, spec.taps.get(), spec.tapsPerPhase / 2 + 1, sums);
+    accumulate<upPhasesPerGroup, T> (std::array { odd, even }, -1, spec.taps.get(), spec.tapsPerPhase / 2 + 1, sums);
 
     HWY_UNROLL (6)
     for (int t = 0; t < T; ++t)
@@ -230,12 +230,12 @@ void foldedTile (const MultiRateFirSpec& spec, const float* in, float* scratch, 
         if (phase == 0)
             addLastTap<T> (in - spec.tapsPerPhase, middleTaps[half], sums[0]);
 
-        accumulate<upPhasesPerGroup, T> (std::array<const float*, 1>{ sumRows }, plane, taps, half, sums);
+        accumulate<upPhasesPerGroup, T> (std::array<const float*, 1> { sumRows }, plane, taps, half, sums);
         storePlanes<T> (sums, evens + phase * plane);
         taps += upPhasesPerGroup * half;
 
         clear<upPhasesPerGroup, T> (sums);
-        accumulate<upPhasesPerGroup, T> (std::array<const float*, 1>{ differenceRows }, plane, taps, half, sums);
+        accumulate<upPhasesPerGroup, T> (std::array<const float*, 1> { differenceRows }, plane, taps, half, sums);
         storePlanes<T> (sums, odds + phase * plane);
         taps += upPhasesPerGroup * half;
     }
@@ -346,7 +346,7 @@ void run (const MultiRateFirSpec& spec, const float* in, float* scratch, float* 
 
 const UpKernel* kernel()
 {
-    static constexpr UpKernel table{ maxTile, lanes >= 16 ? 16 : 8, &run };
+    static constexpr UpKernel table { maxTile, lanes >= 16 ? 16 : 8, &run };
     return &table;
 }
 } // namespace

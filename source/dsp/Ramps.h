@@ -180,8 +180,8 @@ public:
 
 private:
     RampType ramp;
-    std::atomic<double> requested{ 0.0 };
-    std::atomic<bool> isWaiting{ false };
+    std::atomic<double> requested { 0.0 };
+    std::atomic<bool> isWaiting { false };
 };
 
 } // namespace tarvik

@@ -63,7 +63,7 @@ void multiplyAdd (double* dst, const double* src, double s, int n) noexcept;
 template <Sample T>
 void absolute (T* dst, const T* src, int n) noexcept
 {
-    combine (ScalarOperation::absolute, dst, src, T{}, n);
+    combine (ScalarOperation::absolute, dst, src, T {}, n);
 }
 
 // dst[i] = dst[i] * src[i]

@@ -109,7 +109,7 @@ public:
     VBuffer abs() const noexcept
     {
         auto result = *this;
-        return std::move (result.combine (rows::ScalarOperation::absolute, T{}));
+        return std::move (result.combine (rows::ScalarOperation::absolute, T {}));
     }
 
     friend VBuffer abs (const VBuffer& v) noexcept { return v.abs(); }

@@ -101,7 +101,7 @@ public:
 private:
     static constexpr int groupBytes = 16; // rows start on whole groups, the smallest vector of any processor
     static constexpr int groupSize = groupBytes / static_cast<int> (sizeof (T));
-    static constexpr std::align_val_t blockAlignment{ 64 }; // a cache line, and the largest vector
+    static constexpr std::align_val_t blockAlignment { 64 }; // a cache line, and the largest vector
 
     struct FreeBlock
     {
@@ -118,7 +118,7 @@ private:
         const auto rowCount = static_cast<std::size_t> (std::max (numberOfRows, 0));
         const auto sampleCount = rowCount * static_cast<std::size_t> (newSize);
         data.reset (static_cast<T*> (::operator new (sampleCount * sizeof (T), blockAlignment)));
-        std::fill_n (data.get(), sampleCount, T{});
+        std::fill_n (data.get(), sampleCount, T {});
         rows = std::make_unique<T*[]> (rowCount);
         capacityRows = static_cast<int> (rowCount);
         capacitySize = newSize;

@@ -81,7 +81,7 @@ TEST (DecibelConverter, LevelsNearOneReturnWithinATenthOfAThousandthOfADecibel)
 
 TEST (DecibelConverter, SilenceIsMinusInfinityAndReturnsAsSilence)
 {
-    std::vector<float> row{ 0.0f, 1.0f, infinity, -0.5f, 0.1f };
+    std::vector<float> row { 0.0f, 1.0f, infinity, -0.5f, 0.1f };
     DecibelConverter::levelToDBInPlace (row.data(), 4);
     EXPECT_EQ (row[0], -infinity);
     EXPECT_EQ (row[1], 0.0f);
@@ -101,17 +101,17 @@ TEST (ippMinMax, HoldsSamplesBelowOrAboveTheLimit)
     for (const auto& set : supportedInstructionSets())
     {
         const ScopedInstructionSet forced (set);
-        std::vector<float> below{ 0.1f, 0.3f, 0.3f, 0.3f }, above{ 0.5f, 0.3f, -infinity, 0.3f };
+        std::vector<float> below { 0.1f, 0.3f, 0.3f, 0.3f }, above { 0.5f, 0.3f, -infinity, 0.3f };
         ippMinMax::min (below.data(), 3, 0.2f);
         ippMinMax::max (above.data(), 3, 0.4f);
-        EXPECT_EQ (below, (std::vector<float>{ 0.1f, 0.2f, 0.2f, 0.3f })) << set.name;
-        EXPECT_EQ (above, (std::vector<float>{ 0.5f, 0.4f, 0.4f, 0.3f })) << set.name;
+        EXPECT_EQ (below, (std::vector<float> { 0.1f, 0.2f, 0.2f, 0.3f })) << set.name;
+        EXPECT_EQ (above, (std::vector<float> { 0.5f, 0.4f, 0.4f, 0.3f })) << set.name;
 
-        std::vector<double> wide{ 0.1, 0.3, 0.3 };
+        std::vector<double> wide { 0.1, 0.3, 0.3 };
         ippMinMax::min (wide.data(), 2, 0.2);
         ippMinMax::max (wide.data(), 2, 0.15);
         ippMinMax::max (wide.data(), 0, 9.0);
-        EXPECT_EQ (wide, (std::vector<double>{ 0.15, 0.2, 0.3 })) << set.name;
+        EXPECT_EQ (wide, (std::vector<double> { 0.15, 0.2, 0.3 })) << set.name;
     }
 }
 

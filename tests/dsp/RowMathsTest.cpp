@@ -87,9 +87,9 @@ TYPED_TEST (RowMaths, ArgumentsOutsideTheDomainGiveWhatTheStandardLibraryGives)
 {
     using T = TypeParam;
     constexpr auto infinity = std::numeric_limits<T>::infinity();
-    const std::vector<T> edges{ T (0),    -T (0),    infinity, -infinity, std::numeric_limits<T>::quiet_NaN(),
-                                T (-1),   T (-1e30), T (1e30), T (1),     std::numeric_limits<T>::lowest(),
-                                T (-1e4), T (1e4) };
+    const std::vector<T> edges { T (0),    -T (0),    infinity, -infinity, std::numeric_limits<T>::quiet_NaN(),
+                                 T (-1),   T (-1e30), T (1e30), T (1),     std::numeric_limits<T>::lowest(),
+                                 T (-1e4), T (1e4) };
     std::vector<T> result (edges.size());
 
     for (const auto& set : supportedInstructionSets())

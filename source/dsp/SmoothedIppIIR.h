@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "dsp/BiquadCascade.h"
+#include "dsp/MZTiCoefs.h"
+#include "dsp/Ramps.h"
+#include "dsp/TripleBuffer.h"
+
+#include <juce_events/juce_events.h>
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <span>
+#include <vector>
+
+namespace tarvik
+{
+/** A filter that takes new coefficients without a click. It keeps two banks of filter states; a new design goes into
+    the idle bank with a clear delay line, and the input moves over to it within 0.1 s. It is the inputs of the two
+    filters that are scaled, not their outputs: the new one sees its input rise from nothing, the old one rings out.
+
+    Who owns what. There is a control side and an audio side, and between them only hand-overs.
+
+    - Control side: setAnalogue(), bringInCoefficients(), setOn(). Any thread, the audio thread included; of the
+      first two one call at a time. They allocate nothing and wait for nobody: the polynomials are left in a
+      hand-over, and whoever gets the design lock, by trying, designs them. If another thread has the lock, it looks
+      again when it gives it back. Should even that miss, the next process() designs what is left.
+    - Audio side: process(), beginSlice(), getActiveCascades(), reset(), prepare(). One call at a time, and prepare()
+      and reset() never during process(). Banks and ramps belong to this side alone. bringInCoefficients() only
+      publishes the finished taps; the audio side takes them at the start of a slice, if no crossfade runs. So there
+      are never two crossfades at once, and of the designs published during one only the newest is ever heard, from
+      the first slice after its end. That needs no message loop, however much faster than real time the audio runs.
+    - The timer is a second chance: while a change waits behind a crossfade, every 10 ms the message thread looks
+      whether a design was left over, and stops the timer when nothing waits any more. Starting it takes a lock, so
+      only changes on the message thread do, and not where that thread runs process() itself. As with every
+      juce::Timer, destroy the object on the message thread, or while that thread is not dispatching.
+
+    While the filter is not processed, a published design waits for the next process(), reset() or prepare(). The
+    latter two bring it into both banks at rest, without a crossfade. */
+template <typename Sample, typename Coefs>
+class SmoothedIppIIR : public juce::Timer
+{
+public:
+    using Polynomial = typename Coefs::Polynomial;
+
+    SmoothedIppIIR();
+    ~SmoothedIppIIR() override;
+
+    SmoothedIppIIR (const SmoothedIppIIR&) = delete;
+    SmoothedIppIIR& operator= (const SmoothedIppIIR&) = delete;
+
+    /** Control side: the new H(s), highest power first. Designs it if the sample rate is known; it is not heard before
+        bringInCoefficients(). */
+    void setAnalogue (const Polynomial& numerator, const Polynomial& denominator) noexcept;
+
+    /** Control side: lets the audio side crossfade to the newest design. Before the first prepare() this leaves nothing
+        behind, since prepare() brings in what is newest. */
+    void bringInCoefficients() noexcept;
+
+    /** Any thread: fades the whole filter in (true) or out (false) within 0.1 s. Faded out it costs nothing, hands its
+        input through, and comes back from a clear delay line. */
+    void setOn (bool shouldBeOn) noexcept { onRamp.request (shouldBeOn ? 1.0 : 0.0); }
+
+    /** Audio side, allocates. `sampleRate` in Hz; a rate other than the present one redesigns at once. Afterwards both
+        banks are at rest on the newest design and the ramps at their targets; a ramp takes trunc (0.1 sampleRate)
+        samples. Longer calls of process() than maxSamples are cut. May wait for a design in progress. */
+    void prepare (double sampleRate, int channels, int maxSamples);
+
+    /** Audio side: the ramps jump to their targets, what waits is brought in, and all delay lines are cleared. */
+    void reset() noexcept;
+
+    /** Audio side: filters n samples of as many rows as prepare() was told channels, in place. */
+    void process (Sample* const* rows, int n) noexcept;
+
+    /** Audio side, for callers that run several filters in one pass: takes what the control side has published, and
+        says whether nothing moves, so that getActiveCascades() on the rows does exactly what process() would do. */
+    bool beginSlice() noexcept;
+
+    /** Audio side: the cascades of the bank in force, one per channel. */
+    std::span<BiquadCascade* const> getActiveCascades() const noexcept;
+
+    /** Message thread. Never needed by the audio side. */
+    void timerCallback() override;
+
+private:
+    struct Analogue
+    {
+        Polynomial numerator {};
+        Polynomial denominator {};
+    };
+
+    using Row = std::vector<Sample>;
+
+    bool mayStartTimer() const noexcept;
+    bool hasWork() const noexcept;
+    bool tryToWork() noexcept;
+    void work() noexcept;
+    void doWorkLocked() noexcept;
+    bool isOff() const noexcept;
+    void settle() noexcept;
+    void processSlice (int n) noexcept;
+    void runBothBanks (std::size_t channel, int n) noexcept;
+
+    std::span<BiquadCascade* const> getBank (std::size_t bank) const noexcept;
+
+    Coefs coefs; ///< under its design lock
+
+    // From control side to whoever designs, and on to the audio side.
+    TripleBuffer<Analogue> analogue;
+    std::atomic<bool> isBringInWanted { false };
+    TripleBuffer<typename Coefs::Taps> published;
+    std::atomic<bool> isCrossfading { false };                        ///< written by the audio side
+    std::atomic<bool> isRetrying { false };                           ///< the timer runs
+    std::atomic<juce::Thread::ThreadID> processingThread { nullptr }; ///< the last one in process()
+
+    // Audio side.
+    std::vector<BiquadCascade> filters;         ///< bank 0 of every channel, then bank 1 of every channel
+    std::vector<BiquadCascade*> filterPointers; ///< to each of `filters`
+    SharedRamp<LinearRamp> onRamp { 1.0 };
+    LinearRamp bankRamp { 0.0 }; ///< how much of the input goes to bank 1
+    std::vector<Sample*> rowPointers;
+    Row bankRow, onRow, firstRow, secondRow;
+};
+
+extern template class SmoothedIppIIR<float, MZTiCoefs<double, 2, 2>>;
+extern template class SmoothedIppIIR<float, MZTiCoefs<double, 5, 5>>;
+} // namespace tarvik

@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dsp/BiquadCascade.h"
+
+#include "FilterTestTools.h"
+#include "dsp/InstructionSets.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+
+namespace tarvik
+{
+namespace
+{
+using test::makeNoise;
+using Row = std::vector<float>;
+
+/** Sections with poles and zeros anywhere inside the unit circle, up to very close to it. */
+std::vector<double> makeTaps (int numSections, std::mt19937& random)
+{
+    std::uniform_real_distribution<double> radius (0.5, 0.9999), angle (0.0, std::numbers::pi);
+    std::vector<double> taps;
+
+    for (int i = 0; i < numSections; ++i)
+    {
+        const auto zero = std::polar (radius (random), angle (random));
+        const auto pole = std::polar (radius (random), angle (random));
+        taps.insert (taps.end(),
+                     { 0.9, -1.8 * zero.real(), 0.9 * std::norm (zero), 1.0, -2.0 * pole.real(), std::norm (pole) });
+    }
+
+    return taps;
+}
+
+/** A section at high rates: poles and zeros very near z = 1, where a contracted multiply-add leaves a remainder. */
+std::vector<double> makeNeutralSections (int numSections)
+{
+    std::vector<double> taps;
+
+    for (int i = 0; i < numSections; ++i)
+    {
+        const auto first = -1.99731 + 0.013 * i, second = 0.99732 - 0.011 * i;
+        taps.insert (taps.end(), { 1.0, first, second, 1.0, first, second });
+    }
+
+    return taps;
+}
+
+TEST (BiquadCascade, EqualNumeratorAndDenominatorHandTheInputThroughBitForBit)
+{
+    for (const auto& set : supportedInstructionSets())
+        for (const auto numSections : { 1, 2, 4 })
+        {
+            SCOPED_TRACE (set.name);
+            const ScopedInstructionSet scope (set);
+            BiquadCascade cascade;
+            cascade.setTaps (makeNeutralSections (numSections));
+            const auto input = makeNoise (20000, 1);
+            auto output = input;
+            cascade.process (output.data(), static_cast<int> (output.size()));
+            EXPECT_EQ (output, input);
+
+            for (const auto state : cascade.getSections().s1)
+                EXPECT_EQ (state, 0.0);
+        }
+}
+
+TEST (BiquadCascade, EveryInstructionSetAndLayoutGivesThePlainFormsBits)
+{
+    std::mt19937 random (2);
+
+    for (const auto& set : supportedInstructionSets())
+        for (int trial = 0; trial < 60; ++trial)
+        {
+            SCOPED_TRACE (set.name);
+            const ScopedInstructionSet scope (set);
+            std::array<BiquadCascade, 2> first, second, plainFirst, plainSecond;
+            const auto firstSections = trial % 4 == 3 ? 3 : 2; // three has no vector form
+
+            for (std::size_t c = 0; c < 2; ++c)
+            {
+                plainFirst[c].setTaps (makeTaps (firstSections, random));
+                plainSecond[c].setTaps (makeTaps (4, random));
+                first[c] = plainFirst[c];
+                second[c] = plainSecond[c];
+            }
+
+            const std::array<BiquadCascade*, 2> firsts { &first[0], &first[1] }, seconds { &second[0], &second[1] };
+
+            // Lengths below, at and above the vector form's delay and the length of its scratch row.
+            for (const auto n : { 1, 3, 0, 6, 256, 257, static_cast<int> (random() % 700) })
+            {
+                std::array rows { makeNoise (static_cast<std::size_t> (n), random()),
+                                  makeNoise (static_cast<std::size_t> (n), random()) };
+                auto expected = rows;
+                const std::array<float*, 2> pointers { rows[0].data(), rows[1].data() };
+
+                if (trial % 3 == 0)
+                {
+                    processInTurn (firsts, seconds, pointers.data(), n);
+                }
+                else if (trial % 3 == 1)
+                {
+                    processSideBySide (firsts, pointers.data(), n);
+                    processSideBySide (seconds, pointers.data(), n);
+                }
+
+                for (std::size_t c = 0; c < 2; ++c)
+                {
+                    if (trial % 3 == 2)
+                        processInTurn (std::span (firsts).subspan (c, 1), std::span (seconds).subspan (c, 1),
+                                       &pointers[c], n);
+
+                    plainFirst[c].processPlain (expected[c].data(), n);
+                    plainSecond[c].processPlain (expected[c].data(), n);
+                }
+
+                ASSERT_EQ (rows, expected) << "length " << n << ", trial " << trial;
+            }
+        }
+}
+
+TEST (BiquadCascade, RowsSideBySideMayDifferInLength)
+{
+    std::mt19937 random (3);
+    std::array<BiquadCascade, 7> cascades;
+    std::array<BiquadCascade*, 7> pointers {};
+    std::array<Row, 7> rows, expected;
+    std::array<float*, 7> rowPointers {};
+    constexpr std::array lengths { 4, 4, 2, 4, 2, 3, 0 };
+
+    for (std::size_t i = 0; i < lengths.size(); ++i)
+    {
+        cascades[i].setTaps (makeTaps (lengths[i], random));
+        auto plain = cascades[i];
+        rows[i] = expected[i] = makeNoise (100, random());
+        plain.processPlain (expected[i].data(), 100);
+        pointers[i] = &cascades[i];
+        rowPointers[i] = rows[i].data();
+    }
+
+    processSideBySide (pointers, rowPointers.data(), 100);
+    EXPECT_EQ (rows, expected);
+}
+
+TEST (BiquadCascade, RoundsOnceBehindTheLastSection)
+{
+    // The second section takes out nearly all that the first one puts in. Rounding in between would leave 2^-24 of a
+    // level 1000 times as high; the only error left is the last rounding.
+    constexpr auto pole = 0.999;
+    const std::vector<double> taps { 1.0, 0.0, 0.0, 1.0, -pole, 0.0, 1.0, -pole, 0.0, 1.0, 0.0, 0.0 };
+    BiquadCascade cascade;
+    cascade.setTaps (taps);
+    std::vector<float> row (10000, 1.0f);
+    cascade.process (row.data(), static_cast<int> (row.size()));
+
+    for (const auto sample : row)
+        ASSERT_NEAR (sample, 1.0f, 1e-7f);
+}
+
+TEST (BiquadCascade, DividesBySectionsOwnA0AndClearsOnNewTaps)
+{
+    BiquadCascade cascade;
+    cascade.setTaps (std::array { 3.0, 1.0, 0.5, 2.0, -0.5, 0.25 });
+    const auto run = [&cascade]
+    {
+        std::vector<float> row { 1.0f, 0.0f, 0.0f };
+        cascade.process (row.data(), 3);
+        return row;
+    };
+
+    const std::vector<float> expected { 1.5f, 0.875f, 0.28125f }; // the impulse response by hand
+    EXPECT_EQ (run(), expected);
+    EXPECT_NE (run(), expected); // still ringing
+    cascade.clear();
+    EXPECT_EQ (run(), expected);
+    cascade.setTaps (std::array { 3.0, 1.0, 0.5, 2.0, -0.5, 0.25 });
+    EXPECT_EQ (run(), expected);
+}
+} // namespace
+} // namespace tarvik

@@ -1,0 +1,242 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "FilterTestTools.h"
+#include "dsp/EqualiserNetwork.h"
+
+#include <gtest/gtest.h>
+#include <juce_core/juce_core.h>
+
+#include <cstring>
+#include <map>
+#include <sstream>
+
+// The equaliser's circuit, drawn here once more from the values of its parts and solved by a circuit simulator: what
+// the network's polynomials say must be what Kirchhoff's laws say. Needs the program ngspice (Debian package ngspice).
+
+namespace tarvik
+{
+namespace
+{
+using namespace test;
+
+constexpr double relativeTolerance = 1e-9;
+
+/** Writes one copy of the circuit as a netlist; all copies hang on the same source. */
+class Netlist
+{
+public:
+    Netlist (std::ostream& deck, int copy) : out (deck), suffix ("_" + std::to_string (copy)) {}
+
+    /** A part between two nodes. Nodes other than "in" and ground, "0", belong to this copy. A resistor of 0 ohms,
+        which the simulator would replace by another, must be wired as one node instead. */
+    void add (const char* name, const std::string& a, const std::string& b, double value)
+    {
+        out << name << suffix << ' ' << place (a) << ' ' << place (b) << ' ' << value << '\n';
+    }
+
+    std::string place (const std::string& node) const { return node == "in" || node == "0" ? node : node + suffix; }
+
+private:
+    std::ostream& out;
+    std::string suffix;
+};
+
+/** The mid pot from node a to node b, the resonant branch lying across its first part. */
+void addMidPot (Netlist& netlist, const ComponentTable& table, const EQControls& controls, const std::string& a,
+                const std::string& b)
+{
+    const auto pot = table.getActive (16);
+    const auto first = static_cast<double> (controls.midGain) * pot;
+    const std::string wiper = first > 0.0 ? (first < pot ? "wiper" : b) : a;
+
+    if (first < pot)
+        netlist.add ("Rpotb", wiper, b, pot - first);
+
+    if (first > 0.0)
+    {
+        const auto position = static_cast<std::size_t> (controls.midFreq);
+        netlist.add ("Rpota", a, wiper, first);
+        netlist.add ("Rmid", a, "mid1", 1.0);
+        netlist.add ("Lmid", "mid1", "mid2", table.getActive (18 + position));
+        netlist.add ("Cmid", "mid2", wiper, table.getActive (26 + position));
+    }
+}
+
+void addCircuit (Netlist netlist, const ComponentTable& table, const EQControls& controls)
+{
+    constexpr std::array highFactors { 0.6, 1.0, 1.4 };
+    const auto factor = highFactors[static_cast<std::size_t> (controls.highFreq)];
+    const auto lowGain = static_cast<double> (controls.lowGain);
+    const auto low = table.getActive (13 - static_cast<std::size_t> (controls.lowFreq));
+    const auto highGain = static_cast<std::size_t> (controls.highGain);
+    std::string source = "in";
+
+    if (controls.lowFreq >= 4)
+    {
+        source = "cut";
+        netlist.add ("Clow", "in", source, low);
+        netlist.add ("Rlow", source, "0", table.getActive (0));
+    }
+    else
+    {
+        netlist.add ("Rboost", source, "low1",
+                     std::pow (10.0, 6.0 - 12.0 * lowGain) + (1.0 - lowGain) * table.getActive (2));
+        netlist.add ("Lboost", "low1", "low2", 10.0);
+        netlist.add ("Cboost", "low2", "out", low);
+    }
+
+    if (controls.midMode == 1)
+    {
+        addMidPot (netlist, table, controls, source, "out");
+    }
+    else
+    {
+        netlist.add ("Rseries", source, "out", table.getActive (14));
+        netlist.add ("Rarm", "out", "arm", table.getActive (15));
+        addMidPot (netlist, table, controls, "arm", "0");
+    }
+
+    if (highGain > 5)
+    {
+        netlist.add ("Rhigh", source, "high", table.getActive (45 + highGain - 6));
+        netlist.add ("Chigh", "high", "out", table.getActive (40 + highGain - 6) / factor);
+    }
+    else
+    {
+        netlist.add ("Chigh", "out", "0", table.getActive (34 + highGain) / factor);
+    }
+
+    netlist.add ("Rout", "out", "0", table.getActive (1));
+}
+
+/** All eight topologies, each with several pot positions, switches and channels. */
+std::vector<EQControls> makeSettings()
+{
+    std::vector<EQControls> settings;
+    std::mt19937 random (1);
+    const auto draw = [&random] (unsigned count) { return static_cast<std::int32_t> (random() % count); };
+
+    for (int topology = 0; topology < 8; ++topology)
+        for (const auto pot : { 0.0f, 0.01f, 0.37f, 0.5f, 0.99f, 1.0f })
+        {
+            EQControls controls;
+            controls.lowFreq = (topology & 1) != 0 ? draw (4) : 4 + draw (6);
+            controls.midMode = (topology & 2) != 0 ? 1 : 0;
+            controls.highGain = (topology & 4) != 0 ? 6 + draw (5) : draw (6);
+            controls.midGain = pot;
+            controls.lowGain = 1.0f - pot;
+            controls.midFreq = draw (8);
+            controls.highFreq = draw (3);
+            controls.toleranceChannel = pot == 0.5f ? 0 : draw (32);
+            settings.push_back (controls);
+        }
+
+    return settings;
+}
+
+struct Simulation
+{
+    std::vector<double> frequencies;
+    std::map<std::string, std::vector<Complex>> voltages; ///< by node
+};
+
+/** Reads ngspice's binary file of complex numbers: a header in text, then for each frequency one number per variable.
+ */
+Simulation readRawFile (const juce::File& file)
+{
+    juce::MemoryBlock block;
+    file.loadFileAsData (block);
+    const std::string data (static_cast<const char*> (block.getData()), block.getSize());
+    const std::string marker = "Binary:\n";
+    const auto start = data.find (marker);
+    Simulation simulation;
+
+    if (start == std::string::npos)
+        return simulation;
+
+    std::istringstream header (data.substr (0, start));
+    std::vector<std::string> names;
+    bool isInVariables = false;
+
+    for (std::string line; std::getline (header, line);)
+    {
+        std::istringstream fields (line);
+        std::string index, name;
+
+        if (isInVariables && fields >> index >> name)
+            names.push_back (name);
+
+        isInVariables = isInVariables || line.rfind ("Variables:", 0) == 0;
+    }
+
+    for (auto offset = start + marker.size(); offset + names.size() * sizeof (Complex) <= data.size();)
+        for (const auto& name : names)
+        {
+            std::array<double, 2> value {};
+            std::memcpy (value.data(), data.data() + offset, sizeof (value));
+            offset += sizeof (value);
+
+            if (name == "frequency")
+                simulation.frequencies.push_back (value[0]);
+            else
+                simulation.voltages[name].emplace_back (value[0], value[1]);
+        }
+
+    return simulation;
+}
+
+TEST (EqualiserCircuit, PolynomialsAgreeWithACircuitSimulator)
+{
+    const auto settings = makeSettings();
+    ComponentTable table (equaliserComponents);
+    std::ostringstream deck;
+    deck.precision (17);
+    deck << "equaliser\nVin in 0 AC 1\n";
+
+    for (std::size_t i = 0; i < settings.size(); ++i)
+    {
+        table.setActiveChannel (settings[i].toleranceChannel);
+        addCircuit (Netlist (deck, static_cast<int> (i)), table, settings[i]);
+    }
+
+    deck << ".ac dec 20 0.1 100k\n.save";
+
+    for (std::size_t i = 0; i < settings.size(); ++i)
+        deck << " v(out_" << i << ')';
+
+    deck << "\n.end\n";
+
+    const auto folder = juce::File::createTempFile ("spice");
+    ASSERT_TRUE (folder.createDirectory());
+    const auto netlist = folder.getChildFile ("equaliser.cir"), raw = folder.getChildFile ("equaliser.raw");
+    ASSERT_TRUE (netlist.replaceWithText (deck.str()));
+
+    juce::ChildProcess process;
+    const auto isStarted =
+        process.start (juce::StringArray { "ngspice", "-b", "-r", raw.getFullPathName(), netlist.getFullPathName() });
+    const auto log = process.readAllProcessOutput();
+    const auto simulation = readRawFile (raw);
+    folder.deleteRecursively();
+
+    ASSERT_TRUE (isStarted && ! simulation.frequencies.empty())
+        << "This test needs ngspice (Debian package ngspice). It said: " << log;
+    EXPECT_EQ (simulation.frequencies.size(), 121U);
+    EXPECT_EQ (simulation.voltages.size(), settings.size());
+
+    for (std::size_t i = 0; i < settings.size(); ++i)
+    {
+        table.setActiveChannel (settings[i].toleranceChannel);
+        const auto response = solveEqualiserNetwork (selectElements (table, settings[i]));
+        const auto voltage = simulation.voltages.find ("v(out_" + std::to_string (i) + ")");
+        ASSERT_NE (voltage, simulation.voltages.end());
+
+        for (std::size_t k = 0; k < simulation.frequencies.size(); ++k)
+        {
+            const auto hz = simulation.frequencies[k];
+            const auto expected = analogueResponse (response.numerator, response.denominator, hz);
+            ASSERT_LT (std::abs (voltage->second[k] - expected), relativeTolerance * std::abs (expected))
+                << "setting " << i << " at " << hz << " Hz";
+        }
+    }
+}
+} // namespace
+} // namespace tarvik
