@@ -1,19 +1,63 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
 namespace tarvik
 {
+/** The console's noise floor at one place of the chain: white, uniform from -range to +range, different on every channel
+    and after every start.
 
-/** The console's noise floor at one place of the chain. It has no generator yet and adds nothing. */
+    The generator is Marsaglia's xorshift with 128 bits of state ("Xorshift RNGs", 2003), eight of them side by side for
+    each channel, which take turns sample by sample. Plain loops over the eight become vectors on every processor. */
 class AnalogNoise
 {
 public:
-    void prepare (int, int) {}
+    /** The two places of the strip: ahead of the gain, and ahead of the fader. In sample values. */
+    static constexpr float inputRange = 6.0e-07f;
+    static constexpr float outputRange = 4.0e-05f;
 
-    void release() {}
+    /** Without a seed the clock gives one at each prepare(). A fixed one makes every start the same, for tests. */
+    explicit AnalogNoise (float rangeToUse = 0.0f, std::optional<std::uint64_t> fixedSeedToUse = std::nullopt) noexcept
+        : range (rangeToUse), fixedSeed (fixedSeedToUse)
+    {
+    }
 
-    /** Audio thread: numChannels channels of n samples, in place. */
-    void process (float* const*, int, int) noexcept {}
+    /** New generators. Allocates; while no audio runs. The length of a call doesn't matter. */
+    void prepare (int numChannels, int maxSamples);
+
+    /** Frees the generators; until the next prepare() nothing is added. While no audio runs. */
+    void release();
+
+    /** Audio thread: adds noise to numChannels channels of n samples. */
+    void process (float* const* channels, int numChannels, int n) noexcept;
+
+private:
+    class Generator
+    {
+    public:
+        explicit Generator (std::uint64_t seed) noexcept;
+
+        void add (float* row, float range, int n) noexcept;
+
+    private:
+        static constexpr std::size_t lanes = 8;
+        using Words = std::array<std::uint32_t, lanes>;
+
+        void addFrom (std::size_t lane, float* row, float range, std::size_t n) const noexcept;
+        void step() noexcept;
+
+        std::array<Words, 4> state{}; ///< the last four outputs of each lane, in a ring
+        std::size_t newest = 3;       ///< where the ring ends
+        std::size_t used = lanes;     ///< lanes of the newest output that are spent
+    };
+
+    float range;
+    std::optional<std::uint64_t> fixedSeed;
+    std::vector<Generator> generators;
 };
-
 } // namespace tarvik

@@ -70,7 +70,7 @@ void ChannelStrip::update (const ParameterSnapshot& snapshot, bool force) noexce
         padRamp.request (pad ? gainFromDb (padDb) : 1.0);
     }
 
-    const GainSettings settings{ snapshot.gain, snapshot.level, pad, snapshot.unity, snapshot.mute, snapshot.phase };
+    const GainSettings settings { snapshot.gain, snapshot.level, pad, snapshot.unity, snapshot.mute, snapshot.phase };
 
     if (force || settings != lastGainSettings)
     {
@@ -112,10 +112,8 @@ void ChannelStrip::processMiddle (float* const* channels, int n, int numSidechai
     if (isEqPost)
         dynamics.process (channels, n, numSidechain);
 
-    equaliser.process (channels, numMain, n);
-
-    for (int c = 0; c < numMain; ++c)
-        saturation.process (c, channels[c], n);
+    equaliser.process (channels, n);
+    saturation.process (channels, numMain, n);
 
     applyRamp (unityRamp, channels, n);
 

@@ -77,11 +77,11 @@ private:
     SharedRamp<GeometricRamp> levelRamp;
 
     NeedleMeter inputMeter;
-    AnalogNoise inputNoise;
+    AnalogNoise inputNoise { AnalogNoise::inputRange };
     EqualiserSection equaliser;
     SaturationSection saturation;
     DynamicsSection dynamics;
-    AnalogNoise outputNoise;
+    AnalogNoise outputNoise { AnalogNoise::outputRange };
     NeedleMeter outputMeter;
 
     std::vector<float> curve;

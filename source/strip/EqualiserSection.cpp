@@ -2,39 +2,85 @@
 #include "strip/EqualiserSection.h"
 
 #include "dsp/RowOperations.h"
+#include "strip/ToleranceChannel.h"
 
 namespace tarvik
 {
 
 namespace
 {
-/** 10 to the power 0.771, +15.42 dB: the loss of the network at rest, 5100 ohms over 5100 + 25000. */
-constexpr float makeupGain = 5.9020108f;
+constexpr auto makeupGain = static_cast<float> (ConsoleEQ::makeupGain);
+
+EQControls controlsOf (const ParameterSnapshot& snapshot, int toleranceChannel) noexcept
+{
+    return { .highFreq = snapshot.highFreq,
+             .highGain = snapshot.highGain,
+             .midFreq = snapshot.midFreq,
+             .midGain = snapshot.midGain,
+             .midMode = snapshot.midMode,
+             .lowFreq = snapshot.lowFreq,
+             .lowGain = snapshot.lowGain,
+             .highPass = snapshot.highPass,
+             .toleranceChannel = toleranceChannel };
+}
 } // namespace
 
 void EqualiserSection::prepare (double rateHz, int numChannels, int maxSamples)
 {
+    numInUse = static_cast<std::size_t> (numChannels);
+
+    while (equalisers.size() < numInUse)
+        equalisers.push_back (std::make_unique<ConsoleEQ>());
+
+    for (auto& equaliser : equalisers)
+        equaliser->prepare (rateHz, maxSamples);
+
     fader.prepare (rateHz, numChannels, maxSamples);
 }
 
 void EqualiserSection::release() { fader.release(); }
 
-void EqualiserSection::reset() noexcept { fader.fade.snap(); }
+void EqualiserSection::reset() noexcept
+{
+    fader.fade.snap();
+
+    for (auto& equaliser : equalisers)
+        equaliser->reset();
+}
 
 void EqualiserSection::update (const ParameterSnapshot& snapshot, bool force) noexcept
 {
+    bool isAnotherChannel = false;
+
+    for (std::size_t c = 0; c < numInUse; ++c)
+    {
+        auto& equaliser = *equalisers[c];
+        const auto wanted = wantedToleranceChannel (snapshot, static_cast<int> (c));
+        const auto isChanged = wanted != equaliser.getToleranceChannel();
+
+        equaliser.update (controlsOf (snapshot, usableToleranceChannel (wanted)), force || isChanged);
+        isAnotherChannel = isAnotherChannel || isChanged;
+    }
+
     const bool equalizer = snapshot.equalizer;
 
-    if (force || equalizer != lastEqualizer)
+    if (force || isAnotherChannel || equalizer != lastEqualizer)
     {
         lastEqualizer = equalizer;
         fader.fade.request (equalizer ? 1.0 : 0.0);
     }
 }
 
-void EqualiserSection::process (float* const* channels, int numChannels, int n) noexcept
+void EqualiserSection::process (float* const* channels, int n) noexcept
 {
+    const auto numChannels = static_cast<int> (numInUse);
     fader.begin (channels, numChannels, n);
+
+    if (numInUse == 2)
+        ConsoleEQ::processPair (*equalisers[0], *equalisers[1], channels[0], channels[1], n);
+    else
+        for (std::size_t c = 0; c < numInUse; ++c)
+            equalisers[c]->process (channels[c], n);
 
     for (int c = 0; c < numChannels; ++c)
         rows::scale (channels[c], makeupGain, n);

@@ -1,25 +1,29 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "strip/NeedleFilter.h"
+
 namespace tarvik
 {
-
-/** A moving needle. The chain feeds it; it has no ballistics yet, so it shows nothing and its reading stays where a
-   meter without a signal rests.
-*/
+/** A moving needle that shows the mean of a signal's magnitude. A sine at 18 dB below the largest sample value, with the
+    calibration at 18, rests at 1, which is 0 VU. */
 class NeedleMeter
 {
 public:
-    void prepare (double) noexcept {}
+    /** While no audio runs: a needle at rest. */
+    void prepare (double rateHz);
 
-    /** Audio thread: n samples of the mono mean. */
-    void process (const float*, int) noexcept {}
+    /** Audio thread: n samples of the mono mean. NaN and infinity count as nothing, since the needle would never recover
+        from them. */
+    void process (const float* row, int n) noexcept;
 
-    /** Linear, 1 is 0 VU; below zero while nothing has been measured. */
-    float getReading() const noexcept { return restingReading; }
+    /** Linear, 1 is 0 VU, as at the end of the last row; below zero while nothing has been measured. Audio thread. */
+    float getReading() const noexcept { return reading; }
 
 private:
     static constexpr float restingReading = -50.0f;
-};
 
+    NeedleFilter needle;
+    float reading = restingReading;
+};
 } // namespace tarvik

@@ -25,6 +25,8 @@ struct ParameterSnapshot
     /** The calibration of an instance that nothing has changed: +18 dB times the square root of 1.2. */
     static constexpr double defaultCalibration = 8.70143032;
 
+    static constexpr int defaultLimiterSensitivity = 2;
+
     // Read-outs, written by the audio thread at the end of each slice.
     Float inputMeter = -50.0f;    ///< Linear, 1 is 0 VU; below zero before the first slice, which reads as no level.
     Float outputMeter = -50.0f;   ///< As the input meter.
@@ -70,7 +72,7 @@ struct ParameterSnapshot
     Bool compNiveau = false;
     Bool compNuke = false;
     Bool compExtSideChain = false;
-    Int limiterSensitivity = 2; ///< 0 normal, 1 mid, 2 low; a setting, not a parameter.
+    Int limiterSensitivity = defaultLimiterSensitivity; ///< 0 normal, 1 mid, 2 low; a setting, not a parameter.
 
     // Expander and gate.
     Float expThreshold = -30.0f; ///< dB

@@ -44,7 +44,7 @@ public:
 private:
     static_assert (std::atomic<T>::is_always_lock_free);
 
-    std::atomic<T> value{ T{} };
+    std::atomic<T> value { T {} };
 };
 
 } // namespace tarvik

@@ -2,23 +2,38 @@
 #pragma once
 
 #include "strip/ParameterSnapshot.h"
+#include "strip/SaturationChannel.h"
+
+#include <memory>
+#include <vector>
 
 namespace tarvik
 {
-
-/** The harmonic stage behind the equaliser. It has no content yet and passes audio unchanged. */
+/** The harmonic stage behind the equaliser, for all channels of the strip. Every audio channel is the console channel
+    that "TOL Channel" says or, unlinked, that one's neighbours in turn. */
 class SaturationSection
 {
 public:
-    void prepare (double, int, int) {}
+    /** While no audio runs and nothing updates; allocates. */
+    void prepare (double rateHz, int numChannels, int maxSamples);
 
-    void reset() noexcept {}
+    /** While no audio runs: ends all moves and clears what the channels remember. */
+    void reset() noexcept;
 
-    /** Any thread, one at a time. */
-    void update (const ParameterSnapshot&, bool) noexcept {}
+    /** Any thread, the audio thread included, one call at a time: takes over "THD" and the console channels where they
+        differ from what was seen last, "THD" also when forced. */
+    void update (const ParameterSnapshot& snapshot, bool force) noexcept;
 
-    /** Audio thread: one channel of n samples, in place. */
-    void process (int, float*, int) noexcept {}
+    /** Audio thread: n samples of each channel, in place. */
+    void process (float* const* channels, int numChannels, int n) noexcept;
+
+    /** Audio thread: one channel alone; the same bits as together with its neighbour. */
+    void process (int channel, float* row, int n) noexcept;
+
+private:
+    /** Only ever grows: the filters inside may not be destroyed on every thread that prepares. */
+    std::vector<std::unique_ptr<SaturationChannel>> channelObjects;
+    std::vector<SaturationChannel*> inUse;
+    float lastThdDb = 0.0f;
 };
-
 } // namespace tarvik

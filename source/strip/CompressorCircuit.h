@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+
+namespace tarvik
+{
+
+/** The compressor's side chain: from the rectified signal behind the gain element to the voltage that controls it.
+
+         rectifier --> peak memory --> amplifier (ratio) --> Ra --+-- R2 --+
+                                                                  |        |
+                                                             C1 = Rl       C2
+
+    C1 charges through Ra, faster the larger the error, and discharges through Rl. C2 behind R2 takes a share of its
+    charge and gives it back later: with "AUTO" release R2 is small, so a long loud passage fills C2 and recovery takes
+    longer than after a short peak.
+
+    The network's time step is that of 44.1 kHz at every sample rate, so its times shrink in proportion at higher ones;
+    the peak memory keeps its seconds. One object serves all channels, the state of each is kept outside. Audio thread.
+*/
+class CompressorCircuit
+{
+public:
+    /** What the front panel sets. Indices beyond a list count as its nearest end, thresholds too. */
+    struct Controls
+    {
+        float thresholdDb = -4.0f; ///< -20 to 0
+        int ratio = 2;             ///< 0 "1:1" to 5 "20:1"
+        int attack = 1;            ///< 0 slow to 2 fast
+        int release = 8;           ///< 0 "25 ms" to 7 "3.2 s", 8 "AUTO"
+
+        bool operator== (const Controls&) const = default;
+    };
+
+    struct State
+    {
+        double c1Volts = 0.0;
+        double c2Volts = 0.0;
+        double r2Amps = 0.0; ///< of the last sample
+        double peak = 0.0;
+    };
+
+    CompressorCircuit() noexcept { set ({}); }
+
+    /** Takes the sample rate in Hz, above 0. */
+    void prepare (double rateHz) noexcept;
+
+    void set (const Controls& controls) noexcept;
+
+    /** One sample: `gain` is the gain element's last gain, `level` the absolute value of the detector's input before
+        it, both finite. Updates the state and returns the control voltage, the one on C1. */
+    double step (State& state, double gain, double level) const noexcept
+    {
+        // Feedback: the detector hears what the gain element has left. Products are ordered so that only one
+        // multiplication waits for the gain.
+        const auto rectified = gain * (level * rectifierGain);
+        const auto highestPeak = state.peak + peakRise;
+        const auto lowestPeak = state.peak * peakFall;
+        state.peak = std::max (std::min (rectified - peakThreshold, highestPeak), lowestPeak);
+
+        // The amplifier takes (peak + rectified) gain + offset. It takes each of the memory's three candidates here and
+        // chooses afterwards: the same, but three operations less between one gain and the next.
+        const auto once = gain * (level * (rectifierGain * amplifierGain));
+        const auto twice = gain * (level * (2.0 * rectifierGain * amplifierGain));
+        const auto amplified = std::max (std::min (twice + (amplifierOffset - peakThreshold * amplifierGain),
+                                                   once + (highestPeak * amplifierGain + amplifierOffset)),
+                                         once + (lowestPeak * amplifierGain + amplifierOffset));
+
+        // Between samples the network takes C1 from v to v - c1VoltsPerAmp (i + last i), where i = (v - c2) / R2, so to
+        // v x networkKeep + received.
+        const auto received = state.c2Volts * (1.0 - networkKeep) - state.r2Amps * c1VoltsPerAmp;
+
+        // C1 is drawn to the target, (0.25 / (|2 s| + 1) + max (s, 0)) Rl / (Rl + Ra). The first part is the diode's
+        // knee, here with both its sides halved; it comes last, so it is taken through the network on its own.
+        const auto knee = releaseShare * kneeVolts * networkKeep / (std::abs (amplified) + 0.5);
+        const auto conducted = std::max (amplified, 0.0);
+        const auto target = knee * kneeVoltsPerShare + conducted * divider;
+        const auto rest = conducted * (releaseShare * divider) + releaseKeep * state.c1Volts;
+        auto charged = knee * perNetworkKeep + rest;
+        auto passedOn = knee + (rest * networkKeep + received);
+
+        // Upwards, the attack's resistor opens with the size of the error.
+        const auto error = target - state.c1Volts;
+
+        if (error > smallestOpening)
+        {
+            const auto opening = std::exp (-1.0 / error);
+            const auto share = (1.0 - opening) * releaseShare + opening * attackShare;
+            charged = (1.0 - share) * state.c1Volts + share * target;
+            passedOn = charged * networkKeep + received;
+        }
+
+        // Held before the network, so that neither capacitor ever sees more than the voltage at which the gain has
+        // reached 0.
+        const auto amps = (std::min (charged, ceilingVolts) - state.c2Volts) * r2Siemens;
+        state.c1Volts = std::min (passedOn, ceilingVolts * networkKeep + received);
+        state.c2Volts += (amps + state.r2Amps) * c2VoltsPerAmp;
+        state.r2Amps = amps;
+        return state.c1Volts;
+    }
+
+    /** Without a signal the peak memory halves for ever; this takes it to 0 before it is small enough to slow the
+        processor down, and far below what the sums above can feel. */
+    static void settle (State& state) noexcept;
+
+private:
+    static constexpr double peakThreshold = 0.5;
+
+    /** Below this error exp (-1 / error) is under 2e-22, which no sum with releaseShare notices. */
+    static constexpr double smallestOpening = 0.02;
+
+    double rectifierGain = 0.0;
+    double peakRise = 0.0; ///< per sample
+    double peakFall = 1.0; ///< factor per sample
+    double amplifierGain = 1.0;
+    double amplifierOffset = 0.0;
+    double kneeVolts = 0.0;
+    double divider = 1.0; ///< Rl / (Rl + Ra)
+    double attackShare = 0.0;
+    double releaseShare = 0.0;
+    double releaseKeep = 1.0; ///< 1 - releaseShare
+    double r2Siemens = 0.0;
+    double networkKeep = 1.0;       ///< of C1's voltage, per sample
+    double perNetworkKeep = 1.0;    ///< 1 / networkKeep
+    double kneeVoltsPerShare = 0.0; ///< 1 / (networkKeep x releaseShare)
+    double c1VoltsPerAmp = 0.0;
+    double c2VoltsPerAmp = 0.0;
+    double ceilingVolts = 0.0;
+};
+
+} // namespace tarvik

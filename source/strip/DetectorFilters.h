@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "dsp/MZTiCoefs.h"
+#include "dsp/SmoothedIppIIR.h"
+#include "strip/NiveauFilter.h"
+
+namespace tarvik
+{
+
+/** What a signal passes on its way to the compressor's and limiter's detector: a high pass, then the Niveau tilt. Each
+   fades in and out, and costs nothing while out.
+*/
+class DetectorFilters
+{
+public:
+    /** At and below this frequency the high pass is taken out. */
+    static constexpr float lowestHighPassHz = 20.0f;
+    static constexpr float highestHighPassHz = 400.0f;
+
+    /** While no audio runs, allocates: rate in Hz, above 0. Everything rests on the newest settings afterwards. */
+    void prepare (double rateHz, int numChannels, int maxSamples);
+
+    /** While no audio runs: ends all fades and clears the filters. */
+    void reset() noexcept;
+
+    /** Any thread, one at a time: held within the limits above, a NaN counts as the lowest. */
+    void setHighPass (float cutoffHz) noexcept;
+
+    /** Any thread. */
+    void setNiveau (bool isOn) noexcept { niveau.setOn (isOn); }
+
+    /** Audio thread: one row of n finite samples per channel, in place; n is at most maxSamples. */
+    void process (float* const* rows, int n) noexcept;
+
+private:
+    SmoothedIppIIR<float, MZTiCoefs<double, 2, 2>> highPass;
+    NiveauFilter niveau;
+};
+
+} // namespace tarvik

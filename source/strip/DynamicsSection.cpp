@@ -1,0 +1,320 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "strip/DynamicsSection.h"
+
+#include "dsp/Decibels.h"
+#include "dsp/RowOperations.h"
+#include "strip/RampTimes.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+namespace tarvik
+{
+
+namespace
+{
+/** 106 dB above 0 VU: a thousand times full scale still fits with every gain up, and the loop recovers within a second
+    of it. */
+constexpr float loudestKey = 2e5f;
+
+/** Leaves room in a float for every gain of the section. */
+constexpr float loudestAudio = 1e30f;
+
+/** What the needles' reading is divided by: 10^1.5, close to the gain element's rest. */
+constexpr float meteredRest = 31.6227766f;
+
+constexpr std::size_t loopsSideBySide = 2;
+
+std::size_t toSize (int n) noexcept { return static_cast<std::size_t> (std::max (n, 0)); }
+} // namespace
+
+DynamicsSection::DynamicsSection() noexcept { applySettings (lastSettings); }
+
+void DynamicsSection::prepare (double rateHz, int numChannels, int maxSamples)
+{
+    const auto length = toSize (maxSamples);
+
+    circuits.compressor.prepare (rateHz);
+    circuits.limiter.prepare (rateHz);
+    circuits.expander.prepare (rateHz);
+    detectorFilters.prepare (rateHz, numChannels, maxSamples);
+
+    for (auto* const ramp : { &mixRamp, &inputRamp, &outputRamp })
+        ramp->prepare (rampSteps (rateHz));
+
+    for (auto* const row : { &inputCurve, &detectorCurve, &wetCurve, &dryCurve, &scratch })
+        row->assign (length, 0.0f);
+
+    restingCurves.reset();
+    channels.assign (toSize (numChannels), {});
+    detectorRows.clear();
+    sidechainRows.assign (channels.size(), nullptr);
+
+    for (auto& channel : channels)
+    {
+        channel.needle.prepare (rateHz);
+        channel.attenuationsDb.assign (length, 0.0);
+
+        for (auto* const row : { &channel.detector, &channel.key, &channel.gains })
+            row->assign (length, 0.0f);
+
+        detectorRows.push_back (channel.detector.data());
+    }
+
+    takeSettings();
+}
+
+void DynamicsSection::release()
+{
+    for (auto* const row : { &inputCurve, &detectorCurve, &wetCurve, &dryCurve, &scratch })
+        *row = {};
+
+    channels = {};
+    detectorRows = {};
+    sidechainRows = {};
+}
+
+void DynamicsSection::reset() noexcept
+{
+    takeSettings();
+
+    for (auto* const ramp : { &mixRamp, &inputRamp, &outputRamp })
+        ramp->snap();
+
+    detectorFilters.reset();
+
+    for (auto& channel : channels)
+    {
+        channel.loop = {};
+        channel.needle.reset();
+        channel.meteredGain = 0.0f;
+    }
+}
+
+//==============================================================================
+void DynamicsSection::update (const ParameterSnapshot& snapshot, bool force) noexcept
+{
+    const auto next = makeDynamicsSettings (snapshot);
+
+    if (! force && next == lastSettings)
+        return;
+
+    const auto isHighPassNew = force || next.highPassHz != lastSettings.highPassHz;
+    lastSettings = next;
+    published.getWriteSlot() = next;
+    published.publish();
+
+    mixRamp.request (next.mix);
+    inputRamp.request (next.inputGain);
+    outputRamp.request (next.outputGain);
+    detectorFilters.setNiveau (next.isNiveauOn);
+
+    if (isHighPassNew)
+        detectorFilters.setHighPass (next.highPassHz);
+}
+
+void DynamicsSection::takeSettings() noexcept
+{
+    if (published.takeNewest())
+        applySettings (published.getReadSlot());
+
+    for (auto* const ramp : { &mixRamp, &inputRamp, &outputRamp })
+        ramp->takeRequest();
+}
+
+void DynamicsSection::applySettings (const DynamicsSettings& newest) noexcept
+{
+    settings = newest;
+    circuits.compressor.set (settings.compressor);
+    circuits.limiter.setOn (settings.isLimiterOn);
+    circuits.expander.set (settings.expander);
+}
+
+bool DynamicsSection::isResting() const noexcept
+{
+    return mixRamp.get().isIdle() && inputRamp.get().isIdle() && outputRamp.get().isIdle();
+}
+
+//==============================================================================
+void DynamicsSection::process (float* const* audio, int n, int numSidechain) noexcept
+{
+    takeSettings();
+    isInCircuit = settings.isIn || ! isResting() || mixRamp.get().current != 0.0;
+
+    if (isInCircuit)
+    {
+        for (std::size_t c = 0; c < channels.size(); ++c)
+            rows::clampToFinite (audio[c], loudestAudio, n);
+
+        fillCurves (n);
+        const auto* const sidechain = chooseSidechain (audio, n, numSidechain);
+        makeDetectorRows (audio, sidechain, n);
+        makeKeys (audio, sidechain, n);
+        runLoops (n);
+        feedNeedles (n);
+        applyGains (audio, n);
+    }
+    else
+    {
+        feedNeedles (n);
+    }
+}
+
+/** The factors that the slice's samples meet. At rest the rows keep them from slice to slice. */
+void DynamicsSection::fillCurves (int n) noexcept
+{
+    const RestingCurves resting { inputRamp.get().current, mixRamp.get().current, outputRamp.get().current,
+                                  settings.sensitivity };
+
+    if (! isResting())
+        restingCurves.reset();
+    else if (restingCurves == resting)
+        return;
+    else
+        restingCurves = resting;
+
+    const auto length = isResting() ? static_cast<int> (inputCurve.size()) : n;
+    inputRamp.fill (inputCurve.data(), length);
+    mixRamp.fill (dryCurve.data(), length);
+    outputRamp.fill (wetCurve.data(), length);
+
+    rows::scale (detectorCurve.data(), inputCurve.data(), settings.sensitivity, length);
+    rows::multiply (wetCurve.data(), inputCurve.data(), length);
+    rows::multiply (wetCurve.data(), dryCurve.data(), length);
+    rows::combine (rows::ScalarOperation::subtractFrom, dryCurve.data(), dryCurve.data(), 1.0f, length);
+}
+
+/** One row for each main channel. */
+const float* const* DynamicsSection::chooseSidechain (const float* const* audio, int n, int numSidechain) noexcept
+{
+    const auto* const* const sidechain = audio + channels.size();
+
+    if (numSidechain <= 0)
+        return audio;
+
+    if (toSize (numSidechain) == channels.size())
+        return sidechain;
+
+    const auto share = 1.0f / static_cast<float> (numSidechain);
+    rows::scale (scratch.data(), sidechain[0], share, n);
+
+    for (int s = 1; s < numSidechain; ++s)
+        rows::multiplyAdd (scratch.data(), sidechain[s], share, n);
+
+    std::fill (sidechainRows.begin(), sidechainRows.end(), scratch.data());
+    return sidechainRows.data();
+}
+
+void DynamicsSection::makeDetectorRows (const float* const* audio, const float* const* sidechain, int n) noexcept
+{
+    const auto* const* const source = settings.hearsSidechain ? sidechain : audio;
+
+    for (std::size_t c = 0; c < channels.size(); ++c)
+    {
+        auto* const row = detectorRows[c];
+        rows::multiply (row, source[c], detectorCurve.data(), n);
+        rows::clampToFinite (row, loudestKey, n);
+    }
+
+    detectorFilters.process (detectorRows.data(), n);
+}
+
+/** The gate's key has the input gain but neither sensitivity nor filters; the expander's is the bare audio. */
+void DynamicsSection::makeKeys (const float* const* audio, const float* const* sidechain, int n) noexcept
+{
+    const auto mode = circuits.expander.getMode();
+
+    if (mode == Expander::Mode::off)
+        return;
+
+    for (std::size_t c = 0; c < channels.size(); ++c)
+    {
+        auto* const key = channels[c].key.data();
+
+        if (mode == Expander::Mode::gate)
+            rows::multiply (key, settings.gateHearsSidechain ? sidechain[c] : audio[c], inputCurve.data(), n);
+        else
+            rows::copy (key, audio[c], n);
+
+        rows::clampToFinite (key, loudestKey, n);
+    }
+}
+
+void DynamicsSection::runLoops (int n) noexcept
+{
+    for (std::size_t first = 0; first < channels.size(); first += loopsSideBySide)
+    {
+        const auto count = std::min (channels.size() - first, loopsSideBySide);
+        std::array<DynamicsChannel*, loopsSideBySide> loops {};
+        std::array<Expander::State*, loopsSideBySide> expanders {};
+        std::array<const float*, loopsSideBySide> keys {};
+        std::array<double*, loopsSideBySide> attenuationsDb {};
+        std::array<DynamicsRows, loopsSideBySide> loopRows;
+
+        for (std::size_t c = 0; c < count; ++c)
+        {
+            auto& channel = channels[first + c];
+            loops[c] = &channel.loop;
+            expanders[c] = &channel.loop.expander;
+            keys[c] = channel.key.data();
+            attenuationsDb[c] = channel.attenuationsDb.data();
+            loopRows[c] = { channel.detector.data(), keys[c], attenuationsDb[c], channel.gains.data() };
+        }
+
+        if (circuits.expander.getMode() == Expander::Mode::expander)
+            circuits.expander.makeAttenuations (expanders.data(), keys.data(), attenuationsDb.data(),
+                                                static_cast<int> (count), n);
+
+        processDynamics (circuits, loops.data(), loopRows.data(), static_cast<int> (count), n);
+    }
+}
+
+/** Out of circuit the reading is that of the gain element at rest. */
+void DynamicsSection::feedNeedles (int n) noexcept
+{
+    if (! isInCircuit)
+        rows::fill (scratch.data(), meteredRest, n);
+
+    for (auto& channel : channels)
+        channel.meteredGain = channel.needle.process (isInCircuit ? channel.gains.data() : scratch.data(), n);
+}
+
+/** audio x ((1 - mix) + input x mix x output x gain): dry and wet share one multiplication, so no delay can come between
+    them. */
+void DynamicsSection::applyGains (float* const* audio, int n) noexcept
+{
+    const auto* const dry = dryCurve.data();
+    const auto* const wet = wetCurve.data();
+
+    for (std::size_t c = 0; c < channels.size(); ++c)
+    {
+        auto* const row = audio[c];
+        const auto* const gains = channels[c].gains.data();
+
+        for (int i = 0; i < n; ++i)
+            row[i] *= dry[i] + wet[i] * gains[i];
+    }
+}
+
+//==============================================================================
+void DynamicsSection::writeReadOuts (ParameterSnapshot& snapshot) const noexcept
+{
+    constexpr double lampVolts = 0.1;
+    auto smallestGain = meteredRest;
+    auto limiterVolts = 0.0;
+    auto expanderVolts = 0.0;
+
+    for (const auto& channel : channels)
+    {
+        smallestGain = std::min (smallestGain, channel.meteredGain);
+        limiterVolts = std::max (limiterVolts, channel.loop.limiterVolts);
+        expanderVolts = std::max (expanderVolts, channel.loop.expander.volts);
+    }
+
+    snapshot.gainReductionDb = static_cast<float> (dbFromGain (static_cast<double> (smallestGain / meteredRest)));
+    snapshot.limiterActive = settings.isIn && limiterVolts > lampVolts;
+    snapshot.expanderAmount = isInCircuit ? static_cast<float> (circuits.expander.getActivity (expanderVolts)) : 0.0f;
+}
+
+} // namespace tarvik

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <array>
+#include <cstddef>
+
+namespace tarvik
+{
+
+/** The gain element that compressor, limiter and expander share: control voltage in, linear gain out.
+
+    The curve is a table of gains over the element's own control scale, joined by straight lines; the outer lines go on
+    beyond the table's ends. More voltage means less gain. Since the way from voltage to the control scale is straight
+    too, each line is kept as gain = offset + slope x volts. Everything here is constant; any thread.
+*/
+class VcaCurve
+{
+public:
+    /** One line of the curve, good for lowestVolts <= volts < highestVolts. */
+    struct Segment
+    {
+        double offset = 0.0;
+        double slope = 0.0;
+        double lowestVolts = 0.0;
+        double highestVolts = 0.0;
+
+        bool contains (double volts) const noexcept { return volts >= lowestVolts && volts < highestVolts; }
+
+        double gainAt (double volts) const noexcept { return offset + slope * volts; }
+    };
+
+    static constexpr std::size_t numPoints = 25;
+    static constexpr std::size_t numSegments = numPoints - 1;
+
+    /** The line that a voltage falls on; a NaN counts as very low. */
+    static const Segment& getSegment (double volts) noexcept;
+
+    /** Where the line through the two lowest gains reaches 0. Voltages beyond it would turn the sign of the gain, and
+        with it that of the loop's feedback. */
+    static double getZeroGainVolts() noexcept;
+};
+
+} // namespace tarvik

@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "strip/DetectorFilters.h"
+
+#include "DynamicsTestTools.h"
+
+#include <gtest/gtest.h>
+
+namespace tarvik::test
+{
+namespace
+{
+constexpr int blockLength = 256;
+
+void run (DetectorFilters& filters, Signal& signal)
+{
+    for (std::size_t i = 0; i < signal.size(); i += blockLength)
+    {
+        auto* const row = signal.data() + i;
+        filters.process (&row, static_cast<int> (std::min<std::size_t> (blockLength, signal.size() - i)));
+    }
+}
+
+// Gain in dB of the filters, at rest, for a tone.
+double gainDb (DetectorFilters& filters, double hz, double rateHz)
+{
+    auto signal = sine (hz, 1.0, rateHz, 0.6);
+    filters.reset();
+    run (filters, signal);
+    auto square = 0.0;
+    const auto periods = std::floor (0.3 * hz) / hz;
+    const auto length = static_cast<std::ptrdiff_t> (periods * rateHz);
+    std::for_each (signal.end() - length, signal.end(), [&] (float x) { square += static_cast<double> (x * x); });
+    return 10.0 * std::log10 (2.0 * square / static_cast<double> (length));
+}
+
+TEST (DetectorFilters, NiveauTiltsFromMinusSixteenToPlusTwelveDecibels)
+{
+    for (const auto rateHz : { 44100.0, 96000.0, 384000.0 })
+    {
+        DetectorFilters filters;
+        filters.prepare (rateHz, 1, blockLength);
+        filters.setNiveau (true);
+        EXPECT_NEAR (gainDb (filters, 20.0, rateHz), -16.1, 0.1) << rateHz;
+        EXPECT_NEAR (gainDb (filters, 1000.0, rateHz), 0.0, 0.3) << rateHz;
+        EXPECT_NEAR (gainDb (filters, 16000.0, rateHz), 11.6, 0.3) << rateHz;
+        auto last = -99.0;
+
+        for (auto hz = 20.0; hz < 20000.0; hz *= 1.4)
+        {
+            const auto now = gainDb (filters, hz, rateHz);
+            EXPECT_GT (now, last - 0.01) << hz << " at " << rateHz;
+            last = now;
+        }
+    }
+}
+
+TEST (DetectorFilters, HighPassIsThreeDecibelsDownAtItsFrequencyAndOutAtTwentyHertz)
+{
+    constexpr double rateHz = 48000.0;
+    DetectorFilters filters;
+    filters.prepare (rateHz, 1, blockLength);
+
+    for (const auto hz : { 60.0f, 200.0f, 400.0f })
+    {
+        filters.setHighPass (hz);
+        EXPECT_NEAR (gainDb (filters, static_cast<double> (hz), rateHz), -3.01, 0.05) << hz;
+        EXPECT_NEAR (gainDb (filters, static_cast<double> (hz) / 2.0, rateHz), -12.3, 0.1) << hz;
+    }
+
+    filters.setHighPass (20.0f);
+    EXPECT_NEAR (gainDb (filters, 20.0, rateHz), 0.0, 1e-4);
+    filters.setHighPass (std::numeric_limits<float>::quiet_NaN());
+    EXPECT_NEAR (gainDb (filters, 20.0, rateHz), 0.0, 1e-4);
+}
+
+TEST (DetectorFilters, FadesLastATenthOfASecondAndOutMeansUntouched)
+{
+    constexpr double rateHz = 48000.0;
+    const auto in = bursts (1, 1.0, rateHz, 0.3);
+    DetectorFilters moving, resting;
+
+    for (auto* const filters : { &moving, &resting })
+    {
+        filters->prepare (rateHz, 1, blockLength);
+        filters->setHighPass (20.0f);
+        filters->reset();
+    }
+
+    resting.setNiveau (true);
+    resting.reset();
+    moving.setNiveau (true);
+    auto faded = in, rested = in;
+    run (moving, faded);
+    run (resting, rested);
+
+    EXPECT_NEAR (faded[2], in[2], 1e-3f); // no step at the start
+    EXPECT_GT (std::abs (faded[5000] - in[5000]), 0.01f * std::abs (in[5000]));
+
+    for (std::size_t i = 6000; i < in.size(); ++i)
+        ASSERT_NEAR (faded[i], rested[i], 1e-4f) << i; // what is left is the bass that rings out
+
+    moving.setNiveau (false);
+    auto out = in;
+    run (moving, out);
+    EXPECT_FALSE (std::equal (out.begin(), out.begin() + 4000, in.begin()));
+    EXPECT_TRUE (std::equal (out.begin() + 4864, out.end(), in.begin() + 4864));
+}
+} // namespace
+} // namespace tarvik::test

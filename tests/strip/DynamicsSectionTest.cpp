@@ -1,0 +1,348 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "DynamicsTestTools.h"
+#include "dsp/InstructionSets.h"
+#include "tests/support/RealTimeTrap.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <atomic>
+#include <limits>
+#include <numeric>
+#include <thread>
+
+namespace tarvik::test
+{
+namespace
+{
+constexpr std::array ratesHz { 44100.0, 48000.0, 96000.0, 192000.0, 705600.0 };
+
+// The largest difference between the section's output and the plain form's, as a part of what the plain form's gain
+// makes of the sample.
+double compareWithPlain (const ParameterSnapshot& settings, double rateHz, const std::vector<Signal>& in)
+{
+    PreparedSection fast (settings, rateHz, 2);
+    const auto out = fast.process (in);
+    auto worst = 0.0;
+
+    for (std::size_t c = 0; c < 2; ++c)
+    {
+        plain::Dynamics plain (settings, rateHz);
+        const auto& side = in[c + 2];
+
+        for (std::size_t i = 0; i < out[c].size(); ++i)
+        {
+            const auto detector = settings.compExtSideChain ? side[i] : in[c][i];
+            const auto key = settings.expExtSideChain ? side[i] : in[c][i];
+            const auto expected = plain.process ({ in[c][i], detector, key });
+
+            // A float's smallest steps are no measure of a gain.
+            if (std::abs (expected) > 1e-20)
+                worst = std::max (worst, std::abs (static_cast<double> (out[c][i]) / expected - 1.0));
+        }
+    }
+
+    return worst;
+}
+
+TEST (DynamicsSection, FastFormGivesThePlainFormsGain)
+{
+    std::mt19937 random (41);
+
+    for (int i = 0; i < 120; ++i)
+    {
+        const auto settings = randomSettings (random);
+        const auto rateHz = ratesHz[static_cast<std::size_t> (i) % ratesHz.size()];
+        const auto loudest = std::pow (10.0, std::uniform_real_distribution<double> (-1.0, 2.0) (random));
+        std::vector<Signal> in;
+
+        for (unsigned c = 0; c < 4; ++c)
+            in.push_back (bursts (static_cast<unsigned> (random()), loudest, rateHz, 0.15));
+
+        EXPECT_LT (compareWithPlain (settings, rateHz, in), 1e-6)
+            << "case " << i << ": rate " << rateHz << ", level " << loudest << ", ratio " << settings.compRatio
+            << ", mode " << settings.expMode << ", limit " << settings.compLimit;
+    }
+}
+
+// All at once: filters, limiter, gate and Smash, on a signal that moves everything.
+ParameterSnapshot busySettings (int expMode = 2)
+{
+    ParameterSnapshot settings;
+    settings.compThreshold = -15.0f;
+    settings.compRatio = 3;
+    settings.compHPF = 150.0f;
+    settings.compNiveau = true;
+    settings.compLimit = true;
+    settings.compNuke = true;
+    settings.expMode = expMode;
+    settings.expHold = true;
+    settings.expThreshold = -20.0f;
+    return settings;
+}
+
+std::vector<Signal> busySignal (double rateHz, double seconds = 0.5)
+{
+    return { bursts (1, 5.0, rateHz, seconds), bursts (2, 5.0, rateHz, seconds) };
+}
+
+TEST (DynamicsSection, StreamCutAnywhereIsTheSameStream)
+{
+    for (const auto mode : { 0, 1, 2 })
+    {
+        const auto in = busySignal (48000.0);
+        std::mt19937 random (3);
+        PreparedSection whole (busySettings (mode), 48000.0, 2), cut (busySettings (mode), 48000.0, 2);
+        EXPECT_EQ (whole.process (in), cut.process (in, [&] { return static_cast<int> (1 + random() % 256); })) << mode;
+        EXPECT_NEAR (whole.readOuts().gainReductionDb.get(), cut.readOuts().gainReductionDb.get(), 1e-4f);
+    }
+}
+
+TEST (DynamicsSection, EveryInstructionSetGivesTheSameBitsAndMonoIsOneSideOfStereo)
+{
+    const auto in = busySignal (96000.0);
+    const auto expected = PreparedSection (busySettings(), 96000.0, 2).process (in);
+
+    for (const auto& set : supportedInstructionSets())
+    {
+        const ScopedInstructionSet scope (set);
+        EXPECT_EQ (PreparedSection (busySettings(), 96000.0, 2).process (in), expected) << set.name;
+        EXPECT_EQ (PreparedSection (busySettings(), 96000.0, 1).process ({ in[1] })[0], expected[1]) << set.name;
+    }
+}
+
+TEST (DynamicsSection, SideChainGoesChannelToChannelOrItsMeanToAll)
+{
+    auto settings = busySettings();
+    settings.compExtSideChain = true;
+    settings.expExtSideChain = true;
+    const auto main = busySignal (48000.0, 0.2);
+    const auto a = bursts (7, 5.0, 48000.0, 0.2), b = bursts (8, 5.0, 48000.0, 0.2);
+    Signal mean (a.size());
+    std::transform (a.begin(), a.end(), b.begin(), mean.begin(), [] (float x, float y) { return 0.5f * x + 0.5f * y; });
+
+    const auto run = [&] (std::vector<Signal> channels, int numMain)
+    { return PreparedSection (settings, 48000.0, numMain).process (std::move (channels)); };
+
+    const auto pair = run ({ main[0], main[1], a, b }, 2);
+    EXPECT_EQ (pair[0], run ({ main[0], a }, 1)[0]);
+    EXPECT_EQ (pair[1], run ({ main[1], b }, 1)[0]);
+    EXPECT_EQ (run ({ main[0], main[1], a }, 2)[1], run ({ main[1], a }, 1)[0]);
+    EXPECT_EQ (run ({ main[0], a, b }, 1)[0], run ({ main[0], mean }, 1)[0]);
+    EXPECT_EQ (run (main, 2), run ({ main[0], main[1], main[0], main[1] }, 2)); // none: the main channels stand in
+}
+
+TEST (DynamicsSection, CompInFadesWithinATenthOfASecondAndOutOfCircuitNothingIsTouched)
+{
+    constexpr double rateHz = 48000.0;
+    auto settings = busySettings();
+    PreparedSection section (settings, rateHz, 2);
+    const auto in = busySignal (rateHz, 1.0);
+    section.process (in);
+
+    settings.compIn = false;
+    section.section.update (settings, false);
+    const auto fading = section.process (in);
+    const auto resting = section.process (in);
+
+    EXPECT_NE (fading[0][100], in[0][100]);
+    EXPECT_TRUE (std::equal (fading[0].begin() + 4800, fading[0].end(), in[0].begin() + 4800));
+    EXPECT_EQ (resting, in);
+    EXPECT_NEAR (section.readOuts().gainReductionDb.get(), 0.0f, 1e-3f);
+    EXPECT_FALSE (section.readOuts().limiterActive.get());
+    EXPECT_EQ (section.readOuts().expanderAmount.get(), 0.0f);
+
+    settings.compIn = true;
+    settings.compMix = 0.0f;
+    section.section.update (settings, false);
+    EXPECT_EQ (section.process (in), in); // dry
+    EXPECT_LT (section.readOuts().gainReductionDb.get(), -3.0f);
+}
+
+TEST (DynamicsSection, NeedleShowsTheGainOfASteadyTone)
+{
+    for (const auto rateHz : { 48000.0, 705600.0 })
+        for (const auto level : { 0.01, 1.0, 4.0 })
+        {
+            ParameterSnapshot settings;
+            settings.compThreshold = -15.0f;
+            settings.compRatio = 3;
+            settings.compInput = settings.compOutput = 5.0f; // gains of 1 and 10^0.2
+            PreparedSection section (settings, rateHz, 1);
+            const auto in = sine (4000.0, level, rateHz, 2.0);
+            const auto out = section.process ({ in })[0];
+
+            const auto rms = [] (const Signal& signal)
+            {
+                return std::sqrt (
+                    std::accumulate (signal.end() - static_cast<long> (signal.size() / 20), signal.end(), 0.0,
+                                     [] (double sum, float x) { return sum + static_cast<double> (x * x); }));
+            };
+
+            const auto changeDb = 20.0 * std::log10 (rms (out) / rms (in)) - 4.0 - 30.0;
+            EXPECT_NEAR (section.readOuts().gainReductionDb.get(), std::min (changeDb, 0.0), 0.05)
+                << rateHz << ", " << level;
+        }
+}
+
+TEST (DynamicsSection, SmashDoesNothingAtOneToOneAndElsewhereDrivesTheLoop)
+{
+    const auto run = [] (int ratio, bool isSmashing)
+    {
+        ParameterSnapshot settings;
+        settings.compRatio = ratio;
+        settings.compNuke = isSmashing;
+        return PreparedSection (settings, 48000.0, 1).process ({ sine (500.0, 0.01, 48000.0, 0.1) })[0];
+    };
+
+    EXPECT_EQ (run (0, true), run (0, false));
+    EXPECT_NEAR (static_cast<double> (run (2, true)[4000] / run (2, false)[4000]), 5.0, 0.01); // x 10 in, x 0.5 out
+}
+
+// Inputs a thousand times above full scale, and any that a float can hold: finite always, and afterwards the loop is
+// where one is that never heard them, but for a decibel that the slow capacitor may still hold.
+TEST (DynamicsSection, NothingRunsAwayAndTheLoopRecovers)
+{
+    std::mt19937 random (1941);
+
+    for (int i = 0; i < 300; ++i)
+    {
+        const auto settings = [&]
+        {
+            auto drawn = randomSettings (random);
+            drawn.compHPF = random() % 2 == 0 ? 20.0f : 20.0f + static_cast<float> (random() % 380);
+            drawn.compNiveau = random() % 2 == 0;
+            drawn.compRelease = static_cast<int> (random() % 3); // the slow ones take longer than the wait below
+            drawn.expRelease = std::min (drawn.expRelease.get(), 0.3f);
+            return drawn;
+        }();
+
+        const auto rateHz = ratesHz[static_cast<std::size_t> (i) % ratesHz.size()];
+        const auto loudest = i % 4 == 0 ? 3e38 : 8.7 * std::pow (10.0, 0.01 * static_cast<double> (random() % 301));
+        PreparedSection hot (settings, rateHz, 1), calm (settings, rateHz, 1);
+        const auto seed = static_cast<unsigned> (i);
+        const auto out =
+            hot.process ({ bursts (seed, loudest, rateHz, 0.05), bursts (seed + 1, loudest, rateHz, 0.05) })[0];
+        ASSERT_TRUE (std::all_of (out.begin(), out.end(), [] (float x) { return std::isfinite (x); })) << i;
+
+        if (i % 5 != 0 && i % 5 != 1)
+            continue; // the lower rates are enough for the long wait
+
+        const auto tone = sine (333.0, 0.5, rateHz, 4.0);
+        const auto late = [&] (PreparedSection& section)
+        {
+            auto tail = section.process ({ tone, tone })[0];
+            tail.erase (tail.begin(), tail.end() - 2000);
+            return tail;
+        };
+
+        const auto recovered = late (hot), expected = late (calm);
+        const auto largest = std::max (1e-9f, *std::max_element (expected.begin(), expected.end()));
+
+        for (std::size_t k = 0; k < expected.size(); ++k)
+            ASSERT_NEAR (recovered[k], expected[k], 0.1f * largest) << i << ", sample " << k;
+    }
+}
+
+TEST (DynamicsSection, OneBadSampleIsForgottenWithinASecond)
+{
+    constexpr double rateHz = 48000.0;
+    const auto bad = { std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(),
+                       std::numeric_limits<float>::max() };
+
+    for (const auto mode : { 0, 1, 2 })
+        for (const auto sample : bad)
+        {
+            auto clean = busySignal (rateHz, 1.5), dirty = clean;
+            dirty[0][1000] = sample;
+            const auto expected = PreparedSection (busySettings (mode), rateHz, 2).process (clean);
+            const auto out = PreparedSection (busySettings (mode), rateHz, 2).process (dirty);
+            EXPECT_TRUE (std::all_of (out[0].begin(), out[0].end(), [] (float x) { return std::isfinite (x); }));
+            EXPECT_EQ (out[1], expected[1]);
+
+            for (std::size_t i = 49000; i < out[0].size(); ++i)
+                ASSERT_NEAR (out[0][i], expected[0][i], 0.1f * std::abs (expected[0][i]) + 1e-3f)
+                    << mode << ", " << sample << ", " << i;
+        }
+}
+
+TEST (DynamicsSection, InSilenceNoStateCreepsThroughSubnormalNumbers)
+{
+    constexpr int n = 256;
+    const std::vector<float> silence (n, 0.0f), loud (n, 3.0f);
+    const std::vector<double> noAttenuation (n, 0.0);
+    std::vector<float> gains (n);
+
+    DynamicsCircuits circuits;
+    circuits.compressor.prepare (44100.0);
+    circuits.limiter.prepare (44100.0);
+    circuits.limiter.setOn (true);
+    Expander::Controls controls;
+    controls.mode = static_cast<int> (Expander::Mode::expander);
+    circuits.expander.set (controls);
+    circuits.expander.prepare (44100.0);
+
+    DynamicsChannel channel;
+    channel.expander.volts = 10.0;
+    auto* const channels = &channel;
+    constexpr int numBlocks = 300 * 44100 / n; // five minutes
+
+    for (int block = 0; block < numBlocks; ++block)
+    {
+        const DynamicsRows rows { block < 10 ? loud.data() : silence.data(), silence.data(), noAttenuation.data(),
+                                  gains.data() };
+        processDynamics (circuits, &channels, &rows, 1, n);
+    }
+
+    EXPECT_EQ (channel.compressor.peak, 0.0);
+    EXPECT_EQ (channel.limiterVolts, 0.0);
+    EXPECT_EQ (channel.expander.volts, 0.0);
+    EXPECT_TRUE (std::isnormal (channel.compressor.c1Volts) && std::isnormal (channel.compressor.c2Volts));
+}
+
+TEST (DynamicsSection, AudioNeverAllocatesAndSettingsMayChangeUnderIt)
+{
+    constexpr double rateHz = 48000.0;
+    PreparedSection section (busySettings(), rateHz, 2);
+    std::atomic<bool> isDone { false };
+    std::atomic<int> allocations { 0 };
+
+    std::thread control (
+        [&]
+        {
+            std::mt19937 random (9);
+
+            while (! isDone)
+            {
+                auto settings = randomSettings (random);
+                settings.compHPF = 20.0f + static_cast<float> (random() % 380);
+                settings.compNiveau = random() % 2 == 0;
+                settings.compIn = random() % 8 != 0;
+                const RealTimeTrap trap;
+                section.section.update (settings, false);
+                allocations += trap.allocations();
+            }
+        });
+
+    std::array signals { bursts (1, 9.0, rateHz, 2.0), bursts (2, 9.0, rateHz, 2.0) };
+    auto isFinite = true;
+
+    for (int position = 0; position + 256 <= 96000; position += 256)
+    {
+        const std::array rows { signals[0].data() + position, signals[1].data() + position };
+        const RealTimeTrap trap;
+        section.section.process (rows.data(), 256, 0);
+        allocations += trap.allocations() + trap.locks();
+    }
+
+    isDone = true;
+    control.join();
+
+    for (const auto& signal : signals)
+        isFinite = isFinite && std::all_of (signal.begin(), signal.end(), [] (float x) { return std::isfinite (x); });
+
+    EXPECT_TRUE (isFinite);
+    EXPECT_EQ (allocations, 0);
+}
+} // namespace
+} // namespace tarvik::test
