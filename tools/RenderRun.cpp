@@ -44,7 +44,7 @@ void RenderRun::perform (int blockSize)
 
         juce::AudioBuffer<float> filledPart (block.getArrayOfWritePointers(), block.getNumChannels(), n);
         host.process (filledPart);
-        gainReductionDb = std::min (gainReductionDb, host.gainReductionDb());
+        noteGainReduction (position + n >= total, position + n);
 
         const auto numTooEarly = static_cast<int> (std::clamp<juce::int64> (latency - position, 0, n));
         writeBlock (numTooEarly, n - numTooEarly);
@@ -53,6 +53,16 @@ void RenderRun::perform (int blockSize)
 
     constexpr double millisecondsPerSecond = 1000.0;
     secondsTaken = (juce::Time::getMillisecondCounterHiRes() - startMs) / millisecondsPerSecond;
+}
+
+void RenderRun::noteGainReduction (bool isLast, juce::int64 samplesDone)
+{
+    // A prepared strip's needle rises from its stop, which is no reduction. A shorter file has its end to show.
+    constexpr double needleRisesSeconds = 0.5;
+    const auto needleHasRisen = static_cast<double> (samplesDone) > needleRisesSeconds * main.sampleRate();
+
+    if (needleHasRisen || isLast)
+        gainReductionDb = std::min (gainReductionDb, host.gainReductionDb());
 }
 
 void RenderRun::readBlock (int numSamples)

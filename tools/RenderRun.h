@@ -34,6 +34,7 @@ public:
     double timesRealTime() const;
 
 private:
+    void noteGainReduction (bool isLast, juce::int64 samplesDone);
     void readBlock (int numSamples);
     void readSidechain (int numSamples);
     void writeBlock (int start, int numSamples);

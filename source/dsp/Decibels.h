@@ -6,18 +6,18 @@
 
 namespace tarvik
 {
-// Single conversions between decibels and linear gain, for settings and readings; rows go through DecibelConverter.
-// At the floor and below there is silence: a gain of exactly 0. Any thread.
+/** Single conversions between decibels and linear gain, for settings and readings; rows go through DecibelConverter.
+    At the floor and below there is silence: a gain of exactly 0. Any thread. */
 constexpr double silenceDb = -100.0;
 
-// 10^(db / 20); exactly 0 at or below -100 dB, and for NaN.
+/** 10^(db / 20); exactly 0 at or below -100 dB, and for NaN. */
 inline double gainFromDb (double db) noexcept
 {
     constexpr double decadesPerDb = 0.05;
     return db > silenceDb ? std::pow (10.0, db * decadesPerDb) : 0.0;
 }
 
-// 20 log10 (gain), at least -100 dB; -100 dB also for gains that have no logarithm (0, negative, NaN).
+/** 20 log10 (gain), at least -100 dB; -100 dB also for gains that have no logarithm (0, negative, NaN). */
 inline double dbFromGain (double gain) noexcept
 {
     constexpr double dbPerDecade = 20.0;

@@ -16,13 +16,13 @@ namespace tarvik
 // Each sum is taken in the same order wherever a block begins or ends, so any cutting into blocks gives the same bits.
 // (Only a sample that is not finite can tell: it may reach a few outputs more or less.)
 //
-// Three parts, which the owner keeps together: the spec (the taps as the kernels want them), the delay line (the
+// Three parts, which the owner keeps together: the layout, MultiRateFirSpec (the taps as the kernels want them), the delay line (the
 // signal's history), and the work buffer, which holds nothing between calls.
 
-// Floats aligned for the widest vectors.
+/** Floats aligned for the widest vectors. */
 using AlignedFloats = hwy::AlignedFreeUniquePtr<float[]>;
 
-// The code of one instruction set; see MultiRateFirKernels.h.
+/** The code of one instruction set; see MultiRateFirKernels.h. */
 struct UpKernel;
 struct DownKernel;
 enum class UpMethod;
@@ -30,53 +30,53 @@ enum class UpMethod;
 struct MultiRateFirSpec
 {
     int factor = 1;
-    int tapsPerPhase = 0; // the first phase has one more
+    int tapsPerPhase = 0; ///< the first phase has one more
 
-    // One of the two, the other is null.
+    /** One of the two, the other is null. */
     const UpKernel* upKernel = nullptr;
     const DownKernel* downKernel = nullptr;
 
-    // Up: how the sums are computed.
+    /** Up: how the sums are computed. */
     UpMethod upMethod {};
 
-    // Down: `outputsPerGroup` neighbouring outputs begin `planes` whole vectors behind the group before, so that their
-    // inputs share one alignment. A group's inputs are `rowsPerGroup` rows of one vector each. Row i of the signal is
-    // kept in plane i modulo `planes`, so that the groups stand one vector apart and loads spread over the cache's
-    // banks.
+    /** Down: `outputsPerGroup` neighbouring outputs begin `planes` whole vectors behind the group before, so that
+        their inputs share one alignment. A group's inputs are `rowsPerGroup` rows of one vector each. Row i of the
+        signal is kept in plane i modulo `planes`, so that the groups stand one vector apart and loads spread over
+        the cache's banks. */
     int outputsPerGroup = 1;
     int planes = 1;
-    int planeSize = 0; // floats
+    int planeSize = 0; ///< floats
     int rowsPerGroup = 0;
 
-    // Up: as the method wants them. Down: plane after plane, row after row, the taps that the row's inputs have in each
-    // of the group's outputs, zero outside the filter.
+    /** Up: as the method wants them. Down: plane after plane, row after row, the taps that the row's inputs have in
+        each of the group's outputs, zero outside the filter. */
     AlignedFloats taps;
 
-    int delaySize = 0; // floats
-    int workSize = 0;  // floats
+    int delaySize = 0; ///< floats
+    int workSize = 0;  ///< floats
 };
 
 struct MultiRateFirDelay
 {
     AlignedFloats samples;
-    int size = 0;     // floats
-    int position = 0; // down: outputs of the current group that are already written
+    int size = 0;     ///< floats
+    int position = 0; ///< down: outputs of the current group that are already written
 
-    // The history becomes silence.
+    /** The history becomes silence. */
     void clear() noexcept;
 };
 
-// Lay out a filter of tapsPerPhase * factor + 1 taps for the best instruction set that is enabled now; the spec keeps
-// to it. `factor` is 2 or more. Allocate; not for the audio thread.
+/** Lay out a filter of tapsPerPhase * factor + 1 taps for the best instruction set that is enabled now; the result keeps
+    to it. `factor` is 2 or more. Allocate; not for the audio thread. */
 MultiRateFirSpec makeUpSpec (std::span<const float> taps, int factor);
 MultiRateFirSpec makeDownSpec (std::span<const float> taps, int factor);
 
-// A silent delay line and a work buffer. Allocate.
+/** A silent delay line and a work buffer. Allocate. */
 MultiRateFirDelay makeDelay (const MultiRateFirSpec& spec);
 AlignedFloats makeWork (const MultiRateFirSpec& spec);
 
-// Read numIn samples and write numIn * factor; read numOut * factor and write numOut. Counts from 0 up, at any size.
-// Buffers need no alignment and do not overlap. For the audio thread.
+/** Read numIn samples and write numIn * factor; read numOut * factor and write numOut. Counts from 0 up, at any size.
+    Buffers need no alignment and do not overlap. For the audio thread. */
 void runUp (const MultiRateFirSpec& spec, MultiRateFirDelay& delay, float* work, const float* in, float* out,
             int numIn) noexcept;
 void runDown (const MultiRateFirSpec& spec, MultiRateFirDelay& delay, float* work, const float* in, float* out,

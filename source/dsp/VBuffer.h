@@ -8,23 +8,23 @@
 
 namespace tarvik
 {
-// A row of samples as a value in expressions, kept in a row of a VBufferProvider. All operations work sample by sample,
-// on the audio thread, without allocating.
-//
-// A copy shares its original's row, and both count as users of it. Whoever changes a shared row first takes a row of
-// its own, so a change never shows in another VBuffer; a row goes back to the pool with its last user. An expression
-// therefore needs one free row for each intermediate value that is alive at the same time: `a * b + c` one, and
-// `a += b` none unless a's row is shared.
-//
-// Both sides of an operation belong to pools of the same length. An empty VBuffer (default-made or moved from) may
-// only be assigned to and destroyed.
+/** A row of samples as a value in expressions, kept in a row of a VBufferProvider. All operations work sample by
+    sample, on the audio thread, without allocating.
+
+    A copy shares its original's row, and both count as users of it. Whoever changes a shared row first takes a row
+    of its own, so a change never shows in another VBuffer; a row goes back to the pool with its last user. An
+    expression therefore needs one free row for each intermediate value that is alive at the same time: `a * b + c`
+    one, and `a += b` none unless a's row is shared.
+
+    Both sides of an operation belong to pools of the same length. An empty VBuffer (default-made or moved from) may
+    only be assigned to and destroyed. */
 template <rows::Sample T>
 class VBuffer
 {
 public:
     VBuffer() = default;
 
-    // Takes a row of `pool` and fills it with a copy of `source`, pool.getLength() samples.
+    /** Takes a row of `pool` and fills it with a copy of `source`, pool.getLength() samples. */
     VBuffer (VBufferProvider<T>& pool, const T* source) noexcept
         : provider (&pool), row (pool.takeRow (source)), samples (pool.getRow (row)), length (pool.getLength())
     {
@@ -57,7 +57,7 @@ public:
 
     const T* getSamples() const noexcept { return samples; }
 
-    // Writes the row to a plain array of getLength() samples.
+    /** Writes the row to a plain array of getLength() samples. */
     void copyToSamples (T* destination) const noexcept { rows::copy (destination, samples, length); }
 
     VBuffer& operator+= (const VBuffer& other) noexcept { return combine (rows::RowOperation::add, other); }
@@ -114,7 +114,7 @@ public:
 
     friend VBuffer abs (const VBuffer& v) noexcept { return v.abs(); }
 
-    // The first argument's sample unless the second one is smaller (larger), so a NaN on the left stays.
+    /** The first argument's sample unless the second one is smaller (larger), so a NaN on the left stays. */
     friend VBuffer min (VBuffer v, const VBuffer& w) noexcept
     {
         return std::move (v.combine (rows::RowOperation::minimum, w));
@@ -160,7 +160,7 @@ private:
         std::swap (length, other.length);
     }
 
-    // The samples, after making sure that no other VBuffer sees them.
+    /** The samples, after making sure that no other VBuffer sees them. */
     T* ownSamples() noexcept
     {
         if (provider->getUseCount (row) > 1)

@@ -12,24 +12,25 @@
 
 namespace tarvik
 {
-// A pool of rows of T (32-bit or 64-bit floats): one block of memory, and a stack of the rows that are free. Each row
-// counts its users and returns to the stack when the last one is gone; the row that came back last goes out first,
-// since the processor's cache still knows it.
-//
-// setSize and release belong to preparation: no VBuffer of the pool may be alive, and no audio running. Everything
-// else belongs to the one audio thread of the stage that owns the pool, allocates nothing and checks nothing (debug
-// builds assert): the pool is made as large as its stage needs.
+/** A pool of rows of T (32-bit or 64-bit floats): one block of memory, and a stack of the rows that are free. Each row
+    counts its users and returns to the stack when the last one is gone; the row that came back last goes out first,
+    since the processor's cache still knows it.
+
+    setSize and release belong to preparation: no VBuffer of the pool may be alive, and no audio running. Everything
+    else belongs to the one audio thread of the stage that owns the pool, allocates nothing and checks nothing (debug
+    builds assert): the pool is made as large as its stage needs. */
 template <rows::Sample T>
 class VBufferProvider
 {
 public:
     VBufferProvider() = default;
-    VBufferProvider (const VBufferProvider&) = delete; // the VBuffers handed out point here
+    VBufferProvider (const VBufferProvider&) = delete; ///< the VBuffers handed out point here
     VBufferProvider& operator= (const VBufferProvider&) = delete;
 
-    // Makes room for `numberOfRows` rows of `size` samples. The block never shrinks and is only replaced when one of
-    // the two numbers exceeds what it holds; then it has room for exactly these two. Numbers below 0 count as 0 in the
-    // block. Free rows are listed anew only when their number changes, so a pool with a row still out keeps knowing so.
+    /** Makes room for `numberOfRows` rows of `size` samples. The block never shrinks and is only replaced when one
+        of the two numbers exceeds what it holds; then it has room for exactly these two. Numbers below 0 count as 0
+        in the block. Free rows are listed anew only when their number changes, so a pool with a row still out keeps
+        knowing so. */
     void setSize (int numberOfRows, int size)
     {
         if (numberOfRows > capacityRows || size > capacitySize)
@@ -44,7 +45,7 @@ public:
         length = size;
     }
 
-    // Gives all memory back and leaves every count at 0.
+    /** Gives all memory back and leaves every count at 0. */
     void release() noexcept
     {
         data.reset();
@@ -55,7 +56,8 @@ public:
         freeTop = 0;
     }
 
-    // Takes the topmost free row, with one user, and copies `source` (getLength() samples) into it. Returns its number.
+    /** Takes the topmost free row, with one user, and copies `source` (getLength() samples) into it. Returns its
+        number. */
     int takeRow (const T* source) noexcept
     {
         assert (freeTop >= 0);
@@ -99,9 +101,9 @@ public:
     int getListRows() const noexcept { return listRows; }
 
 private:
-    static constexpr int groupBytes = 16; // rows start on whole groups, the smallest vector of any processor
+    static constexpr int groupBytes = 16; ///< rows start on whole groups, the smallest vector of any processor
     static constexpr int groupSize = groupBytes / static_cast<int> (sizeof (T));
-    static constexpr std::align_val_t blockAlignment { 64 }; // a cache line, and the largest vector
+    static constexpr std::align_val_t blockAlignment { 64 }; ///< a cache line, and the largest vector
 
     struct FreeBlock
     {
@@ -112,7 +114,7 @@ private:
     {
         data.reset();
         rows.reset();
-        capacityRows = capacitySize = 0; // what holds if the allocation throws
+        capacityRows = capacitySize = 0; ///< what holds if the allocation throws
 
         const auto newSize = (std::max (size, 0) + groupSize - 1) / groupSize * groupSize;
         const auto rowCount = static_cast<std::size_t> (std::max (numberOfRows, 0));
@@ -141,15 +143,15 @@ private:
     }
 
     std::unique_ptr<T, FreeBlock> data;
-    std::unique_ptr<T*[]> rows;      // start of each row in `data`
-    int capacityRows = 0;            // rows allocated
-    int capacitySize = 0;            // samples allocated per row, a whole number of groups
-    int numRows = 0;                 // rows asked for
-    int rowSize = 0;                 // samples asked for
-    int length = 0;                  // samples in a row as handed out
-    std::unique_ptr<int[]> freeList; // numbers of the free rows, up to and including freeTop
-    std::unique_ptr<int[]> useCount; // VBuffers that use each row
-    std::int64_t freeTop = 0;        // last entry of freeList that is free, -1 when none is
-    int listRows = 0;                // rows for which the two lists are built
+    std::unique_ptr<T*[]> rows;      ///< start of each row in `data`
+    int capacityRows = 0;            ///< rows allocated
+    int capacitySize = 0;            ///< samples allocated per row, a whole number of groups
+    int numRows = 0;                 ///< rows asked for
+    int rowSize = 0;                 ///< samples asked for
+    int length = 0;                  ///< samples in a row as handed out
+    std::unique_ptr<int[]> freeList; ///< numbers of the free rows, up to and including freeTop
+    std::unique_ptr<int[]> useCount; ///< VBuffers that use each row
+    std::int64_t freeTop = 0;        ///< last entry of freeList that is free, -1 when none is
+    int listRows = 0;                ///< rows for which the two lists are built
 };
 } // namespace tarvik

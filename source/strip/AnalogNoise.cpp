@@ -76,16 +76,18 @@ AnalogNoise::Generator::Generator (std::uint64_t seed) noexcept
 
 void AnalogNoise::Generator::step() noexcept
 {
-    const auto& last = state[newest];
+    // Copies, so that the compiler sees that nothing overlaps.
+    const auto w = state[newest];
     newest = (newest + 1) % state.size();
-    auto& oldest = state[newest];
+    auto x = state[newest];
 
     for (std::size_t lane = 0; lane < lanes; ++lane)
     {
-        const auto w = last[lane];
-        const auto t = oldest[lane] ^ (oldest[lane] << 11);
-        oldest[lane] = (w ^ (w >> 19)) ^ (t ^ (t >> 8));
+        const auto t = x[lane] ^ (x[lane] << 11);
+        x[lane] = (w[lane] ^ (w[lane] >> 19)) ^ (t ^ (t >> 8));
     }
+
+    state[newest] = x;
 }
 
 void AnalogNoise::Generator::addFrom (std::size_t lane, float* row, float range, std::size_t n) const noexcept

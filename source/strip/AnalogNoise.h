@@ -51,9 +51,9 @@ private:
         void addFrom (std::size_t lane, float* row, float range, std::size_t n) const noexcept;
         void step() noexcept;
 
-        std::array<Words, 4> state{}; ///< the last four outputs of each lane, in a ring
-        std::size_t newest = 3;       ///< where the ring ends
-        std::size_t used = lanes;     ///< lanes of the newest output that are spent
+        std::array<Words, 4> state {}; ///< the last four outputs of each lane, in a ring
+        std::size_t newest = 3;        ///< where the ring ends
+        std::size_t used = lanes;      ///< lanes of the newest output that are spent
     };
 
     float range;

@@ -6,8 +6,12 @@
 
 #include "strip/HarmonicTable.h"
 
-#include <hwy/foreach_target.h> // before highway.h
+// foreach_target.h comes before everything else of Highway.
+// clang-format off
+#include <hwy/foreach_target.h>
 #include <hwy/highway.h>
+#include "strip/HarmonicLookUp-inl.h"
+// clang-format on
 
 #include <algorithm>
 #include <array>
@@ -56,13 +60,6 @@ namespace
 {
 namespace hn = hwy::HWY_NAMESPACE;
 
-/** Eight lanes hold a column of the table; wider vectors are not used. */
-constexpr int lanes = HWY_MAX_BYTES >= 32 ? 8 : HWY_MAX_BYTES >= 16 ? 4 : 1;
-using D = hn::FixedTag<float, lanes>;
-using Integers = hn::RebindToSigned<D>;
-using V = hn::Vec<D>;
-using Columns = std::array<V, HarmonicTable::columnsWithPadding>;
-
 HWY_INLINE V constant (double value) { return hn::Set (D(), static_cast<float> (value)); }
 
 /** Within 1e-7 for normal numbers. With x = 2^e m, m from sqrt (1/2) to sqrt (2), and z = (m - 1) / (m + 1):
@@ -85,86 +82,6 @@ HWY_INLINE V log2 (V x)
     return hn::MulAdd (z, series, hn::ConvertTo (D(), exponent));
 }
 
-#if HWY_MAX_BYTES >= 32
-
-/** Every column at its lane's row and fraction: a column is one register, and picking from it one instruction. */
-HWY_INLINE Columns lookUp (hn::Vec<Integers> row, V fraction)
-{
-    const auto indices = hn::IndicesFromVec (D(), row);
-    Columns columns;
-
-    HWY_UNROLL (7)
-    for (std::size_t column = 0; column < HarmonicTable::numColumns; ++column)
-    {
-        const auto value = hn::TableLookupLanes (hn::Load (D(), table.valueColumns[column].data()), indices);
-        const auto step = hn::TableLookupLanes (hn::Load (D(), table.stepColumns[column].data()), indices);
-        columns[column] = hn::MulAdd (fraction, step, value);
-    }
-
-    return columns;
-}
-
-#elif HWY_MAX_BYTES < 16
-
-HWY_INLINE Columns lookUp (hn::Vec<Integers> row, V fraction)
-{
-    const auto r = static_cast<std::size_t> (hn::GetLane (row));
-    Columns columns;
-
-    for (std::size_t column = 0; column < columns.size(); ++column)
-        columns[column] =
-            hn::MulAdd (fraction, hn::Set (D(), table.stepRows[r][column]), hn::Set (D(), table.valueRows[r][column]));
-
-    return columns;
-}
-
-#else
-
-/** Turns four rows of four columns into four columns. */
-HWY_INLINE void transpose (V a, V b, V c, V d, V* columns)
-{
-    const hn::RepartitionToWide<D> wide;
-    const auto low = [] (V x, V y) HWY_ATTR { return hn::InterleaveLower (D(), x, y); };
-    const auto high = [] (V x, V y) HWY_ATTR { return hn::InterleaveUpper (D(), x, y); };
-    const auto ab = hn::BitCast (wide, low (a, b)), cd = hn::BitCast (wide, low (c, d));
-    const auto abHigh = hn::BitCast (wide, high (a, b)), cdHigh = hn::BitCast (wide, high (c, d));
-    columns[0] = hn::BitCast (D(), hn::InterleaveLower (wide, ab, cd));
-    columns[1] = hn::BitCast (D(), hn::InterleaveUpper (wide, ab, cd));
-    columns[2] = hn::BitCast (D(), hn::InterleaveLower (wide, abHigh, cdHigh));
-    columns[3] = hn::BitCast (D(), hn::InterleaveUpper (wide, abHigh, cdHigh));
-}
-
-/** Every column at its lane's row and fraction: each lane fetches and interpolates a whole row, four columns at a time,
-    and the rows are then turned into columns. */
-HWY_INLINE Columns lookUp (hn::Vec<Integers> row, V fraction)
-{
-    HWY_ALIGN std::array<int, lanes> rows;
-    hn::Store (row, Integers(), rows.data());
-    const std::array<V, lanes> fractions { hn::Broadcast<0> (fraction), hn::Broadcast<1> (fraction),
-                                           hn::Broadcast<2> (fraction), hn::Broadcast<3> (fraction) };
-    Columns columns;
-
-    HWY_UNROLL (2)
-    for (std::size_t first = 0; first < columns.size(); first += lanes)
-    {
-        std::array<V, lanes> interpolated;
-
-        HWY_UNROLL (4)
-        for (std::size_t lane = 0; lane < lanes; ++lane)
-        {
-            const auto r = static_cast<std::size_t> (rows[lane]);
-            interpolated[lane] = hn::MulAdd (fractions[lane], hn::Load (D(), table.stepRows[r].data() + first),
-                                             hn::Load (D(), table.valueRows[r].data() + first));
-        }
-
-        transpose (interpolated[0], interpolated[1], interpolated[2], interpolated[3], columns.data() + first);
-    }
-
-    return columns;
-}
-
-#endif
-
 /** Where the envelope stands between the table's rows. */
 HWY_INLINE V positionOf (V x, V square)
 {
@@ -183,7 +100,7 @@ HWY_INLINE V shape (V x, V position, V scale)
     constexpr double roundToInteger = 3 << 22;
     const auto rounded = hn::Add (hn::Sub (position, constant (0.5)), constant (roundToInteger));
     const auto row = hn::And (hn::BitCast (Integers(), rounded), hn::Set (Integers(), HarmonicTable::numRows - 1));
-    const auto c = lookUp (row, hn::Sub (position, hn::Sub (rounded, constant (roundToInteger))));
+    const auto c = lookUp (table, row, hn::Sub (position, hn::Sub (rounded, constant (roundToInteger))));
 
     const auto u = hn::Div (x, c[Table::amplitude]);
     const auto v = hn::Mul (u, scale);
