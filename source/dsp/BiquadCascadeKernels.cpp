@@ -293,16 +293,16 @@ HWY_NOINLINE void filterRows (const CascadePair& first, const CascadePair* secon
 /** The template for the cascades' lengths, if there is one. */
 bool filter (const CascadePair& first, const CascadePair* second, float* left, float* right, int n)
 {
-    const auto length = first[0]->getNumSections();
+    const auto firstLength = first[0]->getNumSections();
+    const auto secondLength = second != nullptr ? (*second)[0]->getNumSections() : 0;
 
-    if (second != nullptr && (length != 2 || (*second)[0]->getNumSections() != 4))
-        return false;
-
-    if (second != nullptr)
+    if (firstLength == 2 && secondLength == 4)
         filterRows<2, 4> (first, second, left, right, n);
-    else if (length == 2)
+    else if (firstLength == 2 && secondLength == 2)
+        filterRows<2, 2> (first, second, left, right, n);
+    else if (firstLength == 2 && second == nullptr)
         filterRows<2, 0> (first, nullptr, left, right, n);
-    else if (length == 4)
+    else if (firstLength == 4 && second == nullptr)
         filterRows<4, 0> (first, nullptr, left, right, n);
     else
         return false;

@@ -15,6 +15,6 @@ using CascadePair = std::array<BiquadCascade*, 2>;
     keep what they have if their delay lines are clear.
 
     Returns false, and does nothing, for lengths that there is no vector form for; there is one for 2 or 4 sections, and
-    for 2 followed by 4. The bits are those of BiquadCascade::processPlain(). */
+    for 2 followed by 2 or 4. The bits are those of BiquadCascade::processPlain(). */
 bool filterInVectors (const CascadePair& first, const CascadePair* second, float* left, float* right, int n) noexcept;
 } // namespace tarvik

@@ -16,8 +16,8 @@ namespace tarvik
 // Each sum is taken in the same order wherever a block begins or ends, so any cutting into blocks gives the same bits.
 // (Only a sample that is not finite can tell: it may reach a few outputs more or less.)
 //
-// Three parts, which the owner keeps together: the layout, MultiRateFirSpec (the taps as the kernels want them), the delay line (the
-// signal's history), and the work buffer, which holds nothing between calls.
+// Three parts, which the owner keeps together: the layout, MultiRateFirSpec (the taps as the kernels want them), the
+// delay line (the signal's history), and the work buffer, which holds nothing between calls.
 
 /** Floats aligned for the widest vectors. */
 using AlignedFloats = hwy::AlignedFreeUniquePtr<float[]>;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/BypassFader.h"
 
-#include "dsp/RowOperations.h"
 #include "plugin/LatencyDelay.h"
 #include "strip/RampTimes.h"
 
@@ -10,12 +9,9 @@ namespace tarvik
 
 void BypassFader::prepare (double rateHz, int mainChannels, int maxSamples)
 {
-    numChannels = mainChannels;
     wet.steps = rampSteps (rateHz);
-    wet.remaining = 0;
-    wet.current = wet.target;
-    rowLength = static_cast<std::size_t> (maxSamples);
-    storage.assign (static_cast<std::size_t> (numChannels + firstSignalRow) * rowLength, 0.0f);
+    wet.snap();
+    blend.prepare (mainChannels, maxSamples);
     activeThisSlice = false;
 }
 
@@ -24,36 +20,22 @@ void BypassFader::beginSlice (const float* const* channels, int n, LatencyDelay&
     activeThisSlice = static_cast<float> (wet.target) < 1.0f || ! wet.isIdle();
 
     if (activeThisSlice)
+        blend.split (wet, channels, n);
+
+    for (int c = 0; c < blend.getNumChannels(); ++c)
     {
-        wet.fill (rowAt (wetRow), n);
-        rows::fill (rowAt (dryRow), 1.0f, n);
-        rows::subtract (rowAt (dryRow), rowAt (wetRow), n);
-    }
+        // At rest the dry share is nothing at all. Left as it was, the last fade would sound again at the next bypass.
+        if (! activeThisSlice)
+            rows::fill (blend.dryRow (c), 0.0f, n);
 
-    for (int c = 0; c < numChannels; ++c)
-    {
-        auto* const dry = rowAt (firstSignalRow + c);
-
-        // At rest the dry share is nothing at all. Left as they were, the rows would sound again at the next bypass.
-        if (activeThisSlice)
-            rows::multiply (dry, channels[c], rowAt (dryRow), n);
-        else
-            rows::fill (dry, 0.0f, n);
-
-        latencyDelay.process (c, dry, n, delay);
+        latencyDelay.process (c, blend.dryRow (c), n, delay);
     }
 }
 
 void BypassFader::endSlice (float* const* channels, int n) noexcept
 {
-    if (! activeThisSlice)
-        return;
-
-    for (int c = 0; c < numChannels; ++c)
-    {
-        rows::multiply (channels[c], rowAt (wetRow), n);
-        rows::add (channels[c], rowAt (firstSignalRow + c), n);
-    }
+    if (activeThisSlice)
+        blend.join (channels, n);
 }
 
 } // namespace tarvik

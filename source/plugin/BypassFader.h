@@ -2,9 +2,7 @@
 #pragma once
 
 #include "dsp/Ramps.h"
-
-#include <cstddef>
-#include <vector>
+#include "strip/WetDryRows.h"
 
 namespace tarvik
 {
@@ -13,7 +11,7 @@ class LatencyDelay;
 
 /** Fades between the strip and its delayed input over 100 ms. Audio thread, but for `prepare`.
 
-    While the strip is fully in, the fader is idle and costs nothing but keeping the delay's history current.
+    While the strip is fully in, the fader costs nothing but keeping the delay's history current.
 */
 class BypassFader
 {
@@ -30,15 +28,7 @@ public:
     void endSlice (float* const* channels, int n) noexcept;
 
 private:
-    float* rowAt (int index) noexcept { return storage.data() + static_cast<std::size_t> (index) * rowLength; }
-
-    static constexpr int wetRow = 0;
-    static constexpr int dryRow = 1;
-    static constexpr int firstSignalRow = 2;
-
-    std::vector<float> storage;
-    std::size_t rowLength = 0;
-    int numChannels = 0;
+    WetDryRows blend;
     bool activeThisSlice = false;
 };
 

@@ -138,7 +138,8 @@ static_assert (std::size (programRows) == numFactoryPrograms);
 constexpr int indexOfChoice (ParameterRow::IntField field, std::string_view text)
 {
     for (const auto& row : parameterRows)
-        if (const auto* const own = std::get_if<ParameterRow::IntField> (&row.field); own != nullptr && *own == field)
+        if (std::holds_alternative<ParameterRow::IntField> (row.field)
+            && std::get<ParameterRow::IntField> (row.field) == field)
             for (std::size_t i = 0; i < row.choices.size(); ++i)
                 if (row.choices[i] == text)
                     return static_cast<int> (i);

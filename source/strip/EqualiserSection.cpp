@@ -74,7 +74,7 @@ void EqualiserSection::update (const ParameterSnapshot& snapshot, bool force) no
 void EqualiserSection::process (float* const* channels, int n) noexcept
 {
     const auto numChannels = static_cast<int> (numInUse);
-    fader.begin (channels, numChannels, n);
+    fader.begin (channels, n);
 
     if (numInUse == 2)
         ConsoleEQ::processPair (*equalisers[0], *equalisers[1], channels[0], channels[1], n);
@@ -85,7 +85,7 @@ void EqualiserSection::process (float* const* channels, int n) noexcept
     for (int c = 0; c < numChannels; ++c)
         rows::scale (channels[c], makeupGain, n);
 
-    fader.end (channels, numChannels, n);
+    fader.end (channels, n);
 }
 
 } // namespace tarvik

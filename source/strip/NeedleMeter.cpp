@@ -18,7 +18,6 @@ constexpr auto scale = static_cast<float> (1.5707964 / 1.0954451150103321);
 void NeedleMeter::prepare (double rateHz)
 {
     needle.prepare (rateHz);
-    needle.reset();
     reading = restingReading;
 }
 

@@ -24,7 +24,7 @@ namespace tarvik
     gets a tone of -300 dB at half the rate, far below the last digit of any signal; the filters behind it profit too.
 
     32-bit arithmetic: what is computed is the small difference between output and input. Within 1e-6 of an exact
-    computation at level 1 and 1e-5 up to the clip level; instruction sets differ by as much. */
+    computation at level 1 and 5e-6 up to the clip level; instruction sets differ by as much. */
 class SaturationShaper
 {
 public:

@@ -77,11 +77,12 @@ TEST (BiquadCascade, EveryInstructionSetAndLayoutGivesThePlainFormsBits)
             const ScopedInstructionSet scope (set);
             std::array<BiquadCascade, 2> first, second, plainFirst, plainSecond;
             const auto firstSections = trial % 4 == 3 ? 3 : 2; // three has no vector form
+            const auto secondSections = trial % 5 < 2 ? 2 : 4;
 
             for (std::size_t c = 0; c < 2; ++c)
             {
                 plainFirst[c].setTaps (makeTaps (firstSections, random));
-                plainSecond[c].setTaps (makeTaps (4, random));
+                plainSecond[c].setTaps (makeTaps (secondSections, random));
                 first[c] = plainFirst[c];
                 second[c] = plainSecond[c];
             }

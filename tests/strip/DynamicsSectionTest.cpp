@@ -17,17 +17,24 @@ namespace
 {
 constexpr std::array ratesHz { 44100.0, 48000.0, 96000.0, 192000.0, 705600.0 };
 
-// The largest difference between the section's output and the plain form's, as a part of what the plain form's gain
-// makes of the sample.
-double compareWithPlain (const ParameterSnapshot& settings, double rateHz, const std::vector<Signal>& in)
+struct Comparison
+{
+    double worst =
+        0.0; // largest difference of the outputs, as a part of what the plain form's gain makes of the sample
+    bool isComplete = true; // false where the loop itself stops being determined
+};
+
+// Beyond any level that a console carries the feedback becomes chaotic: every rounding grows until nothing is left in
+// common. So a twin of the plain form is nudged by 1e-10 per sample, and the comparison ends where the twins part.
+Comparison compareWithPlain (const ParameterSnapshot& settings, double rateHz, const std::vector<Signal>& in)
 {
     PreparedSection fast (settings, rateHz, 2);
     const auto out = fast.process (in);
-    auto worst = 0.0;
+    Comparison comparison;
 
     for (std::size_t c = 0; c < 2; ++c)
     {
-        plain::Dynamics plain (settings, rateHz);
+        plain::Dynamics plain (settings, rateHz), twin (settings, rateHz);
         const auto& side = in[c + 2];
 
         for (std::size_t i = 0; i < out[c].size(); ++i)
@@ -35,34 +42,50 @@ double compareWithPlain (const ParameterSnapshot& settings, double rateHz, const
             const auto detector = settings.compExtSideChain ? side[i] : in[c][i];
             const auto key = settings.expExtSideChain ? side[i] : in[c][i];
             const auto expected = plain.process ({ in[c][i], detector, key });
+            twin.process ({ in[c][i], detector, key });
+            twin.gain *= 1.0 + 1e-10;
+
+            if (std::abs (twin.gain - plain.gain) > 1e-7 * plain.gain)
+            {
+                comparison.isComplete = false;
+                break;
+            }
 
             // A float's smallest steps are no measure of a gain.
             if (std::abs (expected) > 1e-20)
-                worst = std::max (worst, std::abs (static_cast<double> (out[c][i]) / expected - 1.0));
+                comparison.worst =
+                    std::max (comparison.worst, std::abs (static_cast<double> (out[c][i]) / expected - 1.0));
         }
     }
 
-    return worst;
+    return comparison;
 }
 
 TEST (DynamicsSection, FastFormGivesThePlainFormsGain)
 {
     std::mt19937 random (41);
+    auto numComplete = 0;
+    constexpr auto numCases = 120;
 
-    for (int i = 0; i < 120; ++i)
+    for (int i = 0; i < numCases; ++i)
     {
         const auto settings = randomSettings (random);
         const auto rateHz = ratesHz[static_cast<std::size_t> (i) % ratesHz.size()];
-        const auto loudest = std::pow (10.0, std::uniform_real_distribution<double> (-1.0, 2.0) (random));
+        const auto loudest = std::pow (10.0, std::uniform_real_distribution<double> (-1.0, 2.5) (random));
         std::vector<Signal> in;
 
         for (unsigned c = 0; c < 4; ++c)
             in.push_back (bursts (static_cast<unsigned> (random()), loudest, rateHz, 0.15));
 
-        EXPECT_LT (compareWithPlain (settings, rateHz, in), 1e-6)
-            << "case " << i << ": rate " << rateHz << ", level " << loudest << ", ratio " << settings.compRatio
-            << ", mode " << settings.expMode << ", limit " << settings.compLimit;
+        const auto [worst, isComplete] = compareWithPlain (settings, rateHz, in);
+        numComplete += isComplete ? 1 : 0;
+        EXPECT_LT (worst, 1e-6) << "case " << i << ": rate " << rateHz << ", level " << loudest << ", ratio "
+                                << settings.compRatio << ", mode " << settings.expMode << ", limit "
+                                << settings.compLimit;
     }
+
+    EXPECT_GT (numComplete, numCases * 2 / 3);
+    RecordProperty ("complete", numComplete);
 }
 
 // All at once: filters, limiter, gate and Smash, on a signal that moves everything.
@@ -152,6 +175,15 @@ TEST (DynamicsSection, CompInFadesWithinATenthOfASecondAndOutOfCircuitNothingIsT
     EXPECT_FALSE (section.readOuts().limiterActive.get());
     EXPECT_EQ (section.readOuts().expanderAmount.get(), 0.0f);
 
+    // A ramp that moves takes the section along, silently.
+    settings.compInput = 4.0f;
+    section.section.update (settings, false);
+    EXPECT_EQ (section.process ({ Signal (in[0].begin(), in[0].begin() + 4000), Signal (4000, 1.0f) })[1],
+               Signal (4000, 1.0f));
+    EXPECT_LT (section.readOuts().gainReductionDb.get(), -0.5f);
+    EXPECT_EQ (section.process (in), in);
+    EXPECT_NEAR (section.readOuts().gainReductionDb.get(), 0.0f, 1e-3f);
+
     settings.compIn = true;
     settings.compMix = 0.0f;
     section.section.update (settings, false);
@@ -185,6 +217,20 @@ TEST (DynamicsSection, NeedleShowsTheGainOfASteadyTone)
         }
 }
 
+TEST (DynamicsSection, SettingsThatHaveNoRampAreTakenAtOnce)
+{
+    auto settings = busySettings();
+    settings.limiterSensitivity = 0;
+    PreparedSection fresh (settings, 48000.0, 2);
+    settings.limiterSensitivity = 2;
+    PreparedSection changed (settings, 48000.0, 2);
+    changed.process ({ Signal (4800, 0.0f), Signal (4800, 0.0f) });
+    settings.limiterSensitivity = 0;
+    changed.section.update (settings, false);
+    changed.section.reset();
+    EXPECT_EQ (changed.process (busySignal (48000.0)), fresh.process (busySignal (48000.0)));
+}
+
 TEST (DynamicsSection, SmashDoesNothingAtOneToOneAndElsewhereDrivesTheLoop)
 {
     const auto run = [] (int ratio, bool isSmashing)
@@ -200,7 +246,7 @@ TEST (DynamicsSection, SmashDoesNothingAtOneToOneAndElsewhereDrivesTheLoop)
 }
 
 // Inputs a thousand times above full scale, and any that a float can hold: finite always, and afterwards the loop is
-// where one is that never heard them, but for a decibel that the slow capacitor may still hold.
+// where one is that never heard them, but for what the slow capacitor may still hold, a decibel or two.
 TEST (DynamicsSection, NothingRunsAwayAndTheLoopRecovers)
 {
     std::mt19937 random (1941);
@@ -240,7 +286,7 @@ TEST (DynamicsSection, NothingRunsAwayAndTheLoopRecovers)
         const auto largest = std::max (1e-9f, *std::max_element (expected.begin(), expected.end()));
 
         for (std::size_t k = 0; k < expected.size(); ++k)
-            ASSERT_NEAR (recovered[k], expected[k], 0.1f * largest) << i << ", sample " << k;
+            ASSERT_NEAR (recovered[k], expected[k], 0.2f * largest) << i << ", sample " << k;
     }
 }
 
