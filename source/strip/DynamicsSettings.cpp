@@ -10,13 +10,14 @@ namespace tarvik
 
 namespace
 {
-/** Gain of an input or output potentiometer, 0 to 5: a wiper that falls to 0, times a law of 34 dB. */
+/** Gain of an input or output potentiometer, 0 to 5: a law of 34 dB, which below 1 falls to nothing in a straight line. At
+    rest in the middle both together, with the make-up of the output, take off the 30 dB that the gain element gives.
+*/
 double potentiometerGain (double position) noexcept
 {
     constexpr double fullPosition = 5.0;
     constexpr double lawDb = 34.0;
-    const auto travel = position / fullPosition;
-    return std::min (travel, 1.0) * gainFromDb (lawDb * (travel - 1.0));
+    return std::min (position, 1.0) * gainFromDb (lawDb * (position / fullPosition - 1.0));
 }
 
 float sensitivityGain (int index) noexcept

@@ -139,6 +139,24 @@ TEST (GainStructure, EqualiserInNeutralMakesUpForItsLoss)
     EXPECT_NEAR (gainDb (*strip) - without, -0.396, 0.05) << "the other network is a little quieter";
 }
 
+TEST (GainStructure, DynamicsInCircuitButAtRestLeaveTheLevel)
+{
+    const auto strip = makeQuietStrip (1);
+    strip->prepareToPlay (sampleRate, 256);
+    const auto without = gainDb (*strip);
+    setPlain (*strip, "compIn", 1.0f);
+
+    // Both potentiometers in the middle take 17 dB each, the output gives 4 and the gain element 30.
+    EXPECT_NEAR (gainDb (*strip) - without, 0.0, 0.15);
+    setPlain (*strip, "compOutput", 3.5f);
+    EXPECT_NEAR (gainDb (*strip) - without, 6.8, 0.15) << "34 dB over 5 marks";
+    setPlain (*strip, "compOutput", 0.5f);
+    EXPECT_NEAR (gainDb (*strip) - without, -13.6 - 6.02, 0.15) << "below 1 it also falls in a straight line";
+    setPlain (*strip, "compOutput", 2.5f);
+    setPlain (*strip, "compNuke", 1.0f);
+    EXPECT_NEAR (gainDb (*strip) - without, 20.0 - 6.02, 0.3) << "20 dB in, half out";
+}
+
 TEST (GainStructure, PhaseTurnsThroughZeroInAStraightLine)
 {
     const auto strip = makeBareStrip();

@@ -76,7 +76,7 @@ private:
     static double pot (float position)
     {
         const auto v = static_cast<double> (position) / 5.0;
-        return std::min (v, 1.0) * std::pow (10.0, (34.0 * v - 34.0) * 0.05);
+        return std::min (static_cast<double> (position), 1.0) * std::pow (10.0, (34.0 * v - 34.0) * 0.05);
     }
 
     double threshold() const
