@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "benchmarks/Yardstick.h"
+#include "dsp/InstructionSets.h"
+#include "plugin/ParameterTable.h"
 #include "plugin/Tarvik41Processor.h"
 
 #include <juce_events/juce_events.h>
 
 #include <memory>
 #include <random>
+#include <string>
 #include <vector>
 
 // What the whole plug-in costs a host: blocks, running and bypassed, and the moments in which an instance is made and
@@ -43,8 +46,18 @@ juce::AudioBuffer<float> makeInput (int channels)
     return input;
 }
 
-void runBlocks (benchmark::State& state, bool isBypassed)
+/** What the strip is doing while the clock runs. */
+enum class Scene
 {
+    signal,  ///< Music-like noise, nothing moving.
+    silence, ///< Twenty seconds after the signal.
+    moving,  ///< The equaliser and the detector's high pass crossfade, and every gain ramp runs, all the time.
+    bypassed
+};
+
+void runBlocks (benchmark::State& state, Scene scene, InstructionSet set)
+{
+    const ScopedInstructionSet forced (set); // before the samplers are built, which keep to it
     const auto factor = static_cast<int> (state.range (0));
     const auto blockLength = static_cast<int> (state.range (1));
     const auto strip = makeStrip (factor);
@@ -53,33 +66,56 @@ void runBlocks (benchmark::State& state, bool isBypassed)
     juce::AudioBuffer<float> block (channels, blockLength);
     juce::MidiBuffer midi;
     int position = 0;
+    int samplesUntilMove = 0;
+
+    const auto moveEverything = [&]
+    {
+        for (const auto* const id : { "highGain", "highPass", "compHPF", "gain", "level", "inLevel", "outLevel",
+                                      "compMix", "compInput", "compOutput" })
+            for (auto* const p : strip->getParameters())
+                if (parameterID (*p) == id)
+                    p->setValueNotifyingHost (p->getValue() > 0.5f ? 0.4f : 0.6f);
+    };
 
     const auto processOne = [&]
     {
         for (int c = 0; c < channels; ++c)
-            block.copyFrom (c, 0, input, c, position, blockLength);
+        {
+            if (scene == Scene::silence)
+                block.clear (c, 0, blockLength);
+            else
+                block.copyFrom (c, 0, input, c, position, blockLength);
+        }
 
         position = (position + blockLength) % (loopSamples - blockLength);
 
-        if (isBypassed)
+        if (scene == Scene::bypassed)
             strip->processBlockBypassed (block, midi);
         else
             strip->processBlock (block, midi);
     };
 
-    // Fades and ramps are over before the clock runs.
-    for (int done = 0; done < loopSamples; done += blockLength)
+    // Fades are over before the clock runs, and silence has had its time.
+    const auto warmUpSamples = scene == Scene::silence ? 20 * static_cast<int> (sampleRate) : loopSamples;
+
+    for (int done = 0; done < warmUpSamples; done += blockLength)
         processOne();
 
     for (auto _ : state)
+    {
+        if (scene == Scene::moving && (samplesUntilMove -= blockLength) <= 0)
+        {
+            state.PauseTiming(); // what a redesign costs is measured by itself
+            moveEverything();
+            samplesUntilMove = static_cast<int> (0.1 * sampleRate);
+            state.ResumeTiming();
+        }
+
         processOne();
+    }
 
     reportPerSample (state, static_cast<double> (blockLength) * numChannels);
 }
-
-void running (benchmark::State& state) { runBlocks (state, false); }
-
-void bypassed (benchmark::State& state) { runBlocks (state, true); }
 
 void construction (benchmark::State& state)
 {
@@ -95,15 +131,33 @@ void preparing (benchmark::State& state)
         strip->prepareToPlay (sampleRate, 512);
 }
 
-const auto everyFactorAndBlock = [] (benchmark::internal::Benchmark* b) {
-    b->ArgNames ({ "factor", "block" })->ArgsProduct ({ { 1, 2, 4, 8, 16 }, { 64, 256, 1024 } });
-};
+/** Everything on the best instruction set, and the plain case on each that the machine has. */
+[[maybe_unused]] const bool scenesAreRegistered = []
+{
+    const std::vector<std::int64_t> factors { 1, 2, 4, 8, 16 };
+    const std::vector<std::int64_t> blocks { 64, 256, 1024 };
+    const auto sets = supportedInstructionSets();
 
-BENCHMARK (running)->Name ("Strip/running")->Apply (everyFactorAndBlock);
-BENCHMARK (bypassed)
-    ->Name ("Strip/bypassed")
-    ->ArgNames ({ "factor", "block" })
-    ->ArgsProduct ({ { 1, 2 }, { 64, 256, 1024 } });
+    const auto add = [] (const std::string& name, Scene scene, InstructionSet set, const std::vector<std::int64_t>& f,
+                         const std::vector<std::int64_t>& b)
+    {
+        benchmark::RegisterBenchmark (("Strip/" + name).c_str(),
+                                      [scene, set] (benchmark::State& state) { runBlocks (state, scene, set); })
+            ->ArgNames ({ "factor", "block" })
+            ->ArgsProduct ({ f, b });
+    };
+
+    add ("running", Scene::signal, sets.front(), factors, blocks);
+    add ("silence", Scene::silence, sets.front(), { 1, 2 }, { 256 });
+    add ("moving", Scene::moving, sets.front(), { 1, 2 }, { 256 });
+    add ("bypassed", Scene::bypassed, sets.front(), { 1, 2 }, blocks);
+
+    for (const auto& set : sets)
+        add (std::string ("running/") + set.name, Scene::signal, set, factors, { 256 });
+
+    return true;
+}();
+
 BENCHMARK (construction)->Name ("Strip/construction")->Unit (benchmark::kMicrosecond);
 BENCHMARK (preparing)
     ->Name ("Strip/prepareToPlay")

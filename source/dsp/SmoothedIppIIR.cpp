@@ -163,9 +163,15 @@ void SmoothedIppIIR<Sample, Coefs>::prepare (double sampleRate, int channels, in
 template <typename Sample, typename Coefs>
 void SmoothedIppIIR<Sample, Coefs>::reset() noexcept
 {
-    work();
+    {
+        // No audio runs, so this may wait for a design in progress: what is newest must be in when it does.
+        const std::lock_guard lock (coefs.designLock);
+        doWorkLocked();
+    }
+
     onRamp.snap();
     settle();
+    work(); // what came on another thread while the lock was held
 }
 
 /** Ends a crossfade and leaves both banks at rest, on the newest published design if there is one. */

@@ -16,7 +16,7 @@
 
 namespace tarvik
 {
-/** A filter that takes new coefficients without a click. It keeps two banks of filter states; a new design goes into
+/** A filter that takes new coefficients by a crossfade. It keeps two banks of filter states; a new design goes into
     the idle bank with a clear delay line, and the input moves over to it within 0.1 s. It is the inputs of the two
     filters that are scaled, not their outputs: the new one sees its input rise from nothing, the old one rings out.
 

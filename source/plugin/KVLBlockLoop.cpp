@@ -4,6 +4,7 @@
 #include "strip/RampTimes.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace tarvik
 {
@@ -12,14 +13,22 @@ namespace
 {
 /** +60 dBFS. Audio beyond it, or that is no number at all, is held here before any stage can keep it. */
 constexpr float highestSample = 1000.0f;
+
+/** A host that announces no rate at all gets filters for the commonest one, rather than unstable ones. */
+double usableRate (double announcedHz) noexcept
+{
+    constexpr double commonestHz = 44100.0;
+    return std::isfinite (announcedHz) && announcedHz > 0.0 ? announcedHz : commonestHz;
+}
 } // namespace
 
 //==============================================================================
-void KVLProcessor::prepareToPlay (double sampleRate, int)
+void KVLProcessor::prepareToPlay (double announcedRate, int)
 {
     const juce::ScopedLock lock (preparationLock);
     const UpdateGate::Hold hold (updateGate, [this] { updateDsp (false); });
 
+    const auto sampleRate = usableRate (announcedRate);
     maxSliceSize = sliceSize;
     preparedSampleRate = sampleRate;
 

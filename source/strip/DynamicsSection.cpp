@@ -125,10 +125,17 @@ void DynamicsSection::takeSettings() noexcept
 
 void DynamicsSection::applySettings (const DynamicsSettings& newest) noexcept
 {
+    // While the expander is off its detector hears nothing and falls to rest; here it is put there when it comes back.
+    const auto wasOff = circuits.expander.getMode() == Expander::Mode::off;
+
     settings = newest;
     circuits.compressor.set (settings.compressor);
     circuits.limiter.setOn (settings.isLimiterOn);
     circuits.expander.set (settings.expander);
+
+    if (wasOff)
+        for (auto& channel : channels)
+            Expander::restDetector (channel.loop.expander);
 }
 
 bool DynamicsSection::isResting() const noexcept

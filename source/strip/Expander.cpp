@@ -103,6 +103,15 @@ double Expander::getActivity (double volts) const noexcept
     return mode == Mode::off || rangeDb <= smallestRangeDb ? 0.0 : volts / rangeDb;
 }
 
+void Expander::restDetector (State& state) noexcept
+{
+    state.rms = std::sqrt (floorSquare);
+    state.anchorDb = std::log (state.rms) * dbPerNeper;
+    state.perAnchor = 1.0 / state.rms;
+    state.heldDb = 0.0;
+    state.holdSeconds = 0.0;
+}
+
 void Expander::settle (State& state) noexcept
 {
     constexpr double unfelt = 1e-60;

@@ -127,6 +127,9 @@ public:
     /** The lamp's brightness for a capacitor voltage: 1 at the full range, and not limited to it. */
     double getActivity (double volts) const noexcept;
 
+    /** Where the detector comes to rest without a key. The capacitor keeps its voltage. */
+    static void restDetector (State& state) noexcept;
+
     /** Takes a voltage to 0 before it is small enough to slow the processor down. */
     static void settle (State& state) noexcept;
 

@@ -167,7 +167,10 @@ TEST (FilterDesign, FollowsTheNetworkUpToNearlyHalfTheRate)
 {
     // Bounds in dB up to these parts of half the rate. The first setting comes nearest to them, at 44.1 kHz: all of the
     // mid boost at 6 kHz under a high cut at 14 kHz. Most settings stay within 0.03, 0.26 and 0.75 dB.
-    constexpr std::array<std::pair<double, double>, 3> bounds { { { 0.5, 0.03 }, { 0.8, 0.27 }, { 0.9, 0.85 } } };
+    // Part of the Nyquist frequency, and dB. At the two lowest rates the highest resonances come closest to it.
+    using Bounds = std::array<std::pair<double, double>, 3>;
+    constexpr Bounds boundsFrom88200 { { { 0.5, 0.03 }, { 0.8, 0.26 }, { 0.9, 0.75 } } };
+    constexpr Bounds boundsBelow { { { 0.5, 0.03 }, { 0.8, 0.27 }, { 0.9, 0.85 } } };
     constexpr auto numFrequencies = 90;
     ComponentTable table (equaliserComponents);
     std::mt19937 random (4);
@@ -176,6 +179,7 @@ TEST (FilterDesign, FollowsTheNetworkUpToNearlyHalfTheRate)
         for (const auto sampleRate : { 44100.0, 48000.0, 88200.0, 96000.0, 192000.0, 384000.0 })
         {
             const auto controls = trial == 0 ? EQControls { 2, 1, 7, 1.0f, 1, 7, 0.0f, 0, 18 } : drawControls (random);
+            const auto& bounds = sampleRate < 88200.0 ? boundsBelow : boundsFrom88200;
             table.setActiveChannel (controls.toleranceChannel);
             const auto response = solveEqualiserNetwork (selectElements (table, controls));
             const auto coefs = design<FifthOrder> (response.numerator, response.denominator, sampleRate);

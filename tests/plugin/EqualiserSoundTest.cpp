@@ -1,0 +1,206 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dsp/AnalogBiquad.h"
+#include "dsp/ConsoleEQ.h"
+#include "dsp/EqualiserComponents.h"
+#include "dsp/EqualiserNetwork.h"
+#include "tests/support/StripTestTools.h"
+
+#include <complex>
+
+namespace tarvik
+{
+
+using namespace test;
+
+namespace
+{
+using Complex = std::complex<double>;
+
+std::unique_ptr<Tarvik41Processor> makeEqualiserStrip (int factor)
+{
+    auto strip = makeStrip();
+    strip->oversamplingSetting().setValue (factor);
+    strip->analogSetting().setValue (false);
+    setPlain (*strip, "compIn", 0.0f);
+    return strip;
+}
+
+void drawSettings (Tarvik41Processor& strip, std::mt19937& random)
+{
+    for (const auto* const id : { "highFreq", "highGain", "midFreq", "midGain", "midMode", "lowFreq", "lowGain",
+                                  "highPass", "TolChannel", "TolLink" })
+        parameter (strip, id).setValueNotifyingHost (static_cast<float> (random() % 1001) / 1000.0f);
+}
+
+/** What an impulse too quiet for the saturation leaves behind, on both sides, once the strip has come to rest. */
+std::vector<Signal> impulseResponse (Tarvik41Processor& strip, int numSamples)
+{
+    constexpr float quiet = 1e-4f;
+    const Signal silence (24000);
+    process (strip, { silence, silence }, 512);
+
+    Signal impulse (static_cast<std::size_t> (numSamples));
+    impulse.at (0) = quiet;
+    return process (strip, { impulse, impulse }, 512);
+}
+
+Complex spectrumAt (const Signal& signal, double radiansPerSample)
+{
+    const auto turn = std::polar (1.0, -radiansPerSample);
+    Complex phase = 1.0;
+    Complex sum = 0.0;
+
+    for (const auto sample : signal)
+    {
+        sum += static_cast<double> (sample) * phase;
+        phase *= turn;
+    }
+
+    return sum;
+}
+
+template <typename Polynomial>
+Complex valueAt (const Polynomial& polynomial, Complex s)
+{
+    Complex value = 0.0;
+
+    for (const auto coefficient : polynomial)
+        value = value * s + coefficient;
+
+    return value;
+}
+
+/** The circuit's own answer: high pass, network and make-up gain of one side. */
+double wantedGain (const ParameterSnapshot& snapshot, int side, double hz)
+{
+    static const ComponentTable nominal (equaliserComponents);
+    auto table = nominal;
+    table.setActiveChannel (snapshot.tolChannel - 1 + (snapshot.tolLink ? 0 : side)); // held at the last one
+
+    const EQControls controls { .highFreq = snapshot.highFreq,
+                                .highGain = snapshot.highGain,
+                                .midFreq = snapshot.midFreq,
+                                .midGain = snapshot.midGain,
+                                .midMode = snapshot.midMode,
+                                .lowFreq = snapshot.lowFreq,
+                                .lowGain = snapshot.lowGain,
+                                .highPass = snapshot.highPass };
+    const auto network = solveEqualiserNetwork (selectElements (table, controls));
+    const Complex s (0.0, juce::MathConstants<double>::twoPi * hz);
+    auto gain = std::abs (valueAt (network.numerator, s) / valueAt (network.denominator, s)) * ConsoleEQ::makeupGain;
+
+    if (snapshot.highPass > 0)
+    {
+        const auto omega0 = snapshot.highPass == 1 ? 339.29200658769764 : 684.8671984825748;
+        const auto q = snapshot.highPass == 1 ? 1.04 : 1.05;
+        gain *= std::abs (s * s / (s * s + s * (omega0 / q) + omega0 * omega0));
+    }
+
+    return gain;
+}
+} // namespace
+
+TEST (EqualiserSound, TheRunningStripIsItsCircuitOnBothSides)
+{
+    constexpr unsigned seed = 3;
+    constexpr int settingsPerCase = 50;
+    constexpr double lowestHz = 80.0; // the coupling capacitor rings for longer than the measurement lasts
+    std::mt19937 random (seed);
+
+    for (const auto rate : { 44100.0, 96000.0 })
+        for (const auto factor : { 1, 2 })
+        {
+            const auto strip = makeEqualiserStrip (factor);
+            const auto numSamples = static_cast<int> (0.75 * rate);
+
+            // Half of the processing rate's Nyquist frequency, or where the sampler's pass band ends.
+            const auto highestHz = factor == 1 ? 0.25 * rate : 0.4 * rate;
+
+            for (int setting = 0; setting < settingsPerCase; ++setting)
+            {
+                drawSettings (*strip, random);
+
+                // The rest of the strip, whose components differ by console channel too, is divided out.
+                setPlain (*strip, "equalizer", 0.0f);
+                strip->prepareToPlay (rate, 512);
+                const auto reference = impulseResponse (*strip, numSamples);
+                setPlain (*strip, "equalizer", 1.0f);
+                strip->prepareToPlay (rate, 512);
+                const auto response = impulseResponse (*strip, numSamples);
+
+                for (int i = 0; i < 24; ++i)
+                {
+                    const auto hz = lowestHz * std::pow (highestHz / lowestHz, i / 23.0);
+                    const auto radians = juce::MathConstants<double>::twoPi * hz / rate;
+
+                    for (int side = 0; side < 2; ++side)
+                    {
+                        const auto c = static_cast<std::size_t> (side);
+                        const auto measured =
+                            std::abs (spectrumAt (response[c], radians) / spectrumAt (reference[c], radians));
+                        const auto wanted = wantedGain (strip->currentSnapshot(), side, hz);
+
+                        // 0.03 dB for each of the two designs, and what rounding to float adds where little is left.
+                        const auto toleranceDb = 0.06 + 20.0 * std::log10 (1.0 + 1e-4 / wanted);
+                        ASSERT_NEAR (20.0 * std::log10 (measured / wanted), 0.0, toleranceDb)
+                            << hz << " Hz, side " << side << ", rate " << rate << ", factor " << factor << ", setting "
+                            << setting << ", seed " << seed;
+                    }
+                }
+            }
+        }
+}
+
+TEST (EqualiserSound, SidesTakeNeighbouringConsoleChannelsAndTheLastOneTwice)
+{
+    const auto responseOn = [] (float channel, float link)
+    {
+        const auto strip = makeEqualiserStrip (1);
+        setPlain (*strip, "TolChannel", channel);
+        setPlain (*strip, "TolLink", link);
+        setPlain (*strip, "midGain", 0.8f);
+        strip->prepareToPlay (48000.0, 512);
+        return impulseResponse (*strip, 2000);
+    };
+
+    const auto fifth = responseOn (5.0f, 0.0f);
+    const auto sixth = responseOn (6.0f, 0.0f);
+    EXPECT_NE (fifth[0], fifth[1]);
+    EXPECT_EQ (fifth[1], sixth[0]);
+
+    const auto linked = responseOn (5.0f, 1.0f);
+    EXPECT_EQ (linked[0], fifth[0]);
+    EXPECT_EQ (linked[1], fifth[0]);
+
+    const auto last = responseOn (32.0f, 0.0f);
+    EXPECT_EQ (last[0], last[1]);
+    EXPECT_NE (last[0], fifth[0]);
+}
+
+TEST (EqualiserSound, PreparingAgainStartsAtRestOnTheNewestSettings)
+{
+    std::mt19937 random (9);
+    const auto used = makeEqualiserStrip (2);
+    used->prepareToPlay (48000.0, 512);
+
+    // At rates that make no sense, too: nothing of them may stay behind.
+    for (const auto rate : { 44100.0, 0.0, -1.0, std::nan (""), 1e300, 96000.0 })
+    {
+        drawSettings (*used, random);
+        used->prepareToPlay (rate, 512);
+
+        for (const auto sample : firstOf (process (*used, { noise (600, 1), noise (600, 2) }, 200)))
+            ASSERT_TRUE (std::isfinite (sample) && std::abs (sample) < 100.0f) << "rate " << rate;
+
+        drawSettings (*used, random);
+        const auto fresh = makeEqualiserStrip (2);
+        fresh->applySnapshot (used->currentSnapshot());
+        used->prepareToPlay (48000.0, 512);
+        fresh->prepareToPlay (48000.0, 512);
+
+        const std::vector<Signal> input { noise (2000, 3, 0.1f), noise (2000, 4, 0.1f) };
+        EXPECT_EQ (process (*used, input, 512), process (*fresh, input, 512)) << "after rate " << rate;
+    }
+}
+
+} // namespace tarvik
