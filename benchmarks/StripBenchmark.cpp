@@ -28,6 +28,19 @@ std::unique_ptr<Tarvik41Processor> makeStrip (int factor)
     auto strip = std::make_unique<Tarvik41Processor>();
     strip->oversamplingSetting().setValue (factor);
     strip->analogSetting().setValue (true);
+
+    // Everything on but the expander: limiter, detector filters and all equaliser sections.
+    for (auto* const p : strip->getParameters())
+    {
+        for (const auto* const id : { "compLimit", "compNiveau" })
+            if (parameterID (*p) == id)
+                p->setValueNotifyingHost (1.0f);
+
+        for (const auto* const id : { "highGain", "midGain", "lowGain", "highPass", "compHPF" })
+            if (parameterID (*p) == id)
+                p->setValueNotifyingHost (0.6f);
+    }
+
     strip->prepareToPlay (sampleRate, 1024);
     return strip;
 }

@@ -24,7 +24,10 @@ Tarvik41Processor::Tarvik41Processor() : readOuts (*this)
         addParameter (createParameter (index).release());
 
     if (wrapperType == wrapperType_AAX)
-        addParameter (createGainReductionParameter().release());
+    {
+        gainReductionParameter = createGainReductionParameter().release();
+        addParameter (gainReductionParameter);
+    }
 
     listenToParameters();
 }
@@ -112,7 +115,12 @@ void Tarvik41Processor::processChunk (float** channels, int numSamples, int numS
 
 void Tarvik41Processor::processPostOversampling (float** channels, int numSamples, int)
 {
-    strip.processPost (channels, numSamples, analogOn, currentSnapshot());
+    auto& snapshot = currentSnapshot();
+    strip.processPost (channels, numSamples, analogOn, snapshot);
+
+    if (gainReductionParameter != nullptr)
+        gainReductionParameter->setValueNotifyingHost (
+            1.0f - static_cast<float> (gainFromDb (static_cast<double> (snapshot.gainReductionDb))));
 }
 
 } // namespace tarvik

@@ -43,6 +43,7 @@ private:
     void limiterSensitivityChanged (int sensitivity);
 
     ChannelStrip strip;
+    juce::RangedAudioParameter* gainReductionParameter = nullptr; ///< Only in the one format that shows it as such.
     RelaxedValue<int> limiterSensitivity = ParameterSnapshot::defaultLimiterSensitivity;
     float lastInLevelDb = 0.0f;
     float lastOutLevelDb = 0.0f;

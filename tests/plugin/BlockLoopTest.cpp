@@ -200,6 +200,18 @@ TEST (BlockLoop, AStreamCutAnywhereSoundsTheSame)
         {
             strip->oversamplingSetting().setValue (factor);
             strip->analogSetting().setValue (false);
+
+            // Everything that the strip has, at work.
+            for (const auto& [id, value] : std::vector<std::pair<const char*, float>> {
+                     { "thd", 10.0f },      { "gain", 6.0f },           { "pad", 1.0f },
+                     { "unity", 1.0f },     { "highGain", 8.0f },       { "midGain", 0.7f },
+                     { "lowFreq", 2.0f },   { "lowGain", 0.6f },        { "highPass", 1.0f },
+                     { "compHPF", 120.0f }, { "compLimit", 1.0f },      { "compNiveau", 1.0f },
+                     { "compNuke", 1.0f },  { "compThreshold", -9.0f }, { "expMode", 2.0f },
+                     { "expHold", 1.0f },   { "expThreshold", 0.0f },   { "compMix", 0.8f },
+                     { "phase", 1.0f },     { "level", -3.0f } })
+                setPlain (*strip, id, value);
+
             strip->prepareToPlay (sampleRate, 512);
         }
 

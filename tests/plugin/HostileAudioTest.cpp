@@ -57,10 +57,11 @@ void randomSettings (Tarvik41Processor& strip, std::mt19937& random)
 }
 } // namespace
 
-/** Random settings on a random strip, bad audio on main channels and side chain, every parameter stepped once in the middle
-    of it: the output stays finite, and a second later a clean signal comes out as from a strip that never heard it.
+/** Random settings on a random strip, bad audio on main channels and side chain, a parameter stepped at each block: the
+    output stays finite on every channel. The strip is not made new between cases, so what one leaves behind the next would
+    show.
 */
-TEST (HostileAudio, NothingBreaksTheStripAndNothingStaysInIt)
+TEST (HostileAudio, NothingThatComesInBreaksTheStrip)
 {
     constexpr unsigned seed = 41;
     constexpr int numCases = 2000;
@@ -84,7 +85,9 @@ TEST (HostileAudio, NothingBreaksTheStripAndNothingStaysInIt)
         const auto channels = static_cast<std::size_t> (strip.getTotalNumInputChannels());
 
         randomSettings (strip, random);
-        strip.prepareToPlay (sampleRate, blockLength);
+
+        if (run < 10)
+            strip.prepareToPlay (sampleRate, blockLength);
 
         for (int block = 0; block < 4; ++block)
         {
@@ -92,8 +95,9 @@ TEST (HostileAudio, NothingBreaksTheStripAndNothingStaysInIt)
                 strip, std::vector<Signal> (channels, badSignal (kind, blockLength, static_cast<unsigned> (random()))),
                 blockLength);
 
-            for (const auto sample : output.front())
-                ASSERT_TRUE (std::isfinite (sample)) << "case " << run << ", seed " << seed;
+            for (const auto& channel : output)
+                for (const auto sample : channel)
+                    ASSERT_TRUE (std::isfinite (sample)) << "case " << run << ", seed " << seed;
 
             auto* const p = strip.getParameters()[static_cast<int> (random() % 42)];
             p->setValueNotifyingHost (p->getValue() > 0.5f ? 0.0f : 1.0f);
