@@ -18,8 +18,10 @@ struct TaskWord
     Task task;
 };
 
-/** Words that say, in first place, what is to be done; without one of them a file is rendered. */
-constexpr TaskWord taskWords[] = { { "render", Task::render }, { "list", Task::list } };
+/** Words that say, in first place or behind the module's, what is to be done; without one of them a file is rendered. */
+constexpr TaskWord taskWords[] = { { "render", Task::render }, { "list", Task::list }, { "plot", Task::plot } };
+
+constexpr const char* moduleOption = "--module";
 
 /** The same as options, which may stand anywhere. */
 constexpr TaskWord taskOptions[] = {
@@ -86,11 +88,17 @@ public:
             *textOf (option) = value;
     }
 
+    /** False if there was an option besides the module's. */
+    bool saysOnlyModule() const
+    {
+        return line.assignments.isEmpty() && (seen.isEmpty() || (seen.size() == 1 && seen[0] == moduleOption));
+    }
+
 private:
     juce::String* textOf (const juce::String& option) const
     {
         const std::pair<const char*, juce::String*> texts[] = {
-            { "--module", &line.modulePath },   { "--sidechain", &line.sidechainPath },
+            { moduleOption, &line.modulePath }, { "--sidechain", &line.sidechainPath },
             { "--state", &line.loadStatePath }, { "--save-state", &line.saveStatePath },
             { "--program", &line.program },
         };
@@ -126,24 +134,39 @@ void takePositional (CommandLine& line, const juce::String& argument)
     else
         throw ToolError ("there is one file too many: '" + argument + "'");
 }
+
+/** A plot's first word is its kind, the second a folder. */
+void arrangePlot (CommandLine& line, bool saysOnlyModule)
+{
+    std::swap (line.plotKind, line.inputPath);
+
+    if (line.plotKind.isEmpty())
+        throw ToolError ("the kind of plot is wanted (see --help)");
+
+    if (! saysOnlyModule)
+        throw ToolError ("a plot takes no option but --module");
+}
 } // namespace
 
 CommandLine parseCommandLine (const juce::StringArray& arguments)
 {
     CommandLine line;
     OptionReader options (line);
-    int first = 0;
     bool onlyFiles = false;
 
-    if (const auto* const word = findTask (taskWords, arguments[0]))
-    {
-        line.task = word->task;
-        first = 1;
-    }
+    // ./run puts the module in front of the user's words.
+    const auto wordPlace = arguments[0] == moduleOption ? 2 : 0;
+    const auto* const word = findTask (taskWords, arguments[wordPlace]);
 
-    for (int i = first; i < arguments.size(); ++i)
+    if (word != nullptr)
+        line.task = word->task;
+
+    for (int i = 0; i < arguments.size(); ++i)
     {
         const auto& argument = arguments[i];
+
+        if (i == wordPlace && word != nullptr)
+            continue;
 
         if (onlyFiles || ! argument.startsWithChar ('-'))
         {
@@ -174,6 +197,9 @@ CommandLine parseCommandLine (const juce::StringArray& arguments)
         throw ToolError (line.inputPath.isEmpty() ? "an input and an output file are wanted (see --help)"
                                                   : "an output file is wanted behind the input (see --help)");
 
+    if (line.task == Task::plot)
+        arrangePlot (line, options.saysOnlyModule());
+
     if (line.task == Task::list && line.inputPath.isNotEmpty())
         throw ToolError ("a list wants no file: '" + line.inputPath + "'");
 
@@ -186,6 +212,7 @@ const char* usageText()
 
   tarvik41-render [render] [OPTIONS] INPUT OUTPUT
   tarvik41-render list [--module FILE]
+  tarvik41-render plot KIND [FOLDER] [--module FILE]
 
 INPUT is a WAV, FLAC or AIFF file, mono or stereo, of any rate and length. OUTPUT becomes a WAV file of the same length,
 with the module's latency taken out. It appears when it is complete, and not at all after an error.
@@ -200,6 +227,10 @@ with the module's latency taken out. It appears when it is complete, and not at 
   --module FILE      the .vst3 bundle, instead of the one beside this program, of its build, or installed
   --list             the same as "list": the module's parameters, programs, buses and latency
   --version, --help
+
+A plot measures the module, draws what it finds as SVG files into FOLDER, and prints figures. KIND is eq, compressor,
+expander, saturation, or all of them; or errors, a table of the equaliser's deviations, without a folder. It takes no
+settings: noise is off, the user's defaults do not count.
 
 However they are ordered: the state is loaded first, then the program, then each --set from left to right. A file whose
 name begins with a dash goes behind "--". Exit status: 0, or 2 after an error, which is told in one line.

@@ -13,6 +13,7 @@ struct CommandLine
     {
         render,
         list,
+        plot,
         help,
         version
     };
@@ -22,6 +23,7 @@ struct CommandLine
 
     Task task = Task::render;
     juce::String inputPath, outputPath;
+    juce::String plotKind;   ///< What is to be drawn, into the folder `outputPath`; only for `Task::plot`.
     juce::String modulePath; ///< Empty: look in the usual places.
     juce::String sidechainPath;
     juce::String loadStatePath, saveStatePath;

@@ -264,6 +264,8 @@ void ModuleHost::prepare (double sampleRate, int largestBlock)
     instance->prepareToPlay (sampleRate, largestBlock);
 }
 
+void ModuleHost::release() { instance->releaseResources(); }
+
 int ModuleHost::latency() const { return instance->getLatencySamples(); }
 
 void ModuleHost::process (juce::AudioBuffer<float>& buffer)

@@ -59,6 +59,9 @@ public:
     /** No block may be longer than announced here. */
     void prepare (double sampleRate, int largestBlock);
 
+    /** Ends the audio. The next `prepare` starts with a strip at rest on the present settings. */
+    void release();
+
     /** In samples, from `prepare` on. */
     int latency() const;
 

@@ -4,6 +4,7 @@
 #include "tools/ListCommand.h"
 #include "tools/RenderCommand.h"
 #include "tools/ToolError.h"
+#include "tools/plot/PlotCommand.h"
 
 #include <juce_events/juce_events.h>
 
@@ -31,6 +32,9 @@ void perform (const tarvik::CommandLine& line)
             break;
         case Task::list:
             tarvik::listModule (line);
+            break;
+        case Task::plot:
+            tarvik::plotModule (line);
             break;
         case Task::help:
             std::cout << tarvik::usageText();

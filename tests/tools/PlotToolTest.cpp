@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/tools/ToolProcess.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tarvik
+{
+namespace
+{
+constexpr int failure = 2;
+
+juce::String moduleBundle()
+{
+    return juce::File (TARVIK_MODULE).getParentDirectory().getParentDirectory().getParentDirectory().getFullPathName();
+}
+
+/** The figures that the tool prints, one in each line, behind what it measured. */
+class PlotTool : public RenderTool
+{
+protected:
+    juce::StringArray draw (const juce::String& kind, const juce::String& pictureFolder)
+    {
+        const auto outcome = run ({ "plot", kind, pictureFolder, "--module", moduleBundle() });
+        EXPECT_EQ (outcome.status, 0) << outcome.err;
+        printed = juce::StringArray::fromLines (outcome.out);
+        juce::StringArray names;
+
+        for (const auto& line : printed)
+            if (line.endsWith (".svg"))
+                names.add (line);
+
+        return names;
+    }
+
+    /** The figure in the only line that begins with the words. */
+    double figure (const juce::String& beginning) const
+    {
+        juce::StringArray found;
+
+        for (const auto& line : printed)
+            if (line.trim().startsWith (beginning))
+                found.add (line);
+
+        EXPECT_EQ (found.size(), 1) << beginning;
+
+        // The last two words are the number and its unit.
+        const auto words = juce::StringArray::fromTokens (found[0], " ", {});
+        return words[words.size() - 2].getDoubleValue();
+    }
+
+    juce::StringArray printed;
+};
+} // namespace
+
+TEST_F (PlotTool, EveryPictureIsAWholeSmallDocumentWithCurvesOnPaper)
+{
+    const juce::StringArray expected { "eq-high.svg",
+                                       "eq-mid.svg",
+                                       "eq-low.svg",
+                                       "eq-channels.svg",
+                                       "compressor-transfer.svg",
+                                       "compressor-times.svg",
+                                       "expander-transfer.svg",
+                                       "expander-times.svg",
+                                       "saturation-harmonics.svg" };
+    constexpr juce::int64 largest = 150 * 1024;
+    const auto names = draw ("all", "new/pictures");
+    EXPECT_EQ (names, expected);
+
+    for (const auto& name : names)
+    {
+        SCOPED_TRACE (name);
+        const auto file = fileNamed ("new/pictures/" + name);
+        EXPECT_LT (file.getSize(), largest);
+        const auto svg = juce::parseXML (file);
+        ASSERT_NE (svg, nullptr);
+        ASSERT_TRUE (svg->hasTagName ("svg"));
+
+        const auto* const paper = svg->getChildByName ("rect");
+        ASSERT_NE (paper, nullptr);
+        EXPECT_EQ (paper->getStringAttribute ("width"), svg->getStringAttribute ("width"));
+        EXPECT_EQ (paper->getStringAttribute ("height"), svg->getStringAttribute ("height"));
+        EXPECT_EQ (paper->getStringAttribute ("fill"), "#ffffff");
+        EXPECT_FALSE (file.loadFileAsString().containsIgnoreCase ("nan"));
+
+        // Some curve of every chart bends: it is no point, and no line from one end to the other.
+        for (const auto* const chart : svg->getChildWithTagNameIterator ("g"))
+        {
+            int mostPoints = 0;
+
+            for (const auto* const curve : chart->getChildWithTagNameIterator ("polyline"))
+                mostPoints = std::max (
+                    mostPoints, juce::StringArray::fromTokens (curve->getStringAttribute ("points"), " ", {}).size());
+
+            EXPECT_GT (mostPoints, 2);
+        }
+
+        EXPECT_NE (svg->getChildByName ("g"), nullptr);
+    }
+
+    // From the circuit: a short-circuited mid pot gives back what the make-up gain makes up for. At rest 25 kilohms
+    // stand over 5.1 for a boost, and 22 over 5.1 beside 25.47 for a cut.
+    constexpr auto outputShunt = 5.1, cutArm = 0.47 + 25.0, midGainPot = 25.0, seriesRes = 22.0;
+    constexpr auto shunt = outputShunt * cutArm / (outputShunt + cutArm);
+    const auto boostOverCutDb =
+        20.0 * std::log10 (outputShunt / (outputShunt + midGainPot) * (shunt + seriesRes) / shunt);
+    EXPECT_NEAR (figure ("mid boost 2000 Hz"), 15.42, 0.02);
+    EXPECT_NEAR (figure ("low boost 60 Hz"), 15.4, 0.05);
+    EXPECT_NEAR (figure ("mid at 0, Boost over Cut"), boostOverCutDb, 0.01);
+    EXPECT_NEAR (figure ("high pass 80 Hz"), 84.0, 1.5);
+    EXPECT_GT (figure ("channels: farthest"), 0.3);
+
+    // At 1:1 nothing but the two potentiometers and the gain element at rest, which come to 0 dB in the middle.
+    EXPECT_NEAR (figure ("threshold -20 dB, 1:1"), 0.0, 0.1);
+    EXPECT_LT (figure ("threshold -20 dB, 20:1"), figure ("threshold -20 dB, 2:1") - 6.0);
+    EXPECT_LT (figure ("limiter on"), figure ("limiter off") - 3.0);
+    EXPECT_NEAR (figure ("limiter at 0 dBFS: half of that after"), 0.7, 0.5); // ms; the latency would add 1.1
+    EXPECT_LT (figure ("attack Fast"), figure ("attack Slow") / 2.0);
+    EXPECT_LT (figure ("AUTO after a peak of 5 ms"), figure ("AUTO after a peak of 5000 ms") / 4.0);
+    EXPECT_NEAR (figure ("expander, range 0 dB"), 0.0, 0.1);
+    EXPECT_LT (figure ("expander, range -20 dB"), -10.0);
+    EXPECT_LT (figure ("THD 0 dB: farthest from the table"), 0.5);
+}
+
+TEST_F (PlotTool, TheUsersDefaultsDoNotCountAndThePictureIsTheSameEachTime)
+{
+    draw ("saturation", "first");
+    writeSettings ({ { "Analog", "1" }, { "Oversampling", "8" }, { "Calibration", "24" } });
+    draw ("saturation", "second");
+    const auto first = fileNamed ("first/saturation-harmonics.svg").loadFileAsString();
+    EXPECT_TRUE (first.isNotEmpty());
+    EXPECT_EQ (first, fileNamed ("second/saturation-harmonics.svg").loadFileAsString());
+}
+
+TEST_F (PlotTool, WhatHasNoMeaningIsToldInOneLine)
+{
+    const std::pair<juce::StringArray, const char*> cases[] = {
+        { { "plot" }, "kind" },
+        { { "plot", "eqs", "pictures" }, "eqs" },
+        { { "--module", moduleBundle(), "plot", "eqs", "pictures" }, "eqs" },
+        { { "plot", "eq" }, "folder" },
+        { { "plot", "errors", "pictures" }, "pictures" },
+        { { "plot", "eq", "pictures", "more" }, "more" },
+        { { "plot", "eq", "pictures", "--set", "gain=6" }, "--module" },
+        { { "plot", "eq", "pictures", "--bits", "24" }, "--module" },
+        { { "plot", "eq", "a file" }, "a file" },
+        { { "--block", "64", "plot", "out.wav" }, "plot" }, // there, it is a recording's name
+    };
+    ASSERT_TRUE (fileNamed ("a file").create().wasOk());
+
+    for (const auto& [words, named] : cases)
+    {
+        SCOPED_TRACE (words.joinIntoString (" "));
+        const auto outcome = run (words);
+        EXPECT_EQ (outcome.status, failure);
+        EXPECT_EQ (juce::StringArray::fromLines (outcome.err.trim()).size(), 1) << outcome.err;
+        EXPECT_TRUE (outcome.err.contains (named)) << outcome.err;
+        EXPECT_EQ (namesInFolder(), juce::StringArray ("a file"));
+        EXPECT_FALSE (fileNamed ("pictures").exists());
+    }
+}
+} // namespace tarvik
