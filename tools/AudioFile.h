@@ -24,7 +24,7 @@ public:
     juce::int64 length() const { return reader->lengthInSamples; }
 
     /** Fills the start of `numChannels()` rows with the next samples, from -1 to 1 for files of whole numbers; behind
-       the end of the file follows silence. Throws `ToolError` if the file fails.
+        the end of the file follows silence. Throws `ToolError` if the file fails.
     */
     void readNext (float* const* rows, int numSamples);
 
@@ -46,7 +46,7 @@ public:
     AudioFileWriter (OutputFile& target, double sampleRate, int numChannels, int bitDepth);
 
     /** Appends samples from as many rows as the file has channels. At 24 bits, what lies beyond full scale is held
-       there and counted. Throws `ToolError` if the disk fails.
+        there and counted. Throws `ToolError` if the disk fails.
     */
     void write (const float* const* rows, int numSamples);
 

@@ -34,7 +34,7 @@ struct CommandLine
 };
 
 /** Sorts the arguments, without the program's own name. Throws `ToolError` at the first that has no meaning or lacks
-   its value.
+    its value.
 */
 CommandLine parseCommandLine (const juce::StringArray& arguments);
 

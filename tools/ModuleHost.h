@@ -20,7 +20,7 @@ public:
     ~ModuleHost();
 
     /** The bundle at a user's path or, if that is empty, the first one beside the tool, in its build or in the places
-       for plug-ins. Throws `ToolError` if there is none.
+        for plug-ins. Throws `ToolError` if there is none.
     */
     static juce::File findBundle (const juce::String& path);
 

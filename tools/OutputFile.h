@@ -7,7 +7,7 @@ namespace tarvik
 {
 
 /** A file that appears under its name only when it is complete. Until then it is written under a hidden name in the
-   same folder, which goes when the object goes.
+    same folder, which goes when the object goes.
 */
 class OutputFile
 {

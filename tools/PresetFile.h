@@ -7,8 +7,8 @@ namespace tarvik
 {
 
 /** Reads a .vstpreset whole and looks whether it can be one of this module's: its frame, the class it was saved from,
-   and the saved project inside. A module takes a damaged one without a word and keeps its settings, so this comes
-   first.
+    and the saved project inside. A module takes a damaged one without a word and keeps its settings, so this comes
+    first.
 
     classID     the 32 hexadecimal digits of the module's class, as in its own presets
     Throws `ToolError` if the file cannot be read, is damaged or belongs to another plug-in.

@@ -7,7 +7,7 @@ namespace tarvik
 {
 
 /** Checks that a user or a host can run on the machine at hand through juce::UnitTestRunner, category "KVLLib": whether
-   the code paths chosen for this processor give what the plain arithmetic gives.
+    the code paths chosen for this processor give what the plain arithmetic gives.
 */
 class VBufferTest final : public juce::UnitTest
 {

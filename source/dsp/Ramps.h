@@ -13,7 +13,7 @@ namespace tarvik
     in `steps` samples whatever the distance.
 
     `Kind` says how one sample is taken and how a new way begins. A ramp belongs to one thread; `SharedRamp` below is
-   the way in for other threads. Nothing here allocates or throws.
+    the way in for other threads. Nothing here allocates or throws.
 */
 template <typename Kind>
 struct Ramp
@@ -123,7 +123,7 @@ using GeometricRamp = Ramp<GeometricStep>;
 /** A ramp that any thread may give a target, while the audio thread runs it.
 
     A request is one value behind one flag. The audio thread takes it up at the start of a slice with `takeRequest`, so
-   the ramp's own fields have a single writer; of several requests between two slices the last one counts. Neither side
+    the ramp's own fields have a single writer; of several requests between two slices the last one counts. Neither side
     waits.
 */
 template <typename RampType>

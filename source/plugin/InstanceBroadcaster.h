@@ -30,7 +30,7 @@ static_assert (sizeof (BroadcastMessage) == sizeof (std::uint64_t));
 /** The process-wide list of instances.
 
     A broadcast walks the list under the mutex, in the order of registration and with the sender included; a constructor
-   or destructor on another thread waits for its end. The mutex is recursive, so that a host which makes or deletes an
+    or destructor on another thread waits for its end. The mutex is recursive, so that a host which makes or deletes an
     instance while it is being told of a change does not lock itself out: a listener that leaves during the walk is not
     called any more, one that comes may be.
 */

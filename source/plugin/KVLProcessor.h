@@ -35,7 +35,7 @@ enum : int
 
 /** The host-facing side of a strip: buses, parameters, settings, state, programs, and the block loop with input and
    output gain, calibration, oversampling, latency delay and bypass fade. A concrete strip fills in the operations named
-   ...Dsp and process....
+    ...Dsp and process....
 
     Threads. Blocks arrive on the host's audio thread. Parameters may change on any thread, on the audio thread too, and
     reach the model through `updateDsp`, one call at a time and without a wait. Preparing, state, slots, programs and
@@ -75,7 +75,7 @@ public:
     void copySlotToOther();
 
     /** Gives every parameter the snapshot's value, without gestures and only where it differs, and then brings the
-       model up to date once. Meters, calibration and track are not touched.
+        model up to date once. Meters, calibration and track are not touched.
     */
     void applySnapshot (const ParameterSnapshot& snapshot);
 

@@ -5,7 +5,7 @@ namespace tarvik
 {
 
 /** Decides whether the plug-in may run. This build is free software and may always; a build with terms of its own puts
-   its decision here and nowhere else.
+    its decision here and nowhere else.
 */
 class LicenceCheck
 {

@@ -22,7 +22,7 @@ public:
     static int latencyOfFactor (int factor) noexcept { return factor > lowestFactor ? Polyphase::latencySamples : 0; }
 
     /** While no audio runs: sizes the samplers for `channels` channels, clears them, and makes room for slices of at
-       most maxSliceSize samples.
+        most maxSliceSize samples.
     */
     void prepare (int channels, int factor, int maxSliceSize);
 

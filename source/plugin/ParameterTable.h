@@ -79,13 +79,13 @@ struct ParameterFieldRef
     float get() const noexcept;
 
     /** Stores a plain value in the field's own way: at or above a half is true, an int is rounded to the nearest. A
-       value that is not finite is ignored. Any thread.
+        value that is not finite is ignored. Any thread.
     */
     void set (float plainValue) const noexcept;
 };
 
 /** The field that holds the parameter at a host index, the gain reduction's included; kind None for any other index.
-   Any thread.
+    Any thread.
 */
 ParameterFieldRef fieldForParameter (ParameterSnapshot& snapshot, int index) noexcept;
 

@@ -12,7 +12,7 @@ namespace tarvik
 {
 
 /** A choice that is not automated: its value belongs to one instance and travels in the project, its default lives in
-   the user's settings file.
+    the user's settings file.
 */
 class AbstractProcessorSetting
 {
@@ -26,7 +26,7 @@ public:
 /** A setting of type int, double or bool.
 
     The value may be read from any thread; everything else belongs to the message thread or to the host's state thread.
-   A value that comes in through `setValue` or a project is taken as it is: whoever uses it bounds it.
+    A value that comes in through `setValue` or a project is taken as it is: whoever uses it bounds it.
 */
 template <typename T>
 class ProcessorSetting final : public AbstractProcessorSetting
@@ -66,7 +66,7 @@ public:
     }
 
     /** The user's default as the file holds it now, whichever instance wrote it; the compiled one where the file has
-       none or one that is refused.
+        none or one that is refused.
     */
     T storedDefault() const
     {

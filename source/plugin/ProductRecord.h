@@ -5,7 +5,7 @@ namespace tarvik
 {
 
 /** Leaves a note of the installed product where the platform keeps such notes: the registry of Windows, which nothing
-   in the program reads. Platforms without a registry keep none, and this does nothing there.
+    in the program reads. Platforms without a registry keep none, and this does nothing there.
 */
 inline void recordProduct() {}
 

@@ -18,10 +18,10 @@ namespace tarvik
 
     The pre and post sections run at the host's rate, once per slice; the middle section runs at the processing rate, as
     often as the slice needs. The channel arrays hold the main channels first and the side chain channels behind them;
-   only the dynamics look at the latter, and only main channels are changed.
+    only the dynamics look at the latter, and only main channels are changed.
 
     `update` may come from any thread while audio runs, one call at a time: it leaves requests that the audio thread
-   takes up at its next slice. Everything else but `process...` is called while no audio runs.
+    takes up at its next slice. Everything else but `process...` is called while no audio runs.
 */
 class ChannelStrip
 {

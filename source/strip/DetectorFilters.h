@@ -9,7 +9,7 @@ namespace tarvik
 {
 
 /** What a signal passes on its way to the compressor's and limiter's detector: a high pass, then the Niveau tilt. Each
-   fades in and out, and costs nothing while out.
+    fades in and out, and costs nothing while out.
 */
 class DetectorFilters
 {

@@ -37,7 +37,7 @@ struct DynamicsRows
 };
 
 /** Audio thread: runs the feedback loops of one or two channels over n samples, sample by sample. Two channels take
-   little longer than one, since each waits for its own gain most of the time. */
+    little longer than one, since each waits for its own gain most of the time. */
 void processDynamics (const DynamicsCircuits& circuits, DynamicsChannel* const* channels, const DynamicsRows* rows,
                       int numChannels, int n) noexcept;
 

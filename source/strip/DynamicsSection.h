@@ -24,11 +24,11 @@ namespace tarvik
                +--> x gain if a gate --> expander or gate ---------------------------------+
 
     The detector hears what the gain element left of the last sample: feedback, so the loop goes sample by sample. A
-   side chain may stand in for the main signal on the way to the detector and to the gate.
+    side chain may stand in for the main signal on the way to the detector and to the gate.
 
     `update` may come from any thread while audio runs, one call at a time. Ramps and filters take requests, everything
-   else goes through a hand-over that `process` looks into once per slice. The other functions are the audio thread's,
-   or are called while no audio runs.
+    else goes through a hand-over that `process` looks into once per slice. The other functions are the audio thread's,
+    or are called while no audio runs.
 */
 class DynamicsSection
 {

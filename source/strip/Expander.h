@@ -8,11 +8,11 @@ namespace tarvik
 {
 
 /** Turns the level of a key into a voltage for the gain element: nothing while the key is loud, up to the range when it
-   is quiet. As an expander its key is the audio as it comes in; as a gate, a signal behind the gain element.
+    is quiet. As an expander its key is the audio as it comes in; as a gate, a signal behind the gain element.
 
     Per sample: key --> square and mean (RMS) --> dB --> soft knee --> hold --> inversion --> capacitor. All but the
-   last step make the attenuation that is wanted, in dB; `charge` follows it. One object serves all channels, the state
-   of each is kept outside. Audio thread.
+    last step make the attenuation that is wanted, in dB; `charge` follows it. One object serves all channels, the state
+    of each is kept outside. Audio thread.
 */
 class Expander
 {

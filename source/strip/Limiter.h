@@ -8,7 +8,7 @@ namespace tarvik
 {
 
 /** Turns peaks of the detector into a voltage for the gain element: a capacitor that charges through a diode and always
-   leaks. It has no gain element of its own; its voltage competes with the compressor's and the expander's.
+    leaks. It has no gain element of its own; its voltage competes with the compressor's and the expander's.
 
     One object serves all channels, the voltage of each is kept outside. Audio thread.
 */

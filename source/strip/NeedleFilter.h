@@ -9,7 +9,7 @@ namespace tarvik
 /** The inertia of a moving needle: a second-order low pass at 2.15 Hz with gain 1 at rest, slightly springy.
 
     Only where the needle stands after a row matters, so the rows pass through the state alone, eight samples in one
-   step: state = A^8 state + (A^7 b) x0 + ... + b x7. 64-bit throughout.
+    step: state = A^8 state + (A^7 b) x0 + ... + b x7. 64-bit throughout.
 */
 class NeedleFilter
 {

@@ -11,7 +11,7 @@ namespace tarvik
 {
 
 /** Tilts what the detector hears, so that bass drives the compressor less and treble more: a low shelf of -18 dB at 125
-   Hz and a high shelf of +18 dB at 8 kHz, both broad, with 0 dB near 1 kHz. The two go in with a fade of 0.1 s.
+    Hz and a high shelf of +18 dB at 8 kHz, both broad, with 0 dB near 1 kHz. The two go in with a fade of 0.1 s.
 */
 class NiveauFilter
 {

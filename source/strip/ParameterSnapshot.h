@@ -9,11 +9,11 @@ namespace tarvik
 {
 
 /** Everything the strip is told, and everything it tells: one typed field per parameter, the calibration, and the
-   meters' read-outs. The strip reads nothing else.
+    meters' read-outs. The strip reads nothing else.
 
     Two of these are the A and B slots, and each factory program is one. Single fields may be read and written from any
     thread. The record as a whole is copied on the message thread only, since `trackName` is a counted string. An int
-   that belongs to a choice holds its index in the list.
+    that belongs to a choice holds its index in the list.
 */
 struct ParameterSnapshot
 {
