@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "strip/SaturationSection.h"
 
+#include "strip/ToleranceChannel.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <span>
@@ -38,15 +40,13 @@ void SaturationSection::reset() noexcept
 
 void SaturationSection::update (const ParameterSnapshot& snapshot, bool force) noexcept
 {
-    const auto firstVariant = snapshot.tolChannel - 1;
-    const auto variantStep = snapshot.tolLink ? 0 : 1;
     const auto thdDb = snapshot.thd.get();
     const auto thdChanges = force || thdDb != lastThdDb;
     lastThdDb = thdDb;
 
     for (std::size_t c = 0; c < inUse.size(); ++c)
     {
-        inUse[c]->setVariant (firstVariant + static_cast<int> (c) * variantStep);
+        inUse[c]->setVariant (wantedToleranceChannel (snapshot, static_cast<int> (c)));
 
         if (thdChanges)
             inUse[c]->setThd (static_cast<double> (thdDb));
@@ -60,10 +60,5 @@ void SaturationSection::process (float* const* channels, int numChannels, int n)
     for (std::size_t c = 0; c < count; c += channelsPerPass)
         SaturationChannel::process (std::span (inUse).subspan (c, std::min (channelsPerPass, count - c)), channels + c,
                                     n);
-}
-
-void SaturationSection::process (int channel, float* row, int n) noexcept
-{
-    SaturationChannel::process (std::span (inUse).subspan (static_cast<std::size_t> (channel), 1), &row, n);
 }
 } // namespace tarvik

@@ -27,9 +27,6 @@ public:
     /** Audio thread: n samples of each channel, in place. */
     void process (float* const* channels, int numChannels, int n) noexcept;
 
-    /** Audio thread: one channel alone; the same bits as together with its neighbour. */
-    void process (int channel, float* row, int n) noexcept;
-
 private:
     /** Only ever grows: the filters inside may not be destroyed on every thread that prepares. */
     std::vector<std::unique_ptr<SaturationChannel>> channelObjects;
