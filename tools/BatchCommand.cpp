@@ -131,10 +131,16 @@ private:
         std::unique_ptr<WorkerProcess> process;
     };
 
-    /** What can go wrong before the first file. */
+    /** What can go wrong before the first file. Leaves no new folder if it does. */
     void prepare()
     {
         const RenderSettings justRead (line); // mistakes in them need no module
+        const auto folder = fileAt (line.outputPath);
+        const auto isNew = ! folder.exists();
+
+        if (folder.createDirectory().failed())
+            throw ToolError ("cannot make the folder '" + line.outputPath + "'");
+
         WorkerProcess trial ([this] (const ShowProgress&) { return trySettings (line); });
 
         while (trial.receive())
@@ -143,12 +149,14 @@ private:
         throwIfInterrupted();
 
         if (! trial.finish())
+        {
+            if (isNew)
+                folder.deleteFile();
+
             throw ToolError (trial.message());
+        }
 
         std::cout << trial.message();
-
-        if (fileAt (line.outputPath).createDirectory().failed())
-            throw ToolError ("cannot make the folder '" + line.outputPath + "'");
     }
 
     void start (const BatchItem& item)

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <fcntl.h>
 #include <iostream>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -80,6 +81,9 @@ WorkerProcess::WorkerProcess (const Work& task)
         ::prctl (PR_SET_PDEATHSIG, SIGTERM);
         std::signal (SIGPIPE, SIG_IGN);
         ::close (ends[0]);
+
+        // Only the parent prints: what a module says as it is loaded would come once for each file, and into the bar.
+        ::dup2 (::open ("/dev/null", O_WRONLY), STDOUT_FILENO);
         ::_exit (::getppid() == parent ? work (ends[1], task) : failed);
     }
 
