@@ -14,7 +14,7 @@ namespace tarvik
 
 namespace
 {
-constexpr const char* audioFileNames = "*.wav;*.wave;*.flac;*.aiff;*.aif;*.aifc";
+constexpr const char* audioFileEndings = ".wav;.wave;.flac;.aiff;.aif;.aifc"; ///< In capitals too.
 
 juce::String pathIn (const juce::String& folder, const juce::String& name)
 {
@@ -31,9 +31,9 @@ juce::StringArray filesAt (const juce::String& path)
 
     juce::StringArray paths;
 
-    for (const auto& entry :
-         file.findChildFiles (juce::File::findFiles | juce::File::ignoreHiddenFiles, false, audioFileNames))
-        paths.add (pathIn (path, entry.getFileName()));
+    for (const auto& entry : file.findChildFiles (juce::File::findFiles | juce::File::ignoreHiddenFiles, false))
+        if (entry.hasFileExtension (audioFileEndings))
+            paths.add (pathIn (path, entry.getFileName()));
 
     if (paths.isEmpty())
         throw ToolError ("there is no WAV, FLAC or AIFF file in '" + path + "'");

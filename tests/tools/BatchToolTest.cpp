@@ -71,7 +71,7 @@ protected:
 TEST_F (BatchTool, EveryFileIsAsIfRenderedAloneWhateverTheNumberOfJobs)
 {
     const std::pair<juce::String, juce::String> files[] = {
-        { "a.wav", "a" }, { "in/b.flac", "b" }, { "in/c.aiff", "c" }, { "in/d.wav", "d" }, { "e.flac", "e" }
+        { "a.wav", "a" }, { "in/b.flac", "b" }, { "in/c.aiff", "c" }, { "in/d.WAV", "d" }, { "e.flac", "e" }
     };
     int length = 20000;
 
