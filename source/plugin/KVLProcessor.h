@@ -279,7 +279,7 @@ private:
     RelaxedValue<int> currentSlot = 0;
     RelaxedValue<int> currentProgram = 0;
     RelaxedValue<juce::uint32> lastStateLoadTime = 0;
-    bool isFirstStateSave = true;
+    RelaxedValue<bool> isFirstStateSave = true;
 
     OversamplerBank oversamplers;
     RelaxedValue<int> maxSliceSize = 0; ///< 256 while prepared, 0 otherwise.
