@@ -22,7 +22,7 @@ thread_local bool isArmed = false;
 thread_local int allocationCount = 0;
 thread_local int lockCount = 0;
 
-void countAllocation() noexcept
+[[maybe_unused]] void countAllocation() noexcept
 {
     if (isArmed)
         ++allocationCount;
