@@ -15,7 +15,14 @@ namespace
 constexpr double rate = 48000.0;
 constexpr int blockLength = 480;
 
-/** The built LV2 bundle in a host that knows it only by what its description says. */
+/** Where the bundle is that these tests load: the build's, or an installed one. */
+juce::String bundleFolder()
+{
+    const auto* const installed = std::getenv ("TARVIK_LV2_FOLDER");
+    return juce::File (installed != nullptr ? installed : TARVIK_BUILT_LV2_FOLDER).getFullPathName();
+}
+
+/** The LV2 bundle in a host that knows it only by what its description says. */
 class Lv2Module : public testing::Test
 {
 protected:
@@ -27,9 +34,9 @@ protected:
 
         // The host also looks into the user's own folder, where another build may be installed.
         const std::string home = std::getenv ("HOME") != nullptr ? std::getenv ("HOME") : "";
-        setenv ("HOME", TARVIK_LV2_FOLDER, 1);
+        setenv ("HOME", bundleFolder().toRawUTF8(), 1);
         format = std::make_unique<juce::LV2PluginFormat>();
-        format->searchPathsForPlugins ({ TARVIK_LV2_FOLDER }, false, false);
+        format->searchPathsForPlugins ({ bundleFolder() }, false, false);
         setenv ("HOME", home.c_str(), 1);
         plugin = instance();
     }
@@ -53,9 +60,8 @@ protected:
     void SetUp() override
     {
         ASSERT_NE (plugin, nullptr);
-        const auto built =
-            juce::File (TARVIK_LV2_FOLDER).getChildFile ("Tarvik 41 Channel.lv2/libTarvik 41 Channel.so");
-        auto* const handle = dlopen (built.getFullPathName().toRawUTF8(), RTLD_LAZY | RTLD_NOLOAD);
+        const auto library = juce::File (bundleFolder()).getChildFile ("Tarvik 41 Channel.lv2/libTarvik 41 Channel.so");
+        auto* const handle = dlopen (library.getFullPathName().toRawUTF8(), RTLD_LAZY | RTLD_NOLOAD);
         ASSERT_NE (handle, nullptr) << "the host took another bundle of this name";
         dlclose (handle);
     }
