@@ -20,7 +20,7 @@ def draw(rows, folder=None, samples=None, threads=1, optimise=True):
             pairs = [f"{row.name}={drawn}" for row, (drawn, _) in zip(mine, targets)]
             print(f"{program}: " + " ".join(row.name for row in mine), flush=True)
             if script.parent.name == "solid":
-                command = ["nice", "-n", "19", "blender", "-b", "--factory-startup", "-noaudio", "-t", str(threads),
+                command = ["blender", "-b", "--factory-startup", "-noaudio", "-t", str(threads),
                            "--python-exit-code", "1", "--python", str(script), "--"]
                 command += ["--samples", str(samples)] if samples else []
                 subprocess.run(command + pairs, check=True, stdout=subprocess.DEVNULL)

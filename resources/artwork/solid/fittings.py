@@ -4,14 +4,13 @@ import math
 import os
 import sys
 
+import numpy as np
+
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 import knob
 import materials as m
-from shapes import arc_profile, lathe, loft
+from shapes import arc_profile, lathe
 from studio import Studio, develop, fade_to_border, over_shadow, run
-
-import bpy
-import numpy as np
 
 SCREW_SIDE = 72
 
@@ -22,7 +21,7 @@ def screw(samples):
     steel = m.solid("black steel", "#6c6f72", roughness=0.32, metallic=1.0, anisotropic=0.4)
     black = m.solid("hole", "#050505", roughness=0.9)
     head = [(0.235, 0.0), (0.235, 0.04)] + arc_profile(0.195, 0.045, 0.04, 0, 90, 8)
-    head += [(0.125, 0.088), (0.118, 0.080), (0.117, -0.10), (0.001, -0.10)]
+    head += [(0.125, 0.088), (0.118, 0.080), (0.117, -0.28), (0.001, -0.28)]
 
     def hexagon(r, z, angle):
         if r > 0.13:
@@ -31,9 +30,9 @@ def screw(samples):
         return r * math.cos(math.pi / 6) / math.cos(sector)
 
     lathe("head", head, steel, 192, hexagon, 30)
-    lathe("bottom", [(0.10, -0.06), (0.001, -0.06)], black, 48)
+    lathe("bottom", [(0.10, -0.22), (0.001, -0.22)], black, 48)
     lathe("washer", [(0.275, 0.0), (0.275, 0.012), (0.262, 0.018), (0.235, 0.018)], m.solid("washer", "#1a1c1e", roughness=0.5), 128)
-    shadow = fade_to_border(studio.expose_shadow(2 * samples, strength=0.8), 8)
+    shadow = fade_to_border(studio.expose_shadow(samples, strength=0.8, soften=0.8), 8)
     return develop(over_shadow(studio.expose(samples), shadow))
 
 
@@ -42,11 +41,11 @@ def contact(samples):
     studio = Studio(300, 300)
     studio.light(key=0.0, rim=0.0)
     knob.build(knob.LARGE, True)
-    alpha = fade_to_border(studio.expose_shadow(2 * samples, strength=0.5), 24)
+    alpha = fade_to_border(studio.expose_shadow(samples, strength=0.5, soften=2.0), 24)
     film = np.zeros(alpha.shape + (4,), np.float32)
     film[..., 3] = alpha
     return develop(film)
 
 
 if __name__ == "__main__":
-    run({"screw": lambda samples: screw(samples or 512), "knob-contact": lambda samples: contact(samples or 256)})
+    run({"screw": lambda samples: screw(samples or 512), "knob-contact": lambda samples: contact(samples or 64)})

@@ -25,7 +25,7 @@ class Lens:
 
 LAMP = Lens(34, lens=0.125, bezel=0.18, rise=0.10)
 LED = Lens(80, lens=0.21, bezel=0.29, rise=0.15)
-COLOURS = {"amber": ("#FFB040", "#FFE6B0"), "green": ("#5BE05A", "#DFFFD6"), "red": ("#FF4A34", "#FFD0C0")}
+COLOURS = {"amber": ("#FFA832", "#FFE0A0"), "green": ("#4FDC4E", "#D2FFC4"), "red": ("#FF3A24", "#FFAA8C")}
 
 
 def lens_profile(kind):
@@ -62,7 +62,7 @@ def lit(kind, colour, samples):
     lens_film = np.concatenate([colour_map * mask[..., None], mask[..., None]], axis=-1)
 
     scale = kind.side / 34.0
-    halo = 0.42 * blur(mask.astype(np.float64), 2.2 * scale) + 0.38 * blur(mask.astype(np.float64), 4.2 * scale)
+    halo = 0.48 * blur(mask.astype(np.float64), 2.0 * scale) + 0.50 * blur(mask.astype(np.float64), 4.2 * scale)
     halo = fade_to_border(np.clip(halo, 0, 1), 9 * scale)[..., None]
     glow = np.concatenate([outer * halo, halo], axis=-1)
     return develop(lens_film + glow * (1 - mask[..., None]))
@@ -73,7 +73,7 @@ def socket(kind, side, tint, samples):
     studio = Studio(side, side)
     bezel(kind, m.solid("bezel", "#17181a", roughness=0.3, specular=0.6))
     lathe("lens", lens_profile(kind), m.solid("dark lens", tint, roughness=0.10, specular=0.7, clearcoat=0.8), 128)
-    shadow = fade_to_border(studio.expose_shadow(2 * samples, strength=0.8), side * 0.14)
+    shadow = fade_to_border(studio.expose_shadow(samples, strength=0.8, soften=0.8), side * 0.14)
     return develop(over_shadow(studio.expose(samples), shadow))
 
 

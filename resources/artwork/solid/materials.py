@@ -3,9 +3,9 @@
 import bpy
 
 GRAPHITE = "#26282b"
-CHARCOAL = "#2c2e31"
-KEY_GREY = "#3b3e42"
-PETROL = "#2E5F6B"
+CHARCOAL = "#36393d"
+KEY_GREY = "#4b4f54"
+PETROL = "#2a5965"  # appears as #2E5F6B to #3a7080 under the key light
 IVORY = "#F4F1E6"
 LEGEND_IVORY = "#E4E3DE"
 AMBER = "#F2A43A"
@@ -42,6 +42,7 @@ def solid(name, colour, roughness=0.5, metallic=0.0, specular=0.5, clearcoat=0.0
         tangent = nodes.new("ShaderNodeTangent")
         tangent.direction_type, tangent.axis = "RADIAL", "Z"
         links.new(tangent.outputs[0], surface.inputs["Tangent"])
+        surface.inputs["Anisotropic Rotation"].default_value = 0.25  # rough across the turning marks, not along them
     if grain:
         place = nodes.new("ShaderNodeTexCoord")
         noise = nodes.new("ShaderNodeTexNoise")
@@ -56,10 +57,28 @@ def solid(name, colour, roughness=0.5, metallic=0.0, specular=0.5, clearcoat=0.0
     return material
 
 
-def with_line(material, colour, half_width, start, end, glow, softness=0.006):
-    """Paints a radial line on a material: |x| < half_width and start < y < end in the object's own units, y upwards.
+def turned(material, pitch, depth):
+    """Adds the concentric marks of a lathe: rings pitch apart round the object's z axis."""
+    nodes, links = material.node_tree.nodes, material.node_tree.links
+    wave = nodes.new("ShaderNodeTexWave")
+    wave.wave_type, wave.rings_direction = "RINGS", "Z"
+    wave.inputs["Scale"].default_value = 0.314 / pitch  # a ring texture of scale 1 repeats every 0.314 units
+    wave.inputs["Distortion"].default_value = 0.0
+    links.new(nodes.new("ShaderNodeTexCoord").outputs["Object"], wave.inputs["Vector"])
+    bump = nodes.new("ShaderNodeBump")
+    bump.inputs["Strength"].default_value = depth
+    bump.inputs["Distance"].default_value = 0.01
+    links.new(wave.outputs["Fac"], bump.inputs["Height"])
+    links.new(bump.outputs["Normal"], nodes["Principled BSDF"].inputs["Normal"])
+    return material
 
-    The line has its own light, strongest on its axis, so that it is the brightest thing on the part in any position.
+
+def with_line(material, colour, half_width, start, end, glow, across="X", softness=0.006):
+    """Paints a line on a material, in the object's own units: within half_width of 0 on the axis across, and from start
+    to end along the other one.
+
+    The line has its own light, strongest on its axis, so that it is the brightest thing on the part in any position. Only
+    the camera sees that light: the surface beside the line is as dark as without it.
     """
     nodes, links = material.node_tree.nodes, material.node_tree.links
     surface = nodes["Principled BSDF"]
@@ -84,8 +103,8 @@ def with_line(material, colour, half_width, start, end, glow, softness=0.006):
 
     split = nodes.new("ShaderNodeSeparateXYZ")
     links.new(nodes.new("ShaderNodeTexCoord").outputs["Object"], split.inputs[0])
-    aside = math_node("ABSOLUTE", split.outputs["X"])
-    along = split.outputs["Y"]
+    aside = math_node("ABSOLUTE", split.outputs[across])
+    along = split.outputs["Y" if across == "X" else "X"]
     mask = math_node("MULTIPLY", step(aside, half_width, False), math_node("MULTIPLY", step(along, start, True),
                                                                          step(along, end, False)))
     mix = nodes.new("ShaderNodeMixRGB")
@@ -97,9 +116,9 @@ def with_line(material, colour, half_width, start, end, glow, softness=0.006):
     surface.inputs["Emission"].default_value = linear(colour)
     ratio = math_node("DIVIDE", aside, half_width)
     peak = math_node("SUBTRACT", 1.0, math_node("MULTIPLY", 0.45, math_node("MULTIPLY", ratio, ratio)))
-    links.new(math_node("MULTIPLY", math_node("MULTIPLY", mask, peak), glow), surface.inputs["Emission Strength"])
+    seen = math_node("MULTIPLY", glow, nodes.new("ShaderNodeLightPath").outputs["Is Camera Ray"])
+    links.new(math_node("MULTIPLY", math_node("MULTIPLY", mask, peak), seen), surface.inputs["Emission Strength"])
 
-    for name in ("Metallic",):
-        plain = surface.inputs[name].default_value
-        links.new(math_node("MULTIPLY", math_node("SUBTRACT", 1.0, mask), plain), surface.inputs[name])
+    metallic = surface.inputs["Metallic"]
+    links.new(math_node("MULTIPLY", math_node("SUBTRACT", 1.0, mask), metallic.default_value), metallic)
     return material

@@ -21,7 +21,7 @@ def build(rise, centre_y):
     w = HALF_WIDTH
     outlines = [(w, w, 0.11, -0.10), (w, w, 0.11, rise - 0.30 + 0.16), (w - 0.006, w - 0.006, 0.108, rise - 0.125)]
     outlines += rounded_edge(w - 0.07, w - 0.07, 0.10, rise, 0.045)
-    key = loft("key", outlines, body, dish=lambda x, y: -0.045 * (1 - min(1.0, (x * x + y * y) / 0.16)))
+    key = loft("key", outlines, body, dish=lambda x, y: -0.06 * (1 - min(1.0, (x * x + y * y) / 0.16)))
     key.location.y = centre_y
 
 
@@ -30,7 +30,7 @@ def draw(pressed, samples):
     build(0.16 if pressed else 0.30, CENTRE_Y - (SINK if pressed else 0.0))
     if pressed:
         studio.light(key=0.72, dome=0.78)
-    shadow = fade_to_border(studio.expose_shadow(2 * samples, strength=0.6 if pressed else 0.85), 26)
+    shadow = fade_to_border(studio.expose_shadow(samples, strength=0.6 if pressed else 0.85, soften=1.2), 26)
     film = over_shadow(studio.expose(samples), shadow)
     film[:CLEAR_ROWS] = 0
     return develop(film)
@@ -38,6 +38,6 @@ def draw(pressed, samples):
 
 if __name__ == "__main__":
     run({
-        "push-released": lambda samples: draw(False, samples or 256),
-        "push-pressed": lambda samples: draw(True, samples or 256),
+        "push-released": lambda samples: draw(False, samples or 192),
+        "push-pressed": lambda samples: draw(True, samples or 192),
     })

@@ -5,10 +5,11 @@ import math
 import bpy
 
 
-def lathe(name, profile, material, segments=192, radius=None, smooth_degrees=38.0):
+def lathe(name, profile, material, segments=192, radius=None, smooth_degrees=38.0, lid=True):
     """Spins profile, a list of (r, z) from the outside or bottom towards the centre or top.
 
-    radius (r, z, angle) may bend r with the angle, which is clockwise from the top of the picture, in radians.
+    radius (r, z, angle) may bend r with the angle, which is clockwise from the top of the picture, in radians. lid closes
+    the hole that the last ring leaves.
     """
     vertices, faces = [], []
     for r, z in profile:
@@ -21,16 +22,16 @@ def lathe(name, profile, material, segments=192, radius=None, smooth_degrees=38.
             j = (i + 1) % segments
             a, b = ring * segments, (ring + 1) * segments
             faces.append((a + i, b + i, b + j, a + j))
-    if profile[-1][0] > 0:
+    if lid:
         top = (len(profile) - 1) * segments
         faces.append(tuple(range(top + segments - 1, top - 1, -1)))
     return _object(name, vertices, faces, material, smooth_degrees)
 
 
-def loft(name, outlines, material, smooth_degrees=38.0, dish=None, corner_steps=10, edge_steps=24):
-    """Stacks rounded rectangles (half_width, half_height, corner, z) from the bottom up and closes the top.
+def loft(name, outlines, material, smooth_degrees=38.0, dish=None, lid=True, corner_steps=10, edge_steps=24):
+    """Stacks rounded rectangles (half_width, half_height, corner, z) from the bottom up; lid closes the top.
 
-    dish (x, y) lowers or lifts the top face, which is filled with rings that shrink to its centre.
+    dish (x, y) lowers or lifts the top face, which is then filled with rings that shrink to its centre.
     """
     rings = list(outlines)
     w, h, c, z = outlines[-1]
@@ -51,7 +52,7 @@ def loft(name, outlines, material, smooth_degrees=38.0, dish=None, corner_steps=
             j = (i + 1) % count
             a, b = ring * count, (ring + 1) * count
             faces.append((a + i, b + i, b + j, a + j))
-    if not dish:
+    if lid and not dish:
         top = (len(rings) - 1) * count
         faces.append(tuple(range(top + count - 1, top - 1, -1)))
     return _object(name, vertices, faces, material, smooth_degrees)
@@ -65,6 +66,21 @@ def rounded_edge(half_width, half_height, corner, z, bevel, steps=6):
         inset = bevel * (1 - math.cos(t))
         outlines.append((half_width - inset, half_height - inset, max(corner - inset, 0.005), z - bevel * (1 - math.sin(t))))
     return outlines
+
+
+def sheet(name, half_width, half_height, height, material, columns, rows, smooth_degrees=60.0):
+    """A fine rectangular grid round the origin whose z is height (x, y)."""
+    vertices = []
+    for j in range(rows + 1):
+        for i in range(columns + 1):
+            x, y = half_width * (2 * i / columns - 1), half_height * (2 * j / rows - 1)
+            vertices.append((x, y, height(x, y)))
+    faces = []
+    for j in range(rows):
+        for i in range(columns):
+            corner = j * (columns + 1) + i
+            faces.append((corner, corner + 1, corner + columns + 2, corner + columns + 1))
+    return _object(name, vertices, faces, material, smooth_degrees)
 
 
 def arc_profile(centre_r, centre_z, radius, start_degrees, end_degrees, steps=8):

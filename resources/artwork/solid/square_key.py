@@ -4,7 +4,6 @@ import math
 import os
 import sys
 
-import bpy
 import numpy as np
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
@@ -17,17 +16,17 @@ ENLARGED = 1.5
 FONT = "/usr/share/texmf/fonts/opentype/public/tex-gyre/texgyreheroscn-bold.otf"  # Debian's fonts-texgyre
 HALF = 0.53
 RISE = 0.22
-KEYS = {"mute": "#E8503A", "phase": m.AMBER}
+KEYS = {"mute": m.RED, "phase": m.AMBER}
 
 
 def legend(kind, material):
     """MUTE as a word, phase as the crossed circle."""
-    z = RISE - 0.035
+    z = RISE + 0.002
     if kind == "mute":
-        return [lettering("MUTE", FONT, 0.36, material, z)]
-    ring = lathe("circle", [(0.215, z), (0.215, z + 0.006), (0.150, z + 0.006), (0.150, z)], material, 128)
+        return [lettering("MUTE", FONT, 0.40, material, z)]
+    ring = lathe("circle", [(0.225, z), (0.225, z + 0.006), (0.165, z + 0.006), (0.165, z)], material, 128, lid=False)
     ring.data.polygons.foreach_set("use_smooth", [False] * len(ring.data.polygons))
-    bar = loft("slash", [(0.033, 0.33, 0.01, z), (0.033, 0.33, 0.01, z + 0.006)], material)
+    bar = loft("slash", [(0.030, 0.33, 0.01, z), (0.030, 0.33, 0.01, z + 0.006)], material)
     bar.rotation_euler.z = -math.radians(38)
     return [ring, bar]
 
@@ -37,8 +36,8 @@ def draw(kind, on, samples):
     frame = m.solid("frame", "#191b1d", roughness=0.38)
     colour = KEYS[kind]
     if on:
-        face = m.solid("lit lens", colour, roughness=0.32, glow=0.75, clearcoat=0.3)
-        ink = m.solid("ink", "#2a1508", roughness=0.6)
+        face = m.solid("lit lens", colour, roughness=0.32, glow=0.30, clearcoat=0.3)
+        ink = m.solid("ink", "#1c0d05", roughness=0.8, specular=0.1)
     else:
         face = m.solid("dull lens", m.KEY_GREY, roughness=0.40, clearcoat=0.2, grain=0.12, grain_size=80)
         ink = m.solid("ink", m.LEGEND_IVORY, roughness=0.6, glow=0.22)
@@ -50,7 +49,7 @@ def draw(kind, on, samples):
     loft("key", key, face, dish=lambda x, y: -0.035 * (1 - min(1.0, (x * x + y * y) / 0.20)))
     legend(kind, ink)
 
-    shadow = fade_to_border(studio.expose_shadow(2 * samples, strength=0.8), 12)
+    shadow = fade_to_border(studio.expose_shadow(samples, strength=0.8, soften=0.8), 12)
     film = studio.expose(samples)
     if on:
         y, x = np.mgrid[0:SIDE, 0:SIDE]

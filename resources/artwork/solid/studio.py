@@ -37,7 +37,7 @@ class Studio:
         scene.cycles.use_denoising = False
         scene.cycles.use_adaptive_sampling = False
         scene.cycles.sample_clamp_indirect = 4.0
-        scene.cycles.max_bounces = 6
+        scene.cycles.max_bounces, scene.cycles.diffuse_bounces, scene.cycles.glossy_bounces = 4, 2, 3
         scene.cycles.filter_width = 1.25
         scene.render.film_transparent = True
         scene.render.use_persistent_data = True
@@ -64,10 +64,19 @@ class Studio:
         self.rim.data.energy = RIM["watts"] * rim
         self.world.node_tree.nodes["Background"].inputs["Strength"].default_value = dome
 
-    def expose(self, samples, seed=0):
-        """Renders; returns linear light as float32 [height, width, 4], top row first, colour multiplied by alpha."""
+    def expose(self, samples, seed=0, window=None):
+        """Renders; returns linear light as float32 [height, width, 4], top row first, colour multiplied by alpha.
+
+        window (left, top, right, bottom), in pixels, leaves everything outside it black and clear.
+        """
         self.scene.cycles.samples = samples
         self.scene.cycles.seed = seed
+        render = self.scene.render
+        render.use_border = window is not None
+        if window:
+            left, top, right, bottom = window
+            render.border_min_x, render.border_max_x = left / self.width, right / self.width
+            render.border_min_y, render.border_max_y = 1 - bottom / self.height, 1 - top / self.height
         with tempfile.TemporaryDirectory() as folder:
             path = os.path.join(folder, "film.exr")
             self.scene.render.filepath = path
@@ -79,8 +88,11 @@ class Studio:
             bpy.data.images.remove(film)
         return pixels.reshape(self.height, self.width, 4)[::-1].copy()
 
-    def expose_shadow(self, samples, z=0.0, strength=1.0):
-        """The shadow that what stands in the studio casts on a plane at height z: alpha only, float32 [height, width]."""
+    def expose_shadow(self, samples, z=0.0, strength=1.0, soften=0.0):
+        """The shadow that what stands in the studio casts on a plane at height z: alpha only, float32 [height, width].
+
+        soften is the sigma, in pixels, of a blur that takes the noise out.
+        """
         floor = _plane(z)
         floor.is_shadow_catcher = True
         solids = [o for o in self.scene.objects if o.type in ("MESH", "FONT", "CURVE") and o is not floor]
@@ -90,7 +102,7 @@ class Studio:
         for solid in solids:
             solid.visible_camera = True
         bpy.data.objects.remove(floor)
-        return np.clip(alpha, 0.0, 1.0)
+        return np.clip(blur(alpha, soften) if soften else alpha, 0.0, 1.0)
 
 
 def develop(film):
@@ -177,10 +189,10 @@ def _dome():
     height.inputs[1].default_value = -1.0  # the incoming vector points away from the sky
     links.new(split.outputs["Z"], height.inputs[0])
     ramp = nodes.new("ShaderNodeValToRGB")
-    ramp.color_ramp.elements[0].position, ramp.color_ramp.elements[0].color = 0.0, (0.020, 0.024, 0.028, 1)
+    ramp.color_ramp.elements[0].position, ramp.color_ramp.elements[0].color = 0.0, (0.050, 0.055, 0.062, 1)
     ramp.color_ramp.elements[1].position, ramp.color_ramp.elements[1].color = 1.0, (0.50, 0.51, 0.53, 1)
     middle = ramp.color_ramp.elements.new(0.55)
-    middle.color = (0.11, 0.12, 0.13, 1)
+    middle.color = (0.15, 0.16, 0.17, 1)
     links.new(height.outputs[0], ramp.inputs[0])
     links.new(ramp.outputs[0], background.inputs["Color"])
     return world

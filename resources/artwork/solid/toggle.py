@@ -8,8 +8,6 @@ import math
 import os
 import sys
 
-import bpy
-
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 import materials as m
 from shapes import arc_profile, lathe, loft, rounded_edge
@@ -17,11 +15,11 @@ from studio import Studio, develop, fade_to_border, over_shadow, run
 
 SIDE = 180
 TILT_DEGREES = 18.0
-MARK_ROWS = {1: (), 2: (-0.46, 0.46), 3: (-0.46, 0.0, 0.46)}  # units above the middle
+MARK_ROWS = {1: (), 2: (-0.44, 0.44), 3: (-0.44, 0.0, 0.44)}  # units above the middle
 MARK_X = 0.375
 PLATE_HALF_WIDTH, PLATE_HALF_HEIGHT = 0.50, 0.66
 PLATE_TOP = 0.05
-LEVER_LENGTH = 1.30
+LEVER_LENGTH = 1.45
 
 
 def plate(number, samples):
@@ -35,14 +33,14 @@ def plate(number, samples):
         for side in (-1, 1):
             mark = loft("mark", [(0.070, 0.026, 0.012, PLATE_TOP - 0.01), (0.070, 0.026, 0.012, PLATE_TOP + 0.002)], ivory)
             mark.location.x, mark.location.y = side * MARK_X, y
-    shadow = fade_to_border(studio.expose_shadow(2 * samples, strength=0.7), 20)
+    shadow = fade_to_border(studio.expose_shadow(samples, strength=0.7, soften=1.2), 20)
     return develop(over_shadow(studio.expose(samples), shadow))
 
 
 def lever(position, samples):
     """position is -1, 0 or 1: low, middle, high."""
     studio = Studio(SIDE, SIDE)
-    steel = m.solid("steel", m.STEEL, roughness=0.24, metallic=1.0, grain=0.04, grain_size=40)
+    steel = m.solid("steel", m.STEEL, roughness=0.36, metallic=1.0, grain=0.04, grain_size=40)
     brushed = m.solid("brushed steel", "#a9abad", roughness=0.34, metallic=1.0, anisotropic=0.6)
     black = m.solid("bushing", m.BLACK, roughness=0.5)
 
@@ -55,21 +53,21 @@ def lever(position, samples):
     lathe("hole", [(0.112, PLATE_TOP + 0.10), (0.001, PLATE_TOP + 0.10)], black, 48)
 
     # The bat: slim at the pivot, swelling to a round end.
-    bat = [(0.075, 0.0), (0.078, 0.25)]
+    bat = [(0.088, 0.0), (0.090, 0.25)]
     for i in range(1, 17):
         t = i / 16
-        bat.append((0.078 + 0.087 * (t * t * (3 - 2 * t)), 0.25 + (LEVER_LENGTH - 0.40) * t))
-    bat += arc_profile(0.0, LEVER_LENGTH - 0.15, 0.165, 0, 88, 14)[1:]
+        bat.append((0.090 + 0.070 * (t * t * (3 - 2 * t)), 0.25 + (LEVER_LENGTH - 0.40) * t))
+    bat += arc_profile(0.0, LEVER_LENGTH - 0.15, 0.160, 0, 88, 14)[1:]
     stick = lathe("bat", bat, steel, 96, smooth_degrees=60)
     stick.location.z = PLATE_TOP - 0.05
     stick.rotation_euler = (-math.radians(TILT_DEGREES) * position, 0, 0)
 
-    shadow = fade_to_border(studio.expose_shadow(2 * samples, z=PLATE_TOP, strength=0.75), 20)
+    shadow = fade_to_border(studio.expose_shadow(samples, z=PLATE_TOP, strength=0.75, soften=1.2), 20)
     return develop(over_shadow(studio.expose(samples), shadow))
 
 
 if __name__ == "__main__":
-    drawings = {f"toggle-plate-{n}": (lambda samples, n=n: plate(n, samples or 256)) for n in (1, 2, 3)}
-    drawings |= {f"toggle-lever-{name}": (lambda samples, p=p: lever(p, samples or 256))
+    drawings = {f"toggle-plate-{n}": (lambda samples, n=n: plate(n, samples or 192)) for n in (1, 2, 3)}
+    drawings |= {f"toggle-lever-{name}": (lambda samples, p=p: lever(p, samples or 192))
                  for name, p in (("low", -1), ("middle", 0), ("high", 1))}
     run(drawings)
