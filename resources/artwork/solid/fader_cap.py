@@ -32,7 +32,7 @@ def face(y):
 
 def build():
     charcoal = m.solid("charcoal", m.CHARCOAL, roughness=0.36, grain=0.12, grain_size=80)
-    m.with_line(charcoal, m.IVORY, LINE_HALF_WIDTH, -1.0, 1.0, glow=0.20, across="Y")
+    m.with_line(charcoal, m.IVORY, LINE_HALF_WIDTH, -1.0, 1.0, glow=0.32, across="Y")
     w, l = HALF_WIDTH, HALF_LENGTH
     sides = [(w, l, 0.10, 0.06), (w, l, 0.10, 0.10), (w - 0.065, l - 0.09, 0.09, RISE - 0.12)]
     sides += rounded_edge(w - 0.07, l - 0.10, 0.10, RISE, 0.07)

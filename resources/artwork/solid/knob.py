@@ -1,9 +1,10 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Both knobs as filmstrips of 98 frames, 300 x 300 each: frame k points 180 + 360 k / 98 degrees clockwise from the top.
 
-The light stays where it is while the knob turns. All of a knob but its pointer repeats 14 times in a turn, that is every
-7 frames. So the 14 frames of one phase show the same body: each is rendered with a thirteenth of the light paths, and
-away from their pointers they are averaged; only the small window round the pointer is rendered with all paths.
+The light stays where it is while the knob turns. The fluted grip repeats 14 times in a turn, that is every 7 frames, and
+cap, ring and skirt look the same in all of them. So each frame is rendered with an eighth of the light paths, and away
+from the pointers the grip is the mean of the 14 frames of its phase, the rest the mean of all; only the small window
+round the pointer is rendered with all paths.
 """
 import math
 import os
@@ -106,15 +107,19 @@ def strip(shape, aluminium, samples):
     frames, pointers = np.empty((2, FRAMES, SIDE, SIDE, 4), np.float32)
     for k in range(FRAMES):
         axis.rotation_euler = (0, 0, -math.radians(pointer_degrees(k)))
-        frames[k] = studio.expose(math.ceil(samples / (FRAMES // PHASES - 1)), seed=k + 1)
+        frames[k] = studio.expose(math.ceil(samples / 8), seed=k + 1)
         pointers[k] = studio.expose(samples, seed=FRAMES + k + 1, window=window_of(own[k, ..., 0]))
+
+    def mean(which):
+        weights = 1.0 - own[which]
+        return (frames[which] * weights).sum(axis=0) / weights.sum(axis=0)
+
+    round_parts, on_grip = mean(slice(None)), grip_weight(shape)[..., None]
+    phases = [on_grip * mean(slice(p, None, PHASES)) + (1.0 - on_grip) * round_parts for p in range(PHASES)]
 
     pictures = []
     for k in range(FRAMES):
-        same = np.arange(k % PHASES, FRAMES, PHASES)
-        weights = 1.0 - own[same]
-        body = (frames[same] * weights).sum(axis=0) / np.maximum(weights.sum(axis=0), 1e-6)
-        frame = own[k] * pointers[k] + (1.0 - own[k]) * body
+        frame = own[k] * pointers[k] + (1.0 - own[k]) * phases[k % PHASES]
         pictures.append(develop(over_shadow(frame, shadow)))
     return np.concatenate(pictures, axis=1)
 
@@ -130,11 +135,23 @@ def window_of(weight):
     return columns[0], rows[0], columns[-1] + 1, rows[-1] + 1
 
 
+def places():
+    """x to the right and y upwards of every pixel's centre, in units from the knob's axis."""
+    row, column = np.mgrid[0:SIDE, 0:SIDE]
+    return (column + 0.5 - SIDE / 2) / 100.0, (SIDE / 2 - row - 0.5) / 100.0
+
+
+def grip_weight(shape):
+    """1 on the flutes, 0 on what is round; float32 [SIDE, SIDE]."""
+    r = np.hypot(*places())
+    inside = np.minimum(r - (shape.grip_top - 0.085), shape.grip_base + 0.06 - r)
+    return np.clip(inside / 0.03 + 0.5, 0.0, 1.0).astype(np.float32)
+
+
 def pointer_weight(frame):
     """1 on and near a frame's pointer, 0 well away from it; float32 [SIDE, SIDE]."""
     angle = math.radians(pointer_degrees(frame))
-    y, x = np.mgrid[0:SIDE, 0:SIDE]
-    x, y = (x + 0.5 - SIDE / 2) / 100.0, (SIDE / 2 - y - 0.5) / 100.0
+    x, y = places()
     along = x * math.sin(angle) + y * math.cos(angle)
     aside = np.abs(x * math.cos(angle) - y * math.sin(angle))
     distance = np.hypot(aside, np.maximum(np.maximum(POINTER_REACH[0] - along, along - POINTER_REACH[1]), 0.0))
@@ -143,6 +160,6 @@ def pointer_weight(frame):
 
 if __name__ == "__main__":
     run({
-        "knob-standard": lambda samples: strip(STANDARD, False, samples or 128),
-        "knob-large": lambda samples: strip(LARGE, True, samples or 128),
+        "knob-standard": lambda samples: strip(STANDARD, False, samples or 96),
+        "knob-large": lambda samples: strip(LARGE, True, samples or 96),
     })

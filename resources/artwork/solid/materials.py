@@ -73,12 +73,13 @@ def turned(material, pitch, depth):
     return material
 
 
-def with_line(material, colour, half_width, start, end, glow, across="X", softness=0.006):
+def with_line(material, colour, half_width, start, end, glow, paint=0.55, across="X", softness=0.006):
     """Paints a line on a material, in the object's own units: within half_width of 0 on the axis across, and from start
     to end along the other one.
 
-    The line has its own light, strongest on its axis, so that it is the brightest thing on the part in any position. Only
-    the camera sees that light: the surface beside the line is as dark as without it.
+    The line has its own light, strongest on its axis, so that it is the brightest thing on the part in any position; its
+    paint reflects only that share of the colour, lest both together burn out. Only the camera sees the line's own light:
+    the surface beside it is as dark as without.
     """
     nodes, links = material.node_tree.nodes, material.node_tree.links
     surface = nodes["Principled BSDF"]
@@ -109,7 +110,7 @@ def with_line(material, colour, half_width, start, end, glow, across="X", softne
                                                                          step(along, end, False)))
     mix = nodes.new("ShaderNodeMixRGB")
     mix.inputs["Color1"].default_value = surface.inputs["Base Color"].default_value
-    mix.inputs["Color2"].default_value = linear(colour)
+    mix.inputs["Color2"].default_value = tuple(paint * c for c in linear(colour)[:3]) + (1.0,)
     links.new(mask, mix.inputs["Fac"])
     links.new(mix.outputs[0], surface.inputs["Base Color"])
 
