@@ -38,6 +38,6 @@ def draw(pressed, samples):
 
 if __name__ == "__main__":
     run({
-        "push-released": lambda samples: draw(False, samples or 192),
-        "push-pressed": lambda samples: draw(True, samples or 192),
+        "push-released": lambda samples: draw(False, samples or 128),
+        "push-pressed": lambda samples: draw(True, samples or 128),
     })

@@ -26,7 +26,7 @@ def legend(kind, material):
         return [lettering("MUTE", FONT, 0.40, material, z)]
     ring = lathe("circle", [(0.225, z), (0.225, z + 0.006), (0.165, z + 0.006), (0.165, z)], material, 128, lid=False)
     ring.data.polygons.foreach_set("use_smooth", [False] * len(ring.data.polygons))
-    bar = loft("slash", [(0.030, 0.33, 0.01, z), (0.030, 0.33, 0.01, z + 0.006)], material)
+    bar = loft("slash", [(0.030, 0.33, 0.01, z), (0.030, 0.33, 0.01, z + 0.010)], material)
     bar.rotation_euler.z = -math.radians(38)
     return [ring, bar]
 

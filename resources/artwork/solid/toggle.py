@@ -67,7 +67,7 @@ def lever(position, samples):
 
 
 if __name__ == "__main__":
-    drawings = {f"toggle-plate-{n}": (lambda samples, n=n: plate(n, samples or 192)) for n in (1, 2, 3)}
-    drawings |= {f"toggle-lever-{name}": (lambda samples, p=p: lever(p, samples or 192))
+    drawings = {f"toggle-plate-{n}": (lambda samples, n=n: plate(n, samples or 128)) for n in (1, 2, 3)}
+    drawings |= {f"toggle-lever-{name}": (lambda samples, p=p: lever(p, samples or 128))
                  for name, p in (("low", -1), ("middle", 0), ("high", 1))}
     run(drawings)
