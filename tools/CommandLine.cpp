@@ -146,6 +146,16 @@ void arrangePlot (CommandLine& line, bool saysOnlyModule)
     if (! saysOnlyModule)
         throw ToolError ("a plot takes no option but --module");
 }
+
+/** A list's only word is its kind. */
+void arrangeList (CommandLine& line)
+{
+    std::swap (line.listKind, line.inputPath);
+
+    if ((line.listKind.isNotEmpty() && line.listKind != "layout") || line.outputPath.isNotEmpty())
+        throw ToolError ("a list wants no file: '" + (line.outputPath.isEmpty() ? line.listKind : line.outputPath)
+                         + "'");
+}
 } // namespace
 
 CommandLine parseCommandLine (const juce::StringArray& arguments)
@@ -200,8 +210,8 @@ CommandLine parseCommandLine (const juce::StringArray& arguments)
     if (line.task == Task::plot)
         arrangePlot (line, options.saysOnlyModule());
 
-    if (line.task == Task::list && line.inputPath.isNotEmpty())
-        throw ToolError ("a list wants no file: '" + line.inputPath + "'");
+    if (line.task == Task::list)
+        arrangeList (line);
 
     return line;
 }
@@ -212,6 +222,7 @@ const char* usageText()
 
   tarvik41-render [render] [OPTIONS] INPUT OUTPUT
   tarvik41-render list [--module FILE]
+  tarvik41-render list layout
   tarvik41-render plot KIND [FOLDER] [--module FILE]
 
 INPUT is a WAV, FLAC or AIFF file, mono or stereo, of any rate and length. OUTPUT becomes a WAV file of the same length,
@@ -231,6 +242,9 @@ with the module's latency taken out. It appears when it is complete, and not at 
 A plot measures the module, draws what it finds as SVG files into FOLDER, and prints figures. KIND is eq, compressor,
 expander, saturation, or all of them; or errors, a table of the equaliser's deviations, without a folder. It takes no
 settings: noise is off, the user's defaults do not count.
+
+"list layout" prints, as JSON, where each control of the console panel is in the pixels of its picture, with the marks of
+its scale; the picture is printed from it.
 
 However they are ordered: the state is loaded first, then the program, then each --set from left to right. A file whose
 name begins with a dash goes behind "--". Exit status: 0, or 2 after an error, which is told in one line.

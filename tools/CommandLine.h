@@ -24,6 +24,7 @@ struct CommandLine
     Task task = Task::render;
     juce::String inputPath, outputPath;
     juce::String plotKind;   ///< What is to be drawn, into the folder `outputPath`; only for `Task::plot`.
+    juce::String listKind;   ///< "layout", or empty for a list of what the module has; only for `Task::list`.
     juce::String modulePath; ///< Empty: look in the usual places.
     juce::String sidechainPath;
     juce::String loadStatePath, saveStatePath;
