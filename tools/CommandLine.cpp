@@ -19,7 +19,9 @@ struct TaskWord
 };
 
 /** Words that say, in first place or behind the module's, what is to be done; without one of them a file is rendered. */
-constexpr TaskWord taskWords[] = { { "render", Task::render }, { "list", Task::list }, { "plot", Task::plot } };
+constexpr TaskWord taskWords[] = {
+    { "render", Task::render }, { "list", Task::list }, { "plot", Task::plot }, { "pictures", Task::pictures }
+};
 
 constexpr const char* moduleOption = "--module";
 
@@ -156,6 +158,15 @@ void arrangeList (CommandLine& line)
         throw ToolError ("a list wants no file: '" + (line.outputPath.isEmpty() ? line.listKind : line.outputPath)
                          + "'");
 }
+
+/** The only word behind it is the file to write. */
+void arrangePictures (CommandLine& line)
+{
+    if (line.inputPath.isEmpty() || line.outputPath.isNotEmpty())
+        throw ToolError ("one file is wanted, for the sheet of pictures");
+
+    std::swap (line.inputPath, line.outputPath);
+}
 } // namespace
 
 CommandLine parseCommandLine (const juce::StringArray& arguments)
@@ -213,6 +224,9 @@ CommandLine parseCommandLine (const juce::StringArray& arguments)
     if (line.task == Task::list)
         arrangeList (line);
 
+    if (line.task == Task::pictures)
+        arrangePictures (line);
+
     return line;
 }
 
@@ -223,6 +237,7 @@ const char* usageText()
   tarvik41-render [render] [OPTIONS] INPUT OUTPUT
   tarvik41-render list [--module FILE]
   tarvik41-render list layout
+  tarvik41-render pictures OUTPUT.png
   tarvik41-render plot KIND [FOLDER] [--module FILE]
 
 INPUT is a WAV, FLAC or AIFF file, mono or stereo, of any rate and length. OUTPUT becomes a WAV file of the same length,
@@ -244,7 +259,8 @@ expander, saturation, or all of them; or errors, a table of the equaliser's devi
 settings: noise is off, the user's defaults do not count.
 
 "list layout" prints, as JSON, where each control of the console panel is in the pixels of its picture, with the marks of
-its scale; the picture is printed from it.
+its scale; the picture is printed from it. "pictures" shows all pictures of the window on one sheet, at their own size and
+at a third, as the window draws them at 100 %.
 
 However they are ordered: the state is loaded first, then the program, then each --set from left to right. A file whose
 name begins with a dash goes behind "--". Exit status: 0, or 2 after an error, which is told in one line.

@@ -14,6 +14,7 @@ struct CommandLine
         render,
         list,
         plot,
+        pictures,
         help,
         version
     };

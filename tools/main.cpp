@@ -2,6 +2,7 @@
 #include "tools/CommandLine.h"
 #include "tools/Interruption.h"
 #include "tools/ListCommand.h"
+#include "tools/PicturesCommand.h"
 #include "tools/RenderCommand.h"
 #include "tools/ToolError.h"
 #include "tools/plot/PlotCommand.h"
@@ -35,6 +36,9 @@ void perform (const tarvik::CommandLine& line)
             break;
         case Task::plot:
             tarvik::plotModule (line);
+            break;
+        case Task::pictures:
+            tarvik::writeContactSheet (line);
             break;
         case Task::help:
             std::cout << tarvik::usageText();
