@@ -9,7 +9,7 @@ namespace tarvik
 /** A slider from 0 to 1 whose wheel suits positions as well as travels: on a stepped slider a notched wheel counts notches,
     fine movements with Ctrl add up to a step, and what is left is forgotten after a pause. Message thread.
 */
-class KVLSlider : public juce::Slider, private juce::Timer
+class KVLSlider : public juce::Slider, private juce::Timer, private juce::Slider::Listener
 {
 public:
     KVLSlider (SliderStyle style, int width, int height);
@@ -21,14 +21,15 @@ public:
     */
     bool hasUnsentStep() const noexcept { return unsentStep; }
 
-    void valueChanged() override { unsentStep = false; }
-
 protected:
     /** The value as a share of the travel. */
     float share() { return static_cast<float> (valueToProportionOfLength (getValue())); }
 
 private:
     void timerCallback() override;
+
+    /** The first listener to come is the last to be called. */
+    void sliderValueChanged (juce::Slider*) override { unsentStep = false; }
 
     float wheelAccumulator = 0.0f;
     bool unsentStep = false;

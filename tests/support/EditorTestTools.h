@@ -64,8 +64,21 @@ public:
     /** One notch of a usual wheel in X11 is 0.195. */
     void wheel (float deltaY, int modifiers = 0, bool isSmooth = false, bool isReversed = false)
     {
-        component.mouseWheelMove ({ source(), {}, juce::ModifierKeys (modifiers), 0.0f, 0.0f, 0.0f, 0.0f, 0.0f,
-                                    &component, &component, nextTime(), {}, downTime, 0, false },
+        component.mouseWheelMove ({ source(),
+                                    {},
+                                    juce::ModifierKeys (modifiers),
+                                    0.0f,
+                                    0.0f,
+                                    0.0f,
+                                    0.0f,
+                                    0.0f,
+                                    &component,
+                                    &component,
+                                    nextTime(),
+                                    {},
+                                    downTime,
+                                    0,
+                                    false },
                                   { 0.0f, deltaY, isReversed, isSmooth, false });
     }
 
