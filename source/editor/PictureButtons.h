@@ -20,6 +20,12 @@ class PictureButton : public juce::ImageButton
 public:
     PictureButton (Picture normalPicture, Picture overPicture, Picture pressedPicture);
 
+    /** The same from a row of a layout that names the three. */
+    template <typename Row>
+    explicit PictureButton (const Row& row) : PictureButton (row.normal, row.over, row.pressed)
+    {
+    }
+
     void paintButton (juce::Graphics& g, bool isHighlighted, bool isHeld) override;
 
 private:
