@@ -19,9 +19,11 @@ struct TaskWord
 };
 
 /** Words that say, in first place or behind the module's, what is to be done; without one of them a file is rendered. */
-constexpr TaskWord taskWords[] = {
-    { "render", Task::render }, { "list", Task::list }, { "plot", Task::plot }, { "pictures", Task::pictures }
-};
+constexpr TaskWord taskWords[] = { { "render", Task::render },
+                                   { "list", Task::list },
+                                   { "plot", Task::plot },
+                                   { "pictures", Task::pictures },
+                                   { "screenshot", Task::screenshot } };
 
 constexpr const char* moduleOption = "--module";
 
@@ -54,6 +56,8 @@ int wholeNumber (const juce::String& option, const juce::String& text, int lowes
     return value;
 }
 
+constexpr int smallestZoomPercent = 50, largestZoomPercent = 300;
+
 /** Takes the values of the options that have one. */
 class OptionReader
 {
@@ -63,7 +67,8 @@ public:
     /** True if the argument is an option with a value. */
     bool takesValue (const juce::String& option) const
     {
-        return option == "--set" || option == "--block" || option == "--bits" || textOf (option) != nullptr;
+        return option == "--set" || option == "--block" || option == "--bits" || option == "--zoom"
+               || textOf (option) != nullptr;
     }
 
     void take (const juce::String& option, const juce::String& value)
@@ -84,10 +89,25 @@ public:
 
         if (option == "--block")
             line.blockSize = wholeNumber (option, value, 1, CommandLine::largestBlockSize);
+        else if (option == "--zoom")
+            line.zoomPercent = wholeNumber (option, value, smallestZoomPercent, largestZoomPercent);
         else if (option == "--bits")
             line.bitDepth = bits (value);
         else
             *textOf (option) = value;
+    }
+
+    /** True if there was one that says how the window is drawn. */
+    bool saysHowToDraw() const { return seen.contains ("--zoom") || seen.contains ("--name"); }
+
+    /** True if there was one that only a rendering has a use for. */
+    bool saysHowToRender() const
+    {
+        for (const auto* const option : { moduleOption, "--sidechain", "--state", "--save-state", "--bits" })
+            if (seen.contains (option))
+                return true;
+
+        return false;
     }
 
     /** False if there was an option besides the module's. */
@@ -102,7 +122,7 @@ private:
         const std::pair<const char*, juce::String*> texts[] = {
             { moduleOption, &line.modulePath }, { "--sidechain", &line.sidechainPath },
             { "--state", &line.loadStatePath }, { "--save-state", &line.saveStatePath },
-            { "--program", &line.program },
+            { "--program", &line.program },     { "--name", &line.trackName },
         };
 
         for (const auto& [name, text] : texts)
@@ -167,6 +187,19 @@ void arrangePictures (CommandLine& line)
 
     std::swap (line.inputPath, line.outputPath);
 }
+
+/** The last word is the file to write, one before it a recording. */
+void arrangeScreenshot (CommandLine& line, bool saysHowToRender)
+{
+    if (line.inputPath.isEmpty())
+        throw ToolError ("a file is wanted, for the picture of the window");
+
+    if (saysHowToRender)
+        throw ToolError ("a screenshot takes no option but --zoom, --name, --program, --set and --block");
+
+    if (line.outputPath.isEmpty())
+        std::swap (line.inputPath, line.outputPath);
+}
 } // namespace
 
 CommandLine parseCommandLine (const juce::StringArray& arguments)
@@ -227,6 +260,11 @@ CommandLine parseCommandLine (const juce::StringArray& arguments)
     if (line.task == Task::pictures)
         arrangePictures (line);
 
+    if (line.task == Task::screenshot)
+        arrangeScreenshot (line, options.saysHowToRender());
+    else if (options.saysHowToDraw())
+        throw ToolError ("--zoom and --name are for screenshots");
+
     return line;
 }
 
@@ -238,6 +276,7 @@ const char* usageText()
   tarvik41-render list [--module FILE]
   tarvik41-render list layout
   tarvik41-render pictures OUTPUT.png
+  tarvik41-render screenshot [OPTIONS] [INPUT] OUTPUT.png
   tarvik41-render plot KIND [FOLDER] [--module FILE]
 
 INPUT is a WAV, FLAC or AIFF file, mono or stereo, of any rate and length. OUTPUT becomes a WAV file of the same length,
@@ -260,7 +299,8 @@ settings: noise is off, the user's defaults do not count.
 
 "list layout" prints, as JSON, where each control of the console panel is in the pixels of its picture, with the marks of
 its scale; the picture is printed from it. "pictures" shows all pictures of the window on one sheet, at their own size and
-at a third, as the window draws them at 100 %.
+at a third, as the window draws them at 100 %. "screenshot" draws the window itself, with --program and --set, at --zoom PERCENT (100),
+for a track called --name TEXT, and with the meters as they stand when INPUT has gone through.
 
 However they are ordered: the state is loaded first, then the program, then each --set from left to right. A file whose
 name begins with a dash goes behind "--". Exit status: 0, or 2 after an error, which is told in one line.

@@ -15,6 +15,7 @@ struct CommandLine
         list,
         plot,
         pictures,
+        screenshot,
         help,
         version
     };
@@ -31,6 +32,8 @@ struct CommandLine
     juce::String loadStatePath, saveStatePath;
     juce::String program;          ///< A name or a number, empty for none.
     juce::StringArray assignments; ///< Each ID=TEXT, in the order given.
+    juce::String trackName;        ///< What a screenshot's channel is called.
+    int zoomPercent = 100;         ///< Of a screenshot.
     int blockSize = defaultBlockSize;
     int bitDepth = 32; ///< 24, or 32 for floating point.
 };

@@ -4,8 +4,7 @@
 #include "editor/EmbeddedResources.h"
 #include "editor/ImageResampling.h"
 #include "editor/ScaledPictures.h"
-#include "tools/OutputFile.h"
-#include "tools/ToolError.h"
+#include "tools/PngFile.h"
 
 #include <iostream>
 
@@ -118,17 +117,7 @@ void writeContactSheet (const CommandLine& line)
     g.fillAll (juce::Colour (paperColour));
     layOut (entries, &g);
 
-    const auto stream = file.open();
-
-    if (! juce::PNGImageFormat().writeImageToStream (sheet, *stream))
-        file.throwWriteError ("the picture cannot be encoded");
-
-    stream->flush();
-
-    if (stream->getStatus().failed())
-        file.throwWriteError (stream->getStatus().getErrorMessage());
-
-    file.commit();
+    writePng (file, sheet);
     std::cout << line.outputPath << '\n';
 }
 

@@ -4,6 +4,7 @@
 #include "tools/ListCommand.h"
 #include "tools/PicturesCommand.h"
 #include "tools/RenderCommand.h"
+#include "tools/ScreenshotCommand.h"
 #include "tools/ToolError.h"
 #include "tools/plot/PlotCommand.h"
 
@@ -39,6 +40,9 @@ void perform (const tarvik::CommandLine& line)
             break;
         case Task::pictures:
             tarvik::writeContactSheet (line);
+            break;
+        case Task::screenshot:
+            tarvik::writeScreenshot (line);
             break;
         case Task::help:
             std::cout << tarvik::usageText();

@@ -101,11 +101,13 @@ void KVLEditor::setUpLevelPot (KVLSlider& pot, int parameterIndex)
     constexpr int textBoxWidth = 50;
     constexpr double middle = 0.5;
     constexpr juce::uint32 outline = 0x66000000, text = 0xff595959, highlight = 0xff12b9ff;
+    constexpr juce::uint32 pointer = 0xffe4e3de; // JUCE's own would be dark blue on black
 
     auto& parameter = parameterAt (parameterIndex);
     pot.setRange (0.0, 1.0, potStep);
     pot.setTextBoxStyle (juce::Slider::NoTextBox, true, textBoxWidth, pot.getTextBoxHeight());
     pot.setColour (juce::Slider::rotarySliderOutlineColourId, juce::Colour (outline));
+    pot.setColour (juce::Slider::rotarySliderFillColourId, juce::Colour (pointer));
     pot.setColour (juce::Slider::textBoxTextColourId, juce::Colour (text));
     pot.setColour (juce::Slider::textBoxHighlightColourId, juce::Colour (highlight));
     pot.setColour (juce::Slider::textBoxBackgroundColourId, juce::Colours::black);
