@@ -14,6 +14,7 @@ constexpr const char* sliderName = "new slider";
 constexpr const char* buttonName = "new button";
 constexpr const char* labelName = "new label";
 constexpr juce::uint32 underPicture = 0xff323e44;
+constexpr float narrowestText = 0.5f;
 } // namespace
 
 OrvaneConsoleUI::OrvaneConsoleUI (Tarvik41Processor& processorToShow)
@@ -63,7 +64,8 @@ void OrvaneConsoleUI::placeLabel (juce::Label& label, const layout::LabelRow& ro
     label.setText (row.text, juce::dontSendNotification);
     label.setFont (juce::Font (row.height));
     label.setJustificationType (row.isCentred ? juce::Justification::centred : juce::Justification::centredLeft);
-    label.setBorderSize ({}); // the boxes are hardly wider than their texts
+    label.setBorderSize ({});                        // the boxes are hardly wider than their texts,
+    label.setMinimumHorizontalScale (narrowestText); // and the smallest zoom makes them narrower
     label.setColour (juce::Label::textColourId, juce::Colour (row.colour));
     label.setColour (juce::TextEditor::textColourId, juce::Colours::black);
     label.setColour (juce::TextEditor::backgroundColourId, juce::Colours::transparentBlack);

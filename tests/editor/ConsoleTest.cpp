@@ -334,6 +334,19 @@ TEST (Console, TheNameIsTheTracksOrTheMakers)
     EXPECT_TRUE (texts().contains ("120.0 Hz"));
 }
 
+TEST (Console, NumbersFitTheirFieldsAtTheSmallestZoom)
+{
+    ConsoleUnderTest t;
+    t.console.setSize (720, 541);
+
+    for (const auto which : { 0u, 1u })
+    {
+        const auto& label = t.control<juce::Label> ("TolChannel", which);
+        const auto narrowest = label.getFont().getStringWidthFloat ("R:28") * label.getMinimumHorizontalScale();
+        EXPECT_LE (narrowest, static_cast<float> (label.getWidth() - label.getBorderSize().getLeftAndRight()));
+    }
+}
+
 TEST (Console, ValuesAreShownAndTypedInTheParametersWords)
 {
     ConsoleUnderTest t;
