@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Rows of samples as 64-bit lanes, which section of which cascade works in which lane, and pairs of lanes as parts of
-// vectors. Read once for each instruction set, hence
-// the guard that toggles.
+// vectors. Read once for each instruction set, hence the guard that toggles.
 #if defined(TARVIK_BIQUAD_LANES) == defined(HWY_TARGET_TOGGLE)
 #ifdef TARVIK_BIQUAD_LANES
 #undef TARVIK_BIQUAD_LANES
