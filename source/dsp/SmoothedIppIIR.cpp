@@ -39,6 +39,7 @@ void SmoothedIppIIR<Sample, Coefs>::setAnalogue (const Polynomial& numerator, co
 {
     analogue.getWriteSlot() = { numerator, denominator };
     analogue.publish();
+    isDisturbed = true;
     work();
 }
 
@@ -46,6 +47,7 @@ template <typename Sample, typename Coefs>
 void SmoothedIppIIR<Sample, Coefs>::bringInCoefficients() noexcept
 {
     isBringInWanted = true;
+    isDisturbed = true;
     work();
 
     const auto hasToWait = isCrossfading.load() || hasWork();
@@ -123,6 +125,7 @@ void SmoothedIppIIR<Sample, Coefs>::doWorkLocked() noexcept
     {
         published.getWriteSlot() = coefs.taps;
         published.publish();
+        isDisturbed = true;
     }
 }
 
@@ -188,6 +191,7 @@ void SmoothedIppIIR<Sample, Coefs>::settle() noexcept
     bankRamp.snap();
     tailRamp.snap();
     isCrossfading = false;
+    isAtRest = false;
 
     const auto isNew = published.takeNewest();
 
@@ -208,10 +212,12 @@ bool SmoothedIppIIR<Sample, Coefs>::isOff() const noexcept
 }
 
 template <typename Sample, typename Coefs>
-bool SmoothedIppIIR<Sample, Coefs>::beginSlice() noexcept
+bool SmoothedIppIIR<Sample, Coefs>::beginDisturbedSlice() noexcept
 {
-    // Every slice of every filter comes here, and nearly always nothing waits. Looking is cheap; storing for other
-    // threads to see takes as long as filtering several samples, so it is done only where something changes.
+    isDisturbed.exchange (false); // first: what comes from now on disturbs the next slice
+
+    // Storing for other threads to see takes as long as filtering several samples, so it is done only where something
+    // changes.
     if (const auto thisThread = juce::Thread::getCurrentThreadId();
         processingThread.load (std::memory_order_relaxed) != thisThread)
         processingThread = thisThread;
@@ -235,7 +241,9 @@ bool SmoothedIppIIR<Sample, Coefs>::beginSlice() noexcept
     }
 
     noteCrossfading();
-    return ! isChanging() && onRamp.get().isIdle() && ! isOff();
+    const auto rests = ! isChanging() && onRamp.get().isIdle() && ! isOff();
+    isAtRest = rests && ! hasWork(); // else the lock was taken, and the next slice looks again
+    return rests;
 }
 
 template <typename Sample, typename Coefs>
@@ -243,18 +251,6 @@ void SmoothedIppIIR<Sample, Coefs>::noteCrossfading() noexcept
 {
     if (isCrossfading.load (std::memory_order_relaxed) != isChanging())
         isCrossfading = isChanging();
-}
-
-template <typename Sample, typename Coefs>
-std::span<BiquadCascade* const> SmoothedIppIIR<Sample, Coefs>::getBank (std::size_t bank) const noexcept
-{
-    return std::span (filterPointers).subspan (bank * numChannels, numChannels);
-}
-
-template <typename Sample, typename Coefs>
-std::span<BiquadCascade* const> SmoothedIppIIR<Sample, Coefs>::getActiveCascades() const noexcept
-{
-    return getBank (static_cast<std::size_t> (bankRamp.target));
 }
 
 template <typename Sample, typename Coefs>

@@ -63,7 +63,11 @@ public:
 
     /** Any thread: fades the whole filter in (true) or out (false) within 0.1 s. Faded out it costs nothing, hands its
         input through, and comes back from a clear delay line. */
-    void setOn (bool shouldBeOn) noexcept { onRamp.request (shouldBeOn ? 1.0 : 0.0); }
+    void setOn (bool shouldBeOn) noexcept
+    {
+        onRamp.request (shouldBeOn ? 1.0 : 0.0);
+        isDisturbed = true;
+    }
 
     /** Audio side, allocates. `sampleRate` in Hz; a rate other than the present one redesigns at once. Afterwards both
         banks are at rest on the newest design and the ramps at their targets; a ramp takes trunc (0.1 sampleRate)
@@ -82,10 +86,19 @@ public:
 
     /** Audio side, for callers that run several filters in one pass: takes what the control side has published, and
         says whether nothing moves, so that getActiveCascades() on the rows does exactly what process() would do. */
-    bool beginSlice() noexcept;
+    bool beginSlice() noexcept
+    {
+        // Every slice of every filter comes here, and nearly always nothing has happened since the last one.
+        const auto isSameThread =
+            processingThread.load (std::memory_order_relaxed) == juce::Thread::getCurrentThreadId();
+        return (isAtRest && isSameThread && ! isDisturbed.load (std::memory_order_acquire)) || beginDisturbedSlice();
+    }
 
     /** Audio side: the cascades of the bank in force, one per channel. */
-    std::span<BiquadCascade* const> getActiveCascades() const noexcept;
+    std::span<BiquadCascade* const> getActiveCascades() const noexcept
+    {
+        return getBank (static_cast<std::size_t> (bankRamp.target));
+    }
 
     /** Message thread. Never needed by the audio side. */
     void timerCallback() override;
@@ -106,13 +119,17 @@ private:
     void doWorkLocked() noexcept;
     bool isOff() const noexcept;
     void settle() noexcept;
+    bool beginDisturbedSlice() noexcept;
     void noteCrossfading() noexcept;
     void feed (Sample* const* rows, int begin, CascadePass& pass) noexcept;
     void finish (Sample* const* rows, int begin, int n) noexcept;
 
     bool isChanging() const noexcept { return ! (bankRamp.isIdle() && tailRamp.isIdle()); }
 
-    std::span<BiquadCascade* const> getBank (std::size_t bank) const noexcept;
+    std::span<BiquadCascade* const> getBank (std::size_t bank) const noexcept
+    {
+        return std::span (filterPointers).subspan (bank * numChannels, numChannels);
+    }
 
     Coefs coefs; ///< under its design lock
 
@@ -120,11 +137,13 @@ private:
     TripleBuffer<Analogue> analogue;
     std::atomic<bool> isBringInWanted { false };
     TripleBuffer<typename Coefs::Taps> published;
+    std::atomic<bool> isDisturbed { true };                           ///< one of the above, or onRamp, has news
     std::atomic<bool> isCrossfading { false };                        ///< tail included; written by the audio side
     std::atomic<bool> isRetrying { false };                           ///< the timer runs
     std::atomic<juce::Thread::ThreadID> processingThread { nullptr }; ///< the last one in process()
 
     // Audio side.
+    bool isAtRest = false;                      ///< unless disturbed
     std::vector<BiquadCascade> filters;         ///< bank 0 of every channel, then bank 1 of every channel
     std::vector<BiquadCascade*> filterPointers; ///< to each of `filters`
     SharedRamp<LinearRamp> onRamp { 1.0 };
