@@ -7,6 +7,7 @@ import shutil
 import sys
 
 import ardour_audio
+import ardour_editor
 import audio
 from checks import check, finish, home, render, run
 
@@ -162,6 +163,9 @@ third = export("first", environment)
 for track in ("mono", "stereo"):
     worst = max(audio.difference(wet, dry) for wet, dry in zip(part(third, track), placed[track][1] * 2))
     check(worst < EQUAL_DB, f"bypassed '{track}' is the dry signal in time: difference {worst:.1f} dB")
+
+# The window.
+ardour_editor.check_editor(folder, "first", environment)
 
 # Latency without oversampling, and at the highest factor.
 for factor, latency in (("1", "0"), ("16", str(LATENCY))):
