@@ -21,7 +21,8 @@ def finish():
 def home(folder, settings):
     """An environment in which host and plug-in find nothing but what the check puts there. `settings` are the plug-in's
     defaults for new instances."""
-    environment = dict(os.environ, HOME=folder)
+    # Without a DISPLAY the plug-in's windowing library would join whatever screen :0 is, and end with it.
+    environment = dict(os.environ, HOME=folder, DISPLAY=":65000")
     for variable, below in (("XDG_CONFIG_HOME", ".config"), ("XDG_CACHE_HOME", ".cache"), ("XDG_DATA_HOME", ".local/share")):
         environment[variable] = os.path.join(folder, below)
         os.makedirs(environment[variable], exist_ok=True)
