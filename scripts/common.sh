@@ -2,7 +2,7 @@
 
 # What the module and the offline host are built from.
 build_packages="g++ cmake ninja-build pkg-config juce-modules-source libhwy-dev libarmadillo-dev liblapack-dev libblas-dev
-    libgfortran-12-dev libflac-dev libvorbis-dev libogg-dev"
+    libgfortran-12-dev libflac-dev libvorbis-dev libogg-dev libjack-jackd2-dev"
 
 # Installs those Debian packages of the arguments that are missing; says what to type where that takes another user.
 ensure_packages()

@@ -19,7 +19,9 @@ struct TaskWord
 };
 
 /** Words that say, in first place or behind the module's, what is to be done; without one of them a file is rendered. */
-constexpr TaskWord taskWords[] = { { "render", Task::render }, { "list", Task::list }, { "plot", Task::plot } };
+constexpr TaskWord taskWords[] = {
+    { "render", Task::render }, { "batch", Task::batch }, { "list", Task::list }, { "plot", Task::plot }
+};
 
 constexpr const char* moduleOption = "--module";
 
@@ -61,7 +63,8 @@ public:
     /** True if the argument is an option with a value. */
     bool takesValue (const juce::String& option) const
     {
-        return option == "--set" || option == "--block" || option == "--bits" || textOf (option) != nullptr;
+        return option == "--set" || option == "--block" || option == "--bits" || option == "--jobs"
+               || textOf (option) != nullptr;
     }
 
     void take (const juce::String& option, const juce::String& value)
@@ -84,6 +87,8 @@ public:
             line.blockSize = wholeNumber (option, value, 1, CommandLine::largestBlockSize);
         else if (option == "--bits")
             line.bitDepth = bits (value);
+        else if (option == "--jobs")
+            line.numJobs = wholeNumber (option, value, 1, CommandLine::mostJobs);
         else
             *textOf (option) = value;
     }
@@ -100,7 +105,7 @@ private:
         const std::pair<const char*, juce::String*> texts[] = {
             { moduleOption, &line.modulePath }, { "--sidechain", &line.sidechainPath },
             { "--state", &line.loadStatePath }, { "--save-state", &line.saveStatePath },
-            { "--program", &line.program },
+            { "--program", &line.program },     { "--from", &line.batchListPath },
         };
 
         for (const auto& [name, text] : texts)
@@ -127,12 +132,26 @@ void takePositional (CommandLine& line, const juce::String& argument)
     if (argument.isEmpty())
         throw ToolError ("a file name is empty");
 
-    if (line.inputPath.isEmpty())
+    if (line.task == Task::batch)
+        line.batchInputs.add (argument);
+    else if (line.inputPath.isEmpty())
         line.inputPath = argument;
     else if (line.outputPath.isEmpty())
         line.outputPath = argument;
     else
         throw ToolError ("there is one file too many: '" + argument + "'");
+}
+
+/** A batch's last word is its folder. */
+void arrangeBatch (CommandLine& line)
+{
+    const auto numInputs = line.batchInputs.size() - 1;
+
+    if (numInputs < 0 || (numInputs == 0 && line.batchListPath.isEmpty()))
+        throw ToolError ("input files, or folders of them, and an output folder are wanted (see --help)");
+
+    line.outputPath = line.batchInputs[numInputs];
+    line.batchInputs.remove (numInputs);
 }
 
 /** A plot's first word is its kind, the second a folder. */
@@ -176,6 +195,10 @@ CommandLine parseCommandLine (const juce::StringArray& arguments)
         {
             onlyFiles = true;
         }
+        else if (argument == "--overwrite")
+        {
+            line.overwrites = true;
+        }
         else if (const auto* const task = findTask (taskOptions, argument))
         {
             line.task = task->task;
@@ -197,6 +220,11 @@ CommandLine parseCommandLine (const juce::StringArray& arguments)
         throw ToolError (line.inputPath.isEmpty() ? "an input and an output file are wanted (see --help)"
                                                   : "an output file is wanted behind the input (see --help)");
 
+    if (line.task == Task::batch)
+        arrangeBatch (line);
+    else if (line.overwrites || line.numJobs > 0 || line.batchListPath.isNotEmpty())
+        throw ToolError ("--overwrite, --jobs and --from are for a batch (see --help)");
+
     if (line.task == Task::plot)
         arrangePlot (line, options.saysOnlyModule());
 
@@ -204,37 +232,6 @@ CommandLine parseCommandLine (const juce::StringArray& arguments)
         throw ToolError ("a list wants no file: '" + line.inputPath + "'");
 
     return line;
-}
-
-const char* usageText()
-{
-    return R"(Sends a recording through the built VST3 module, as a host would, and writes what comes back.
-
-  tarvik41-render [render] [OPTIONS] INPUT OUTPUT
-  tarvik41-render list [--module FILE]
-  tarvik41-render plot KIND [FOLDER] [--module FILE]
-
-INPUT is a WAV, FLAC or AIFF file, mono or stereo, of any rate and length. OUTPUT becomes a WAV file of the same length,
-with the module's latency taken out. It appears when it is complete, and not at all after an error.
-
-  --program NAME     start from a factory program, by its name or its number
-  --set ID=TEXT      set a parameter in its own units, as often as wanted: --set gain=6 --set "compMix=47 %"
-  --sidechain FILE   feed the side chain, from a file of the input's rate; silence follows its end
-  --state FILE       start from a .vstpreset
-  --save-state FILE  write the settings that were rendered with as a .vstpreset
-  --block N          samples for each call of the module, 1 to 65536 (512)
-  --bits 24|32       24-bit, or 32-bit floating point (32)
-  --module FILE      the .vst3 bundle, instead of the one beside this program, of its build, or installed
-  --list             the same as "list": the module's parameters, programs, buses and latency
-  --version, --help
-
-A plot measures the module, draws what it finds as SVG files into FOLDER, and prints figures. KIND is eq, compressor,
-expander, saturation, or all of them; or errors, a table of the equaliser's deviations, without a folder. It takes no
-settings: noise is off, the user's defaults do not count.
-
-However they are ordered: the state is loaded first, then the program, then each --set from left to right. A file whose
-name begins with a dash goes behind "--". Exit status: 0, or 2 after an error, which is told in one line.
-)";
 }
 
 } // namespace tarvik

@@ -12,6 +12,7 @@ struct CommandLine
     enum class Task
     {
         render,
+        batch,
         list,
         plot,
         help,
@@ -20,11 +21,16 @@ struct CommandLine
 
     static constexpr int defaultBlockSize = 512;
     static constexpr int largestBlockSize = 65536;
+    static constexpr int mostJobs = 256;
 
     Task task = Task::render;
-    juce::String inputPath, outputPath;
-    juce::String plotKind;   ///< What is to be drawn, into the folder `outputPath`; only for `Task::plot`.
-    juce::String modulePath; ///< Empty: look in the usual places.
+    juce::String inputPath, outputPath; ///< Of a batch the output is a folder.
+    juce::StringArray batchInputs;      ///< Files and folders, as they were given.
+    juce::String batchListPath;         ///< A text file that names more of them, empty for none.
+    bool overwrites = false;            ///< A batch makes anew what is already in its folder.
+    int numJobs = 0;                    ///< Files of a batch that are rendered at the same time; 0: one for each core.
+    juce::String plotKind;              ///< What is to be drawn, into the folder `outputPath`; only for `Task::plot`.
+    juce::String modulePath;            ///< Empty: look in the usual places.
     juce::String sidechainPath;
     juce::String loadStatePath, saveStatePath;
     juce::String program;          ///< A name or a number, empty for none.

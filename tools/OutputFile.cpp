@@ -4,6 +4,7 @@
 #include "tools/ToolError.h"
 
 #include <filesystem>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace tarvik
@@ -24,6 +25,16 @@ juce::File resolved (const juce::File& file)
 
 juce::File fileAt (const juce::String& path) { return juce::File::getCurrentWorkingDirectory().getChildFile (path); }
 
+juce::String identityOf (const juce::File& file)
+{
+    struct stat status = {};
+
+    if (::stat (file.getFullPathName().toRawUTF8(), &status) == 0)
+        return juce::String (status.st_dev) + ":" + juce::String (status.st_ino);
+
+    return resolved (file).getFullPathName();
+}
+
 OutputFile::OutputFile (const juce::String& path) : wantedPath (path), target (resolved (fileAt (path)))
 {
     std::error_code error;
@@ -37,26 +48,27 @@ OutputFile::OutputFile (const juce::String& path) : wantedPath (path), target (r
     if (! folder.isDirectory())
         throwWriteError ("there is no folder '" + folder.getFullPathName() + "'");
 
-    const auto name = "." + target.getFileName() + "." + juce::String (::getpid()) + ".part";
-    hidden = folder.getChildFile (name).getNonexistentSibling();
+    hidden = hiddenFor (::getpid());
 }
+
+juce::File OutputFile::hiddenFor (int processID) const
+{
+    return target.getSiblingFile ("." + target.getFileName() + "." + juce::String (processID) + ".part");
+}
+
+void OutputFile::removeLeftOver (int processID) const { hiddenFor (processID).deleteFile(); }
 
 OutputFile::~OutputFile() { hidden.deleteFile(); }
 
 void OutputFile::refuseSameFileAs (const juce::String& otherPath, const char* what) const
 {
-    if (otherPath.isEmpty())
-        return;
-
-    const auto other = fileAt (otherPath);
-    std::error_code error;
-
-    if (resolved (other) == target || std::filesystem::equivalent (pathOf (other), pathOf (target), error))
+    if (otherPath.isNotEmpty() && identityOf (fileAt (otherPath)) == identityOf (target))
         throwWriteError ("it is " + juce::String (what));
 }
 
 std::unique_ptr<juce::FileOutputStream> OutputFile::open()
 {
+    hidden.deleteFile(); // of a process of this number that died; a stream would append to it
     auto stream = hidden.createOutputStream();
 
     if (stream == nullptr)

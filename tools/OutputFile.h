@@ -29,17 +29,25 @@ public:
     /** Gives the file its name, in place of one that had it before. Throws `ToolError` if that fails. */
     void commit();
 
+    /** Deletes what another process that was to write this file has left half-written, if it came to a sudden end. */
+    void removeLeftOver (int processID) const;
+
     const juce::String& path() const { return wantedPath; }
 
     /** For any step of the writing that failed. */
     [[noreturn]] void throwWriteError (const juce::String& reason) const;
 
 private:
+    juce::File hiddenFor (int processID) const;
+
     const juce::String wantedPath;
     juce::File target, hidden;
 };
 
 /** The file that a user's path means, seen from the present folder. */
 juce::File fileAt (const juce::String& path);
+
+/** A text that two paths have in common if they lead to the same file, over links of either kind. */
+juce::String identityOf (const juce::File& file);
 
 } // namespace tarvik

@@ -20,6 +20,10 @@ constexpr int idLength = 4;
 constexpr int classIDStart = 8;
 constexpr int classIDLength = 32;
 constexpr int headerLength = 48;
+constexpr const char* presetMagic = "VST3";
+constexpr const char* bareMagic = "VC2!"; ///< In front of every document that JUCE keeps as a component's state.
+constexpr const char* listName = "List";
+constexpr const char* componentName = "Comp";
 constexpr juce::int64 largestFile = 1 << 24; ///< Far above any real one.
 
 struct Chunk
@@ -40,7 +44,7 @@ std::optional<Chunk> findComponentState (const juce::MemoryBlock& preset)
 
     const auto total = stream.getTotalLength();
 
-    if (total < headerLength || readID() != "VST3")
+    if (total < headerLength || readID() != presetMagic)
         return {};
 
     stream.setPosition (classIDStart + classIDLength);
@@ -51,7 +55,7 @@ std::optional<Chunk> findComponentState (const juce::MemoryBlock& preset)
 
     stream.setPosition (listStart);
 
-    if (readID() != "List")
+    if (readID() != listName)
         return {};
 
     for (auto count = stream.readInt(); count > 0 && ! stream.isExhausted(); --count)
@@ -60,7 +64,7 @@ std::optional<Chunk> findComponentState (const juce::MemoryBlock& preset)
         const auto start = stream.readInt64();
         const auto length = stream.readInt64();
 
-        if (id == "Comp" && start >= headerLength && length > 0 && start <= total && length <= total - start)
+        if (id == componentName && start >= headerLength && length > 0 && start <= total && length <= total - start)
             return Chunk { start, length };
     }
 
@@ -74,6 +78,29 @@ bool holdsProject (const juce::MemoryBlock& preset, const Chunk& chunk)
     const auto xml = juce::AudioProcessor::getXmlFromBinary (state, static_cast<int> (chunk.length));
     return xml != nullptr && xml->hasTagName (stateSchema::root);
 }
+
+bool startsWith (const juce::MemoryBlock& block, const char* magic)
+{
+    return block.getSize() >= idLength && std::memcmp (block.getData(), magic, idLength) == 0;
+}
+
+/** A .vstpreset with nothing in it but a component's state. */
+juce::MemoryBlock framed (const juce::MemoryBlock& state, const juce::String& classID)
+{
+    const auto length = static_cast<juce::int64> (state.getSize());
+    juce::MemoryOutputStream stream;
+    stream.write (presetMagic, idLength);
+    stream.writeInt (1);
+    stream.write (classID.toRawUTF8(), classIDLength);
+    stream.writeInt64 (headerLength + length);
+    stream.write (state.getData(), state.getSize());
+    stream.write (listName, idLength);
+    stream.writeInt (1);
+    stream.write (componentName, idLength);
+    stream.writeInt64 (headerLength);
+    stream.writeInt64 (length);
+    return stream.getMemoryBlock();
+}
 } // namespace
 
 juce::String classIDOfPreset (const juce::MemoryBlock& preset)
@@ -85,7 +112,7 @@ juce::String classIDOfPreset (const juce::MemoryBlock& preset)
     return { digits, static_cast<std::size_t> (classIDLength) };
 }
 
-juce::MemoryBlock readPresetFile (const juce::String& path, const juce::String& classID)
+juce::MemoryBlock readStateFile (const juce::String& path, const juce::String& classID)
 {
     const auto fail = [&path] (const char* reason)
     { throw ToolError ("cannot load the state '" + path + "': " + juce::String (reason)); };
@@ -98,12 +125,13 @@ juce::MemoryBlock readPresetFile (const juce::String& path, const juce::String& 
     juce::MemoryBlock preset;
 
     if (file.getSize() > largestFile || ! file.loadFileAsData (preset))
-        fail (file.getSize() > largestFile ? "it is too large for a .vstpreset" : "it cannot be read");
+        fail (file.getSize() > largestFile ? "it is too large for a saved state" : "it cannot be read");
 
-    constexpr const char* magic = "VST3";
+    if (startsWith (preset, bareMagic))
+        preset = framed (preset, classID);
 
-    if (preset.getSize() < headerLength || std::memcmp (preset.getData(), magic, idLength) != 0)
-        fail ("it is no .vstpreset");
+    if (preset.getSize() < headerLength || ! startsWith (preset, presetMagic))
+        fail ("it is no .vstpreset and no component's state");
 
     if (! classIDOfPreset (preset).equalsIgnoreCase (classID))
         fail ("it was saved from another plug-in");
@@ -116,14 +144,21 @@ juce::MemoryBlock readPresetFile (const juce::String& path, const juce::String& 
     return preset;
 }
 
-void writePresetFile (OutputFile& file, const juce::MemoryBlock& preset)
+void writeStateFile (OutputFile& file, const juce::MemoryBlock& preset)
 {
+    const auto isPreset = file.path().endsWithIgnoreCase (".vstpreset");
+    const auto bare = findComponentState (preset);
+
+    if (! isPreset && ! bare)
+        file.throwWriteError ("the module gives no state");
+
+    const auto part = isPreset ? Chunk { 0, static_cast<juce::int64> (preset.getSize()) } : *bare;
     const auto stream = file.open();
-    const auto isWritten = stream->write (preset.getData(), preset.getSize());
+    const auto isWritten = stream->write (static_cast<const char*> (preset.getData()) + part.start,
+                                          static_cast<std::size_t> (part.length));
     stream->flush();
 
-    if (! isWritten || stream->getStatus().failed()
-        || stream->getFile().getSize() != static_cast<juce::int64> (preset.getSize()))
+    if (! isWritten || stream->getStatus().failed() || stream->getFile().getSize() != part.length)
         file.throwWriteError ("the disk fails");
 }
 

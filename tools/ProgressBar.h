@@ -4,49 +4,66 @@
 #include <juce_core/juce_core.h>
 
 #include <cstdio>
+#include <functional>
 #include <unistd.h>
 
 namespace tarvik
 {
 
-/** A bar on the terminal's error stream while a file is worked on; nothing at all where that stream is no terminal. */
+/** Takes how many of how many steps are done. */
+using ShowProgress = std::function<void (juce::int64 doneSteps, juce::int64 totalSteps)>;
+
+constexpr int wholePerCent = 100;
+
+inline int perCentOf (juce::int64 doneSteps, juce::int64 totalSteps)
+{
+    return totalSteps > 0 ? static_cast<int> (doneSteps * wholePerCent / totalSteps) : wholePerCent;
+}
+
+/** A bar on the terminal's error stream while there is work; nothing at all where that stream is no terminal. */
 class ProgressBar
 {
 public:
-    explicit ProgressBar (juce::int64 totalSteps) : total (totalSteps), isShown (::isatty (STDERR_FILENO) != 0) {}
+    ProgressBar() = default;
 
-    ~ProgressBar()
-    {
-        constexpr const char* eraseLine = "\r\x1b[K";
-
-        if (isShown)
-            std::fputs (eraseLine, stderr);
-    }
+    ~ProgressBar() { erase(); }
 
     ProgressBar (const ProgressBar&) = delete;
     ProgressBar& operator= (const ProgressBar&) = delete;
 
-    void show (juce::int64 doneSteps)
+    /** Makes room for other lines on the terminal; the next `show` draws the bar again. */
+    void erase()
     {
-        constexpr int wholePerCent = 100;
-        constexpr int perCentPerMark = 2;
-        const auto perCent = total > 0 ? static_cast<int> (doneSteps * wholePerCent / total) : wholePerCent;
+        constexpr const char* eraseLine = "\r\x1b[K";
 
-        if (! isShown || perCent == lastPerCent)
+        if (! isShown || lastPerCent < 0)
+            return;
+
+        std::fputs (eraseLine, stderr);
+        std::fflush (stderr);
+        lastPerCent = -1;
+    }
+
+    void show (int perCent, const juce::String& label = {})
+    {
+        constexpr int perCentPerMark = 2;
+
+        if (! isShown || (perCent == lastPerCent && label == lastLabel))
             return;
 
         lastPerCent = perCent;
+        lastLabel = label;
         const auto marks = perCent / perCentPerMark;
         const auto bar = juce::String::repeatedString ("#", marks)
                          + juce::String::repeatedString (".", wholePerCent / perCentPerMark - marks);
-        std::fprintf (stderr, "\r[%s] %3d %%", bar.toRawUTF8(), perCent);
+        std::fprintf (stderr, "\r[%s] %3d %%  %s", bar.toRawUTF8(), perCent, label.toRawUTF8());
         std::fflush (stderr);
     }
 
 private:
-    const juce::int64 total;
-    const bool isShown;
-    int lastPerCent = -1;
+    const bool isShown = ::isatty (STDERR_FILENO) != 0;
+    int lastPerCent = -1; ///< Negative: the line is empty.
+    juce::String lastLabel;
 };
 
 } // namespace tarvik

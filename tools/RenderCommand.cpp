@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/RenderCommand.h"
 
-#include "plugin/ParameterTable.h"
 #include "tools/AudioFile.h"
 #include "tools/Interruption.h"
-#include "tools/ParameterArguments.h"
 #include "tools/PresetFile.h"
 #include "tools/RenderRun.h"
+#include "tools/RenderSettings.h"
 #include "tools/ToolError.h"
 
 #include <iostream>
+#include <limits>
 #include <optional>
 
 namespace tarvik
@@ -17,28 +17,22 @@ namespace tarvik
 
 namespace
 {
-void printLine (const char* subject, const juce::String& text)
-{
-    constexpr int subjectWidth = 16;
-    std::cout << juce::String (subject).paddedRight (' ', subjectWidth) << text << '\n';
-}
-
 juce::String decibels (double value, const char* unit)
 {
     return (std::isfinite (value) ? juce::String (value, 2) : juce::String ("-inf")).paddedLeft (' ', 7) + " " + unit;
 }
 
-void printLevels (const char* subject, const std::vector<ChannelLevels>& channels)
+void reportLevels (std::ostream& report, const char* subject, const std::vector<ChannelLevels>& channels)
 {
     for (std::size_t c = 0; c < channels.size(); ++c)
     {
         const auto name = channels.size() == 1 ? "mono" : c == 0 ? "left" : "right";
         const auto bad = channels[c].badSamples();
 
-        printLine (c == 0 ? subject : "",
-                   juce::String (name).paddedRight (' ', 7) + "peak " + decibels (channels[c].peakDbfs(), "dBFS")
-                       + ", RMS " + decibels (channels[c].rmsDbfs(), "dBFS")
-                       + (bad > 0 ? ", " + juce::String (bad) + " samples are no numbers" : juce::String()));
+        reportLine (report, c == 0 ? subject : "",
+                    juce::String (name).paddedRight (' ', 7) + "peak " + decibels (channels[c].peakDbfs(), "dBFS")
+                        + ", RMS " + decibels (channels[c].rmsDbfs(), "dBFS")
+                        + (bad > 0 ? ", " + juce::String (bad) + " samples are no numbers" : juce::String()));
     }
 }
 
@@ -47,17 +41,6 @@ juce::String describeAudio (const AudioFileReader& audio)
     return juce::String (audio.sampleRate(), 0) + " Hz, " + (audio.numChannels() == 1 ? "mono" : "stereo") + ", "
            + juce::String (audio.length()) + " samples ("
            + juce::String (static_cast<double> (audio.length()) / audio.sampleRate(), 3) + " s)";
-}
-
-/** The settings from the command line, checked before the module is touched. */
-std::vector<ParameterSetting> parseSettings (const juce::StringArray& assignments)
-{
-    std::vector<ParameterSetting> settings;
-
-    for (const auto& assignment : assignments)
-        settings.push_back (parseParameterSetting (assignment));
-
-    return settings;
 }
 
 /** The file to write the state to; every other file of the run must be another one. */
@@ -72,32 +55,11 @@ std::unique_ptr<OutputFile> stateOutput (const CommandLine& line)
     file->refuseSameFileAs (line.sidechainPath, "the side chain's file");
     return file;
 }
-
-void configure (ModuleHost& host, const CommandLine& line, const std::vector<ParameterSetting>& settings)
-{
-    const auto program = line.program.isEmpty() ? -1 : host.findProgram (line.program);
-
-    if (line.loadStatePath.isNotEmpty())
-        host.loadPreset (readPresetFile (line.loadStatePath, classIDOfPreset (host.savePreset())));
-
-    if (program >= 0)
-    {
-        host.selectProgram (program);
-        printLine ("program", host.programNames()[program]);
-    }
-
-    for (const auto& setting : settings)
-    {
-        host.setParameter (setting.index, setting.normalised);
-        printLine ("set", juce::String (parameterTable()[static_cast<std::size_t> (setting.index)].id) + " = "
-                              + withUnit (setting.index, host.parameterText (setting.index)));
-    }
-}
 } // namespace
 
-void renderFile (const CommandLine& line)
+RenderFigures renderFile (const CommandLine& line, std::ostream& report, const ShowProgress& showProgress)
 {
-    const auto settings = parseSettings (line.assignments);
+    const RenderSettings settings (line);
 
     AudioFileReader input (line.inputPath);
     std::optional<AudioFileReader> sidechain;
@@ -122,21 +84,21 @@ void renderFile (const CommandLine& line)
     noteTerminationSignals();
 
     ModuleHost host (bundle);
-    printLine ("module", host.versionText() + ", " + bundle.getFullPathName());
-    printLine ("input", line.inputPath + ", " + describeAudio (input));
+    reportLine (report, "module", host.versionText() + ", " + bundle.getFullPathName());
+    reportLine (report, "input", line.inputPath + ", " + describeAudio (input));
 
     if (sidechain)
-        printLine ("side chain", line.sidechainPath + ", " + describeAudio (*sidechain));
+        reportLine (report, "side chain", line.sidechainPath + ", " + describeAudio (*sidechain));
 
     host.setLayout (input.numChannels(), sidechain.has_value());
-    configure (host, line, settings);
+    settings.apply (host, report);
 
     if (stateFile != nullptr)
-        writePresetFile (*stateFile, host.savePreset());
+        writeStateFile (*stateFile, host.savePreset());
 
     AudioFileWriter writer (output, input.sampleRate(), input.numChannels(), line.bitDepth);
     RenderRun run (host, input, sidechain ? &*sidechain : nullptr, writer);
-    run.perform (line.blockSize);
+    run.perform (line.blockSize, showProgress);
     writer.finish();
     throwIfInterrupted();
 
@@ -145,20 +107,46 @@ void renderFile (const CommandLine& line)
     if (stateFile != nullptr)
     {
         stateFile->commit();
-        printLine ("state", stateFile->path());
+        reportLine (report, "state", stateFile->path());
     }
 
-    printLine ("output", output.path() + ", " + (line.bitDepth == 24 ? "24-bit" : "32-bit float") + " WAV");
-    printLevels ("level in", run.inputLevels());
-    printLevels ("level out", run.outputLevels());
+    reportLine (report, "output", output.path() + ", " + (line.bitDepth == 24 ? "24-bit" : "32-bit float") + " WAV");
+    reportLevels (report, "level in", run.inputLevels());
+    reportLevels (report, "level out", run.outputLevels());
 
     if (writer.clippedSamples() > 0)
-        printLine ("clipped", juce::String (writer.clippedSamples()) + " samples were beyond full scale");
+        reportLine (report, "clipped", juce::String (writer.clippedSamples()) + " samples were beyond full scale");
 
-    printLine ("gain reduction", decibels (static_cast<double> (run.largestGainReductionDb()), "dB at most").trim());
-    printLine ("latency", juce::String (host.latency()) + " samples, compensated");
-    printLine ("speed", juce::String (run.timesRealTime(), 1) + " times real time, in blocks of "
-                            + juce::String (line.blockSize) + " samples");
+    reportLine (report, "gain reduction",
+                decibels (static_cast<double> (run.largestGainReductionDb()), "dB at most").trim());
+    reportLine (report, "latency", juce::String (host.latency()) + " samples, compensated");
+    reportLine (report, "speed",
+                juce::String (run.timesRealTime(), 1) + " times real time, in blocks of "
+                    + juce::String (line.blockSize) + " samples");
+
+    RenderFigures figures { -std::numeric_limits<double>::infinity(), run.timesRealTime(), writer.clippedSamples(), 0 };
+
+    for (const auto& channel : run.outputLevels())
+    {
+        figures.peakDbfs = std::max (figures.peakDbfs, channel.peakDbfs());
+        figures.badSamples += channel.badSamples();
+    }
+
+    return figures;
+}
+
+void renderOneFile (const CommandLine& line)
+{
+    ProgressBar bar;
+
+    renderFile (line, std::cout,
+                [&bar] (juce::int64 done, juce::int64 total)
+                {
+                    bar.show (perCentOf (done, total));
+
+                    if (done == total)
+                        bar.erase(); // the rest of the report follows
+                });
 }
 
 } // namespace tarvik

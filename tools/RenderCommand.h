@@ -2,13 +2,28 @@
 #pragma once
 
 #include "tools/CommandLine.h"
+#include "tools/ProgressBar.h"
+
+#include <ostream>
 
 namespace tarvik
 {
 
-/** Sends the input file through the module into the output file, and prints what was done. Throws `ToolError`, or
-    `Interrupted`; then there is no output file.
+/** What a render's output is worth knowing in one line. */
+struct RenderFigures
+{
+    double peakDbfs = 0.0; ///< Of the louder channel.
+    double timesRealTime = 0.0;
+    juce::int64 clippedSamples = 0; ///< Held at full scale, at 24 bits.
+    juce::int64 badSamples = 0;     ///< No numbers.
+};
+
+/** Sends the input file through the module into the output file, and reports what was done. On JUCE's message thread,
+    which then loads the module. Throws `ToolError`, or `Interrupted`; then there is no output file.
 */
-void renderFile (const CommandLine& line);
+RenderFigures renderFile (const CommandLine& line, std::ostream& report, const ShowProgress& showProgress);
+
+/** The same for the only file of a command, with the report on the output and a bar on a terminal. */
+void renderOneFile (const CommandLine& line);
 
 } // namespace tarvik

@@ -2,7 +2,6 @@
 #include "tools/RenderRun.h"
 
 #include "tools/Interruption.h"
-#include "tools/ProgressBar.h"
 
 #include <algorithm>
 
@@ -16,7 +15,7 @@ RenderRun::RenderRun (ModuleHost& moduleHost, AudioFileReader& input, AudioFileR
 {
 }
 
-void RenderRun::perform (int blockSize)
+void RenderRun::perform (int blockSize, const ShowProgress& showProgress)
 {
     const auto startMs = juce::Time::getMillisecondCounterHiRes();
     block.setSize (side != nullptr ? 2 * numMain : numMain, blockSize);
@@ -28,7 +27,6 @@ void RenderRun::perform (int blockSize)
 
     const juce::int64 latency = host.latency();
     const auto total = main.length() > 0 ? main.length() + latency : 0;
-    ProgressBar bar (total);
 
     for (juce::int64 position = 0; position < total; position += blockSize)
     {
@@ -48,7 +46,7 @@ void RenderRun::perform (int blockSize)
 
         const auto numTooEarly = static_cast<int> (std::clamp<juce::int64> (latency - position, 0, n));
         writeBlock (numTooEarly, n - numTooEarly);
-        bar.show (position + n);
+        showProgress (position + n, total);
     }
 
     constexpr double millisecondsPerSecond = 1000.0;

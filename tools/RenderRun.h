@@ -4,6 +4,7 @@
 #include "tools/AudioFile.h"
 #include "tools/Levels.h"
 #include "tools/ModuleHost.h"
+#include "tools/ProgressBar.h"
 
 #include <vector>
 
@@ -18,10 +19,10 @@ public:
     RenderRun (ModuleHost& moduleHost, AudioFileReader& input, AudioFileReader* sidechain, AudioFileWriter& output);
 
     /** Writes as many samples as the input has, each beside the one that it came from: behind the input follows silence
-        for as long as the module delays, and what comes out first is left away. Shows a bar on a terminal. Throws
-        `ToolError` or `Interrupted`.
+        for as long as the module delays, and what comes out first is left away. `showProgress` is told of every block.
+        Throws `ToolError` or `Interrupted`.
     */
-    void perform (int blockSize);
+    void perform (int blockSize, const ShowProgress& showProgress);
 
     const std::vector<ChannelLevels>& inputLevels() const { return levelsIn; }
 

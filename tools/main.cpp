@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/BatchCommand.h"
 #include "tools/CommandLine.h"
 #include "tools/Interruption.h"
 #include "tools/ListCommand.h"
@@ -9,6 +10,7 @@
 #include <juce_events/juce_events.h>
 
 #include <iostream>
+#include <optional>
 
 namespace
 {
@@ -28,7 +30,10 @@ void perform (const tarvik::CommandLine& line)
     switch (line.task)
     {
         case Task::render:
-            tarvik::renderFile (line);
+            tarvik::renderOneFile (line);
+            break;
+        case Task::batch:
+            tarvik::renderBatch (line);
             break;
         case Task::list:
             tarvik::listModule (line);
@@ -47,12 +52,17 @@ void perform (const tarvik::CommandLine& line)
 
 int run (const juce::StringArray& arguments)
 {
-    // Hosted modules want JUCE's message thread to be known; no loop has to run.
-    const juce::ScopedJuceInitialiser_GUI juceLibrary;
-
     try
     {
-        perform (tarvik::parseCommandLine (arguments));
+        const auto line = tarvik::parseCommandLine (arguments);
+        std::optional<juce::ScopedJuceInitialiser_GUI> juceLibrary;
+
+        // Hosted modules want JUCE's message thread to be known; no loop has to run. A batch loads modules in processes
+        // of its own only, and those begin best without what JUCE would share between them.
+        if (line.task != tarvik::CommandLine::Task::batch)
+            juceLibrary.emplace();
+
+        perform (line);
         return 0;
     }
     catch (const std::exception& error)

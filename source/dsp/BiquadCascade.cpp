@@ -31,21 +31,14 @@ void BiquadCascade::clear() noexcept
     sections.s2.fill (0.0);
 }
 
-void BiquadCascade::processPlain (float* row, int n) noexcept
+void BiquadCascade::processPlain (float* row, int n) noexcept { processPlainInTurn (*this, nullptr, row, n); }
+
+void processPlainInTurn (BiquadCascade& first, BiquadCascade* second, float* row, int n) noexcept
 {
     for (int i = 0; i < n; ++i)
     {
-        auto x = static_cast<double> (row[i]);
-
-        for (std::size_t s = 0; s < static_cast<std::size_t> (numSections); ++s)
-        {
-            const auto y = sections.b0[s] * x + sections.s1[s];
-            sections.s1[s] = (sections.b1[s] * x + sections.s2[s]) - sections.a1[s] * y;
-            sections.s2[s] = sections.b2[s] * x - sections.a2[s] * y;
-            x = y;
-        }
-
-        row[i] = static_cast<float> (x);
+        const auto x = first.step (static_cast<double> (row[i]));
+        row[i] = static_cast<float> (second != nullptr ? second->step (x) : x);
     }
 }
 
@@ -97,7 +90,7 @@ void processInTurn (std::span<BiquadCascade* const> first, std::span<BiquadCasca
             return;
     }
 
-    processSideBySide (first, rows, n);
-    processSideBySide (second, rows, n);
+    for (std::size_t row = 0; row < first.size(); ++row)
+        processPlainInTurn (*first[row], second[row], rows[row], n);
 }
 } // namespace tarvik

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <span>
 
 namespace tarvik
@@ -34,6 +35,20 @@ public:
 
     int getNumSections() const noexcept { return numSections; }
 
+    /** One sample through all sections. */
+    double step (double x) noexcept
+    {
+        for (std::size_t s = 0; s < static_cast<std::size_t> (numSections); ++s)
+        {
+            const auto y = sections.b0[s] * x + sections.s1[s];
+            sections.s1[s] = (sections.b1[s] * x + sections.s2[s]) - sections.a1[s] * y;
+            sections.s2[s] = sections.b2[s] * x - sections.a2[s] * y;
+            x = y;
+        }
+
+        return x;
+    }
+
     /** Filters n samples in place, sample by sample and section by section. */
     void processPlain (float* row, int n) noexcept;
 
@@ -61,9 +76,12 @@ private:
     by row. */
 void processSideBySide (std::span<BiquadCascade* const> cascades, float* const* rows, int n) noexcept;
 
-/** Filters rows of n samples in place, each through two cascades in turn: row i through *first[i], is rounded to float,
-    and goes on through *second[i]. Same bits as the one after the other, in a single pass where both cascades of all
-    rows (one or two) are two and four sections long. */
+/** Filters n samples in place, each through `first` and, unless that is null, on through `second`, where it arrives
+    with all its 64 bits. */
+void processPlainInTurn (BiquadCascade& first, BiquadCascade* second, float* row, int n) noexcept;
+
+/** The same for rows, row i through *first[i] and *second[i], in a single pass where both cascades of all rows (one or
+    two) are two and four sections long. Same bits as processPlainInTurn(). */
 void processInTurn (std::span<BiquadCascade* const> first, std::span<BiquadCascade* const> second, float* const* rows,
                     int n) noexcept;
 } // namespace tarvik

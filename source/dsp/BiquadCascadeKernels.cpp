@@ -4,12 +4,17 @@
 
 #include "dsp/BiquadCascadeKernels.h"
 
-#include <hwy/foreach_target.h> // before highway.h
+// foreach_target.h comes before everything else of Highway.
+// clang-format off
+#include <hwy/foreach_target.h>
 #include <hwy/highway.h>
+#include "dsp/BiquadLanes-inl.h"
+// clang-format on
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 
 HWY_BEFORE_NAMESPACE();
 
@@ -17,91 +22,88 @@ namespace tarvik::biquads::HWY_NAMESPACE
 {
 namespace
 {
+void filterPlain (const CascadePair& first, const CascadePair* second, float* left, float* right, int n)
+{
+    const std::array<float*, 2> rows { left, right };
+
+    for (std::size_t c = 0; c < rows.size() && rows[c] != nullptr; ++c)
+        processPlainInTurn (*first[c], second != nullptr ? (*second)[c] : nullptr, rows[c], n);
+}
+
 #if HWY_TARGET == HWY_SCALAR
 
 template <int, int>
 void filterRows (const CascadePair& first, const CascadePair* second, float* left, float* right, int n)
 {
-    const std::array<float*, 2> rows { left, right };
-
-    for (std::size_t c = 0; c < rows.size() && rows[c] != nullptr; ++c)
-    {
-        first[c]->processPlain (rows[c], n);
-
-        if (second != nullptr)
-            (*second)[c]->processPlain (rows[c], n);
-    }
+    filterPlain (first, second, left, right, n);
 }
 
 #else
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// How the lanes are used: two neighbouring lanes, a pair, are one section of the left and the right channel, and the
-// sections follow one another, two to a vector of four lanes. Every section works one sample behind the section that
-// feeds it. So all lanes of a step are independent of each other, and the only chain is a section's own recurrence.
-// Before a step the outputs of the step before move up by one pair, and the new samples enter at the bottom.
+// How the lanes are used: two neighbouring lanes, a pair, are one section of the left and the right channel. A vector of
+// four lanes holds a section of the cascade's first half and the one as far along in the second half, so that a vector
+// hands its outputs to the next as they stand, and only the last one's turn back to the first, moved up by a pair.
+// Every section works two samples behind the one that feeds it, one with vectors of a single pair: all lanes of a step
+// are independent of each other, and what a vector hands on has two steps' time to arrive, so that the only chain is a
+// section's own recurrence.
 //
-// The samples that a section has not seen yet (at the row's start), or must not see any more (at its end), are left
-// out by keeping its state: the row comes out complete, without delay, and the states agree with the plain form's.
-
-constexpr int channels = 2;
-constexpr int vectorLanes = HWY_MAX_BYTES >= 32 ? 4 : 2;
-
-using D = hn::FixedTag<double, vectorLanes>;
-using V = hn::Vec<D>;
-using PairTag = hn::FixedTag<double, channels>;
-using Pair = hn::Vec<PairTag>;
-using FloatPairTag = hn::FixedTag<float, channels>;
+// At the row's start a section's delay line is put in when the first sample comes to it, and at the end it is taken out
+// behind the last: the row comes out complete, without delay, and the states agree with the plain form's.
 
 /** Longer rows are cut, so that the one that they are interleaved in stays on the stack. */
 constexpr int maxRowLength = 256;
 
-HWY_INLINE Pair loadPair (const float* samples)
+/** Where the sections stand: section s in vector s % numVectors, in its lower pair as long as s < numVectors. */
+template <int firstSections, int secondSections>
+struct Layout
 {
-    return hn::PromoteTo (PairTag(), hn::LoadU (FloatPairTag(), samples));
-}
+    static constexpr int numSections = firstSections + secondSections;
+    static constexpr int numVectors = numSections * channels / vectorLanes;
+    static_assert (firstSections % 2 == 0 && secondSections % 2 == 0);
 
-HWY_INLINE void storePair (Pair pair, float* samples)
-{
-    hn::StoreU (hn::DemoteTo (FloatPairTag(), pair), FloatPairTag(), samples);
-}
+    /** How many samples each section works behind the first. */
+    static constexpr auto delays = []
+    {
+        std::array<int, static_cast<std::size_t> (numSections)> d {};
 
-HWY_INLINE Pair roundToFloat (Pair pair) { return hn::PromoteTo (PairTag(), hn::DemoteTo (FloatPairTag(), pair)); }
+        for (std::size_t s = 1; s < d.size(); ++s)
+            d[s] = d[s - 1] + samplesApart;
 
-// The vector's type is a parameter of the next two, so that only the branch that suits it is compiled.
+        return d;
+    }();
 
-/** The pair that begins at `lane`. */
-template <int lane, typename Vector>
-HWY_INLINE Pair getPair (Vector v)
-{
-    if constexpr (hn::MaxLanes (hn::DFromV<Vector>()) == channels)
-        return v;
-    else if constexpr (lane == 0)
-        return hn::LowerHalf (v);
-    else
-        return hn::UpperHalf (PairTag(), v);
-}
+    static constexpr int delay = delays.back();
 
-/** Moves the lanes of v up by one pair. */
-template <typename Vector>
-HWY_INLINE Vector moveUp (Pair before, Vector v)
-{
-    if constexpr (hn::MaxLanes (hn::DFromV<Vector>()) == channels)
-        return before;
-    else
-        return hn::Combine (hn::DFromV<Vector>(), hn::LowerHalf (v), before);
-}
+    using Bits = std::array<std::uint64_t, static_cast<std::size_t> (numVectors* vectorLanes)>;
+
+    /** For each delay, all ones in the lanes of the section that has it. */
+    static constexpr auto lanesByDelay = []
+    {
+        std::array<Bits, static_cast<std::size_t> (delay + 1)> masks {};
+
+        for (int s = 0; s < numSections; ++s)
+            for (int c = 0; c < channels; ++c)
+                masks[static_cast<std::size_t> (delays[static_cast<std::size_t> (s)])]
+                     [static_cast<std::size_t> (s % numVectors * vectorLanes + s / numVectors * channels + c)] =
+                         ~std::uint64_t {};
+
+        return masks;
+    }();
+};
 
 /** One pass through a first cascade and, if secondSections isn't 0, a second one. */
 template <int firstSections, int secondSections>
 class LaneFilter
 {
-    static_assert (firstSections * channels % vectorLanes == 0); // the second cascade begins with a vector of its own
-    static constexpr int numSections = firstSections + secondSections;
-    static constexpr int numLanes = numSections * channels;
+    using Order = Layout<firstSections, secondSections>;
+    static constexpr auto numVectors = static_cast<std::size_t> (Order::numVectors);
 
 public:
+    /** Rows must be longer than this. */
+    static constexpr int delay = Order::delay;
+
     HWY_INLINE LaneFilter (const CascadePair& first, const CascadePair* second)
     {
         gather (&BiquadCascade::Sections::b0, first, second, b0);
@@ -109,175 +111,171 @@ public:
         gather (&BiquadCascade::Sections::b2, first, second, b2);
         gather (&BiquadCascade::Sections::a1, first, second, a1);
         gather (&BiquadCascade::Sections::a2, first, second, a2);
-        gather (&BiquadCascade::Sections::s1, first, second, s1);
-        gather (&BiquadCascade::Sections::s2, first, second, s2);
-        std::fill (y.begin(), y.end(), hn::Zero (D()));
+        gather (&BiquadCascade::Sections::s1, first, second, outer1);
+        gather (&BiquadCascade::Sections::s2, first, second, outer2);
     }
 
     HWY_INLINE void putStatesBack (const CascadePair& first, const CascadePair* second) const
     {
-        scatter (s1, &BiquadCascade::Sections::s1, first, second);
-        scatter (s2, &BiquadCascade::Sections::s2, first, second);
+        scatter (outer1, &BiquadCascade::Sections::s1, first, second);
+        scatter (outer2, &BiquadCascade::Sections::s2, first, second);
     }
 
     /** Filters n pairs of samples in place. */
-    HWY_INLINE void run (float* samples, int n)
+    HWY_INLINE void run (double* samples, int n)
     {
-        constexpr int delay = numSections - 1;
+        const auto zero = hn::Zero (D());
+        s1.fill (zero);
+        s2.fill (zero);
+        fed.fill (zero);
+        waiting.fill (zero);
 
         for (int t = 0; t < delay; ++t)
-            step<true> (samples, t, n);
+        {
+            moveStates (outer1, s1, outer2, s2, t);
+            step (hn::Load (PairTag(), samples + t * channels));
+        }
+
+        moveStates (outer1, s1, outer2, s2, delay);
 
         for (int t = delay; t < n; ++t)
-            step<false> (samples, t, n);
+        {
+            const auto y = step (hn::Load (PairTag(), samples + t * channels));
+            hn::Store (y, PairTag(), samples + (t - delay) * channels);
+        }
 
-        for (int t = std::max (n, delay); t < n + delay; ++t)
-            step<true> (samples, t, n);
+        for (int k = 0; k < delay; ++k)
+        {
+            moveStates (s1, outer1, s2, outer2, k);
+            hn::Store (step (hn::Zero (PairTag())), PairTag(), samples + (n + k - delay) * channels);
+        }
+
+        moveStates (s1, outer1, s2, outer2, delay);
     }
 
 private:
-    using Vectors = std::array<V, static_cast<std::size_t> (numLanes / vectorLanes)>;
-    using Lanes = std::array<double, static_cast<std::size_t> (numLanes)>;
+    using Vectors = std::array<V, numVectors>;
     using Member = BiquadCascade::PerSection BiquadCascade::Sections::*;
 
-    template <bool withIdleSections>
-    HWY_INLINE void step (float* samples, int t, int n)
+    /** A sample into each section; what comes out of the last. */
+    HWY_INLINE Pair step (Pair newest)
     {
-        constexpr std::size_t firstVectors = firstSections * channels / vectorLanes;
         constexpr int lastPair = vectorLanes - channels;
-        Vectors x;
-        x[0] = moveUp (loadPair (samples + (withIdleSections && t >= n ? 0 : t) * channels), y[0]);
+        Vectors x, y;
+        x[0] = join<V> (newest, getPair<0> (fed.back()));
 
         HWY_UNROLL (6)
-        for (std::size_t v = 1; v < x.size(); ++v)
-        {
-            // Rounding happens on the way between two vectors. Inside one it would lie on the way from a vector's output
-            // to its next input, and its latency would double the time of a step.
-            const auto before = getPair<lastPair> (y[v - 1]);
-            x[v] = moveUp (v == firstVectors ? roundToFloat (before) : before, y[v]);
-        }
+        for (std::size_t v = 1; v < numVectors; ++v)
+            x[v] = fed[v - 1];
 
         HWY_UNROLL (6)
-        for (std::size_t v = 0; v < x.size(); ++v)
+        for (std::size_t v = 0; v < numVectors; ++v)
         {
             y[v] = hn::Add (hn::Mul (b0[v], x[v]), s1[v]);
-            const auto next1 = hn::Sub (hn::Add (hn::Mul (b1[v], x[v]), s2[v]), hn::Mul (a1[v], y[v]));
-            const auto next2 = hn::Sub (hn::Mul (b2[v], x[v]), hn::Mul (a2[v], y[v]));
+            s1[v] = hn::Sub (hn::Add (hn::Mul (b1[v], x[v]), s2[v]), hn::Mul (a1[v], y[v]));
+            s2[v] = hn::Sub (hn::Mul (b2[v], x[v]), hn::Mul (a2[v], y[v]));
 
-            if constexpr (withIdleSections)
-            {
-                const auto busy = getBusyLanes (static_cast<int> (v), t, n);
-                s1[v] = hn::IfThenElse (busy, next1, s1[v]);
-                s2[v] = hn::IfThenElse (busy, next2, s2[v]);
-            }
-            else
-            {
-                s1[v] = next1;
-                s2[v] = next2;
-            }
+            fed[v] = samplesApart == 1 ? y[v] : waiting[v];
+            waiting[v] = y[v];
         }
 
-        if (! withIdleSections || t >= numSections - 1)
-            storePair (getPair<lastPair> (y.back()), samples + (t - (numSections - 1)) * channels);
+        return getPair<lastPair> (y.back());
     }
 
-    /** The lanes of vector v whose section has a sample of the row before it at step t: sample t - section. */
-    static HWY_INLINE hn::Mask<D> getBusyLanes (int v, int t, int n)
+    /** The delay line of the section that works `behind` samples behind the first. */
+    static HWY_INLINE void moveStates (const Vectors& from1, Vectors& to1, const Vectors& from2, Vectors& to2,
+                                       int behind)
     {
-        const auto lane = hn::Iota (D(), v * vectorLanes);
-        const auto end = hn::Set (D(), (t + 1) * channels);
-        const auto begin = hn::Set (D(), (t - n + 1) * channels);
-        return hn::And (hn::Ge (lane, begin), hn::Lt (lane, end));
+        const hn::RebindToUnsigned<D> bits;
+
+        HWY_UNROLL (6)
+        for (std::size_t v = 0; v < numVectors; ++v)
+        {
+            const auto* const lanes = Order::lanesByDelay[static_cast<std::size_t> (behind)].data() + v * vectorLanes;
+            const auto chosen = hn::MaskFromVec (hn::BitCast (D(), hn::LoadU (bits, lanes)));
+            to1[v] = hn::IfThenElse (chosen, from1[v], to1[v]);
+            to2[v] = hn::IfThenElse (chosen, from2[v], to2[v]);
+        }
     }
 
+    /** Calls function (s, left, right) for each even section s with the member's numbers of sections s and s + 1. */
     template <typename Function>
-    static HWY_INLINE void forEachLane (Member member, const CascadePair& first, const CascadePair* second,
-                                        Function function)
+    static HWY_INLINE void forEachTwoSections (Member member, const CascadePair& first, const CascadePair* second,
+                                               Function function)
     {
-        std::size_t lane = 0;
+        const auto numbers = [member] (BiquadCascade* cascade) { return (cascade->getSections().*member).data(); };
 
-        for (std::size_t s = 0; s < firstSections; ++s)
-            for (auto* const cascade : first)
-                function (lane++, (cascade->getSections().*member)[s]);
+        HWY_UNROLL (2)
+        for (std::size_t s = 0; s < firstSections; s += 2)
+            function (s, numbers (first[0]) + s, numbers (first[1]) + s);
 
-        for (std::size_t s = 0; s < secondSections; ++s)
-            for (auto* const cascade : *second)
-                function (lane++, (cascade->getSections().*member)[s]);
+        HWY_UNROLL (2)
+        for (std::size_t s = 0; s < secondSections; s += 2)
+            function (firstSections + s, numbers ((*second)[0]) + s, numbers ((*second)[1]) + s);
     }
+
+    using Pairs = std::array<Pair, static_cast<std::size_t> (Order::numSections)>;
 
     static HWY_INLINE void gather (Member member, const CascadePair& first, const CascadePair* second, Vectors& vectors)
     {
-        HWY_ALIGN Lanes lanes;
-        forEachLane (member, first, second, [&] (std::size_t lane, double& value) { lanes[lane] = value; });
+        Pairs pairs;
+        forEachTwoSections (member, first, second,
+                            [&] (std::size_t s, const double* left, const double* right) HWY_ATTR
+                            {
+                                const auto ofLeft = hn::LoadU (PairTag(), left);
+                                const auto ofRight = hn::LoadU (PairTag(), right);
+                                pairs[s] = hn::InterleaveLower (ofLeft, ofRight);
+                                pairs[s + 1] = hn::InterleaveUpper (PairTag(), ofLeft, ofRight);
+                            });
 
-        for (std::size_t v = 0; v < vectors.size(); ++v)
-            vectors[v] = hn::Load (D(), lanes.data() + v * vectorLanes);
+        HWY_UNROLL (6)
+        for (std::size_t v = 0; v < numVectors; ++v)
+            vectors[v] = join<V> (pairs[v], pairs[pairs.size() - numVectors + v]);
     }
 
     static HWY_INLINE void scatter (const Vectors& vectors, Member member, const CascadePair& first,
                                     const CascadePair* second)
     {
-        HWY_ALIGN Lanes lanes;
+        Pairs pairs;
 
-        for (std::size_t v = 0; v < vectors.size(); ++v)
-            hn::Store (vectors[v], D(), lanes.data() + v * vectorLanes);
+        HWY_UNROLL (6)
+        for (std::size_t v = 0; v < numVectors; ++v)
+        {
+            pairs[pairs.size() - numVectors + v] = getPair<vectorLanes - channels> (vectors[v]);
+            pairs[v] = getPair<0> (vectors[v]);
+        }
 
-        forEachLane (member, first, second, [&] (std::size_t lane, double& value) { value = lanes[lane]; });
+        forEachTwoSections (member, first, second,
+                            [&] (std::size_t s, double* left, double* right) HWY_ATTR
+                            {
+                                hn::StoreU (hn::InterleaveLower (pairs[s], pairs[s + 1]), PairTag(), left);
+                                hn::StoreU (hn::InterleaveUpper (PairTag(), pairs[s], pairs[s + 1]), PairTag(), right);
+                            });
     }
 
-    Vectors b0, b1, b2, a1, a2, s1, s2, y;
+    Vectors b0, b1, b2, a1, a2;
+    Vectors outer1, outer2; ///< the delay lines before and after the row
+    Vectors s1, s2;         ///< while it runs
+    Vectors fed;            ///< what each vector hands on at the next step
+    Vectors waiting;        ///< what the slow one hands on at the step after
 };
-
-/** Writes the two rows into one, sample by sample; a missing right row counts as silent. */
-HWY_INLINE void interleave (const float* left, const float* right, float* pairs, int n)
-{
-    const hn::FixedTag<float, 4> d;
-    int i = 0;
-
-    for (; i + 4 <= n; i += 4)
-        hn::StoreInterleaved2 (hn::LoadU (d, left + i), right != nullptr ? hn::LoadU (d, right + i) : hn::Zero (d), d,
-                               pairs + 2 * i);
-
-    for (; i < n; ++i)
-    {
-        pairs[2 * i] = left[i];
-        pairs[2 * i + 1] = right != nullptr ? right[i] : 0.0f;
-    }
-}
-
-HWY_INLINE void separate (const float* pairs, float* left, float* right, int n)
-{
-    const hn::FixedTag<float, 4> d;
-    int i = 0;
-
-    for (; i + 4 <= n; i += 4)
-    {
-        auto ofLeft = hn::Zero (d), ofRight = hn::Zero (d);
-        hn::LoadInterleaved2 (d, pairs + 2 * i, ofLeft, ofRight);
-        hn::StoreU (ofLeft, d, left + i);
-
-        if (right != nullptr)
-            hn::StoreU (ofRight, d, right + i);
-    }
-
-    for (; i < n; ++i)
-    {
-        left[i] = pairs[2 * i];
-
-        if (right != nullptr)
-            right[i] = pairs[2 * i + 1];
-    }
-}
 
 template <int firstSections, int secondSections>
 HWY_NOINLINE void filterRows (const CascadePair& first, const CascadePair* second, float* left, float* right, int n)
 {
-    HWY_ALIGN std::array<float, static_cast<std::size_t> (channels * maxRowLength)> pairs;
+    HWY_ALIGN std::array<double, static_cast<std::size_t> (channels * maxRowLength)> pairs;
 
     for (int done = 0; done < n; done += maxRowLength)
     {
         const auto length = std::min (n - done, maxRowLength);
         auto* const rightPart = right != nullptr ? right + done : nullptr;
+
+        if (length <= LaneFilter<firstSections, secondSections>::delay)
+        {
+            filterPlain (first, second, left + done, rightPart, length);
+            continue;
+        }
+
         interleave (left + done, rightPart, pairs.data(), length);
 
         LaneFilter<firstSections, secondSections> filter (first, second);

@@ -10,11 +10,11 @@ namespace tarvik
 /** The cascades of two channels, equally long. */
 using CascadePair = std::array<BiquadCascade*, 2>;
 
-/** Filters two rows of n samples in place: each through its cascade of `first` and then, unless `second` is null, rounded
-    to float, through that of `second`. A single row runs with `right` null; the cascades beside it must exist, and
+/** Filters two rows of n samples in place: each through its cascade of `first` and then, unless `second` is null,
+    through that of `second`. A single row runs with `right` null; the cascades beside it must exist, and
     keep what they have if their delay lines are clear.
 
     Returns false, and does nothing, for lengths that there is no vector form for; there is one for 2 or 4 sections, and
-    for 2 followed by 2 or 4. The bits are those of BiquadCascade::processPlain(). */
+    for 2 followed by 2 or 4. The bits are those of processPlainInTurn(). */
 bool filterInVectors (const CascadePair& first, const CascadePair* second, float* left, float* right, int n) noexcept;
 } // namespace tarvik

@@ -119,24 +119,7 @@ void ConsoleEQ::processPair (ConsoleEQ& left, ConsoleEQ& right, float* leftRow, 
     if (doHighPassesRest && doNetworksRest)
         return processInTurn (highPasses, networks, rows.data(), n);
 
-    if (doHighPassesRest)
-    {
-        processSideBySide (highPasses, rows.data(), n);
-    }
-    else
-    {
-        left.highPass.process (&leftRow, n);
-        right.highPass.process (&rightRow, n);
-    }
-
-    if (doNetworksRest)
-    {
-        processSideBySide (networks, rows.data(), n);
-    }
-    else
-    {
-        left.network.process (&leftRow, n);
-        right.network.process (&rightRow, n);
-    }
+    left.process (leftRow, n);
+    right.process (rightRow, n);
 }
 } // namespace tarvik

@@ -166,8 +166,12 @@ public:
     void fill (float* row, int n) noexcept
     {
         takeRequest();
-        ramp.fill (row, n);
+        fillTaken (row, n);
     }
+
+    /** Audio thread: the same without a look at what waits, for a slice that has called `takeRequest` and drawn its
+        conclusions from it. */
+    void fillTaken (float* row, int n) noexcept { ramp.fill (row, n); }
 
     /** Audio thread: takes up what waits, and says whether the coming samples are all exactly 1. */
     bool restsAtOne() noexcept

@@ -14,10 +14,13 @@ namespace
 constexpr auto rampSeconds = 0.1;
 constexpr auto retryMilliseconds = 10;
 
-std::uint32_t getRampLength (double sampleRate) noexcept
+// Within the time for which a waiting change would wait for the timer anyway.
+constexpr auto tailSeconds = 0.01;
+
+std::uint32_t getRampLength (double seconds, double sampleRate) noexcept
 {
     constexpr auto longest = 1e9; // samples; keeps a rate that makes no sense within the integer's range
-    const auto samples = std::trunc (rampSeconds * sampleRate);
+    const auto samples = std::trunc (seconds * sampleRate);
     return samples >= 1.0 ? static_cast<std::uint32_t> (std::min (samples, longest)) : 1;
 }
 } // namespace
@@ -136,12 +139,13 @@ void SmoothedIppIIR<Sample, Coefs>::prepare (double sampleRate, int channels, in
     std::transform (filters.begin(), filters.end(), filterPointers.begin(), [] (auto& filter) { return &filter; });
     rowPointers.resize (numChannels);
 
-    for (auto* const row : { &bankRow, &onRow, &firstRow, &secondRow })
+    for (auto* const row : { &bankRow, &onRow, &tailRow, &firstRow, &secondRow })
         row->resize (rowLength);
 
-    const auto steps = getRampLength (sampleRate);
+    const auto steps = getRampLength (rampSeconds, sampleRate);
     onRamp.prepare (steps);
     bankRamp.steps = steps;
+    tailRamp.steps = getRampLength (tailSeconds, sampleRate);
 
     {
         const std::lock_guard lock (coefs.designLock);
@@ -179,6 +183,7 @@ template <typename Sample, typename Coefs>
 void SmoothedIppIIR<Sample, Coefs>::settle() noexcept
 {
     bankRamp.snap();
+    tailRamp.snap();
     isCrossfading = false;
 
     const auto isNew = published.takeNewest();
@@ -211,7 +216,7 @@ bool SmoothedIppIIR<Sample, Coefs>::beginSlice() noexcept
     if (isOff() ? published.hasNews() : wasOff) // nothing is heard of it: no crossfade is needed
         settle();
 
-    if (bankRamp.isIdle() && published.takeNewest())
+    if (! isChanging() && published.takeNewest())
     {
         const auto idleBank = 1 - static_cast<int> (bankRamp.target);
 
@@ -221,8 +226,8 @@ bool SmoothedIppIIR<Sample, Coefs>::beginSlice() noexcept
         bankRamp.set (idleBank);
     }
 
-    isCrossfading = ! bankRamp.isIdle();
-    return bankRamp.isIdle() && onRamp.get().isIdle() && ! isOff();
+    isCrossfading = isChanging();
+    return ! isChanging() && onRamp.get().isIdle() && ! isOff();
 }
 
 template <typename Sample, typename Coefs>
@@ -267,6 +272,7 @@ void SmoothedIppIIR<Sample, Coefs>::processSlice (int n) noexcept
     // A ramp that ends within these samples rests at its target for the others, and both filters finish the slice.
     const auto isFading = ! onRamp.get().isIdle();
     const auto isChangingBanks = ! bankRamp.isIdle();
+    const auto hasTail = ! tailRamp.isIdle();
 
     if (isFading)
         onRamp.fill (onRow.data(), n);
@@ -274,20 +280,28 @@ void SmoothedIppIIR<Sample, Coefs>::processSlice (int n) noexcept
     if (isChangingBanks)
         bankRamp.fill (bankRow.data(), n);
 
+    if (hasTail)
+        tailRamp.fill (tailRow.data(), n);
+
+    if (hasTail && isFading)
+        std::transform (tailRow.data(), tailRow.data() + n, onRow.data(), tailRow.data(), std::multiplies<>());
+
     for (std::size_t c = 0; c < rowPointers.size(); ++c)
     {
         auto* const x = rowPointers[c];
         auto* const wet = firstRow.data();
 
-        if (isChangingBanks)
-        {
-            runBothBanks (c, n); // into firstRow
-        }
-        else
-        {
+        if (isFading && ! isChangingBanks)
             std::transform (x, x + n, onRow.data(), wet, std::multiplies<>());
+        else
+            std::copy_n (x, n, wet);
+
+        if (isChangingBanks)
+            runBothBanks (c, n);
+        else if (hasTail)
+            runWithTail (c, n);
+        else
             getActiveCascades()[c]->process (wet, n);
-        }
 
         if (! isFading)
             std::copy_n (wet, n, x);
@@ -299,28 +313,51 @@ void SmoothedIppIIR<Sample, Coefs>::processSlice (int n) noexcept
                 x[i] = (1 - onRow[static_cast<std::size_t> (i)]) * x[i] + wet[i];
     }
 
-    isCrossfading = ! bankRamp.isIdle();
+    if (isChangingBanks && bankRamp.isIdle())
+    {
+        tailRamp.current = tailRamp.target = 1.0;
+        tailRamp.set (0.0);
+    }
+
+    isCrossfading = isChanging();
 }
 
-/** firstRow = bank 0 of (1 - bankRow) times the channel's row, plus bank 1 of bankRow times it. */
+/** firstRow = bank 0 of (1 - bankRow) times firstRow, plus bank 1 of bankRow times it. */
 template <typename Sample, typename Coefs>
 void SmoothedIppIIR<Sample, Coefs>::runBothBanks (std::size_t channel, int n) noexcept
 {
-    const auto* const x = rowPointers[channel];
     const auto* const share = bankRow.data();
     auto* const first = firstRow.data();
     auto* const second = secondRow.data();
 
     for (int i = 0; i < n; ++i)
     {
-        first[i] = (1 - share[i]) * x[i];
-        second[i] = share[i] * x[i];
+        const auto x = first[i];
+        first[i] = (1 - share[i]) * x;
+        second[i] = share[i] * x;
     }
 
     const std::array<BiquadCascade*, 2> banks { getBank (0)[channel], getBank (1)[channel] };
     const std::array<Sample*, 2> rows { first, second };
     processSideBySide (banks, rows.data(), n);
     std::transform (first, first + n, second, first, std::plus<>());
+}
+
+/** firstRow = the active bank of it, plus tailRow times what the other bank still holds. */
+template <typename Sample, typename Coefs>
+void SmoothedIppIIR<Sample, Coefs>::runWithTail (std::size_t channel, int n) noexcept
+{
+    auto* const first = firstRow.data();
+    auto* const second = secondRow.data();
+    std::fill_n (second, n, Sample());
+
+    const auto active = static_cast<std::size_t> (bankRamp.target);
+    const std::array<BiquadCascade*, 2> banks { getBank (active)[channel], getBank (1 - active)[channel] };
+    const std::array<Sample*, 2> rows { first, second };
+    processSideBySide (banks, rows.data(), n);
+
+    for (int i = 0; i < n; ++i)
+        first[i] += tailRow[static_cast<std::size_t> (i)] * second[i];
 }
 
 template class SmoothedIppIIR<float, MZTiCoefs<double, 2, 2>>;

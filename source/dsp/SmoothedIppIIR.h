@@ -19,6 +19,8 @@ namespace tarvik
 /** A filter that takes new coefficients by a crossfade. It keeps two banks of filter states; a new design goes into
     the idle bank with a clear delay line, and the input moves over to it within 0.1 s. It is the inputs of the two
     filters that are scaled, not their outputs: the new one sees its input rise from nothing, the old one rings out.
+    What a low resonance or a corner far below the music still holds when the inputs have changed places is faded out
+    over another 10 ms; cutting it off there would be heard as a click under a bass note.
 
     Who owns what. There is a control side and an audio side, and between them only hand-overs.
 
@@ -28,9 +30,9 @@ namespace tarvik
       again when it gives it back. Should even that miss, the next process() designs what is left.
     - Audio side: process(), beginSlice(), getActiveCascades(), reset(), prepare(). One call at a time, and prepare()
       and reset() never during process(). Banks and ramps belong to this side alone. bringInCoefficients() only
-      publishes the finished taps; the audio side takes them at the start of a slice, if no crossfade runs. So there
+      publishes the finished taps; the audio side takes them at the start of a slice, if no crossfade or tail runs. So there
       are never two crossfades at once, and of the designs published during one only the newest is ever heard, from
-      the first slice after its end. That needs no message loop, however much faster than real time the audio runs.
+      the first slice after its tail. That needs no message loop, however much faster than real time the audio runs.
     - The timer is a second chance: while a change waits behind a crossfade, every 10 ms the message thread looks
       whether a design was left over, and stops the timer when nothing waits any more. Starting it takes a lock, so
       only changes on the message thread do, and not where that thread runs process() itself. As with every
@@ -101,6 +103,9 @@ private:
     void settle() noexcept;
     void processSlice (int n) noexcept;
     void runBothBanks (std::size_t channel, int n) noexcept;
+    void runWithTail (std::size_t channel, int n) noexcept;
+
+    bool isChanging() const noexcept { return ! (bankRamp.isIdle() && tailRamp.isIdle()); }
 
     std::span<BiquadCascade* const> getBank (std::size_t bank) const noexcept;
 
@@ -110,7 +115,7 @@ private:
     TripleBuffer<Analogue> analogue;
     std::atomic<bool> isBringInWanted { false };
     TripleBuffer<typename Coefs::Taps> published;
-    std::atomic<bool> isCrossfading { false };                        ///< written by the audio side
+    std::atomic<bool> isCrossfading { false };                        ///< tail included; written by the audio side
     std::atomic<bool> isRetrying { false };                           ///< the timer runs
     std::atomic<juce::Thread::ThreadID> processingThread { nullptr }; ///< the last one in process()
 
@@ -119,8 +124,9 @@ private:
     std::vector<BiquadCascade*> filterPointers; ///< to each of `filters`
     SharedRamp<LinearRamp> onRamp { 1.0 };
     LinearRamp bankRamp { 0.0 }; ///< how much of the input goes to bank 1
+    LinearRamp tailRamp { 0.0 }; ///< behind a crossfade: how much is heard of the bank that gets no input any more
     std::vector<Sample*> rowPointers;
-    Row bankRow, onRow, firstRow, secondRow;
+    Row bankRow, onRow, tailRow, firstRow, secondRow;
 };
 
 extern template class SmoothedIppIIR<float, MZTiCoefs<double, 2, 2>>;

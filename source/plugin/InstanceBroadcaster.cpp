@@ -34,7 +34,7 @@ void InstanceBroadcaster::broadcast (BroadcastMessage message)
     const auto toCall = listeners;
 
     for (auto* const listener : toCall)
-        if (std::find (listeners.begin(), listeners.end(), listener) != listeners.end())
+        if (std::find (listeners.begin(), listeners.end(), listener) != listeners.end() && listener->isReady)
             listener->handleBroadcast (message);
 }
 

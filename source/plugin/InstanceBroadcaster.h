@@ -3,6 +3,7 @@
 
 #include <juce_core/juce_core.h>
 
+#include <atomic>
 #include <cstdint>
 #include <vector>
 
@@ -44,6 +45,16 @@ public:
 
         /** Message thread, under the list's mutex. */
         virtual void handleBroadcast (BroadcastMessage message) = 0;
+
+    protected:
+        /** Any thread. While it is in the list but not ready, a listener is passed over: half an object must not be
+            called.
+        */
+        void setReadyForBroadcasts (bool shouldBeReady) noexcept { isReady = shouldBeReady; }
+
+    private:
+        friend class InstanceBroadcaster;
+        std::atomic<bool> isReady { true };
     };
 
     /** The one of this process. */

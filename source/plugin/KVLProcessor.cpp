@@ -22,6 +22,7 @@ KVLProcessor::KVLProcessor() : AudioProcessor (makeBuses())
     setLatencySamples (latencyInUse);
     makeSettings();
 
+    setReadyForBroadcasts (false); // until the concrete strip is complete
     InstanceBroadcaster::get().addListener (*this);
 }
 
@@ -81,7 +82,7 @@ void KVLProcessor::listenToParameters()
         if (parameter->getCategory() == juce::AudioProcessorParameter::genericParameter)
             parameter->addListener (this);
 
-    isComplete = true;
+    setReadyForBroadcasts (true);
 }
 
 void KVLProcessor::parameterValueChanged (int index, float normalisedValue)

@@ -188,8 +188,6 @@ protected:
     /** The end of a concrete constructor: listens to all parameters of the generic category, and to broadcasts. */
     void listenToParameters();
 
-    bool isConstructed() const noexcept { return isComplete; }
-
     /** Has `updateDsp (false)` run: now, or on the thread that is at it. Never waits. */
     void requestUpdate();
 
@@ -264,7 +262,6 @@ private:
     };
 
     std::atomic<bool> ignoreParameterChanges { false };
-    std::atomic<bool> isComplete { false }; ///< Before that a broadcast finds half an instance.
     UpdateGate updateGate;
 
     /** Held while the strip is rebuilt or freed, since a host's thread and the message thread may both want to. Comes
@@ -279,7 +276,7 @@ private:
     RelaxedValue<int> currentSlot = 0;
     RelaxedValue<int> currentProgram = 0;
     RelaxedValue<juce::uint32> lastStateLoadTime = 0;
-    bool isFirstStateSave = true;
+    RelaxedValue<bool> isFirstStateSave = true;
 
     OversamplerBank oversamplers;
     RelaxedValue<int> maxSliceSize = 0; ///< 256 while prepared, 0 otherwise.

@@ -108,9 +108,6 @@ void KVLProcessor::tellEditorOfZoom()
 
 void KVLProcessor::handleBroadcast (BroadcastMessage message)
 {
-    if (! isConstructed())
-        return;
-
     switch (message.type)
     {
         case BroadcastMessage::randomChannel:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/KVLProcessor.h"
 #include "plugin/ParameterTable.h"
+#include "plugin/StateBlock.h"
 #include "plugin/StateSchema.h"
 
 #include <cmath>
@@ -18,26 +19,25 @@ void writeField (juce::XmlElement& xml, const juce::String& id, const ParameterF
         xml.setAttribute (id, juce::roundToInt (field.get()));
 }
 
-/** The attribute's value on the parameter's grid and within its range. What the project does not know, or no number,
-    takes the parameter's default.
+/** The attribute's value on the parameter's grid and within its range. What the project does not know, or gives as "nan" or
+    "inf", takes the parameter's default; any other text that is no number reads as 0 and is bounded like one.
 */
 void readField (const juce::XmlElement& xml, const juce::RangedAudioParameter& parameter,
                 const ParameterFieldRef& field)
 {
     const auto id = parameterID (parameter);
     const auto plainDefault = parameter.convertFrom0to1 (parameter.getDefaultValue());
-
-    if (field.kind == ParameterFieldKind::Bool)
-    {
-        field.set (xml.getBoolAttribute (id, plainDefault >= 0.5f) ? 1.0f : 0.0f);
-        return;
-    }
-
     const auto value = xml.getDoubleAttribute (id, static_cast<double> (plainDefault));
 
     if (! std::isfinite (value))
     {
         field.set (plainDefault);
+        return;
+    }
+
+    if (field.kind == ParameterFieldKind::Bool)
+    {
+        field.set (xml.getBoolAttribute (id, plainDefault >= 0.5f) ? 1.0f : 0.0f);
         return;
     }
 
@@ -87,7 +87,7 @@ void KVLProcessor::setStateInformation (const void* data, int sizeInBytes)
 {
     isFirstStateSave = false;
 
-    const auto root = getXmlFromBinary (data, sizeInBytes);
+    const auto root = parseStateBlock (data, sizeInBytes);
 
     if (root != nullptr && root->hasTagName (stateSchema::root))
     {
@@ -96,10 +96,12 @@ void KVLProcessor::setStateInformation (const void* data, int sizeInBytes)
                 forEachField (*this, slots[static_cast<std::size_t> (slot)],
                               [xml] (const auto& parameter, const auto& field) { readField (*xml, parameter, field); });
 
-        const auto slot = root->getIntAttribute (stateSchema::currentSlot, currentSlot);
+        // Anything but the number of a slot leaves the one in force.
+        const auto inForce = root->getStringAttribute (stateSchema::currentSlot);
 
-        if (juce::isPositiveAndBelow (slot, static_cast<int> (numSlots)))
-            currentSlot = slot;
+        for (int slot = 0; slot < numSlots; ++slot)
+            if (inForce == juce::String (slot))
+                currentSlot = slot;
 
         for (auto* const setting : settings)
             setting->loadFromXml (*root);

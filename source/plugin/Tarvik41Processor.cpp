@@ -52,7 +52,7 @@ void Tarvik41Processor::handleBroadcast (BroadcastMessage message)
 {
     KVLProcessor::handleBroadcast (message);
 
-    if (isConstructed() && message.type == BroadcastMessage::limiterSensitivity)
+    if (message.type == BroadcastMessage::limiterSensitivity)
         limiterSensitivitySetting().setValue (message.value);
 }
 

@@ -14,8 +14,9 @@ namespace tarvik
 
 namespace
 {
-/** 106 dB above 0 VU: a thousand times full scale still fits with every gain up, and the loop recovers within a second
-    of it. */
+/** 106 dB above 0 VU: a thousand times full scale still fits with the section's own gains up; what the strip's gains
+    lift higher is cut here. The gate's RMS has lost even that after half a second; the capacitors need what their
+    "Release" takes. */
 constexpr float loudestKey = 2e5f;
 
 /** Leaves room in a float for every gain of the section. */
@@ -168,7 +169,8 @@ void DynamicsSection::process (float* const* audio, int n, int numSidechain) noe
     }
 }
 
-/** The factors that the slice's samples meet. At rest the rows keep them from slice to slice. */
+/** The factors that the slice's samples meet. At rest the rows keep them from slice to slice. What has been asked of the
+    ramps since takeSettings() waits: a ramp that began to move here would run for the whole row at once. */
 void DynamicsSection::fillCurves (int n) noexcept
 {
     const RestingCurves resting { inputRamp.get().current, mixRamp.get().current, outputRamp.get().current,
@@ -182,9 +184,9 @@ void DynamicsSection::fillCurves (int n) noexcept
         restingCurves = resting;
 
     const auto length = isResting() ? static_cast<int> (inputCurve.size()) : n;
-    inputRamp.fill (inputCurve.data(), length);
-    mixRamp.fill (dryCurve.data(), length);
-    outputRamp.fill (wetCurve.data(), length);
+    inputRamp.fillTaken (inputCurve.data(), length);
+    mixRamp.fillTaken (dryCurve.data(), length);
+    outputRamp.fillTaken (wetCurve.data(), length);
 
     rows::scale (detectorCurve.data(), inputCurve.data(), settings.sensitivity, length);
     rows::multiply (wetCurve.data(), inputCurve.data(), length);

@@ -143,15 +143,17 @@ void SaturationChannel::filter (std::span<SaturationChannel* const> channels, fl
 {
     std::array<BiquadCascade*, maxTogether> highPasses {};
     std::array<BiquadCascade*, maxTogether> lowPasses {};
+    std::array<bool, maxTogether> rests {};
     auto allRest = true;
 
     for (std::size_t c = 0; c < channels.size(); ++c)
     {
         const auto highPassRests = channels[c]->highPass.beginSlice();
         const auto lowPassRests = channels[c]->lowPass.beginSlice();
-        allRest = allRest && highPassRests && lowPassRests;
+        rests[c] = highPassRests && lowPassRests;
+        allRest = allRest && rests[c];
 
-        if (allRest)
+        if (rests[c])
         {
             highPasses[c] = channels[c]->highPass.getActiveCascades().front();
             lowPasses[c] = channels[c]->lowPass.getActiveCascades().front();
@@ -164,8 +166,15 @@ void SaturationChannel::filter (std::span<SaturationChannel* const> channels, fl
 
     for (std::size_t c = 0; c < channels.size(); ++c)
     {
-        channels[c]->highPass.process (rows + c, n);
-        channels[c]->lowPass.process (rows + c, n);
+        if (rests[c])
+        {
+            processInTurn (std::span (&highPasses[c], 1), std::span (&lowPasses[c], 1), rows + c, n);
+        }
+        else
+        {
+            channels[c]->highPass.process (rows + c, n);
+            channels[c]->lowPass.process (rows + c, n);
+        }
     }
 }
 

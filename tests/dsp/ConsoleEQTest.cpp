@@ -141,6 +141,29 @@ TEST_F (ConsoleEQTest, OnlyAChangeOfItsControlsSetsOffACrossfade)
     expectCrossfade (changed, true, true);
 }
 
+TEST_F (ConsoleEQTest, HighPassMovesWithoutTheNetwork)
+{
+    prepare (heard);
+    auto controls = heard;
+    controls.highPass = 2;
+    eq.update (controls, false);
+    auto row = makeNoise (2 * blockSize, 1);
+    auto expected = row;
+    process (eq, row);
+
+    // The same in two pieces: a high pass by itself, and an equaliser that never heard of it.
+    SmoothedIppIIR<float, MZTiCoefs<double, 2, 2>> highPass;
+    highPass.prepare (rate, 1, 2 * blockSize);
+    const auto prototype = AnalogBiquad::make (AnalogBiquad::Type::highPass, 1.05, 1.0, 1.0, 684.8671984825748);
+    highPass.setAnalogue (prototype.numerator, prototype.denominator);
+    highPass.bringInCoefficients();
+    auto* const pointer = expected.data();
+    highPass.process (&pointer, 2 * blockSize);
+    prepare (heard);
+    process (eq, expected);
+    EXPECT_EQ (row, expected);
+}
+
 TEST_F (ConsoleEQTest, ResetAfterTheFullUpdateOfPrepareEndsAtRest)
 {
     std::mt19937 random (2);

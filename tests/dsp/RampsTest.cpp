@@ -124,6 +124,8 @@ TEST (Ramps, SharedRampTakesTheNewestRequestAtItsNextRow)
     EXPECT_FLOAT_EQ (row[3], 0.6f);
 
     ramp.request (0.25);
+    ramp.fillTaken (row, 4);
+    EXPECT_FLOAT_EQ (row[3], 0.2f) << "what comes after the slice's look waits for the next one";
     ramp.snap();
     EXPECT_EQ (ramp.get().current, 0.25) << "a reset goes where the latest request points";
     EXPECT_TRUE (ramp.get().isIdle());

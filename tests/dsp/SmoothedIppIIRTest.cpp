@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/SmoothedIppIIR.h"
+#include "dsp/SmoothedIppIIR.cpp" // the template itself, to run it with a design of our own
 
 #include "FilterTestTools.h"
 #include "dsp/AnalogBiquad.h"
@@ -8,7 +8,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <future>
 #include <memory>
+#include <semaphore>
 #include <thread>
 
 namespace tarvik
@@ -21,6 +25,7 @@ using Row = std::vector<float>;
 
 constexpr double rate = 44100.0;
 constexpr int rampLength = 4410;
+constexpr int tailLength = 441;
 constexpr int blockSize = 256;
 
 /** A change of control as the equaliser makes it. A gain has no memory, so that the crossfade itself can be seen. */
@@ -114,12 +119,12 @@ TEST_F (SmoothedIppIIRTest, CrossfadeTakesATenthOfASecondForAnyCuttingIntoBlocks
     }
 }
 
-TEST_F (SmoothedIppIIRTest, CrossfadeScalesTheInputsAndStartsTheNewFilterFromRest)
+TEST_F (SmoothedIppIIRTest, CrossfadeScalesTheInputsStartsFromRestAndFadesTheOldTail)
 {
     changeLowPass (filter, 1000.0);
     prepare();
     auto before = test::makeNoise (1000, 1), row = test::makeNoise (rampLength, 2),
-         next = test::makeNoise (rampLength, 3);
+         next = test::makeNoise (rampLength, 3), behind = test::makeNoise (tailLength, 4);
     auto old = makeCascade (1000.0), changed = makeCascade (9000.0), last = makeCascade (300.0);
     const auto ramp = makeRamp (0.0, 1.0);
     const auto crossfade = [&ramp] (const Row& input, BiquadCascade& from, BiquadCascade& to)
@@ -144,12 +149,22 @@ TEST_F (SmoothedIppIIRTest, CrossfadeScalesTheInputsAndStartsTheNewFilterFromRes
     EXPECT_EQ (before, expectedBefore);
 
     // Into bank 1, whose ramp rises, and back into bank 0, whose ramp falls and may differ in the last bit.
-    const auto expected = crossfade (row, old, changed), expectedNext = crossfade (next, changed, last);
+    const auto expected = crossfade (row, old, changed);
+    Row tail (tailLength, 0.0f), expectedBehind (behind);
+    old.processPlain (tail.data(), tailLength);
+    changed.processPlain (expectedBehind.data(), tailLength);
+    const auto expectedNext = crossfade (next, changed, last);
+
     changeLowPass (filter, 9000.0);
     process (filter, row);
     EXPECT_EQ (row, expected);
-    changeLowPass (filter, 300.0);
+    changeLowPass (filter, 300.0); // waits for the tail
+    process (filter, behind);
     process (filter, next);
+    EXPECT_GT (std::abs (tail.front()), 1e-3f);
+
+    for (std::size_t i = 0; i < behind.size(); ++i)
+        ASSERT_NEAR (behind[i], expectedBehind[i] + tail[i] * (1.0f - static_cast<float> (i + 1) / tailLength), 1e-6f);
 
     for (std::size_t i = 0; i < next.size(); ++i)
         ASSERT_NEAR (next[i], expectedNext[i], 1e-6f);
@@ -178,6 +193,7 @@ TEST_F (SmoothedIppIIRTest, OnlyTheNewestChangeFollowsARunningCrossfade)
 
     // No message loop runs here: the audio side alone goes on, at the first call after the crossfade's end.
     auto rest = processOnes (filter, rampLength - 2000);
+    EXPECT_EQ (processOnes (filter, tailLength), Row (tailLength, 1.0f)); // gains have no tail, but its time passes
     const auto second = processOnes (filter, rampLength);
     row.insert (row.end(), rest.begin(), rest.end());
 
@@ -188,7 +204,7 @@ TEST_F (SmoothedIppIIRTest, OnlyTheNewestChangeFollowsARunningCrossfade)
         ASSERT_NEAR (second[i], 1.0 - 0.5 * share, 1e-6);
     }
 
-    EXPECT_EQ (processOnes (filter, rampLength), Row (rampLength, 0.5f)); // nothing else was waiting
+    EXPECT_EQ (processOnes (filter, 2 * rampLength), Row (2 * rampLength, 0.5f)); // nothing else was waiting
     filter.timerCallback();
     EXPECT_FALSE (filter.isTimerRunning());
 }
@@ -330,6 +346,61 @@ TEST_F (SmoothedIppIIRTest, ChangesOnTheAudioThreadTakeNoMemoryAndNoLock)
     prepare();
     std::thread (run).join();
     run(); // a program may render on its message thread
+}
+
+/** A design that takes as long as the test wants. */
+struct HeldCoefs : Coefs
+{
+    void design()
+    {
+        ++numDesigns;
+        begun.release();
+        mayEnd.acquire();
+        Coefs::design();
+    }
+
+    static inline std::atomic<int> numDesigns { 0 };
+    static inline std::counting_semaphore<> begun { 0 }, mayEnd { 0 };
+};
+
+TEST (SmoothedIppIIRHandOver, ADesignUnderWayHoldsUpNobodyAndLosesNothing)
+{
+    using HeldFilter = SmoothedIppIIR<float, HeldCoefs>;
+    const auto change = [] (HeldFilter& filter, double gain)
+    {
+        filter.setAnalogue ({ 0.0, 0.0, gain }, { 0.0, 0.0, 1.0 });
+        filter.bringInCoefficients();
+    };
+    const auto processOne = [] (HeldFilter& filter)
+    {
+        Row row (rampLength + tailLength, 1.0f);
+        auto* pointer = row.data();
+        filter.process (&pointer, static_cast<int> (row.size()));
+        return row.back();
+    };
+
+    HeldFilter filter;
+    HeldCoefs::mayEnd.release();
+    filter.prepare (rate, 1, blockSize);
+    HeldCoefs::begun.acquire();
+
+    std::thread designer ([&] { filter.setAnalogue ({ 0.0, 0.0, 0.5 }, { 0.0, 0.0, 1.0 }); });
+    HeldCoefs::begun.acquire();
+    auto others = std::async (std::launch::async,
+                              [&]
+                              {
+                                  change (filter, 2.0);
+                                  change (filter, 0.25);
+                                  return processOne (filter); // the old sound goes on
+                              });
+    const auto haveWaited = others.wait_for (std::chrono::seconds (5)) != std::future_status::ready;
+    HeldCoefs::mayEnd.release (3);
+    EXPECT_FALSE (haveWaited);
+    EXPECT_EQ (others.get(), 1.0f);
+    designer.join();
+    EXPECT_EQ (HeldCoefs::numDesigns, 3); // it has looked again: nothing is left for the audio side to design
+    EXPECT_EQ (processOne (filter), 0.25f);
+    EXPECT_EQ (HeldCoefs::numDesigns, 3);
 }
 
 // Run this one under ThreadSanitizer too. A constant input through gains between 0.5 and 1 stays between them whatever

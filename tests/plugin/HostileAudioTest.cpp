@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "plugin/ParameterTable.h"
 #include "tests/support/StripTestTools.h"
 
 #include <limits>
@@ -57,99 +58,81 @@ void randomSettings (Tarvik41Processor& strip, std::mt19937& random)
 }
 } // namespace
 
-/** Random settings on a random strip, bad audio on main channels and side chain, a parameter stepped at each block: the
-    output stays finite on every channel. The strip is not made new between cases, so what one leaves behind the next would
-    show.
+/** Random settings, a parameter stepped at each block, bad audio on the left and on the left of the side chain. The right
+    hears a programme all the while, then both do: with the tolerances linked it is what the left would be had nothing
+    happened. The strips are not made new between cases, so what one leaves behind the next would show.
+
+    What may remain after a second is in the compressor's second capacitor: a passage of 20 ms fills it through 33 k to 7 %
+    of the highest voltage, it empties through 153 k and the shortest release in 1.7 s, and the first capacitor sees a tenth
+    of it. That is 3 %, so 5 % is allowed, and with the dynamics out what rounding leaves in the filters. Hold, a staircase,
+    stays out while they recover.
 */
-TEST (HostileAudio, NothingThatComesInBreaksTheStrip)
+TEST (HostileAudio, WhateverComesInTheStripStaysFiniteAndIsCleanASecondLater)
 {
     constexpr unsigned seed = 41;
-    constexpr int numCases = 2000;
-    constexpr int blockLength = 256;
+    constexpr int numCases = 2000, blockLength = 256;
+    constexpr auto second = static_cast<int> (sampleRate);
     std::mt19937 random (seed);
     std::vector<std::unique_ptr<Tarvik41Processor>> strips;
+    const auto programme = noise (second, 5, 0.03f);
 
     for (const auto factor : { 1, 2, 4, 8, 16 })
     {
-        strips.push_back (makeStrip (factor == 4 ? 1 : 2, true));
+        strips.push_back (makeStrip (2, true));
         strips.back()->oversamplingSetting().setValue (factor);
         strips.back()->analogSetting().setValue (false);
+        strips.back()->prepareToPlay (sampleRate, blockLength);
     }
 
     for (int run = 0; run < numCases; ++run)
     {
         // The high factors cost most and differ least: they get a share of the cases.
-        const auto index = run % 10 < 4 ? 0u : run % 10 < 7 ? 1u : run % 10 < 8 ? 2u : run % 10 < 9 ? 3u : 4u;
-        auto& strip = *strips[index];
+        const auto share = run % 100;
+        auto& strip = *strips[share < 66 ? 0u : share < 90 ? 1u : share < 97 ? 2u : share < 99 ? 3u : 4u];
         const auto kind = static_cast<Badness> (random() % static_cast<unsigned> (Badness::kinds));
-        const auto channels = static_cast<std::size_t> (strip.getTotalNumInputChannels());
+        const auto isIn = random() % 4 != 0;
+        SCOPED_TRACE ("case " + std::to_string (run) + ", seed " + std::to_string (seed));
+
+        const auto play = [&] (const Signal& left, const Signal& right)
+        {
+            auto output = process (strip, { left, right, left, right }, blockLength);
+
+            for (const auto& channel : output)
+                EXPECT_TRUE (std::all_of (channel.begin(), channel.end(), [] (float x) { return std::isfinite (x); }));
+
+            const auto& readOuts = strip.currentSnapshot();
+            EXPECT_TRUE (std::isfinite (readOuts.inputMeter + readOuts.outputMeter + readOuts.gainReductionDb));
+            return output;
+        };
 
         randomSettings (strip, random);
-
-        if (run < 10)
-            strip.prepareToPlay (sampleRate, blockLength);
+        setPlain (strip, "TolLink", 1.0f);
 
         for (int block = 0; block < 4; ++block)
         {
-            const auto output = process (
-                strip, std::vector<Signal> (channels, badSignal (kind, blockLength, static_cast<unsigned> (random()))),
-                blockLength);
-
-            for (const auto& channel : output)
-                for (const auto sample : channel)
-                    ASSERT_TRUE (std::isfinite (sample)) << "case " << run << ", seed " << seed;
-
-            auto* const p = strip.getParameters()[static_cast<int> (random() % 42)];
+            play (badSignal (kind, blockLength, static_cast<unsigned> (random())),
+                  Signal (programme.begin(), programme.begin() + blockLength));
+            auto* const p = strip.getParameters()[(4 * run + block) % numParameters];
             p->setValueNotifyingHost (p->getValue() > 0.5f ? 0.0f : 1.0f);
         }
-    }
-}
 
-TEST (HostileAudio, ASecondLaterTheStripSoundsAsIfNothingHadBeen)
-{
-    std::mt19937 random (42);
+        setPlain (strip, "TolLink", 1.0f);
+        setPlain (strip, "compIn", isIn ? 1.0f : 0.0f);
+        setPlain (strip, "compRelease", 0.0f);
+        setPlain (strip, "expRelease", 0.025f);
+        setPlain (strip, "expHold", 0.0f);
+        setPlain (strip, "mute", 0.0f);
+        const auto output = play (programme, programme);
+        float difference = 0.0f, level = 0.0f;
 
-    for (const auto kind : { Badness::plus24Db, Badness::oneNan, Badness::oneInfinity })
-        for (const auto factor : { 1, 2 })
+        for (std::size_t i = programme.size() - 1024; i < programme.size(); ++i)
         {
-            const auto bad = makeStrip();
-            const auto clean = makeStrip();
-
-            for (auto* const strip : { bad.get(), clean.get() })
-            {
-                strip->oversamplingSetting().setValue (factor);
-                strip->analogSetting().setValue (false);
-                setPlain (*strip, "compRelease", 0.0f);
-                setPlain (*strip, "compThreshold", -6.0f);
-                setPlain (*strip, "lowGain", 0.7f);
-                setPlain (*strip, "lowFreq", 3.0f);
-                strip->prepareToPlay (sampleRate, 256);
-            }
-
-            process (*bad, { badSignal (kind, 2048, 1), badSignal (kind, 2048, 2) }, 256);
-            process (*clean, { Signal (2048), Signal (2048) }, 256);
-
-            const auto second = static_cast<int> (sampleRate);
-            process (*bad, { Signal (static_cast<std::size_t> (second)), Signal (static_cast<std::size_t> (second)) },
-                     256);
-            process (*clean, { Signal (static_cast<std::size_t> (second)), Signal (static_cast<std::size_t> (second)) },
-                     256);
-
-            const std::vector<Signal> music { noise (4800, 5, 0.1f), noise (4800, 6, 0.1f) };
-            const auto after = process (*bad, music, 256)[0];
-            const auto expected = process (*clean, music, 256)[0];
-            float difference = 0.0f;
-            float level = 0.0f;
-
-            for (std::size_t i = 0; i < after.size(); ++i)
-            {
-                difference = std::max (difference, std::abs (after[i] - expected[i]));
-                level = std::max (level, std::abs (expected[i]));
-            }
-
-            // The slow capacitor of the release may remember a little; -30 dB is far below what it would take to hear.
-            EXPECT_LT (difference, 0.03f * level) << "kind " << static_cast<int> (kind) << ", factor " << factor;
+            difference = std::max (difference, std::abs (output[0][i] - output[1][i]));
+            level = std::max (level, std::abs (output[1][i]));
         }
+
+        EXPECT_LE (difference, level * (isIn ? 0.05f : 2e-5f)) << "kind " << static_cast<int> (kind);
+    }
 }
 
 TEST (HostileAudio, SilenceBehindASignalStaysFreeOfSubnormals)

@@ -6,34 +6,9 @@ namespace tarvik
 
 using namespace test;
 
-namespace
-{
-Signal sine (double rate, double hz, float level, double seconds)
-{
-    Signal signal (static_cast<std::size_t> (seconds * rate));
-
-    for (std::size_t i = 0; i < signal.size(); ++i)
-        signal[i] =
-            level
-            * static_cast<float> (std::sin (juce::MathConstants<double>::twoPi * hz * static_cast<double> (i) / rate));
-
-    return signal;
-}
-
-float rms (const Signal& signal, std::size_t lastSamples)
-{
-    double sum = 0.0;
-
-    for (auto i = signal.size() - lastSamples; i < signal.size(); ++i)
-        sum += static_cast<double> (signal[i]) * static_cast<double> (signal[i]);
-
-    return static_cast<float> (std::sqrt (sum / static_cast<double> (lastSamples)));
-}
-} // namespace
-
 TEST (Meters, NeedlesOfTheRunningStripStandAt0VuFor18DbBelowFullScale)
 {
-    const auto level = std::pow (10.0f, -18.0f / 20.0f);
+    const auto level = std::pow (10.0, -18.0 / 20.0);
 
     for (const auto rate : { 44100.0, 48000.0, 192000.0 })
         for (const auto factor : { 1, 2 })
@@ -45,7 +20,7 @@ TEST (Meters, NeedlesOfTheRunningStripStandAt0VuFor18DbBelowFullScale)
             setPlain (*strip, "equalizer", 0.0f);
             setPlain (*strip, "level", -6.0f);
             strip->prepareToPlay (rate, 512);
-            const auto tone = sine (rate, 997.0, level, 1.5); // no whole number of samples a cycle
+            const auto tone = sine (997.0, level, rate, 1.5); // no whole number of samples a cycle
             process (*strip, { tone, tone }, 512);
 
             EXPECT_NEAR (strip->currentSnapshot().inputMeter, 1.0f, 2e-3f) << rate << ", factor " << factor;
@@ -64,7 +39,7 @@ TEST (Meters, GainReductionIsWhatTheToneLoses)
     constexpr double rate = 48000.0;
 
     for (const auto ratio : { 1.0f, 3.0f, 5.0f })
-        for (const auto levelDb : { -30.0f, -18.0f, -6.0f })
+        for (const auto levelDb : { -30.0, -18.0, -6.0 })
         {
             const auto strip = makeStrip();
             strip->analogSetting().setValue (false);
@@ -73,18 +48,18 @@ TEST (Meters, GainReductionIsWhatTheToneLoses)
             setPlain (*strip, "compRatio", ratio);
             setPlain (*strip, "compRelease", 8.0f);
             strip->prepareToPlay (rate, 512);
-            const auto tone = sine (rate, 997.0, std::pow (10.0f, levelDb / 20.0f), 4.0);
+            const auto tone = sine (997.0, std::pow (10.0, levelDb / 20.0), rate, 4.0);
 
             const auto compressed = process (*strip, { tone, tone }, 512)[0];
             const float reading = strip->currentSnapshot().gainReductionDb;
             setPlain (*strip, "compIn", 0.0f);
             const auto untouched = process (*strip, { tone, tone }, 512)[0];
-            const auto lossDb = 20.0f * std::log10 (rms (compressed, 9600) / rms (untouched, 9600));
+            const auto lossDb = 20.0 * std::log10 (rmsOfEnd (compressed, 9600) / rmsOfEnd (untouched, 9600));
 
             // The needle stops at 0 dB, while the gain element at rest gives a little more.
-            EXPECT_NEAR (reading, std::min (0.0f, lossDb), 0.15f) << "ratio " << ratio << ", level " << levelDb;
+            EXPECT_NEAR (reading, std::min (0.0, lossDb), 0.15) << "ratio " << ratio << ", level " << levelDb;
 
-            if (levelDb > -10.0f)
+            if (levelDb > -10.0)
             {
                 EXPECT_LT (reading, -3.0f) << "there must be some";
             }

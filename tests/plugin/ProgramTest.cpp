@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/FactoryPrograms.h"
-#include "plugin/ParameterTable.h"
 #include "tests/support/Golden.h"
+#include "tests/support/StateTestTools.h"
 #include "tests/support/StripTestTools.h"
 
 namespace tarvik
@@ -16,28 +16,11 @@ TEST (Programs, AreThoseThatUsersKnow)
     EXPECT_EQ (strip.getProgramName (26), "");
     EXPECT_EQ (strip.getProgramName (-1), "");
 
-    // What differs from the default settings, as a user reads it.
-    const ParameterSnapshot defaults;
     juce::String all;
 
     for (int program = 0; program < strip.getNumPrograms(); ++program)
-    {
-        all << strip.getProgramName (program) << ":";
-        const auto& snapshot = factoryPrograms()[static_cast<std::size_t> (program)].snapshot;
-
-        for (int i = 0; i < numParameters; ++i)
-        {
-            const auto& row = parameterTable()[static_cast<std::size_t> (i)];
-            const auto value = plainValueOf (snapshot, i);
-
-            if (value != plainValueOf (defaults, i))
-                all << " " << row.id << "="
-                    << (row.choices.empty() ? juce::String (value)
-                                            : juce::String (row.choices[static_cast<std::size_t> (value)]));
-        }
-
-        all << "\n";
-    }
+        all << strip.getProgramName (program) << ":"
+            << differencesFromDefault (factoryPrograms()[static_cast<std::size_t> (program)].snapshot) << "\n";
 
     expectGolden ("programs.txt", all);
 }
@@ -72,9 +55,7 @@ TEST (Programs, ProgramRightBehindAStateLoadDoesNotOverwriteIt)
 {
     Tarvik41Processor strip;
     setPlain (strip, "gain", 7.0f);
-    juce::MemoryBlock state;
-    strip.getStateInformation (state);
-    strip.setStateInformation (state.getData(), static_cast<int> (state.getSize()));
+    load (strip, saved (strip));
 
     strip.setCurrentProgram (5);
     EXPECT_EQ (strip.getCurrentProgram(), 5);

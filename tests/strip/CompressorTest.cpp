@@ -39,38 +39,6 @@ int samplesUntil (const CompressorCircuit& circuit, CompressorCircuit::State& st
     return samples;
 }
 
-// The two capacitors on their own, by much smaller steps: C1 = 2.2 uF leaking through Rl, C2 = 10 uF behind R2.
-double secondsToHalf (double rlOhms, double r2Ohms)
-{
-    constexpr double dt = 1e-6;
-    auto c1 = 10.0, c2 = 0.0, seconds = 0.0;
-
-    for (; c1 > 5.0; seconds += dt)
-    {
-        const auto amps = (c1 - c2) / r2Ohms;
-        c1 -= dt * (c1 / rlOhms + amps) / 2.2e-6;
-        c2 += dt * amps / 10e-6;
-    }
-
-    return seconds;
-}
-
-TEST (Compressor, ReleaseIsTheDischargeOfTheTwoCapacitors)
-{
-    constexpr std::array rlOhms { 15e3, 33e3, 68e3, 120e3, 220e3, 560e3, 1e6, 2.2e6, 120e3 };
-
-    for (int release = 0; release < 9; ++release)
-    {
-        CompressorCircuit::State state;
-        state.c1Volts = 10.0;
-        const auto circuit = makeCircuit ({ 0.0f, 0, 1, release });
-        const auto expected = secondsToHalf (rlOhms[static_cast<std::size_t> (release)], release == 8 ? 33e3 : 153e3);
-
-        // The knee's trickle of 0.06 V holds the voltage up a little.
-        EXPECT_NEAR (samplesUntil (circuit, state, 0.0, 5.0) * stepSeconds / expected, 1.0, 0.02) << release;
-    }
-}
-
 TEST (Compressor, AttackGetsFasterWithEveryStepAndWithTheSizeOfTheError)
 {
     std::array<int, 3> samples {};
@@ -109,24 +77,6 @@ TEST (Compressor, NetworkCountsSamplesNotSeconds)
     EXPECT_EQ (states[0].c1Volts, states[1].c1Volts);
 }
 
-TEST (Compressor, AutoReleaseRecoversFasterFromAShortPeakThanFromALongOne)
-{
-    const auto recovery = [] (int release, double seconds)
-    {
-        const auto circuit = makeCircuit ({ -10.0f, 3, 1, release });
-        CompressorCircuit::State state;
-
-        for (int i = 0; i < static_cast<int> (seconds * 44100.0); ++i)
-            circuit.step (state, 1.0, 3.0);
-
-        const auto start = state.c1Volts;
-        return samplesUntil (circuit, state, 0.0, 0.3 * start) * stepSeconds;
-    };
-
-    EXPECT_GT (recovery (8, 0.2), 4.0 * recovery (8, 0.05));
-    EXPECT_LT (recovery (3, 0.2), 1.5 * recovery (3, 0.05));
-}
-
 TEST (Compressor, NoLevelTakesTheCapacitorsBeyondTheCurvesEnd)
 {
     const auto ceiling = VcaCurve::getZeroGainVolts();
@@ -161,9 +111,7 @@ TEST (Compressor, RatiosRankAndLowLevelsPassUntouched)
     {
         PreparedSection section (settings, rateHz, 1);
         const auto out = section.process ({ sine (997.0, std::pow (10.0, levelDb / 20.0), rateHz, 2.0) })[0];
-        auto square = 0.0;
-        std::for_each (out.end() - 4800, out.end(), [&] (float x) { square += static_cast<double> (x * x); });
-        return 10.0 * std::log10 (square / 2400.0);
+        return 20.0 * std::log10 (rmsOfEnd (out, 4800) * std::numbers::sqrt2);
     };
 
     for (int ratio = 1; ratio < 6; ++ratio)

@@ -3,29 +3,16 @@
 
 #include "PlainDynamics.h"
 #include "strip/DynamicsSection.h"
+#include "tests/support/Signals.h"
 
 #include <algorithm>
 #include <cmath>
 #include <functional>
-#include <numbers>
 #include <random>
 #include <vector>
 
 namespace tarvik::test
 {
-using Signal = std::vector<float>;
-
-inline Signal sine (double hz, double level, double rateHz, double seconds)
-{
-    Signal signal (static_cast<std::size_t> (seconds * rateHz));
-
-    for (std::size_t i = 0; i < signal.size(); ++i)
-        signal[i] =
-            static_cast<float> (level * std::sin (2.0 * std::numbers::pi * hz / rateHz * static_cast<double> (i)));
-
-    return signal;
-}
-
 // Noise whose level swells and falls by 60 dB below `loudest`, in stretches of 5 to 100 ms.
 inline Signal bursts (unsigned seed, double loudest, double rateHz, double seconds)
 {

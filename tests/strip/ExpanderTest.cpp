@@ -76,32 +76,6 @@ TEST (Expander, StaticCurveIsARampWithASoftKneeUpToTheRange)
     EXPECT_DOUBLE_EQ (expander.getActivity (5.0), 0.25);
 }
 
-TEST (Expander, CapacitorChargesThroughTheAttackAndLeaksInTheRelease)
-{
-    constexpr std::array attackOhms { 47e3, 4272.727272727273, 465.34653465346537 };
-
-    for (int attack = 0; attack < 3; ++attack)
-        for (const auto rate : { 48000.0, 384000.0 })
-        {
-            const auto expander = makeExpander (
-                Mode::expander, [&] (auto& c) { c.attack = attack; }, rate);
-            const auto chargeSeconds = attackOhms[static_cast<std::size_t> (attack)] * 0.47e-6;
-            const auto tau = 1.0 / (1.0 / chargeSeconds + 1.0 / 0.3), rest = 10.0 * tau / chargeSeconds;
-            Expander::State state;
-
-            for (int i = 0; i < static_cast<int> (tau * rate); ++i)
-                expander.charge (state, 10.0);
-
-            EXPECT_NEAR (state.volts, rest * (1.0 - std::exp (-1.0)), 0.05 * rest) << attack << ", " << rate;
-            state.volts = 10.0;
-
-            for (int i = 0; i < static_cast<int> (0.3 * rate); ++i)
-                expander.charge (state, 0.0);
-
-            EXPECT_NEAR (state.volts, 10.0 * std::exp (-1.0), 0.01);
-        }
-}
-
 // Three ways to the same attenuation: a row at a time, sample by sample, and the gate's series around an anchor.
 TEST (Expander, GateBehindAGainHearsWhatTheExpanderHearsBare)
 {
@@ -138,14 +112,6 @@ TEST (Expander, HoldKeepsTheLowestAttenuationForTenMillisecondsAtATime)
     EXPECT_NEAR (held[700], 0.01 * 482, 0.05);
     EXPECT_LE (steps, 6);
     EXPECT_EQ (expander.holdAndInvert (state, 0.25), 0.25); // a louder key counts at once
-}
-
-TEST (Expander, InvertedAttenuatesWhatWasLetThrough)
-{
-    const auto expander = makeExpander (Mode::expander, [] (auto& c) { c.isInverted = true; });
-    Expander::State state;
-    EXPECT_EQ (expander.holdAndInvert (state, 0.0), 20.0);
-    EXPECT_EQ (expander.holdAndInvert (state, 15.0), 5.0);
 }
 
 TEST (Expander, OnlyTheGateListensToTheSideChain)

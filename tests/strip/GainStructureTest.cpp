@@ -12,7 +12,7 @@ namespace
 constexpr double sampleRate = 48000.0;
 
 /** So quiet that the strip's harmonics and dynamics are out of the picture, at any gain of the strip. */
-constexpr float quiet = 1e-4f;
+constexpr double quiet = 1e-4;
 
 /** The real strip with what would hide its gains taken out. */
 std::unique_ptr<Tarvik41Processor> makeQuietStrip (int factor)
@@ -25,34 +25,13 @@ std::unique_ptr<Tarvik41Processor> makeQuietStrip (int factor)
     return strip;
 }
 
-Signal sine (int numSamples, double hz, float level)
-{
-    Signal signal (static_cast<std::size_t> (numSamples));
-
-    for (std::size_t i = 0; i < signal.size(); ++i)
-        signal[i] = level
-                    * static_cast<float> (
-                        std::sin (juce::MathConstants<double>::twoPi * hz * static_cast<double> (i) / sampleRate));
-
-    return signal;
-}
-
-/** The RMS of the last tenth of a second, ten whole cycles or more of what `levelDb` sends. */
-double rmsOfEnd (const Signal& signal)
-{
-    double sum = 0.0;
-
-    for (auto i = signal.size() - 4800; i < signal.size(); ++i)
-        sum += static_cast<double> (signal[i]) * static_cast<double> (signal[i]);
-
-    return std::sqrt (sum / 4800.0);
-}
+Signal tone (int numSamples) { return sine (1000.0, quiet, sampleRate, numSamples / sampleRate); }
 
 /** The gain for a sine of 1 kHz behind `settleSamples` samples, in dB. */
 double gainDb (Tarvik41Processor& strip, int settleSamples = 12000)
 {
-    const auto input = sine (settleSamples + 4800, 1000.0, quiet);
-    return 20.0 * std::log10 (rmsOfEnd (process (strip, { input, input }, 256)[0]) / rmsOfEnd (input));
+    const auto input = tone (settleSamples + 4800);
+    return 20.0 * std::log10 (rmsOfEnd (process (strip, { input, input }, 256)[0], 4800) / rmsOfEnd (input, 4800));
 }
 } // namespace
 
@@ -112,14 +91,14 @@ TEST (GainStructure, RampsLastTheSame100MillisecondsAtEveryFactor)
         setPlain (*strip, "unity", 1.0f);
 
         // Equal factors over 4800 samples: 10 dB half way. A short sine about that moment, two cycles long.
-        const auto input = sine (2400 + 48 + 52 * (factor > 1 ? 1 : 0), 1000.0, quiet);
+        const auto input = tone (2400 + 48 + (factor > 1 ? 52 : 0));
         const auto output = process (*strip, { input, input }, 64)[0];
         float peak = 0.0f;
 
         for (auto i = output.size() - 96; i < output.size(); ++i)
             peak = std::max (peak, std::abs (output[i]));
 
-        EXPECT_NEAR (20.0 * std::log10 (static_cast<double> (peak / quiet)) - before, -10.0, 0.4)
+        EXPECT_NEAR (20.0 * std::log10 (static_cast<double> (peak) / quiet) - before, -10.0, 0.4)
             << "factor " << factor;
         EXPECT_NEAR (gainDb (*strip, 2400) - before, -20.0, 0.01) << "factor " << factor;
     }

@@ -17,13 +17,6 @@ double gainAt (double volts) { return VcaCurve::getSegment (volts).gainAt (volts
 // The voltage at which the control scale stands at -11 + 0.1 k.
 double voltsAtPoint (std::size_t k) { return 12.32 - (9.914435 - 11.0 + 0.1 * static_cast<double> (k)) / 0.087612525; }
 
-TEST (VcaCurve, PassesThroughEveryPointOfItsTable)
-{
-    for (std::size_t k = 0; k < plain::Dynamics::curvePoints.size(); ++k)
-        EXPECT_NEAR (gainAt (voltsAtPoint (k)), plain::Dynamics::curvePoints[k], 2e-5)
-            << "point " << k; // 10.000001 points per 1
-}
-
 TEST (VcaCurve, LinesOfKeptSegmentsAreThePlainInterpolation)
 {
     for (auto volts = -5.0; volts < 39.0; volts += 0.00123)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "plugin/Tarvik41Processor.h"
+#include "tests/support/Signals.h"
 
 #include <gtest/gtest.h>
 
@@ -13,8 +14,6 @@
 
 namespace tarvik::test
 {
-
-using Signal = std::vector<float>;
 
 /** A processor as a host makes it, for a main width and with the side chain on or off. */
 inline std::unique_ptr<Tarvik41Processor> makeStrip (int mainChannels = 2, bool isSidechainOn = false)
@@ -52,18 +51,6 @@ inline float plainOf (juce::AudioProcessor& processor, const juce::String& id)
 {
     auto& p = parameter (processor, id);
     return p.convertFrom0to1 (p.getValue());
-}
-
-inline Signal noise (int numSamples, unsigned seed, float level = 1.0f)
-{
-    std::mt19937 random (seed);
-    std::uniform_real_distribution<float> uniform (-level, level);
-    Signal signal (static_cast<std::size_t> (numSamples));
-
-    for (auto& sample : signal)
-        sample = uniform (random);
-
-    return signal;
 }
 
 /** Runs whole channels through the processor in blocks whose lengths `nextLength` gives. */

@@ -104,12 +104,12 @@ protected:
 
     Outcome run (const juce::StringArray& arguments) const { return finish (start (arguments)); }
 
-    /** The names in the folder of the test's files, hidden ones too. */
-    juce::StringArray namesInFolder() const
+    /** The names in the folder of the test's files, or in one below, hidden ones too. */
+    juce::StringArray namesInFolder (const juce::String& below = {}) const
     {
         juce::StringArray names;
 
-        for (const auto& entry : juce::RangedDirectoryIterator (fileNamed ({}), false, "*", juce::File::findFiles))
+        for (const auto& entry : juce::RangedDirectoryIterator (fileNamed (below), false, "*", juce::File::findFiles))
             names.add (entry.getFile().getFileName());
 
         names.sort (false);

@@ -1,0 +1,73 @@
+#!/usr/bin/env bash
+# Installs a build into a scratch folder, as a user and as the system, and lets other programs than ours use what is there:
+# check-install.sh BUILD. Prints what went wrong; needs the packages that ./test installs.
+set -euo pipefail
+
+build=$1
+uri=$(sed -n 's/^TARVIK_LV2_URI:STRING=//p' "$build/CMakeCache.txt")
+scratch=$(mktemp -d)
+trap 'kill $(jobs -p) 2>/dev/null || true; rm -rf "$scratch"' EXIT
+export HOME=$scratch/home XDG_CONFIG_HOME=$scratch/config
+mkdir "$HOME"
+
+fail() { echo "check-install: $*" >&2; exit 1; }
+
+# Both kinds of prefix.
+cmake --install "$build" --prefix "$HOME" >"$scratch/log"
+cmake --install "$build" --prefix "$scratch/usr" >"$scratch/log"
+
+for place in "$HOME/.vst3 $HOME/.lv2 $HOME/.local" "$scratch/usr/lib/vst3 $scratch/usr/lib/lv2 $scratch/usr"; do
+    read -r vst3 lv2 other <<<"$place"
+    so="$vst3/Tarvik 41 Channel.vst3/Contents/$(uname -m)-linux/Tarvik 41 Channel.so"
+    bundle="$lv2/Tarvik 41 Channel.lv2"
+
+    for file in "$so" "$bundle/libTarvik 41 Channel.so" "$bundle"/{manifest,dsp,ui}.ttl "$other/bin/tarvik41-channel" \
+                "$other"/share/{applications/tarvik41-channel.desktop,icons/hicolor/scalable/apps/tarvik41-channel.svg}; do
+        [ -f "$file" ] || fail "not installed: $file"
+    done
+done
+
+# Each format shows what its hosts call; a program cannot hide its copies of the standard library's tables.
+shows()
+{
+    local symbols
+    symbols=$(nm --dynamic --defined-only --format=just-symbols "$1" | sed '/@GLIBCXX/d' | sort | xargs)
+    [ "$symbols" = "$2" ] || fail "$1 shows '$symbols' instead of '$2'"
+}
+shows "$so" "ExitDll GetPluginFactory InitDll ModuleEntry ModuleExit"
+shows "$bundle/libTarvik 41 Channel.so" "lv2_descriptor lv2ui_descriptor"
+shows "$other/bin/tarvik41-channel" ""
+
+"$build/tools/tarvik41-render" --module "$vst3/Tarvik 41 Channel.vst3" --list >"$scratch/log" || fail "VST3 does not load"
+
+# LV2: the description against the vocabularies, then what a host reads in it, then the sound.
+# One property is there in spite of them, for certain hosts (see tools/lv2).
+mkdir "$scratch/turtle"
+cp "$bundle"/*.ttl "$scratch/turtle"
+sed -i '/lv2:portProperty lv2:enumeration ;/d' "$scratch/turtle/dsp.ttl"
+sord_validate $(dpkg-query --listfiles lv2-dev | grep '\.ttl$') "$scratch"/turtle/*.ttl >"$scratch/log" 2>&1 ||
+    { cat "$scratch/log" >&2; fail "the LV2 description breaks the vocabularies' rules"; }
+export LV2_PATH=$lv2:/usr/lib/lv2
+lv2ls | grep -qx "$uri" || fail "LV2 hosts do not find $uri"
+lv2info "$uri" >"$scratch/info" 2>&1
+for words in "Has latency: *yes" "isSideChain" "Vox Rap 3 Aggressive"; do
+    grep -q "$words" "$scratch/info" || fail "lv2info does not say '$words'"
+done
+TARVIK_LV2_FOLDER=$lv2 "$build/tests/tarvik41-tests" --gtest_filter='Lv2Module.*' >"$scratch/log" 2>&1 ||
+    { cat "$scratch/log" >&2; fail "the LV2 module does not run as it should"; }
+
+# The program opens its window, keeps it, and goes when it is asked to.
+echo 'pcm.!default { type null }' >"$HOME/.asoundrc"
+Xvfb -displayfd 5 -screen 0 1280x1024x24 -nolisten tcp 5>"$scratch/display" 2>/dev/null &
+for _ in {1..100}; do [ -s "$scratch/display" ] && break; sleep 0.1; done
+DISPLAY=:$(cat "$scratch/display")
+export DISPLAY
+"$other/bin/tarvik41-channel" >"$scratch/log" 2>&1 &
+program=$!
+for _ in {1..150}; do xdotool search --name "Tarvik 41 Channel" >/dev/null 2>&1 && break; sleep 0.1; done
+xdotool search --name "Tarvik 41 Channel" >/dev/null 2>&1 || fail "the program shows no window: $(cat "$scratch/log")"
+sleep 1
+kill -INT $program || fail "the program has gone by itself"
+status=0
+wait $program || status=$?
+[ $status -eq 0 ] || fail "the program ends with status $status"

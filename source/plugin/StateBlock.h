@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <juce_core/juce_core.h>
+
+#include <memory>
+
+namespace tarvik
+{
+
+/** The document in a block that a host kept for us, or null where there is none. Any bytes may come in.
+
+    JUCE's parser trusts its input: it recurses for every nested element, expands entities that the text declares, and
+    reads past the end of text that is cut inside a character or a character reference. So a block reaches it only if it
+    is small, flat, declares nothing, and is valid UTF-8. Any thread with 256 KiB of stack.
+
+    data           may be null if sizeInBytes is below 9
+    sizeInBytes    may be anything; a block of 8 bytes or fewer holds nothing
+*/
+std::unique_ptr<juce::XmlElement> parseStateBlock (const void* data, int sizeInBytes);
+
+} // namespace tarvik

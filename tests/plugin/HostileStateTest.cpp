@@ -1,0 +1,231 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/support/StateTestTools.h"
+#include "tests/support/StripTestTools.h"
+
+#include <fstream>
+
+namespace tarvik
+{
+
+using namespace test;
+
+namespace
+{
+/** A playing strip that is given whatever a host may hand over, and looked at behind each load. */
+class HostileState : public testing::Test
+{
+protected:
+    HostileState()
+    {
+        // Without noise, and at the factor that costs least.
+        strip->oversamplingSetting().setValue (1);
+        strip->analogSetting().setValue (false);
+        strip->selectSlot (1);
+        strip->setCurrentProgram (17);
+        strip->prepareToPlay (48000.0, blockLength);
+        good = saved (*strip);
+    }
+
+    void expectSurvival (const juce::MemoryBlock& block, const char* what, std::size_t which = 0)
+    {
+        load (*strip, block);
+        ASSERT_EQ (firstFieldOutOfRange (*strip), "") << what << ", " << which;
+        const auto out = process (*strip, { Signal (blockLength, 0.1f), Signal (blockLength, 0.1f) }, blockLength);
+
+        for (const auto sample : out[0])
+            ASSERT_TRUE (std::isfinite (sample)) << what << ", " << which;
+    }
+
+    /** A document of ours with `from` replaced by `to`, once. */
+    juce::MemoryBlock goodWith (const std::string& from, const std::string& to) const
+    {
+        std::string text (textOf (good));
+        const auto at = text.find (from);
+        EXPECT_NE (at, std::string::npos) << from;
+        return blockOfText (text.replace (at, from.size(), to));
+    }
+
+    static constexpr int blockLength = 64;
+    std::unique_ptr<Tarvik41Processor> strip = makeStrip();
+    juce::MemoryBlock good;
+};
+
+std::string repeated (std::string_view text, std::size_t times)
+{
+    std::string all;
+    all.reserve (text.size() * times);
+
+    while (times-- > 0)
+        all += text;
+
+    return all;
+}
+
+#ifdef __SANITIZE_ADDRESS__
+constexpr std::size_t stackBytes = 1 << 20; // its frames are larger
+#else
+constexpr std::size_t stackBytes = 1 << 18;
+#endif
+
+/** A host's thread that has little stack. */
+struct SmallThread final : juce::Thread
+{
+    explicit SmallThread (std::function<void()> workToDo) : Thread ("state", stackBytes), work (std::move (workToDo))
+    {
+        startThread();
+    }
+
+    void run() override { work(); }
+
+    std::function<void()> work;
+};
+
+/** The most memory that this process has ever had, in bytes. */
+std::size_t peakMemory()
+{
+    std::ifstream status ("/proc/self/status");
+
+    for (std::string line; std::getline (status, line);)
+        if (line.rfind ("VmHWM:", 0) == 0)
+            return std::stoul (line.substr (6)) * 1024;
+
+    return 0;
+}
+} // namespace
+
+TEST_F (HostileState, TruncatedAnywhereOrWithAnyByteFlipped)
+{
+    for (std::size_t length = 0; length < good.getSize(); ++length)
+    {
+        // Memory of its own, so that a read beyond the end is seen by the AddressSanitizer.
+        expectSurvival ({ good.getData(), length }, "truncated", length);
+        const auto shorter = textOf (good).substr (0, std::min (length, textOf (good).size()));
+        expectSurvival (blockOfText (shorter), "cut text", length);
+    }
+
+    load (*strip, good);
+
+    for (std::size_t at = 0; at < good.getSize(); ++at)
+        for (const auto bits : { 0x01, 0x80, 0xff })
+        {
+            auto flipped = good;
+            flipped[at] = static_cast<char> (flipped[at] ^ bits);
+            expectSurvival (flipped, "flipped", at);
+        }
+}
+
+TEST_F (HostileState, DamagedAndForeignBlocksChangeNothing)
+{
+    const std::string text (textOf (good));
+    auto wrongMark = good;
+    wrongMark[0] = 'x';
+    auto negativeLength = good;
+    negativeLength[7] = static_cast<char> (0xff);
+
+    for (const auto& block : { juce::MemoryBlock(), juce::MemoryBlock (good.getData(), 8), wrongMark, negativeLength,
+                               blockOfText (text.substr (0, text.size() / 2)),
+                               blockOfText ("<Other>" + text + "</Other>"), blockOfText ("") })
+    {
+        load (*strip, block);
+        EXPECT_EQ (saved (*strip), good);
+    }
+
+    strip->setStateInformation (nullptr, 0);
+    strip->setCurrentProgram (3);
+    EXPECT_EQ (saved (*strip), good) << "a program right behind a refused block is held back as well";
+}
+
+TEST_F (HostileState, SenselessTextInEveryAttribute)
+{
+    std::vector<std::string> names;
+    const auto xml = juce::parseXML (std::string (textOf (good)));
+    const std::string values[] = { "nan",     "-inf",     "1e9",        "-1",
+                                   "",        "1e999999", "-1e-999999", repeated ("9", 4000),
+                                   "&#x",     "&#0;",     "&none;",     "true",
+                                   "\xc3\x28" };
+
+    for (const auto* const element : { xml.get(), xml->getChildElement (0), xml->getChildElement (1) })
+        for (int i = 0; i < element->getNumAttributes(); ++i)
+            for (const auto& value : values)
+            {
+                const auto name = element->getAttributeName (i).toStdString();
+                std::string text (textOf (good));
+                const auto start = text.find ("<" + element->getTagName().toStdString());
+                const auto at = text.find (" " + name + "=\"", start) + name.size() + 3;
+                text.replace (at, text.find ('"', at) - at, value);
+                ASSERT_NO_FATAL_FAILURE (expectSurvival (blockOfText (text), (name + "=" + value).c_str()));
+
+                if (name == "Oversampling") // 16-fold, every load would take a hundred times as long
+                    load (*strip, good);
+            }
+}
+
+TEST_F (HostileState, RandomBytesAndRandomPieces)
+{
+    constexpr unsigned seed = 5;
+    std::mt19937 random (seed);
+    const std::string_view text = textOf (good);
+
+    for (std::size_t run = 0; run < 2000; ++run)
+    {
+        std::string bytes (random() % 200, '\0');
+
+        for (auto& byte : bytes)
+            byte = static_cast<char> (random());
+
+        expectSurvival ({ bytes.data(), bytes.size() }, "random bytes", run);
+        expectSurvival (blockOfText (bytes), "random text", run);
+
+        std::string pieces;
+
+        while (pieces.size() < text.size())
+            pieces += text.substr (random() % text.size(), random() % 300);
+
+        expectSurvival (blockOfText (pieces), "random pieces", run);
+    }
+}
+
+TEST_F (HostileState, DeepHugeAndSelfExpandingDocuments)
+{
+    constexpr std::size_t million = 1000000;
+    const std::string open = "<Tarvik41Channel", close = "</Tarvik41Channel>";
+    std::string manyNames;
+
+    for (std::size_t i = 0; i < 100000; ++i)
+        manyNames += " x" + std::to_string (i) + "=\"\"";
+
+    std::string laughs = "<!DOCTYPE Tarvik41Channel [<!ENTITY a \"haha\">";
+
+    for (char c = 'b'; c < 'z'; ++c)
+        laughs += std::string ("<!ENTITY ") + c + " \""
+                  + repeated (std::string ("&") + static_cast<char> (c - 1) + ";", 10) + "\">";
+
+    laughs += "]>";
+
+    const juce::MemoryBlock blocks[] = {
+        blockOfText (repeated ("<Tarvik41Channel>", million)),
+        blockOfText (repeated ("<Tarvik41Channel>", 200)), // few enough to reach the parser
+        blockOfText (open + ">" + repeated ("<data0 gain=\"9\"/>", million) + close),
+        blockOfText (open + " gain=\"" + std::string (50 * million, '9') + "\"/>"),
+        blockOfText (open + manyNames + "/>"),
+        blockOfText (laughs + open + " Calibration=\"&y;\"/>"),
+        blockOfText (laughs + open + ">&y;" + close),
+        blockOfText ("<!DOCTYPE Tarvik41Channel SYSTEM \"/dev/zero\">" + open + ">&y;" + close),
+    };
+    const auto memoryBefore = peakMemory();
+    const auto timeBefore = juce::Time::getMillisecondCounterHiRes();
+
+    SmallThread thread (
+        [&]
+        {
+            for (std::size_t i = 0; i < std::size (blocks); ++i)
+                expectSurvival (blocks[i], "document", i);
+        });
+    ASSERT_TRUE (thread.waitForThreadToExit (60000)) << "hangs";
+
+    EXPECT_LT (juce::Time::getMillisecondCounterHiRes() - timeBefore, 5000.0);
+    EXPECT_LT (peakMemory() - memoryBefore, std::size_t (16) << 20);
+    EXPECT_EQ (saved (*strip), good);
+}
+
+} // namespace tarvik

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/support/StateTestTools.h"
+#include "tests/support/StripTestTools.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <thread>
+
+namespace tarvik
+{
+
+using namespace test;
+
+/** A host's state thread loads and saves, its message thread turns controls, steps through programs and slots and names the
+    track, its audio thread plays. TARVIK_STRESS_SECONDS in the environment makes it longer.
+*/
+TEST (StateThreads, LoadingSavingTurningAndPlayingAtOnce)
+{
+    const auto* const wish = std::getenv ("TARVIK_STRESS_SECONDS");
+    const auto end =
+        juce::Time::getMillisecondCounter() + 1000u * (wish != nullptr ? static_cast<unsigned> (std::atoi (wish)) : 4u);
+    const auto strip = makeStrip();
+    strip->analogSetting().setValue (false);
+    strip->prepareToPlay (48000.0, 256);
+
+    // Two projects that differ in every way, the oversampling too.
+    const auto first = saved (*strip);
+    strip->selectSlot (1);
+    strip->setCurrentProgram (17);
+    strip->oversamplingSetting().setValue (4);
+    const juce::MemoryBlock projects[] = { first, saved (*strip) };
+    std::atomic<bool> isRunning { true };
+    std::atomic<int> rounds { 0 };
+
+    std::thread state (
+        [&]
+        {
+            for (unsigned i = 0; isRunning; ++i)
+            {
+                // Mostly without a rebuild, which would silence the audio all the time.
+                load (*strip, projects[i / 50 % 2]);
+                const auto block = saved (*strip);
+                const auto xml = juce::parseXML (
+                    juce::String::fromUTF8 (textOf (block).data(), static_cast<int> (textOf (block).size())));
+                ASSERT_NE (xml, nullptr) << "a torn document";
+                ASSERT_EQ (xml->getChildElement (1)->getNumAttributes(), numParameters);
+                ++rounds;
+            }
+        });
+
+    std::thread user (
+        [&]
+        {
+            std::mt19937 random (3);
+
+            for (int i = 0; isRunning; ++i)
+            {
+                strip->getParameters()[static_cast<int> (random() % numParameters)]->setValueNotifyingHost (
+                    static_cast<float> (random() % 101) / 100.0f);
+
+                if (i % 20 == 0)
+                    strip->selectSlot (i / 20 % 2);
+
+                if (i % 50 == 0)
+                    strip->setCurrentProgram (i / 50 % 26);
+
+                strip->updateTrackProperties ({ "a track name too long for any short buffer " + juce::String (i), {} });
+
+                if (i % 30 == 0)
+                    strip->copySlotToOther();
+            }
+        });
+
+    int played = 0;
+
+    while (juce::Time::getMillisecondCounter() < end)
+    {
+        // As JUCE's wrappers do it.
+        const juce::ScopedLock lock (strip->getCallbackLock());
+
+        if (strip->isSuspended())
+            continue;
+
+        for (const auto sample : firstOf (process (*strip, { Signal (64, 0.1f), Signal (64, 0.1f) }, 64)))
+            ASSERT_TRUE (std::isfinite (sample)) << "block " << played;
+
+        ++played;
+    }
+
+    isRunning = false;
+    state.join();
+    user.join();
+    EXPECT_GT (rounds, 100) << "a thread that waits for the others all the time";
+    EXPECT_GT (played, 1000);
+    EXPECT_EQ (firstFieldOutOfRange (*strip), "");
+
+    // Behind all that a project still comes back whole.
+    load (*strip, projects[1]);
+    EXPECT_EQ (saved (*strip), projects[1]);
+}
+
+} // namespace tarvik

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cmath>
+#include <cstddef>
+#include <numbers>
+#include <random>
+#include <vector>
+
+namespace tarvik::test
+{
+
+using Signal = std::vector<float>;
+
+inline Signal sine (double hz, double level, double rateHz, double seconds)
+{
+    Signal signal (static_cast<std::size_t> (std::lround (seconds * rateHz)));
+
+    for (std::size_t i = 0; i < signal.size(); ++i)
+        signal[i] =
+            static_cast<float> (level * std::sin (2.0 * std::numbers::pi * hz / rateHz * static_cast<double> (i)));
+
+    return signal;
+}
+
+inline Signal noise (int numSamples, unsigned seed, float level = 1.0f)
+{
+    std::mt19937 random (seed);
+    std::uniform_real_distribution<float> uniform (-level, level);
+    Signal signal (static_cast<std::size_t> (numSamples));
+
+    for (auto& sample : signal)
+        sample = uniform (random);
+
+    return signal;
+}
+
+/** The level of the last samples of a signal. */
+inline double rmsOfEnd (const Signal& signal, std::size_t lastSamples)
+{
+    double sum = 0.0;
+
+    for (auto i = signal.size() - lastSamples; i < signal.size(); ++i)
+        sum += static_cast<double> (signal[i]) * static_cast<double> (signal[i]);
+
+    return std::sqrt (sum / static_cast<double> (lastSamples));
+}
+
+} // namespace tarvik::test

@@ -1,0 +1,218 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/tools/ToolProcess.h"
+
+namespace tarvik
+{
+namespace
+{
+juce::AudioBuffer<float> noise (int numChannels, int numSamples)
+{
+    juce::AudioBuffer<float> audio (numChannels, numSamples);
+    juce::Random random (numSamples);
+
+    for (int c = 0; c < numChannels; ++c)
+        for (int i = 0; i < numSamples; ++i)
+            audio.setSample (c, i, random.nextFloat() - 0.5f);
+
+    return audio;
+}
+} // namespace
+
+class BatchTool : public RenderTool
+{
+protected:
+    juce::MemoryBlock bytesOf (const juce::String& name) const
+    {
+        juce::MemoryBlock bytes;
+        EXPECT_TRUE (fileNamed (name).loadFileAsData (bytes)) << name;
+        return bytes;
+    }
+
+    /** Hidden files in the batch's folder, once there are as many as wanted. */
+    juce::StringArray hiddenFiles (int numWanted) const
+    {
+        constexpr int mostPolls = 5000;
+        juce::StringArray names;
+
+        for (int poll = 0; poll < mostPolls; ++poll)
+        {
+            names = namesInFolder ("out");
+
+            for (int i = names.size(); --i >= 0;)
+                if (! names[i].startsWithChar ('.'))
+                    names.remove (i);
+
+            if (names.size() == numWanted)
+                return names;
+
+            std::this_thread::sleep_for (std::chrono::milliseconds (1));
+        }
+
+        ADD_FAILURE() << numWanted << " hidden files wanted: " << names.joinIntoString (" ");
+        return names;
+    }
+
+    /** Two files that take many seconds in blocks of one sample, and three that do not. */
+    void writeLongAndShortFiles() const
+    {
+        constexpr int longEnough = 4000000, shortEnough = 50;
+
+        for (const auto* const name : { "in/long1.wav", "in/long2.wav" })
+            writeAudio (name, juce::AudioBuffer<float> (1, longEnough), 48000.0, 16);
+
+        for (const auto* const name : { "in/short1.wav", "in/short2.wav", "in/short3.wav" })
+            writeAudio (name, noise (1, shortEnough), 48000.0, 16);
+
+        fileNamed ("out").createDirectory();
+    }
+};
+
+//==============================================================================
+TEST_F (BatchTool, EveryFileIsAsIfRenderedAloneWhateverTheNumberOfJobs)
+{
+    const std::pair<juce::String, juce::String> files[] = {
+        { "a.wav", "a" }, { "in/b.flac", "b" }, { "in/c.aiff", "c" }, { "in/d.WAV", "d" }, { "e.flac", "e" }
+    };
+    int length = 20000;
+
+    for (const auto& [name, stem] : files)
+        writeAudio (name, noise (1 + length % 2, length), 44100.0, 16), length += 7001;
+
+    writeAudio ("side.wav", noise (1, 30000), 44100.0);
+    fileNamed ("in/notes.txt").replaceWithText ("no sound, and not tried");
+    fileNamed ("list.txt").replaceWithText ("\n./e.flac\r\n");
+    ASSERT_EQ (run ({ "a.wav", "x.wav", "--set", "outLevel=3", "--save-state", "first.state" }).status, 0);
+
+    const std::pair<const char*, juce::StringArray> cases[] = {
+        { "1", { "--program", "808 3 Dist", "--set", "thd=6 dB", "--bits", "24" } },
+        { "3",
+          { "--state", "first.state", "--set", "compExtSideChain=on", "--sidechain", "side.wav", "--block", "300" } }
+    };
+
+    for (const auto& [jobs, settings] : cases)
+    {
+        for (const auto& [name, stem] : files)
+        {
+            auto words = settings;
+            words.addArray ({ name, stem + ".alone", "--save-state", "alone.vstpreset" });
+            ASSERT_EQ (run (words).status, 0) << name;
+        }
+
+        juce::StringArray words { "batch", "--jobs", jobs, "--save-state", "out/s.vstpreset", "--from", "list.txt" };
+        words.addArray (settings);
+        words.addArray ({ "a.wav", "in", "out" });
+
+        // The first time all is made, then all is kept, then all is made again.
+        for (const auto isMade : { true, false, true })
+        {
+            const auto outcome = run (words);
+            ASSERT_EQ (outcome.status, 0) << outcome.err;
+            EXPECT_TRUE (outcome.err.isEmpty()) << outcome.err;
+            EXPECT_TRUE (outcome.out.contains (isMade ? "5 rendered, 0 kept" : "0 rendered, 5 kept")) << outcome.out;
+
+            for (const auto& [name, stem] : files)
+            {
+                EXPECT_EQ (bytesOf ("out/" + stem + ".wav") == bytesOf (stem + ".alone"), isMade) << name << jobs;
+                fileNamed ("out/" + stem + ".wav").replaceWithText ("old");
+            }
+
+            if (! isMade)
+                words.add ("--overwrite");
+        }
+
+        EXPECT_EQ (bytesOf ("out/s.vstpreset"), bytesOf ("alone.vstpreset"));
+        EXPECT_EQ (namesInFolder ("out").joinIntoString (" "), "a.wav b.wav c.wav d.wav e.wav s.vstpreset");
+        fileNamed ("out").deleteRecursively();
+    }
+}
+
+TEST_F (BatchTool, FailuresAreToldByNameAndLeaveTheOthersAlone)
+{
+    writeLongAndShortFiles();
+    fileNamed ("in/text.wav").replaceWithText ("This is no sound.");
+    writeAudio ("in/three.wav", noise (3, 100), 48000.0);
+    const auto process = start ({ "batch", "in", "none.wav", "out", "--block", "1", "--jobs", "2" });
+
+    // The two long ones come to a sudden end, as in a crash, while the others wait.
+    for (const auto& name : hiddenFiles (2))
+        kill (name.fromFirstOccurrenceOf (".wav.", false, false).getIntValue(), SIGKILL);
+
+    const auto outcome = finish (process);
+    EXPECT_EQ (outcome.status, 2);
+    EXPECT_EQ (namesInFolder ("out").joinIntoString (" "), "short1.wav short2.wav short3.wav");
+    EXPECT_EQ (juce::StringArray::fromLines (outcome.err.trim()).size(), 6) << outcome.err;
+
+    for (const auto* const words :
+         { "long1.wav: its process was ended by signal 9", "long2.wav: its process", "text.wav: cannot read",
+           "three.wav: cannot read", "none.wav: cannot read", "5 of 8 files failed\n" })
+        EXPECT_TRUE (outcome.err.contains (words)) << words << " is not in " << outcome.err;
+}
+
+TEST_F (BatchTool, ABatchThatIsStoppedOrDiesLeavesOnlyWholeFiles)
+{
+    writeLongAndShortFiles();
+    writeAudio ("early.wav", noise (2, 100), 48000.0);
+    ASSERT_EQ (run ({ "batch", "early.wav", "out" }).status, 0);
+
+    for (const auto signalNumber : { SIGINT, SIGTERM, SIGKILL })
+    {
+        const auto process = start ({ "batch", "in", "out", "--block", "1", "--jobs", "2" });
+        const auto hidden = hiddenFiles (2);
+        kill (process, signalNumber); // only the parent, as from a script: a terminal tells its children too
+        EXPECT_EQ (finish (process).status, -signalNumber);
+
+        if (signalNumber == SIGKILL)
+            hiddenFiles (0); // the children end by themselves then, and soon
+        else
+            for (const auto& name : hidden)
+                EXPECT_NE (kill (name.fromFirstOccurrenceOf (".wav.", false, false).getIntValue(), 0), 0) << name;
+
+        EXPECT_EQ (namesInFolder ("out").joinIntoString (" "), "early.wav");
+    }
+}
+
+TEST_F (BatchTool, WhatIsWrongFromTheStartIsToldBeforeAnyWork)
+{
+    writeAudio ("one.wav", noise (1, 100), 48000.0);
+    writeAudio ("in/two.wav", noise (1, 100), 48000.0);
+    writeAudio ("other/two.flac", noise (1, 100), 48000.0);
+    fileNamed ("empty").createDirectory();
+    fileNamed ("links").createDirectory();
+    fileNamed ("in/two.wav").createSymbolicLink (fileNamed ("links/one.wav"), true);
+    const auto before = bytesOf ("in/two.wav");
+
+    const std::pair<juce::StringArray, const char*> mistakes[] = {
+        { { "one.wav" }, "output folder" },
+        { { "one.wav", "out", "--jobs", "0" }, "1 to 256" },
+        { { "empty", "out" }, "no WAV, FLAC or AIFF file in 'empty'" },
+        { { "out", "--from", "none.txt" }, "none.txt" },
+        { { "one.wav", "out", "--set", "gian=3" }, "gian" },
+        { { "one.wav", "out", "--program", "Nobody" }, "Nobody" },
+        { { "one.wav", "out", "--state", "one.wav" }, "no .vstpreset" },
+        { { "one.wav", "in", "other", "out" }, "'in/two.wav' and 'other/two.flac' would both become 'out/two.wav'" },
+        { { "one.wav", "./one.wav", "out" }, "both become" },
+        { { "one.wav", "." }, "'./one.wav' would be written over 'one.wav'" },
+        { { "one.wav", "in", "in", "--overwrite" }, "written over" },
+        { { "one.wav", "in", "links", "--overwrite" }, "'links/one.wav' would be written over 'in/two.wav'" },
+        { { "one.wav", "links", "--sidechain", "in/two.wav", "--overwrite" }, "written over" },
+        { { "one.wav", "out", "--save-state", "one.wav" }, "written over" },
+        { { "one.wav", "out", "--save-state", "out/one.wav" }, "the state and a recording" },
+        { { "in", "one.wav" }, "cannot make the folder" },
+    };
+
+    for (const auto& [arguments, keyword] : mistakes)
+    {
+        SCOPED_TRACE (arguments.joinIntoString (" "));
+        juce::StringArray words { "batch" };
+        words.addArray (arguments);
+        const auto outcome = run (words);
+        EXPECT_EQ (outcome.status, 2);
+        EXPECT_TRUE (outcome.err.contains (keyword)) << outcome.err;
+        EXPECT_EQ (outcome.err.indexOfChar ('\n'), outcome.err.length() - 1) << outcome.err;
+        EXPECT_FALSE (fileNamed ("out").exists());
+        EXPECT_EQ (bytesOf ("in/two.wav"), before);
+    }
+
+    EXPECT_TRUE (run ({ "one.wav", "out.wav", "--overwrite" }).err.contains ("for a batch"));
+}
+} // namespace tarvik

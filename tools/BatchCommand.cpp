@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/BatchCommand.h"
+
+#include "tools/AudioFile.h"
+#include "tools/BatchPlan.h"
+#include "tools/Interruption.h"
+#include "tools/PresetFile.h"
+#include "tools/RenderCommand.h"
+#include "tools/RenderSettings.h"
+#include "tools/ToolError.h"
+#include "tools/WorkerProcess.h"
+
+#include <algorithm>
+#include <iostream>
+#include <list>
+#include <memory>
+#include <poll.h>
+#include <sstream>
+#include <thread>
+
+namespace tarvik
+{
+
+namespace
+{
+constexpr int pollMilliseconds = 200; ///< A signal that comes in the wrong moment waits so long.
+
+/** Until one of the processes has something to say, or a signal comes. Throws `Interrupted`. */
+template <typename Workers>
+void waitForNews (const Workers& workers)
+{
+    std::vector<pollfd> descriptors;
+
+    for (const auto& worker : workers)
+        descriptors.push_back ({ worker.process->descriptor(), POLLIN, 0 });
+
+    ::poll (descriptors.data(), descriptors.size(), pollMilliseconds);
+    throwIfInterrupted();
+}
+
+bool hasNews (const WorkerProcess& process)
+{
+    pollfd descriptor { process.descriptor(), POLLIN, 0 };
+    return ::poll (&descriptor, 1, 0) > 0;
+}
+
+/** Applies the settings to a module that renders nothing, and saves its state if that is wanted: what is wrong with them
+    is told once, and before a file is rendered. Returns the report.
+*/
+juce::String trySettings (const CommandLine& line)
+{
+    std::unique_ptr<OutputFile> stateFile;
+
+    if (line.saveStatePath.isNotEmpty())
+        stateFile = std::make_unique<OutputFile> (line.saveStatePath);
+
+    std::ostringstream report;
+    const auto bundle = ModuleHost::findBundle (line.modulePath);
+    ModuleHost host (bundle);
+    reportLine (report, "module", host.versionText() + ", " + bundle.getFullPathName());
+    host.setLayout (2, line.sidechainPath.isNotEmpty());
+    RenderSettings (line).apply (host, report);
+
+    if (stateFile != nullptr)
+    {
+        writeStateFile (*stateFile, host.savePreset());
+        throwIfInterrupted();
+        stateFile->commit();
+        reportLine (report, "state", stateFile->path());
+    }
+
+    return report.str();
+}
+
+juce::String describe (const BatchItem& item, const RenderFigures& figures)
+{
+    const auto peak = std::isfinite (figures.peakDbfs) ? juce::String (figures.peakDbfs, 2) : juce::String ("-inf");
+    auto text = item.inputPath + " -> " + item.outputPath + ", peak " + peak + " dBFS, "
+                + juce::String (figures.timesRealTime, 1) + " times real time";
+
+    if (figures.clippedSamples > 0)
+        text += ", " + juce::String (figures.clippedSamples) + " samples clipped";
+
+    if (figures.badSamples > 0)
+        text += ", " + juce::String (figures.badSamples) + " samples are no numbers";
+
+    return text;
+}
+
+class Batch
+{
+public:
+    explicit Batch (const CommandLine& commandLine) : line (commandLine), plan (planBatch (commandLine)) {}
+
+    void perform()
+    {
+        prepare();
+
+        for (const auto& path : plan.kept)
+            std::cout << path << " is there already and is kept\n";
+
+        for (const auto& item : plan.items)
+            totalBytes += item.numBytes;
+
+        const auto numCores = std::max (static_cast<int> (std::thread::hardware_concurrency()), 1);
+        const auto numWorkers = static_cast<std::size_t> (line.numJobs > 0 ? line.numJobs : numCores);
+
+        while (next < plan.items.size() || ! workers.empty())
+        {
+            throwIfInterrupted();
+
+            while (next < plan.items.size() && workers.size() < numWorkers)
+                start (plan.items[next++]);
+
+            showProgress();
+            waitForNews (workers);
+            takeNews();
+        }
+
+        bar.erase();
+        std::cout << numRendered << " rendered, " << plan.kept.size() << " kept, " << numFailed << " failed\n";
+
+        if (numFailed > 0)
+            throw ToolError (juce::String (numFailed) + " of " + juce::String (plan.items.size()) + " files failed");
+    }
+
+private:
+    struct Worker
+    {
+        BatchItem item;
+        std::unique_ptr<WorkerProcess> process;
+    };
+
+    /** What can go wrong before the first file. Leaves no new folder if it does. */
+    void prepare()
+    {
+        const RenderSettings justRead (line); // mistakes in them need no module
+        const auto folder = fileAt (line.outputPath);
+        const auto isNew = ! folder.exists();
+
+        if (folder.createDirectory().failed())
+            throw ToolError ("cannot make the folder '" + line.outputPath + "'");
+
+        WorkerProcess trial ([this] (const ShowProgress&) { return trySettings (line); });
+
+        while (trial.receive())
+            throwIfInterrupted();
+
+        throwIfInterrupted();
+
+        if (! trial.finish())
+        {
+            if (isNew)
+                folder.deleteFile();
+
+            throw ToolError (trial.message());
+        }
+
+        std::cout << trial.message();
+    }
+
+    void start (const BatchItem& item)
+    {
+        auto single = line;
+        single.inputPath = item.inputPath;
+        single.outputPath = item.outputPath;
+        single.saveStatePath = {}; // written already
+
+        workers.push_back ({ item, std::make_unique<WorkerProcess> (
+                                       [single, item] (const ShowProgress& show)
+                                       {
+                                           std::ostringstream notShown;
+                                           return describe (item, renderFile (single, notShown, show));
+                                       }) });
+    }
+
+    void takeNews()
+    {
+        for (auto worker = workers.begin(); worker != workers.end();)
+        {
+            const auto isAtWork = ! hasNews (*worker->process) || worker->process->receive();
+
+            if (! isAtWork)
+                tell (*worker);
+
+            worker = isAtWork ? std::next (worker) : workers.erase (worker);
+        }
+    }
+
+    void tell (Worker& worker)
+    {
+        auto& process = *worker.process;
+        const auto id = process.id();
+        const auto isDone = process.finish();
+        bar.erase();
+
+        if (isDone)
+            std::cout << process.message() << std::endl;
+        else
+            std::cerr << "tarvik41-render: " << worker.item.inputPath << ": " << process.message() << std::endl;
+
+        if (! process.endedInOrder())
+            OutputFile (worker.item.outputPath).removeLeftOver (id);
+
+        ++(isDone ? numRendered : numFailed);
+        bytesDone += worker.item.numBytes;
+    }
+
+    void showProgress()
+    {
+        auto bytes = bytesDone;
+
+        for (const auto& worker : workers)
+            bytes += worker.item.numBytes * worker.process->perCent() / wholePerCent;
+
+        bar.show (perCentOf (bytes, totalBytes),
+                  juce::String (numRendered + numFailed) + " of " + juce::String (plan.items.size()) + " files");
+    }
+
+    const CommandLine line;
+    const BatchPlan plan;
+    ProgressBar bar;
+    std::list<Worker> workers;
+    std::size_t next = 0;
+    int numRendered = 0, numFailed = 0;
+    juce::int64 bytesDone = 0, totalBytes = 0;
+};
+} // namespace
+
+void renderBatch (const CommandLine& line)
+{
+    noteTerminationSignals();
+    Batch (line).perform();
+}
+
+} // namespace tarvik

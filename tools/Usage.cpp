@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/CommandLine.h"
+
+namespace tarvik
+{
+
+const char* usageText()
+{
+    return R"(Sends recordings through the built VST3 module, as a host would, and writes what comes back.
+
+  tarvik41-render [render] [OPTIONS] INPUT OUTPUT
+  tarvik41-render batch [OPTIONS] INPUT... FOLDER
+  tarvik41-render list [--module FILE]
+  tarvik41-render plot KIND [FOLDER] [--module FILE]
+
+INPUT is a WAV, FLAC or AIFF file, mono or stereo, of any rate and length. OUTPUT becomes a WAV file of the same length,
+with the module's latency taken out. It appears when it is complete, in place of one that had its name, and not at all
+after an error.
+
+  --program NAME     start from a factory program, by its name or its number
+  --set ID=TEXT      set a parameter in its own units, as often as wanted: --set gain=6 --set "compMix=47 %"
+  --sidechain FILE   feed the side chain, from a file of the input's rate; silence follows its end
+  --state FILE       start from a saved state: a .vstpreset, or the bare state of the component
+  --save-state FILE  write the settings that were rendered with: as a .vstpreset if FILE's name ends so, else bare
+  --block N          samples for each call of the module, 1 to 65536 (512)
+  --bits 24|32       24-bit, or 32-bit floating point (32)
+  --module FILE      the .vst3 bundle, instead of the one beside this program, of its build, or installed
+  --list             the same as "list": the module's parameters, programs, buses and latency
+  --version, --help
+
+A batch renders many files with the same settings, several at a time, each as if it were rendered alone, into FOLDER,
+which is made if it is missing. An INPUT can also be a folder: the audio files in it, by their names' endings, without
+those of folders in it. Each output has its input's name with the ending .wav. Two that would have the same name, or one
+that would be written over a file that is read, are refused before anything is rendered. A file that is in FOLDER
+already is kept, so that a batch that was stopped can be taken up again. When a file fails, the others go on.
+
+  --from FILE        a text file that names more inputs, one in each line
+  --jobs N           files that are rendered at the same time, 1 to 256 (one for each core)
+  --overwrite        render again what is in FOLDER already
+
+A plot measures the module, draws what it finds as SVG files into FOLDER, and prints figures. KIND is eq, compressor,
+expander, saturation, or all of them; or errors, a table of the equaliser's deviations, without a folder. It takes no
+settings: noise is off, the user's defaults do not count.
+
+However they are ordered: the state is loaded first, then the program, then each --set from left to right. A file whose
+name begins with a dash goes behind "--". Exit status: 0, or 2 after an error, which is told in one line, in a batch in
+one for each file.
+)";
+}
+
+} // namespace tarvik

@@ -1,0 +1,175 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+// Completes the LV2 bundle's description, which JUCE's helper writes out of the built module: the parameters get units and
+// the values that belong to their choices (JUCE counts those from 0 to 1, whatever the range), the side chain is marked as
+// one, the plug-in gets its class and licence, a maker without addresses has none, and what
+// the vocabularies do not allow goes. Runs in the build, after the module
+// is linked; what it does not find as expected fails the build.
+
+#include "plugin/ParameterTable.h"
+#include "tools/ToolError.h"
+
+#include <juce_events/juce_events.h>
+
+#include <iostream>
+
+namespace tarvik
+{
+
+namespace
+{
+/** Puts a text in place of another that must occur exactly that often. */
+void replace (juce::String& turtle, const juce::String& old, const juce::String& with, int times = 1)
+{
+    const auto parts = juce::StringArray::fromTokens (turtle.replace (old, "\x1f"), "\x1f", "");
+
+    if (parts.size() - 1 != times)
+        throw ToolError ("expected " + juce::String (times) + " times, found " + juce::String (parts.size() - 1) + ": "
+                         + old.trim());
+
+    turtle = parts.joinIntoString (with);
+}
+
+/** The LV2 unit of a parameter whose number is shown as it is; empty without. */
+juce::String unitOf (const ParameterRow& row)
+{
+    if (juce::String (row.label).isEmpty())
+        return {};
+
+    if (juce::String (row.label) == "dB")
+        return "units:db";
+
+    if (juce::String (row.label) == "s")
+        return "units:s";
+
+    throw ToolError (juce::String ("no LV2 unit for ") + row.label);
+}
+
+/** The type of value that hosts send. Choices and whole numbers stay floats, which the strip rounds: some hosts cut a
+    position on its way to an int, and so miss by one.
+*/
+juce::String valueType (const ParameterRow& row)
+{
+    return row.kind == ParameterFieldKind::Bool ? "atom:Bool" : "atom:Float";
+}
+
+/** A parameter's record: plain values in its own range, as the module takes them. */
+juce::String parameterRecord (int index)
+{
+    const auto& row = parameterTable()[static_cast<std::size_t> (index)];
+    const auto parameter = createParameter (index);
+    juce::StringArray lines;
+    lines.add (juce::String ("plug:") + row.id);
+    lines.add ("\ta lv2:Parameter ;");
+    lines.add (juce::String ("\trdfs:label \"") + row.name + "\" ;");
+    lines.add ("\trdfs:range " + valueType (row) + " ;");
+    lines.add ("\tlv2:default " + juce::String (parameter->convertFrom0to1 (parameter->getDefaultValue())) + " ;");
+    lines.add ("\tlv2:minimum " + juce::String (row.start) + " ;");
+    lines.add ("\tlv2:maximum " + juce::String (row.end) + " ;");
+
+    if (const auto unit = unitOf (row); unit.isNotEmpty())
+        lines.add ("\tunits:unit " + unit + " ;");
+
+    // The vocabulary keeps this property for ports, but hosts on JUCE show a choice's names only where it stands.
+    if (! row.choices.empty())
+        lines.add ("\tlv2:portProperty lv2:enumeration ;");
+
+    for (std::size_t i = 0; i < row.choices.size(); ++i)
+        lines.add (juce::String ("\tlv2:scalePoint [ rdfs:label \"") + row.choices[i] + "\" ; rdf:value "
+                   + juce::String (i) + ".0 ] ;");
+
+    return lines.joinIntoString ("\n") + "\n\t.\n\n";
+}
+
+/** Replaces each parameter's record, from its name to the blank line behind it. */
+void replaceParameters (juce::String& turtle)
+{
+    for (int i = 0; i < numParameters; ++i)
+    {
+        const auto name =
+            juce::String ("plug:") + parameterTable()[static_cast<std::size_t> (i)].id + "\n\ta lv2:Parameter";
+        const auto start = turtle.indexOf (name);
+        const auto end = turtle.indexOf (std::max (start, 0), " .\n\n");
+
+        if (start < 0 || end < 0)
+            throw ToolError ("no record of " + name);
+
+        constexpr int lengthOfEnd = 4;
+        turtle = turtle.substring (0, start) + parameterRecord (i) + turtle.substring (end + lengthOfEnd);
+    }
+}
+
+void completePorts (juce::String& turtle)
+{
+    constexpr int numSideChainPorts = 2;
+    const juce::String group = "\tpg:group plug:input_group_2 ;\n";
+    replace (turtle, group, group + "\t\tlv2:portProperty lv2:isSideChain ;\n", numSideChainPorts);
+    replace (turtle, "plug:input_group_2\n\ta pg:InputGroup ;\n",
+             "plug:input_group_2\n\ta pg:InputGroup ;\n\tpg:sideChainOf plug:input_group_1 ;\n");
+}
+
+void completePlugin (juce::String& turtle)
+{
+    replace (turtle, "\ta lv2:Plugin ;\n",
+             "\ta lv2:Plugin , lv2:DynamicsPlugin , doap:Project ;\n\tdoap:license "
+             "<http://usefulinc.com/doap/licenses/gpl> ;\n");
+
+    // An empty address would name the file itself, and one of a mailbox wants its scheme.
+    const juce::String page (JucePlugin_ManufacturerWebsite), mail (JucePlugin_ManufacturerEmail);
+    replace (turtle, "\t\tfoaf:homepage <" + page + "> ;\n",
+             page.isEmpty() ? juce::String() : "\t\tfoaf:homepage <" + page + "> ;\n");
+    replace (turtle, "\t\tfoaf:mbox <" + mail + "> ;\n",
+             mail.isEmpty() ? juce::String() : "\t\tfoaf:mbox <mailto:" + mail + "> ;\n");
+}
+
+/** The properties under which the wrapper keeps a program's number and a whole state. */
+void nameProperties (juce::String& turtle)
+{
+    turtle << "\nplug:Program a rdf:Property ; rdfs:label \"Program\" .\n"
+              "plug:StateString a rdf:Property ; rdfs:label \"State\" .\n";
+}
+
+/** A feature is no extension data, and an interface is no feature. */
+void mendUserInterface (juce::String& turtle)
+{
+    replace (turtle, "\t\topts:interface ,\n\t\tui:noUserResize ,\n", "\t\topts:interface ,\n");
+    replace (turtle, "\t\topts:interface ,\n\t\topts:options ;", "\t\topts:options ;");
+}
+
+void complete (const juce::File& file, std::initializer_list<void (*) (juce::String&)> steps)
+{
+    auto turtle = file.loadFileAsString();
+
+    for (const auto step : steps)
+        step (turtle);
+
+    if (! file.replaceWithText (turtle))
+        throw ToolError ("cannot write " + file.getFullPathName());
+}
+
+void completeBundle (const juce::File& folder)
+{
+    complete (folder.getChildFile ("dsp.ttl"), { replaceParameters, completePorts, completePlugin, nameProperties });
+    complete (folder.getChildFile ("ui.ttl"), { mendUserInterface });
+}
+} // namespace
+
+} // namespace tarvik
+
+int main (int argc, char* argv[])
+{
+    try
+    {
+        if (argc != 2)
+            throw tarvik::ToolError ("expected one argument, the bundle's folder");
+
+        const juce::ScopedJuceInitialiser_GUI juceLibrary;
+        tarvik::completeBundle (juce::File (juce::String (argv[1])));
+        return 0;
+    }
+    catch (const std::exception& error)
+    {
+        std::cerr << "LV2 description: " << error.what() << std::endl;
+        return 1;
+    }
+}
