@@ -15,7 +15,7 @@ local sampleRate = 48000
 local outputs = 2
 local programWaitSeconds = 0.7 -- a program that comes within 500 ms of a loaded state is dropped
 local connectSeconds = 1 -- a thread of Ardour's connects new tracks to the master bus
-local playSeconds = 16
+local playSeconds = 19
 local samplesPerAutomationStep = 4800
 
 -- Parameters by their names, as shares of their range; a program, where there is one, comes first.
@@ -26,6 +26,8 @@ local tracks =
     { name = "stereo", channels = 2, strict = false, program = "Drum Buss 1", set = { ["TOL Link"] = 0 } },
     { name = "automated", channels = 1, strict = false, set = {}, automate = { parameter = "Gain", from = 0.2, to = 0.4 } },
     { name = "keyed", channels = 1, strict = false, keyedBy = "key",
+      set = { ["Exp Mode"] = 1, ["Exp External Side Chain"] = 1, ["Comp Ratio"] = 0 } },
+    { name = "strictkeyed", channels = 1, strict = true, keyedBy = "key",
       set = { ["Exp Mode"] = 1, ["Exp External Side Chain"] = 1, ["Comp Ratio"] = 0 } },
     { name = "key", channels = 1, strict = false, plain = true, unheard = true },
     { name = "dry", channels = 2, strict = false, plain = true },
@@ -50,23 +52,24 @@ local function newInstance (session)
     return processor
 end
 
--- The index and the descriptor of each input parameter, by its name, and the names in their order.
-local function parametersOf (processor)
-    local plugin, byName, names = processor:to_insert():plugin (0), {}, {}
+-- The controls of the parameters, by the parameters' names, and the names in their order. Those of LV2 are properties and
+-- no ports, so that this is the one way to them that holds for both formats.
+local function controlsOf (processor)
+    local automatable, byName, names = processor:to_automatable(), {}, {}
 
-    for index = 0, plugin:parameter_count() - 1 do
-        local control = plugin:nth_parameter (index, 0)
-        if plugin:parameter_is_input (control) then
-            local _, result = plugin:get_parameter_descriptor (control, ARDOUR.ParameterDescriptor())
-            byName[result[2].label] = { index = index, lower = result[2].lower, upper = result[2].upper }
-            names[#names + 1] = result[2].label
+    for parameter in automatable:all_automatable_params():iter() do
+        local control = automatable:automation_control (parameter, true)
+        if control:name() ~= "hidden" then
+            local label = control:desc().label
+            byName[label] = control
+            names[#names + 1] = label
         end
     end
     return byName, names
 end
 
-local function plain (parameter, share)
-    return parameter.lower + share * (parameter.upper - parameter.lower)
+local function plain (control, share)
+    return control:lower() + share * (control:upper() - control:lower())
 end
 
 local function tellInstance (track, processor)
@@ -74,9 +77,9 @@ local function tellInstance (track, processor)
     found ("instance", track, "in", insert:input_streams():n_audio(), "out", insert:output_streams():n_audio(),
            "latency", insert:signal_latency(), "sidechain", tostring (insert:has_sidechain()))
 
-    local byName, names = parametersOf (processor)
+    local byName, names = controlsOf (processor)
     for _, label in ipairs (names) do
-        found ("parameter", track, label, string.format ("%.9g", (ARDOUR.LuaAPI.get_processor_param (processor, byName[label].index))))
+        found ("parameter", track, label, string.format ("%.9g", byName[label]:get_value()))
     end
 end
 
@@ -92,19 +95,16 @@ local function loadProgram (processor, label)
 end
 
 local function automate (processor, automation)
-    local parameter = assert (parametersOf (processor)[automation.parameter])
-    local _, points = ARDOUR.LuaAPI.plugin_automation (processor, parameter.index)
-    local from, to = plain (parameter, automation.from), plain (parameter, automation.to)
+    local control = assert (controlsOf (processor)[automation.parameter])
+    local points = control:alist():list()
+    local from, to = plain (control, automation.from), plain (control, automation.to)
 
     -- One second as it was, a slope of one second, and level again.
     for step = 0, 10 do
         points:add (Temporal.timepos_t (sampleRate + step * samplesPerAutomationStep), from + (to - from) * step / 10, false, true)
     end
     points:add (Temporal.timepos_t (0), from, false, true)
-
-    local id = processor:to_insert():plugin (0):nth_parameter (parameter.index, 0)
-    processor:to_automatable():automation_control (Evoral.Parameter (ARDOUR.AutomationType.PluginAutomation, 0, id), false)
-        :set_automation_state (ARDOUR.AutoState.Play)
+    control:set_automation_state (ARDOUR.AutoState.Play)
 end
 
 local function keyBy (session, keyTrack, processor)
@@ -113,6 +113,7 @@ local function keyBy (session, keyTrack, processor)
     for port = 0, to:n_ports():n_audio() - 1 do
         from:nth (0):connect (to:nth (port):name())
     end
+    found ("key ports", processor:to_insert():sidechain_input():n_ports():n_audio())
 end
 
 local function build()
@@ -139,10 +140,10 @@ local function build()
                 loadProgram (processor, track.program)
             end
 
-            local byName = parametersOf (processor)
+            local byName = controlsOf (processor)
             for label, share in pairs (track.set) do
-                local parameter = assert (byName[label], "no parameter " .. label)
-                assert (ARDOUR.LuaAPI.set_processor_param (processor, parameter.index, plain (parameter, share)))
+                local control = assert (byName[label], "no parameter " .. label)
+                control:set_value (plain (control, share), PBD.GroupControlDisposition.NoGroup)
             end
 
             if track.automate then
