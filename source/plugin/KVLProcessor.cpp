@@ -3,6 +3,7 @@
 
 #include "plugin/EditorInterface.h"
 #include "plugin/FactoryPrograms.h"
+#include "plugin/HostBuses.h"
 #include "plugin/LibraryStart.h"
 #include "plugin/ParameterTable.h"
 #include "plugin/ProductRecord.h"
@@ -48,7 +49,7 @@ bool KVLProcessor::isBusesLayoutSupported (const BusesLayout& layouts) const
     if (main != layouts.getMainOutputChannelSet())
         return false;
 
-    if (main != juce::AudioChannelSet::mono() && main != juce::AudioChannelSet::stereo())
+    if (! isMainBusOffered (main, hostInUse()))
         return false;
 
     if (sidechain == main || sidechain.isDisabled())

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "plugin/HostBuses.h"
 #include "tests/support/StripTestTools.h"
 
 namespace tarvik
@@ -80,6 +81,19 @@ TEST (BusLayout, OnlyAVst3HostFindsARefusedSidechainAtTheMainWidth)
 
     EXPECT_FALSE (elsewhere.checkBusesLayoutSupported (offer));
     EXPECT_EQ (elsewhere.getChannelLayoutOfBus (true, 1), Set::stereo());
+}
+
+TEST (BusLayout, ArdourAndItsScriptInterpreterAreOfferedNoMono)
+{
+    using Host = juce::PluginHostType;
+    EXPECT_EQ (hostTypeOf (juce::File ("/usr/lib/ardour7/luasession"), Host::UnknownHost), Host::Ardour);
+    EXPECT_EQ (hostTypeOf (juce::File ("/usr/lib/ardour7/ardour-7.3.0"), Host::Ardour), Host::Ardour);
+    EXPECT_EQ (hostTypeOf (juce::File ("/opt/host"), Host::Reaper), Host::Reaper);
+
+    EXPECT_FALSE (isMainBusOffered (Set::mono(), Host::Ardour));
+    EXPECT_TRUE (isMainBusOffered (Set::stereo(), Host::Ardour));
+    EXPECT_TRUE (isMainBusOffered (Set::mono(), Host::Reaper));
+    EXPECT_TRUE (isMainBusOffered (Set::mono(), Host::UnknownHost));
 }
 
 } // namespace tarvik
