@@ -13,7 +13,8 @@ LEFT, TOP, RIGHT, BOTTOM = 40, 36, 40, 82
 BEZEL = 11
 COVER_TOP = 6  # below the meter's area, so that nothing shows where the needle is cut off
 SCALE_GAP = 7  # from the needle's tip to the scale's line
-NUMERAL_SIZE, UNIT_SIZE, WORD_SIZE = 30, 54, 26  # the word OUTPUT has to fit into a legend of 78 pixels
+NUMERAL_SIZE, UNIT_SIZE, WORD_SIZE = 30, 54, 26
+WORD_SQUEEZE = 0.82  # narrower letters, because OUTPUT has to fit into the legend that the program lays over INPUT
 EVERY = 5  # decibels between numerals
 
 
@@ -74,7 +75,11 @@ def print_on(picture, control, unit, word, over_from=None):
     marks(ink, control, over_from)
     middle = control["x"] + control["w"] / 2.0
     ink.text(middle, control["y"] + 118, unit, UNIT_SIZE, IVORY, tracking=0.04)
-    ink.text(middle, control["y"] + word_drop(), word, WORD_SIZE, SECONDARY)
+    if ink.width(word, WORD_SIZE) * WORD_SQUEEZE > layout.find("picture", "output legend")["w"] - 2:
+        raise SystemExit(f"{word} is wider than its legend")
+    ink.context.translate(middle, 0)
+    ink.context.scale(WORD_SQUEEZE, 1)
+    ink.text(0, control["y"] + word_drop(), word, WORD_SIZE, SECONDARY)
     ink.onto(picture, control["x"] - LEFT, control["y"] - TOP)
 
 
