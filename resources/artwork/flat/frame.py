@@ -90,7 +90,7 @@ def about_a():
 def about_b():
     ink = Ink(276, 64)
     mark(ink, 32, 32, 40, IVORY, AMBER)
-    ink.text(66, 32.5, "TARVIK PLUGINS", 30, IVORY, "left", 0.05)
+    ink.text(66, 32.5, "TARVIK PLUGINS", 27, IVORY, "left", 0.04)
     return ink.rgba()
 
 

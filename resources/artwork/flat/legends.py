@@ -6,7 +6,7 @@ from palette import HEAD_SIZE, IVORY, NAME_SIZE, SECONDARY, UNIT_SIZE
 
 HEAD_ROW = 58
 
-# Head, left end, row, and where the hairline behind it ends; 0 is no hairline.
+# Head, left end, row, and where the hairline behind it ends. One without a hairline is smaller: buttons follow it.
 HEADS = [
     ("INPUT", 40, 1048, 484),
     ("EQUALISER", 544, HEAD_ROW, 1044),
@@ -23,7 +23,7 @@ KNOB_NAMES = {
     "expRange": "RANGE", "expRelease": "RELEASE", "expThreshold": "THRESHOLD",
 }
 KNOB_NAME_DROP = {300: 159, 240: 147}  # by the side of the knob's box
-HIGHER_NAMES = {"compRatio": 138}  # its scale leaves the lower half free
+HIGHER_NAMES = {"compRatio": 138, "compHPF": 144}  # a free lower half; the row of the neighbour
 
 # The three bands of the equaliser stand at the left of their gain knobs.
 BANDS = [("HIGH", "highGain"), ("MID", "midGain"), ("LOW", "lowGain")]
@@ -31,6 +31,7 @@ BAND_LEFT = 544
 
 SWITCH_NAMES = {"highPass": "HIGH PASS", "expMode": "MODE", "highFreq": "FREQ", "compAttack": "ATTACK", "expAttack": "ATTACK"}
 SWITCH_NAME_DROP = 88
+SWITCH_NAME_SHIFT = {"highPass": 18}  # to the right, away from the button's name beside it
 
 PUSH_NAMES = {
     "pad": "PAD", "meter mode": "VU INPUT", "unity": "UNITY", "equalizer": "EQ IN", "eqPost": "POST", "midMode": "BOOST",
@@ -56,7 +57,7 @@ def named(ink, x, y, name, unit="", align="centre"):
 
 def heads(ink):
     for text, x, y, end in HEADS:
-        width = ink.text(x, y, text, HEAD_SIZE, IVORY, "left", 0.08)
+        width = ink.text(x, y, text, HEAD_SIZE if end else UNIT_SIZE, IVORY, "left", 0.08 if end else 0.0)
         if end:
             ink.line([(x + width + 20, y), (end, y)], 3, SECONDARY, 0.45)
 
@@ -88,7 +89,8 @@ def buttons(ink):
         scales.switch(ink, switch)
         x, y = layout.centre(switch)
         unit = "" if switch["parameter"] in scales.UNIT_IN_WORDS else scales.unit_of(switch)
-        named(ink, x, name_row(switch, y + SWITCH_NAME_DROP), SWITCH_NAMES[switch["parameter"]], unit)
+        name = switch["parameter"]
+        named(ink, x + SWITCH_NAME_SHIFT.get(name, 0), name_row(switch, y + SWITCH_NAME_DROP), SWITCH_NAMES[name], unit)
     for push in layout.of("push"):
         name = PUSH_NAMES[push.get("parameter", push.get("name"))]
         named(ink, push["x"] + 90, name_row(push, push["y"] + 90 + PUSH_NAME_DROP), name)

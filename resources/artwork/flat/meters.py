@@ -5,6 +5,7 @@ import numpy as np
 import layout
 from ink import Ink, direction
 from palette import AMBER, GLASS, IVORY, OVER_ZONE, SECONDARY
+from scales import clear_of
 from surface import Region, recess
 
 # Round the meter's own area, in design pixels.
@@ -12,7 +13,8 @@ LEFT, TOP, RIGHT, BOTTOM = 40, 36, 40, 82
 BEZEL = 11
 COVER_TOP = 6  # below the meter's area, so that nothing shows where the needle is cut off
 SCALE_GAP = 7  # from the needle's tip to the scale's line
-NUMERAL_SIZE, UNIT_SIZE, WORD_SIZE = 30, 54, 28
+NUMERAL_SIZE, UNIT_SIZE, WORD_SIZE = 30, 54, 26
+WORD_SQUEEZE = 0.82  # narrower letters, because OUTPUT has to fit into the legend that the program lays over INPUT
 EVERY = 5  # decibels between numerals
 
 
@@ -60,9 +62,9 @@ def marks(ink, control, over_from=None):
         if decibels % EVERY == 0:
             ink.tick(x, y, degrees, arc - 2, arc + 17, 5, colour)
             dx, dy = direction(degrees)
-            radius = arc + 36
-            ink.text(x + radius * dx, y + radius * dy, f"{abs(decibels):g}" if over_from is None else f"{decibels:g}",
-                     NUMERAL_SIZE, colour)
+            text = f"{abs(decibels):g}" if over_from is None else f"{decibels:g}"
+            radius = clear_of(ink, text, NUMERAL_SIZE, degrees, arc + 23)
+            ink.text(x + radius * dx, y + radius * dy, text, NUMERAL_SIZE, colour)
         elif scale[0]["decibels"] < decibels:
             ink.tick(x, y, degrees, arc, arc + 9, 3, colour if is_over else SECONDARY)
 
@@ -73,11 +75,14 @@ def print_on(picture, control, unit, word, over_from=None):
     marks(ink, control, over_from)
     middle = control["x"] + control["w"] / 2.0
     ink.text(middle, control["y"] + 118, unit, UNIT_SIZE, IVORY, tracking=0.04)
-    ink.text(middle, word_row(), word, WORD_SIZE, SECONDARY, tracking=0.06) if unit == "VU" else \
-        ink.text(middle, control["y"] + 170, word, WORD_SIZE, SECONDARY, tracking=0.06)
+    if ink.width(word, WORD_SIZE) * WORD_SQUEEZE > layout.find("picture", "output legend")["w"] - 2:
+        raise SystemExit(f"{word} is wider than its legend")
+    ink.context.translate(middle, 0)
+    ink.context.scale(WORD_SQUEEZE, 1)
+    ink.text(0, control["y"] + word_drop(), word, WORD_SIZE, SECONDARY)
     ink.onto(picture, control["x"] - LEFT, control["y"] - TOP)
 
 
-def word_row():
-    """The row of the word on the VU meter: the middle of the legend that the program lays over it."""
-    return layout.centre(layout.find("picture", "output legend"))[1]
+def word_drop():
+    """How far below a meter's upper edge its word stands: in the middle of the legend that the program lays over the VU's."""
+    return layout.centre(layout.find("picture", "output legend"))[1] - layout.find("meter", "VU")["y"]

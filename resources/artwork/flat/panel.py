@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """The console's background, 2700 x 2030, and the word OUTPUT that is laid over the INPUT of its VU meter."""
 import functools
+import pathlib
 
 import numpy as np
 from PIL import Image
@@ -9,7 +10,6 @@ import layout
 import legends
 import meters
 import output
-import pathlib
 from ink import Ink
 from palette import BAY, FIELD, SLATE
 from surface import Region, brushed, light_fall, recess
@@ -25,7 +25,6 @@ SLOT_HALF_WIDTH = 13
 SCREWS = [(44, 1972), (2656, 1972), (2656, 46)]
 SCREW_SIZE = 52
 METER_SCREW_SIZE = 40
-KNOB_PART_SIDE = 300
 
 
 def metal():
@@ -38,7 +37,7 @@ def metal():
 def fields(picture):
     """Five sections, and two dark bays for the meters and the channel plate. Right and lower borders are the next one's."""
     channel = Region(1610, 14, 2178, 324, RADIUS)
-    tongue = Region(1560, 1436, 1916, 1682, RADIUS).add(1560, 1348, 1872, 1682, RADIUS)
+    tongue = Region(1560, 1436, 1916, 1682, RADIUS, margin=120).add(1560, 1348, 1872, 1682, RADIUS)
     compressor = Region(1078, 14, 1618, 2012, RADIUS, margin=320).cut(channel, 6)
     compressor.add(1560, 1436, 1916, 1682, RADIUS, 8).add(1560, 1348, 1874, 1682, RADIUS, 30)
     expander = Region(1624, 332, 2178, 2012, RADIUS).cut(tongue, 6)
@@ -100,9 +99,13 @@ def paste(picture, name, x, y, width, height):
     under += pixels[..., :3]
 
 
-def fittings(picture):
+def contacts(picture):
+    """The dark round the knobs' feet, below the print: the knobs' own shadows lie above it."""
     for knob in layout.of("knob"):
         paste(picture, "knob-contact", knob["x"], knob["y"], knob["w"], knob["h"])
+
+
+def fittings(picture):
     for lamp in layout.of("lamp"):
         paste(picture, lamp["picture"].replace("lamp-", "lamp-socket-"), lamp["x"], lamp["y"], lamp["w"], lamp["h"])
     for name, colour in (("compressor LED", "red"), ("expander LED", "green")):
@@ -128,6 +131,7 @@ def draw():
     vu, reduction = layout.find("meter", "VU"), layout.find("meter", "gain reduction")
     for meter in (vu, reduction):
         meters.glass(picture, meter)
+    contacts(picture)
     sheet = Ink(layout.WIDTH, layout.HEIGHT)
     legends.everything(sheet, CAP_HALF_WIDTH)
     sheet.onto(picture)

@@ -32,8 +32,8 @@ def plate(name):
     sheet = Ink(width, height)
     for label in FIELDS[name]:
         place = layout.find("label", label)
-        sheet.fill_rounded(place["x"] - box["x"] + FRAME + 3, place["y"] - box["y"] + FRAME + 3, place["w"] - 2 * FRAME + 4,
-                           place["h"] - FRAME - 4, 7, FIELD_COLOUR)
+        sheet.fill_rounded(place["x"] - box["x"] + FRAME + 3, place["y"] - box["y"] + FRAME + 3, place["w"] - 2 * FRAME - 6,
+                           place["h"] - FRAME - 6, 6, FIELD_COLOUR)
     first = layout.find("label", "channel name")
     top = first["y"] - box["y"] - 1
     sheet.line([(14, top), (width - 14, top)], 2, FIELD_COLOUR)

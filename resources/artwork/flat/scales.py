@@ -11,6 +11,7 @@ from palette import IVORY, NUMERAL_SIZE, SECONDARY, UNIT_SIZE, WORD_SIZE
 SKIRT = {0: 108.0, 1: 116.0}  # radius of the knob in a box of 300, by style
 TICK_GAP, TICK_LENGTH, NUMERAL_GAP = 5.0, 8.0, 17.0  # from the skirt: ticks begin, their length, numerals begin
 TICK_WIDTH = 4.5
+WIDER_BY = {"lowFreq": 7.0}  # a scale whose numerals stand close together has them further out
 NUMERAL_HALF_HEIGHT = 0.37  # of the size of the font
 
 # Marks that keep their tick but not their numeral, because a neighbour or a readout is in the way.
@@ -19,6 +20,7 @@ WITHOUT_NUMERAL = {
     "compHPF": {"30", "60", "90", "120", "200", "300"},
     "expRelease": {"0.05", "0.8"},
     "lowGain": {"12"},
+    "lowFreq": {"-12 dB"},
 }
 
 # Units of scales whose marks' texts bear none.
@@ -77,23 +79,23 @@ def knob(ink, control):
     skirt = SKIRT[control["style"]] * shrunk
     thousand = in_thousands(control)
     inner = skirt + TICK_GAP * shrunk
+    numerals = skirt + NUMERAL_GAP + WIDER_BY.get(control["parameter"], 0.0)
     for mark in control["scale"]:
         ink.tick(x, y, mark["degrees"], inner, inner + TICK_LENGTH * shrunk, TICK_WIDTH, IVORY)
         if mark["text"] not in WITHOUT_NUMERAL.get(control["parameter"], ()):
             text = numeral(mark["text"], thousand)
-            radius = clear_of(ink, text, NUMERAL_SIZE, mark["degrees"], skirt + NUMERAL_GAP)
+            radius = clear_of(ink, text, NUMERAL_SIZE, mark["degrees"], numerals)
             dx, dy = direction(mark["degrees"])
             ink.text(x + radius * dx, y + radius * dy, text, NUMERAL_SIZE, IVORY)
     if control["parameter"] in MEANINGS:
-        units_along(ink, control, skirt)
+        units_along(ink, control, numerals + 56.0)
 
 
-def units_along(ink, control, skirt):
+def units_along(ink, control, outer):
     """A scale of two units has a bracket along each part, and the part's name and unit outside it."""
     x, y = layout.centre(control)
     for unit in layout.units(control):
         span = [m["degrees"] for m in control["scale"] if layout.split(m["text"])[1] == unit]
-        outer = skirt + 66.0
         ink.arc(x, y, outer, span[0] - 3, span[-1] + 3, 3.0, SECONDARY)
         dx, dy = direction(span[0] + 0.8 * (span[-1] - span[0]) if unit == "Hz" else (span[0] + span[-1]) / 2.0)
         left, row = x + (outer + 14) * dx, y + (outer + 14) * dy
