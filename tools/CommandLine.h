@@ -15,6 +15,8 @@ struct CommandLine
         batch,
         list,
         plot,
+        pictures,
+        screenshot,
         help,
         version
     };
@@ -30,11 +32,14 @@ struct CommandLine
     bool overwrites = false;            ///< A batch makes anew what is already in its folder.
     int numJobs = 0;                    ///< Files of a batch that are rendered at the same time; 0: one for each core.
     juce::String plotKind;              ///< What is to be drawn, into the folder `outputPath`; only for `Task::plot`.
-    juce::String modulePath;            ///< Empty: look in the usual places.
+    juce::String listKind;   ///< "layout", or empty for a list of what the module has; only for `Task::list`.
+    juce::String modulePath; ///< Empty: look in the usual places.
     juce::String sidechainPath;
     juce::String loadStatePath, saveStatePath;
     juce::String program;          ///< A name or a number, empty for none.
     juce::StringArray assignments; ///< Each ID=TEXT, in the order given.
+    juce::String trackName;        ///< What a screenshot's channel is called.
+    int zoomPercent = 100;         ///< Of a screenshot.
     int blockSize = defaultBlockSize;
     int bitDepth = 32; ///< 24, or 32 for floating point.
 };

@@ -2,6 +2,7 @@
 #include "tools/ListCommand.h"
 
 #include "plugin/ParameterTable.h"
+#include "tools/LayoutList.h"
 #include "tools/ModuleHost.h"
 #include "tools/ParameterArguments.h"
 
@@ -45,6 +46,12 @@ void printPrograms (const ModuleHost& host)
 
 void listModule (const CommandLine& line)
 {
+    if (line.listKind == "layout")
+    {
+        std::cout << layoutAsJson() << '\n';
+        return;
+    }
+
     constexpr double anyRate = 48000.0; // the latency in samples is the same at every rate
     ModuleHost host (ModuleHost::findBundle (line.modulePath));
     host.prepare (anyRate, line.blockSize);

@@ -6,7 +6,9 @@
 namespace tarvik
 {
 
-/** Prints the module's parameters, programs, buses and latency. Throws `ToolError`. */
+/** Prints the module's parameters, programs, buses and latency; or, without a module, where the controls of its window
+    are, as JSON. Throws `ToolError`.
+*/
 void listModule (const CommandLine& line);
 
 } // namespace tarvik

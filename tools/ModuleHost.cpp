@@ -4,6 +4,7 @@
 #include "plugin/ParameterTable.h"
 #include "plugin/StripReadOuts.h"
 #include "tools/OutputFile.h"
+#include "tools/ParameterArguments.h"
 #include "tools/ToolError.h"
 
 #include <pluginterfaces/vst/ivstcomponent.h>
@@ -135,17 +136,7 @@ juce::StringArray ModuleHost::programNames() const
 
 int ModuleHost::findProgram (const juce::String& nameOrNumber) const
 {
-    const auto names = programNames();
-
-    for (const auto ignoreCase : { false, true })
-        if (const auto index = names.indexOf (nameOrNumber.trim(), ignoreCase); index >= 0)
-            return index;
-
-    for (int i = 0; i < names.size(); ++i)
-        if (nameOrNumber.trim() == juce::String (i))
-            return i;
-
-    throw ToolError ("there is no program '" + nameOrNumber + "' (see --list)");
+    return programNamed (programNames(), nameOrNumber);
 }
 
 juce::StringArray ModuleHost::describeBuses() const

@@ -168,6 +168,19 @@ ParameterSetting parseParameterSetting (const juce::String& argument)
     throw ToolError ("there is no parameter '" + id + "' (see --list)");
 }
 
+int programNamed (const juce::StringArray& names, const juce::String& nameOrNumber)
+{
+    for (const auto ignoreCase : { false, true })
+        if (const auto index = names.indexOf (nameOrNumber.trim(), ignoreCase); index >= 0)
+            return index;
+
+    for (int i = 0; i < names.size(); ++i)
+        if (nameOrNumber.trim() == juce::String (i))
+            return i;
+
+    throw ToolError ("there is no program '" + nameOrNumber + "' (see --list)");
+}
+
 juce::String describeValues (int index) { return valuesText (rowAt (index)); }
 
 juce::String unitOf (int index) { return unitOf (rowAt (index)); }

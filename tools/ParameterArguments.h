@@ -21,6 +21,11 @@ struct ParameterSetting
 */
 ParameterSetting parseParameterSetting (const juce::String& argument);
 
+/** The place of a program in a list: by name, else by name in any case, else by number from 0. Throws `ToolError` if there
+    is none.
+*/
+int programNamed (const juce::StringArray& names, const juce::String& nameOrNumber);
+
 /** What a parameter of the table can be set to, in words: its choices, or its range with the unit. */
 juce::String describeValues (int index);
 

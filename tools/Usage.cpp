@@ -11,6 +11,9 @@ const char* usageText()
   tarvik41-render [render] [OPTIONS] INPUT OUTPUT
   tarvik41-render batch [OPTIONS] INPUT... FOLDER
   tarvik41-render list [--module FILE]
+  tarvik41-render list layout
+  tarvik41-render pictures OUTPUT.png
+  tarvik41-render screenshot [OPTIONS] [INPUT] OUTPUT.png
   tarvik41-render plot KIND [FOLDER] [--module FILE]
 
 INPUT is a WAV, FLAC or AIFF file, mono or stereo, of any rate and length. OUTPUT becomes a WAV file of the same length,
@@ -41,6 +44,11 @@ already is kept, so that a batch that was stopped can be taken up again. When a 
 A plot measures the module, draws what it finds as SVG files into FOLDER, and prints figures. KIND is eq, compressor,
 expander, saturation, or all of them; or errors, a table of the equaliser's deviations, without a folder. It takes no
 settings: noise is off, the user's defaults do not count.
+
+"list layout" prints, as JSON, where each control of the console panel is in the pixels of its picture, with the marks of
+its scale; the picture is printed from it. "pictures" shows all pictures of the window on one sheet, at their own size and
+at a third, as the window draws them at 100 %. "screenshot" draws the window itself, with --program and --set, at --zoom
+PERCENT (100), for a track called --name TEXT, and with the meters as they stand when INPUT has gone through.
 
 However they are ordered: the state is loaded first, then the program, then each --set from left to right. A file whose
 name begins with a dash goes behind "--". Exit status: 0, or 2 after an error, which is told in one line, in a batch in

@@ -3,7 +3,9 @@
 #include "tools/CommandLine.h"
 #include "tools/Interruption.h"
 #include "tools/ListCommand.h"
+#include "tools/PicturesCommand.h"
 #include "tools/RenderCommand.h"
+#include "tools/ScreenshotCommand.h"
 #include "tools/ToolError.h"
 #include "tools/plot/PlotCommand.h"
 
@@ -40,6 +42,12 @@ void perform (const tarvik::CommandLine& line)
             break;
         case Task::plot:
             tarvik::plotModule (line);
+            break;
+        case Task::pictures:
+            tarvik::writeContactSheet (line);
+            break;
+        case Task::screenshot:
+            tarvik::writeScreenshot (line);
             break;
         case Task::help:
             std::cout << tarvik::usageText();

@@ -59,6 +59,15 @@ void processSideBySide (std::span<BiquadCascade* const> cascades, float* const* 
 {
     std::size_t row = 0;
 
+    for (; row + 3 < cascades.size(); row += 4)
+    {
+        const CascadePair first { cascades[row], cascades[row + 1] }, second { cascades[row + 2], cascades[row + 3] };
+        const auto allAlike = areAlike (first) && areAlike (second) && areAlike ({ first[0], second[0] });
+
+        if (! allAlike || ! filterFourInVectors (first, second, rows + row, n))
+            break;
+    }
+
     for (; row + 1 < cascades.size(); row += 2)
     {
         const CascadePair pair { cascades[row], cascades[row + 1] };

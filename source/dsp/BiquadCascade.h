@@ -71,9 +71,9 @@ private:
     int numSections = 0;
 };
 
-/** Filters rows of n samples in place, each through its own cascade: row i through *cascades[i]. Two rows whose
-    cascades are equally long share one pass, which costs little more than a single row. Same bits as process() row
-    by row. */
+/** Filters rows of n samples in place, each through its own cascade: row i through *cascades[i]. Two or four
+    neighbouring rows whose cascades are equally long share one pass, which costs little more than a single row. Same
+    bits as process() row by row. */
 void processSideBySide (std::span<BiquadCascade* const> cascades, float* const* rows, int n) noexcept;
 
 /** Filters n samples in place, each through `first` and, unless that is null, on through `second`, where it arrives

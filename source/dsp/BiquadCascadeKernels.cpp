@@ -14,7 +14,6 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstdint>
 
 HWY_BEFORE_NAMESPACE();
 
@@ -49,55 +48,23 @@ namespace hn = hwy::HWY_NAMESPACE;
 // are independent of each other, and what a vector hands on has two steps' time to arrive, so that the only chain is a
 // section's own recurrence.
 //
+// Four rows beside each other, all through equally many sections, fill the same lanes with the same numbers: what would be
+// the second half of the cascades are the cascades of the third and fourth row. Only the wires differ: every vector hands
+// on to the next as it stands, and what enters and leaves are four samples.
+//
 // At the row's start a section's delay line is put in when the first sample comes to it, and at the end it is taken out
 // behind the last: the row comes out complete, without delay, and the states agree with the plain form's.
 
 /** Longer rows are cut, so that the one that they are interleaved in stays on the stack. */
 constexpr int maxRowLength = 256;
 
-/** Where the sections stand: section s in vector s % numVectors, in its lower pair as long as s < numVectors. */
-template <int firstSections, int secondSections>
-struct Layout
-{
-    static constexpr int numSections = firstSections + secondSections;
-    static constexpr int numVectors = numSections * channels / vectorLanes;
-    static_assert (firstSections % 2 == 0 && secondSections % 2 == 0);
-
-    /** How many samples each section works behind the first. */
-    static constexpr auto delays = []
-    {
-        std::array<int, static_cast<std::size_t> (numSections)> d {};
-
-        for (std::size_t s = 1; s < d.size(); ++s)
-            d[s] = d[s - 1] + samplesApart;
-
-        return d;
-    }();
-
-    static constexpr int delay = delays.back();
-
-    using Bits = std::array<std::uint64_t, static_cast<std::size_t> (numVectors* vectorLanes)>;
-
-    /** For each delay, all ones in the lanes of the section that has it. */
-    static constexpr auto lanesByDelay = []
-    {
-        std::array<Bits, static_cast<std::size_t> (delay + 1)> masks {};
-
-        for (int s = 0; s < numSections; ++s)
-            for (int c = 0; c < channels; ++c)
-                masks[static_cast<std::size_t> (delays[static_cast<std::size_t> (s)])]
-                     [static_cast<std::size_t> (s % numVectors * vectorLanes + s / numVectors * channels + c)] =
-                         ~std::uint64_t {};
-
-        return masks;
-    }();
-};
-
-/** One pass through a first cascade and, if secondSections isn't 0, a second one. */
-template <int firstSections, int secondSections>
+/** One pass through a first cascade and, if secondSections isn't 0, a second one, or beside one. */
+template <int firstSections, int secondSections, Wiring wiring = Wiring::inTurn>
 class LaneFilter
 {
-    using Order = Layout<firstSections, secondSections>;
+    using Order = Layout<firstSections, secondSections, wiring>;
+    using NewTag = hn::FixedTag<double, Order::numRows>;
+    using New = hn::Vec<NewTag>; ///< a sample of each row
     static constexpr auto numVectors = static_cast<std::size_t> (Order::numVectors);
 
 public:
@@ -121,7 +88,7 @@ public:
         scatter (outer2, &BiquadCascade::Sections::s2, first, second);
     }
 
-    /** Filters n pairs of samples in place. */
+    /** Filters n samples of each row, which stand sample by sample, in place. */
     HWY_INLINE void run (double* samples, int n)
     {
         const auto zero = hn::Zero (D());
@@ -132,22 +99,26 @@ public:
 
         for (int t = 0; t < delay; ++t)
         {
-            moveStates (outer1, s1, outer2, s2, t);
-            step (hn::Load (PairTag(), samples + t * channels));
+            if (t % Order::samplesApart == 0) // there is no section with the other delays
+                moveStates (outer1, s1, outer2, s2, t);
+
+            step (hn::Load (NewTag(), samples + t * Order::numRows));
         }
 
         moveStates (outer1, s1, outer2, s2, delay);
 
         for (int t = delay; t < n; ++t)
         {
-            const auto y = step (hn::Load (PairTag(), samples + t * channels));
-            hn::Store (y, PairTag(), samples + (t - delay) * channels);
+            const auto y = step (hn::Load (NewTag(), samples + t * Order::numRows));
+            hn::Store (y, NewTag(), samples + (t - delay) * Order::numRows);
         }
 
         for (int k = 0; k < delay; ++k)
         {
-            moveStates (s1, outer1, s2, outer2, k);
-            hn::Store (step (hn::Zero (PairTag())), PairTag(), samples + (n + k - delay) * channels);
+            if (k % Order::samplesApart == 0)
+                moveStates (s1, outer1, s2, outer2, k);
+
+            hn::Store (step (hn::Zero (NewTag())), NewTag(), samples + (n + k - delay) * Order::numRows);
         }
 
         moveStates (s1, outer1, s2, outer2, delay);
@@ -158,11 +129,10 @@ private:
     using Member = BiquadCascade::PerSection BiquadCascade::Sections::*;
 
     /** A sample into each section; what comes out of the last. */
-    HWY_INLINE Pair step (Pair newest)
+    HWY_INLINE New step (New newest)
     {
-        constexpr int lastPair = vectorLanes - channels;
         Vectors x, y;
-        x[0] = join<V> (newest, getPair<0> (fed.back()));
+        x[0] = putInFront (newest, fed.back());
 
         HWY_UNROLL (6)
         for (std::size_t v = 1; v < numVectors; ++v)
@@ -175,11 +145,11 @@ private:
             s1[v] = hn::Sub (hn::Add (hn::Mul (b1[v], x[v]), s2[v]), hn::Mul (a1[v], y[v]));
             s2[v] = hn::Sub (hn::Mul (b2[v], x[v]), hn::Mul (a2[v], y[v]));
 
-            fed[v] = samplesApart == 1 ? y[v] : waiting[v];
+            fed[v] = Order::samplesApart == 1 ? y[v] : waiting[v];
             waiting[v] = y[v];
         }
 
-        return getPair<lastPair> (y.back());
+        return getEnd (NewTag(), y.back());
     }
 
     /** The delay line of the section that works `behind` samples behind the first. */
@@ -286,6 +256,37 @@ HWY_NOINLINE void filterRows (const CascadePair& first, const CascadePair* secon
     }
 }
 
+#if HWY_MAX_BYTES >= 32
+
+template <int sections>
+HWY_NOINLINE void filterFourRows (const CascadePair& first, const CascadePair& second, float* const* rows, int n)
+{
+    using Filter = LaneFilter<sections, sections, Wiring::sideBySide>;
+    HWY_ALIGN std::array<double, static_cast<std::size_t> (2 * channels * maxRowLength)> samples;
+
+    for (int done = 0; done < n; done += maxRowLength)
+    {
+        const auto length = std::min (n - done, maxRowLength);
+        const std::array parts { rows[0] + done, rows[1] + done, rows[2] + done, rows[3] + done };
+
+        if (length <= Filter::delay)
+        {
+            filterPlain (first, nullptr, parts[0], parts[1], length);
+            filterPlain (second, nullptr, parts[2], parts[3], length);
+            continue;
+        }
+
+        interleaveFour (parts.data(), samples.data(), length);
+
+        Filter filter (first, &second);
+        filter.run (samples.data(), length);
+        filter.putStatesBack (first, &second);
+
+        separateFour (samples.data(), parts.data(), length);
+    }
+}
+
+#endif
 #endif
 
 /** The template for the cascades' lengths, if there is one. */
@@ -307,6 +308,23 @@ bool filter (const CascadePair& first, const CascadePair* second, float* left, f
 
     return true;
 }
+
+bool filterFour ([[maybe_unused]] const CascadePair& first, [[maybe_unused]] const CascadePair& second,
+                 [[maybe_unused]] float* const* rows, [[maybe_unused]] int n)
+{
+#if HWY_TARGET != HWY_SCALAR && HWY_MAX_BYTES >= 32
+    const auto length = first[0]->getNumSections();
+
+    if (length == 2)
+        filterFourRows<2> (first, second, rows, n);
+    else if (length == 4)
+        filterFourRows<4> (first, second, rows, n);
+
+    return length == 2 || length == 4;
+#else
+    return false; // vectors of two lanes would only go through them one after the other
+#endif
+}
 } // namespace
 } // namespace tarvik::biquads::HWY_NAMESPACE
 
@@ -326,12 +344,24 @@ bool filterOnBestSet (const CascadePair& first, const CascadePair* second, float
 {
     return HWY_DYNAMIC_DISPATCH (filter) (first, second, left, right, n);
 }
+
+HWY_EXPORT (filterFour);
+
+bool filterFourOnBestSet (const CascadePair& first, const CascadePair& second, float* const* rows, int n)
+{
+    return HWY_DYNAMIC_DISPATCH (filterFour) (first, second, rows, n);
+}
 } // namespace
 } // namespace biquads
 
 bool filterInVectors (const CascadePair& first, const CascadePair* second, float* left, float* right, int n) noexcept
 {
     return biquads::filterOnBestSet (first, second, left, right, n);
+}
+
+bool filterFourInVectors (const CascadePair& first, const CascadePair& second, float* const* rows, int n) noexcept
+{
+    return biquads::filterFourOnBestSet (first, second, rows, n);
 }
 } // namespace tarvik
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Two rows of samples as pairs of 64-bit lanes, and pairs as parts of vectors. Read once for each instruction set, hence
-// the guard that toggles.
+// Rows of samples as 64-bit lanes, which section of which cascade works in which lane, and pairs of lanes as parts of
+// vectors. Read once for each instruction set, hence the guard that toggles.
 #if defined(TARVIK_BIQUAD_LANES) == defined(HWY_TARGET_TOGGLE)
 #ifdef TARVIK_BIQUAD_LANES
 #undef TARVIK_BIQUAD_LANES
@@ -9,6 +9,10 @@
 #endif
 
 #include <hwy/highway.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
 
 HWY_BEFORE_NAMESPACE();
 
@@ -23,15 +27,64 @@ namespace hn = hwy::HWY_NAMESPACE;
 constexpr int channels = 2;
 constexpr int vectorLanes = HWY_MAX_BYTES >= 32 ? 4 : 2;
 
-/** How many samples a section works behind the one that feeds it. */
-constexpr int samplesApart = vectorLanes == channels ? 1 : 2;
-
 using D = hn::FixedTag<double, vectorLanes>;
 using V = hn::Vec<D>;
 using PairTag = hn::FixedTag<double, channels>;
 using Pair = hn::Vec<PairTag>;
 
-// The vector's type is a parameter of the next two, so that only the branch that suits it is compiled.
+/** How the second cascades are fed: by the first ones, or by rows of their own. */
+enum class Wiring
+{
+    inTurn,
+    sideBySide
+};
+
+/** Where the sections stand: section s in vector s % numVectors, in its lower pair as long as s < numVectors. */
+template <int firstSections, int secondSections, Wiring wiring>
+struct Layout
+{
+    static constexpr int numSections = firstSections + secondSections;
+    static constexpr int numVectors = numSections * channels / vectorLanes;
+    static_assert (firstSections % 2 == 0 && secondSections % 2 == 0);
+
+    /** A vector's lanes must be full of rows where the rows lie side by side. */
+    static constexpr int numRows = wiring == Wiring::inTurn ? channels : 2 * channels;
+    static_assert (wiring == Wiring::inTurn || (numRows == vectorLanes && firstSections == secondSections));
+
+    /** How many samples a section works behind the one that feeds it. */
+    static constexpr int samplesApart = numRows == vectorLanes ? 1 : 2;
+
+    /** How many samples each section works behind the first. */
+    static constexpr auto delays = []
+    {
+        std::array<int, static_cast<std::size_t> (numSections)> d {};
+
+        for (std::size_t s = 1; s < d.size(); ++s)
+            d[s] = wiring == Wiring::sideBySide && s == firstSections ? 0 : d[s - 1] + samplesApart;
+
+        return d;
+    }();
+
+    static constexpr int delay = delays.back();
+
+    using Bits = std::array<std::uint64_t, static_cast<std::size_t> (numVectors* vectorLanes)>;
+
+    /** For each delay, all ones in the lanes of the section that has it. */
+    static constexpr auto lanesByDelay = []
+    {
+        std::array<Bits, static_cast<std::size_t> (delay + 1)> masks {};
+
+        for (int s = 0; s < numSections; ++s)
+            for (int c = 0; c < channels; ++c)
+                masks[static_cast<std::size_t> (delays[static_cast<std::size_t> (s)])]
+                     [static_cast<std::size_t> (s % numVectors * vectorLanes + s / numVectors * channels + c)] =
+                         ~std::uint64_t {};
+
+        return masks;
+    }();
+};
+
+// The vector's type is a parameter of the next functions, so that only the branch that suits it is compiled.
 
 /** The pair that begins at `lane`. */
 template <int lane, typename Vector>
@@ -53,6 +106,26 @@ HWY_INLINE Vector join (Pair lower, [[maybe_unused]] Pair upper)
         return lower;
     else
         return hn::Combine (hn::DFromV<Vector>(), upper, lower);
+}
+
+/** A vector that begins with what is new and, where that doesn't fill it, goes on with the beginning of `last`. */
+template <typename Vector, typename New>
+HWY_INLINE Vector putInFront (New newest, [[maybe_unused]] Vector last)
+{
+    if constexpr (hn::MaxLanes (hn::DFromV<New>()) == hn::MaxLanes (hn::DFromV<Vector>()))
+        return newest;
+    else
+        return hn::Combine (hn::DFromV<Vector>(), hn::LowerHalf (last), newest);
+}
+
+/** As many lanes as the tag has, from the vector's end. */
+template <typename Tag, typename Vector>
+HWY_INLINE hn::Vec<Tag> getEnd (Tag tag, Vector v)
+{
+    if constexpr (hn::MaxLanes (tag) == hn::MaxLanes (hn::DFromV<Vector>()))
+        return v;
+    else
+        return hn::UpperHalf (tag, v);
 }
 
 constexpr int floats = 4;
@@ -124,6 +197,56 @@ HWY_INLINE void separate (const double* pairs, float* left, float* right, int n)
         if (right != nullptr)
             right[i] = static_cast<float> (pairs[2 * i + 1]);
     }
+}
+
+/** Four rows, sample by sample. */
+using FourSamples = std::array<hn::Vec<Floats>, floats>;
+
+/** Rows become columns. */
+HWY_INLINE FourSamples turn (const FourSamples& rows)
+{
+    const auto evenLower = hn::InterleaveLower (rows[0], rows[2]), oddLower = hn::InterleaveLower (rows[1], rows[3]);
+    const auto evenUpper = hn::InterleaveUpper (Floats(), rows[0], rows[2]);
+    const auto oddUpper = hn::InterleaveUpper (Floats(), rows[1], rows[3]);
+    return { hn::InterleaveLower (evenLower, oddLower), hn::InterleaveUpper (Floats(), evenLower, oddLower),
+             hn::InterleaveLower (evenUpper, oddUpper), hn::InterleaveUpper (Floats(), evenUpper, oddUpper) };
+}
+
+HWY_INLINE void interleaveFour (float* const* rows, double* fours, int n)
+{
+    int i = 0;
+
+    for (; i + floats <= n; i += floats)
+    {
+        const auto samples = turn ({ hn::LoadU (Floats(), rows[0] + i), hn::LoadU (Floats(), rows[1] + i),
+                                     hn::LoadU (Floats(), rows[2] + i), hn::LoadU (Floats(), rows[3] + i) });
+
+        for (int k = 0; k < floats; ++k)
+            storePromoted (samples[static_cast<std::size_t> (k)], fours + (i + k) * floats);
+    }
+
+    for (; i < n; ++i)
+        for (int row = 0; row < floats; ++row)
+            fours[i * floats + row] = static_cast<double> (rows[row][i]);
+}
+
+HWY_INLINE void separateFour (const double* fours, float* const* rows, int n)
+{
+    int i = 0;
+
+    for (; i + floats <= n; i += floats)
+    {
+        const auto* const from = fours + i * floats;
+        const auto parts = turn ({ loadDemoted (D(), from), loadDemoted (D(), from + floats),
+                                   loadDemoted (D(), from + 2 * floats), loadDemoted (D(), from + 3 * floats) });
+
+        for (int row = 0; row < floats; ++row)
+            hn::StoreU (parts[static_cast<std::size_t> (row)], Floats(), rows[row] + i);
+    }
+
+    for (; i < n; ++i)
+        for (int row = 0; row < floats; ++row)
+            rows[row][i] = static_cast<float> (fours[i * floats + row]);
 }
 
 #endif

@@ -31,20 +31,6 @@ bool hasSameNetwork (const EQControls& a, const EQControls& b) noexcept
     return a.highFreq == b.highFreq && a.highGain == b.highGain && a.midFreq == b.midFreq && a.midGain == b.midGain
            && a.midMode == b.midMode && a.lowFreq == b.lowFreq && a.lowGain == b.lowGain; // NaN differs from itself
 }
-
-/** Whether both filters are at rest in this slice; their cascades then. */
-template <typename Filter>
-bool findResting (Filter& left, Filter& right, std::array<BiquadCascade*, 2>& cascades) noexcept
-{
-    const auto leftRests = left.beginSlice(), rightRests = right.beginSlice();
-    const auto ofLeft = left.getActiveCascades(), ofRight = right.getActiveCascades();
-
-    if (! leftRests || ! rightRests || ofLeft.empty() || ofRight.empty())
-        return false;
-
-    cascades = { ofLeft.front(), ofRight.front() };
-    return true;
-}
 } // namespace
 
 ConsoleEQ::ConsoleEQ() : components (equaliserComponents) {}
@@ -96,12 +82,16 @@ void ConsoleEQ::reset() noexcept
     network.reset();
 }
 
-void ConsoleEQ::process (float* row, int n) noexcept
+bool ConsoleEQ::beginSlice() noexcept
 {
     const auto highPassRests = highPass.beginSlice();
     const auto networkRests = network.beginSlice();
+    return highPassRests && networkRests && ! network.getActiveCascades().empty();
+}
 
-    if (highPassRests && networkRests)
+void ConsoleEQ::process (float* row, int n) noexcept
+{
+    if (beginSlice())
         return processInTurn (highPass.getActiveCascades(), network.getActiveCascades(), &row, n);
 
     highPass.process (&row, n);
@@ -111,15 +101,25 @@ void ConsoleEQ::process (float* row, int n) noexcept
 void ConsoleEQ::processPair (ConsoleEQ& left, ConsoleEQ& right, float* leftRow, float* rightRow, int n) noexcept
 {
     const std::array<float*, 2> rows { leftRow, rightRow };
-    std::array<BiquadCascade*, 2> highPasses {};
-    std::array<BiquadCascade*, 2> networks {};
-    const auto doHighPassesRest = findResting (left.highPass, right.highPass, highPasses);
-    const auto doNetworksRest = findResting (left.network, right.network, networks);
+    const auto leftRests = left.beginSlice(), rightRests = right.beginSlice();
 
-    if (doHighPassesRest && doNetworksRest)
-        return processInTurn (highPasses, networks, rows.data(), n);
+    if (leftRests && rightRests)
+    {
+        const auto first = [] (auto& filter) { return filter.getActiveCascades().front(); };
+        return processInTurn (std::array { first (left.highPass), first (right.highPass) },
+                              std::array { first (left.network), first (right.network) }, rows.data(), n);
+    }
 
-    left.process (leftRow, n);
-    right.process (rightRow, n);
+    // At rest the samples between the two filters keep their 64 bits, in a move they don't; so what rests goes by itself.
+    if (leftRests || rightRests)
+    {
+        left.process (leftRow, n);
+        return right.process (rightRow, n);
+    }
+
+    using HighPass = decltype (left.highPass);
+    using Network = decltype (left.network);
+    HighPass::processTogether (std::array { &left.highPass, &right.highPass }, rows.data(), n);
+    Network::processTogether (std::array { &left.network, &right.network }, rows.data(), n);
 }
 } // namespace tarvik

@@ -42,11 +42,14 @@ public:
     /** High pass, then network, in place. */
     void process (float* row, int n) noexcept;
 
-    /** Both channels of a stereo strip in one pass where nothing moves in either; the same bits as one after the other.
-     */
+    /** Both channels of a stereo strip in one pass where nothing moves in either, else in one pass for each filter; the
+        same bits as one after the other. */
     static void processPair (ConsoleEQ& left, ConsoleEQ& right, float* leftRow, float* rightRow, int n) noexcept;
 
 private:
+    /** Whether both filters are prepared and neither moves in the coming slice. */
+    bool beginSlice() noexcept;
+
     void updateHighPass (int position) noexcept;
 
     ComponentTable components;

@@ -12,7 +12,7 @@ namespace tarvik
 /** What the two kinds of smoothed value have in common: a value on its way from `current` to `target`, which it reaches
     in `steps` samples whatever the distance.
 
-    `Kind` says how one sample is taken and how a new way begins. A ramp belongs to one thread; `SharedRamp` below is
+    `Kind` says how samples are taken and how a new way begins. A ramp belongs to one thread; `SharedRamp` below is
     the way in for other threads. Nothing here allocates or throws.
 */
 template <typename Kind>
@@ -67,12 +67,7 @@ struct Ramp
         const auto moving =
             static_cast<int> (std::min<std::uint32_t> (static_cast<std::uint32_t> (std::max (n, 0)), remaining));
 
-        for (int i = 0; i < moving; ++i)
-        {
-            current = Kind::next (current, increment);
-            row[i] = static_cast<float> (current);
-        }
-
+        Kind::fill (*this, row, moving);
         remaining -= static_cast<std::uint32_t> (moving);
 
         if (moving > 0 && remaining == 0)
@@ -91,7 +86,17 @@ private:
 
 struct LinearStep
 {
-    static double next (double value, double increment) noexcept { return value + increment; }
+    /** Counts back from the target, so that no sample waits for the one before it. */
+    static void fill (Ramp<LinearStep>& ramp, float* row, int moving) noexcept
+    {
+        const auto target = ramp.target, increment = ramp.increment;
+        const auto remaining = static_cast<int> (ramp.remaining);
+
+        for (int i = 0; i < moving; ++i)
+            row[i] = static_cast<float> (target - increment * (remaining - 1 - i));
+
+        ramp.current = target - increment * (remaining - moving);
+    }
 
     static void begin (Ramp<LinearStep>& ramp, double t) noexcept
     {
@@ -102,7 +107,14 @@ struct LinearStep
 
 struct GeometricStep
 {
-    static double next (double value, double increment) noexcept { return value * increment; }
+    static void fill (Ramp<GeometricStep>& ramp, float* row, int moving) noexcept
+    {
+        for (int i = 0; i < moving; ++i)
+        {
+            ramp.current *= ramp.increment;
+            row[i] = static_cast<float> (ramp.current);
+        }
+    }
 
     /** A geometric way has no zero on it, so both ends are lifted to at least -80 dB. */
     static void begin (Ramp<GeometricStep>& ramp, double t) noexcept

@@ -39,6 +39,7 @@ void SmoothedIppIIR<Sample, Coefs>::setAnalogue (const Polynomial& numerator, co
 {
     analogue.getWriteSlot() = { numerator, denominator };
     analogue.publish();
+    isDisturbed = true;
     work();
 }
 
@@ -46,6 +47,7 @@ template <typename Sample, typename Coefs>
 void SmoothedIppIIR<Sample, Coefs>::bringInCoefficients() noexcept
 {
     isBringInWanted = true;
+    isDisturbed = true;
     work();
 
     const auto hasToWait = isCrossfading.load() || hasWork();
@@ -123,6 +125,7 @@ void SmoothedIppIIR<Sample, Coefs>::doWorkLocked() noexcept
     {
         published.getWriteSlot() = coefs.taps;
         published.publish();
+        isDisturbed = true;
     }
 }
 
@@ -132,15 +135,18 @@ void SmoothedIppIIR<Sample, Coefs>::prepare (double sampleRate, int channels, in
     stopTimer();
     isRetrying = false;
 
-    const auto numChannels = static_cast<std::size_t> (std::max (channels, 0));
+    numChannels = static_cast<std::size_t> (std::max (channels, 0));
     const auto rowLength = static_cast<std::size_t> (std::max (maxSamples, 1));
     filters.resize (2 * numChannels);
     filterPointers.resize (filters.size());
     std::transform (filters.begin(), filters.end(), filterPointers.begin(), [] (auto& filter) { return &filter; });
-    rowPointers.resize (numChannels);
+    workRows.resize (2 * numChannels);
 
-    for (auto* const row : { &bankRow, &onRow, &tailRow, &firstRow, &secondRow })
+    for (auto* const row : { &bankRow, &onRow, &tailRow })
         row->resize (rowLength);
+
+    for (auto& row : workRows)
+        row.resize (rowLength);
 
     const auto steps = getRampLength (rampSeconds, sampleRate);
     onRamp.prepare (steps);
@@ -185,6 +191,7 @@ void SmoothedIppIIR<Sample, Coefs>::settle() noexcept
     bankRamp.snap();
     tailRamp.snap();
     isCrossfading = false;
+    isAtRest = false;
 
     const auto isNew = published.takeNewest();
 
@@ -205,9 +212,16 @@ bool SmoothedIppIIR<Sample, Coefs>::isOff() const noexcept
 }
 
 template <typename Sample, typename Coefs>
-bool SmoothedIppIIR<Sample, Coefs>::beginSlice() noexcept
+bool SmoothedIppIIR<Sample, Coefs>::beginDisturbedSlice() noexcept
 {
-    processingThread = juce::Thread::getCurrentThreadId();
+    isDisturbed.exchange (false); // first: what comes from now on disturbs the next slice
+
+    // Storing for other threads to see takes as long as filtering several samples, so it is done only where something
+    // changes.
+    if (const auto thisThread = juce::Thread::getCurrentThreadId();
+        processingThread.load (std::memory_order_relaxed) != thisThread)
+        processingThread = thisThread;
+
     tryToWork(); // once: a slice lends a hand, it doesn't take over
 
     const auto wasOff = isOff();
@@ -226,56 +240,71 @@ bool SmoothedIppIIR<Sample, Coefs>::beginSlice() noexcept
         bankRamp.set (idleBank);
     }
 
-    isCrossfading = isChanging();
-    return ! isChanging() && onRamp.get().isIdle() && ! isOff();
+    noteCrossfading();
+    const auto rests = ! isChanging() && onRamp.get().isIdle() && ! isOff();
+    isAtRest = rests && ! hasWork(); // else the lock was taken, and the next slice looks again
+    return rests;
 }
 
 template <typename Sample, typename Coefs>
-std::span<BiquadCascade* const> SmoothedIppIIR<Sample, Coefs>::getBank (std::size_t bank) const noexcept
+void SmoothedIppIIR<Sample, Coefs>::noteCrossfading() noexcept
 {
-    const auto channels = rowPointers.size();
-    return std::span (filterPointers).subspan (bank * channels, channels);
-}
-
-template <typename Sample, typename Coefs>
-std::span<BiquadCascade* const> SmoothedIppIIR<Sample, Coefs>::getActiveCascades() const noexcept
-{
-    return getBank (static_cast<std::size_t> (bankRamp.target));
+    if (isCrossfading.load (std::memory_order_relaxed) != isChanging())
+        isCrossfading = isChanging();
 }
 
 template <typename Sample, typename Coefs>
 void SmoothedIppIIR<Sample, Coefs>::process (Sample* const* rows, int n) noexcept
 {
-    const auto longest = static_cast<int> (bankRow.size());
-
-    for (int done = 0; done < n; done += longest)
-    {
-        for (std::size_t c = 0; c < rowPointers.size(); ++c)
-            rowPointers[c] = rows[c] + done;
-
-        if (rowPointers.empty())
-            return;
-
-        processSlice (std::min (n - done, longest));
-    }
+    auto* const self = this;
+    processTogether (std::span (&self, 1), rows, n);
 }
 
 template <typename Sample, typename Coefs>
-void SmoothedIppIIR<Sample, Coefs>::processSlice (int n) noexcept
+void SmoothedIppIIR<Sample, Coefs>::processTogether (std::span<SmoothedIppIIR* const> filters, Sample* const* rows,
+                                                     int n) noexcept
 {
-    if (beginSlice())
-        return processSideBySide (getActiveCascades(), rowPointers.data(), n);
+    auto longest = n;
 
-    if (isOff())
+    for (const auto* const filter : filters)
+        if (filter->numChannels > 0)
+            longest = std::min (longest, static_cast<int> (filter->bankRow.size()));
+
+    for (int done = 0; done < n; done += longest)
+    {
+        const auto length = std::min (n - done, longest);
+        CascadePass pass (length);
+
+        for (std::size_t f = 0, row = 0; f < filters.size(); row += filters[f++]->numChannels)
+            filters[f]->feed (rows + row, done, pass);
+
+        pass.finish();
+
+        for (std::size_t f = 0, row = 0; f < filters.size(); row += filters[f++]->numChannels)
+            filters[f]->finish (rows + row, done, length);
+    }
+}
+
+/** Begins a slice: gives the pass what the cascades have to filter. Where nothing moves, that is the rows themselves. */
+template <typename Sample, typename Coefs>
+void SmoothedIppIIR<Sample, Coefs>::feed (Sample* const* rows, int begin, CascadePass& pass) noexcept
+{
+    const auto n = pass.n;
+
+    if (numChannels == 0 || (! beginSlice() && isOff()))
+    {
+        moves = {};
         return;
+    }
 
     // A ramp that ends within these samples rests at its target for the others, and both filters finish the slice.
-    const auto isFading = ! onRamp.get().isIdle();
-    const auto isChangingBanks = ! bankRamp.isIdle();
-    const auto hasTail = ! tailRamp.isIdle();
+    moves = { .isFading = ! onRamp.get().isIdle(),
+              .isChangingBanks = ! bankRamp.isIdle(),
+              .hasTail = ! tailRamp.isIdle() };
+    const auto [isFading, isChangingBanks, hasTail] = moves;
 
     if (isFading)
-        onRamp.fill (onRow.data(), n);
+        onRamp.fillTaken (onRow.data(), n);
 
     if (isChangingBanks)
         bankRamp.fill (bankRow.data(), n);
@@ -286,31 +315,69 @@ void SmoothedIppIIR<Sample, Coefs>::processSlice (int n) noexcept
     if (hasTail && isFading)
         std::transform (tailRow.data(), tailRow.data() + n, onRow.data(), tailRow.data(), std::multiplies<>());
 
-    for (std::size_t c = 0; c < rowPointers.size(); ++c)
-    {
-        auto* const x = rowPointers[c];
-        auto* const wet = firstRow.data();
+    const auto active = isChangingBanks ? 0 : static_cast<std::size_t> (bankRamp.target);
 
-        if (isFading && ! isChangingBanks)
-            std::transform (x, x + n, onRow.data(), wet, std::multiplies<>());
-        else
-            std::copy_n (x, n, wet);
+    for (std::size_t c = 0; c < numChannels; ++c)
+    {
+        auto* const x = rows[c] + begin;
+        auto* const first = workRows[2 * c].data();
+        auto* const second = workRows[2 * c + 1].data();
 
         if (isChangingBanks)
-            runBothBanks (c, n);
-        else if (hasTail)
-            runWithTail (c, n);
-        else
-            getActiveCascades()[c]->process (wet, n);
+        {
+            const auto* const share = bankRow.data();
 
-        if (! isFading)
-            std::copy_n (wet, n, x);
-        else if (isChangingBanks)
             for (int i = 0; i < n; ++i)
-                x[i] = (1 - onRow[static_cast<std::size_t> (i)]) * x[i] + onRow[static_cast<std::size_t> (i)] * wet[i];
-        else
+            {
+                first[i] = (1 - share[i]) * x[i];
+                second[i] = share[i] * x[i];
+            }
+        }
+        else if (isFading)
+        {
+            std::transform (x, x + n, onRow.data(), first, std::multiplies<>());
+        }
+
+        if (hasTail)
+            std::fill_n (second, n, Sample());
+
+        pass.add (getBank (active)[c], isChangingBanks || isFading ? first : x);
+
+        if (isChangingBanks || hasTail)
+            pass.add (getBank (1 - active)[c], second);
+    }
+}
+
+/** Ends a slice: puts together what the cascades have made of it. */
+template <typename Sample, typename Coefs>
+void SmoothedIppIIR<Sample, Coefs>::finish (Sample* const* rows, int begin, int n) noexcept
+{
+    const auto [isFading, isChangingBanks, hasTail] = moves;
+
+    if (! isFading && ! isChangingBanks && ! hasTail)
+        return;
+
+    const auto* const on = onRow.data();
+    const auto* const tail = tailRow.data();
+
+    for (std::size_t c = 0; c < numChannels; ++c)
+    {
+        auto* const x = rows[c] + begin;
+        const auto* const second = workRows[2 * c + 1].data();
+        auto* const wet = isFading || isChangingBanks ? workRows[2 * c].data() : x;
+
+        if (isChangingBanks)
+            std::transform (wet, wet + n, second, isFading ? wet : x, std::plus<>());
+        else if (hasTail)
             for (int i = 0; i < n; ++i)
-                x[i] = (1 - onRow[static_cast<std::size_t> (i)]) * x[i] + wet[i];
+                wet[i] += tail[i] * second[i];
+
+        if (isFading && isChangingBanks)
+            for (int i = 0; i < n; ++i)
+                x[i] = (1 - on[i]) * x[i] + on[i] * wet[i];
+        else if (isFading)
+            for (int i = 0; i < n; ++i)
+                x[i] = (1 - on[i]) * x[i] + wet[i];
     }
 
     if (isChangingBanks && bankRamp.isIdle())
@@ -319,45 +386,7 @@ void SmoothedIppIIR<Sample, Coefs>::processSlice (int n) noexcept
         tailRamp.set (0.0);
     }
 
-    isCrossfading = isChanging();
-}
-
-/** firstRow = bank 0 of (1 - bankRow) times firstRow, plus bank 1 of bankRow times it. */
-template <typename Sample, typename Coefs>
-void SmoothedIppIIR<Sample, Coefs>::runBothBanks (std::size_t channel, int n) noexcept
-{
-    const auto* const share = bankRow.data();
-    auto* const first = firstRow.data();
-    auto* const second = secondRow.data();
-
-    for (int i = 0; i < n; ++i)
-    {
-        const auto x = first[i];
-        first[i] = (1 - share[i]) * x;
-        second[i] = share[i] * x;
-    }
-
-    const std::array<BiquadCascade*, 2> banks { getBank (0)[channel], getBank (1)[channel] };
-    const std::array<Sample*, 2> rows { first, second };
-    processSideBySide (banks, rows.data(), n);
-    std::transform (first, first + n, second, first, std::plus<>());
-}
-
-/** firstRow = the active bank of it, plus tailRow times what the other bank still holds. */
-template <typename Sample, typename Coefs>
-void SmoothedIppIIR<Sample, Coefs>::runWithTail (std::size_t channel, int n) noexcept
-{
-    auto* const first = firstRow.data();
-    auto* const second = secondRow.data();
-    std::fill_n (second, n, Sample());
-
-    const auto active = static_cast<std::size_t> (bankRamp.target);
-    const std::array<BiquadCascade*, 2> banks { getBank (active)[channel], getBank (1 - active)[channel] };
-    const std::array<Sample*, 2> rows { first, second };
-    processSideBySide (banks, rows.data(), n);
-
-    for (int i = 0; i < n; ++i)
-        first[i] += tailRow[static_cast<std::size_t> (i)] * second[i];
+    noteCrossfading();
 }
 
 template class SmoothedIppIIR<float, MZTiCoefs<double, 2, 2>>;

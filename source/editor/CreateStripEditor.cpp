@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "plugin/EditorInterface.h"
-#include "plugin/KVLProcessor.h"
+#include "editor/KVLEditor.h"
 
 namespace tarvik
 {
 
-/** Until the console panel exists, JUCE's generic list of parameters is the window. */
+/** The console for the strip that it belongs to, and JUCE's list of parameters for any other. */
 juce::AudioProcessorEditor* createStripEditor (KVLProcessor& processor)
 {
+    if (auto* const strip = dynamic_cast<Tarvik41Processor*> (&processor))
+        return new KVLEditor (*strip);
+
     return new juce::GenericAudioProcessorEditor (processor);
 }
 

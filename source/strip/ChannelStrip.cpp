@@ -166,10 +166,11 @@ void ChannelStrip::applyGainAndPhase (float* const* channels, int n) noexcept
 
 void ChannelStrip::feedMeter (NeedleMeter& meter, const float* const* channels, int n) noexcept
 {
-    rows::fill (monoMean.data(), 0.0f, n);
+    const auto share = 1.0f / static_cast<float> (numMain);
+    rows::scale (monoMean.data(), channels[0], share, n);
 
-    for (int c = 0; c < numMain; ++c)
-        rows::multiplyAdd (monoMean.data(), channels[c], 1.0f / static_cast<float> (numMain), n);
+    for (int c = 1; c < numMain; ++c)
+        rows::multiplyAdd (monoMean.data(), channels[c], share, n);
 
     meter.process (monoMean.data(), n);
 }

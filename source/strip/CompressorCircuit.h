@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "strip/OpeningTable.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -86,7 +88,7 @@ public:
 
         if (error > smallestOpening)
         {
-            const auto opening = std::exp (-1.0 / error);
+            const auto opening = OpeningTable::at (error);
             const auto share = (1.0 - opening) * releaseShare + opening * attackShare;
             charged = (1.0 - share) * state.c1Volts + share * target;
             passedOn = charged * networkKeep + received;

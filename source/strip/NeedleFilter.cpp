@@ -45,6 +45,7 @@ void NeedleFilter::prepare (double rateHz)
     {
         inputs[k] = response;
         response = advanceOne (response, 0.0);
+        shorterStep = { stepOfFirst.first, stepOfSecond.first };
         stepOfFirst = advanceOne (stepOfFirst, 0.0);
         stepOfSecond = advanceOne (stepOfSecond, 0.0);
     }
@@ -57,32 +58,38 @@ float NeedleFilter::process (const float* row, int n) noexcept
     if (n <= 0)
         return reading;
 
-    // The last sample comes apart, since its reading needs the state before it.
-    const auto last = n - 1;
     auto now = state;
+    auto beforeLast = 0.0; // the first delay as the last sample meets it
     int i = 0;
 
-    for (; last - i >= samplesPerStep; i += samplesPerStep)
+    for (; i < n % samplesPerStep; ++i)
+    {
+        beforeLast = now.first;
+        now = advanceOne (now, static_cast<double> (row[i]));
+    }
+
+    for (; i < n; i += samplesPerStep)
     {
         Pair added;
+        auto addedBeforeLast = 0.0;
 
         for (std::size_t k = 0; k < inputs.size(); ++k)
         {
             const auto x = static_cast<double> (row[static_cast<std::size_t> (i) + k]);
             added.first += inputs[k].first * x;
             added.second += inputs[k].second * x;
+
+            if (k + 1 < inputs.size())
+                addedBeforeLast += inputs[k + 1].first * x;
         }
 
+        beforeLast = shorterStep.first * now.first + (shorterStep.second * now.second + addedBeforeLast);
         now = { stepOfFirst.first * now.first + (stepOfSecond.first * now.second + added.first),
                 stepOfFirst.second * now.first + (stepOfSecond.second * now.second + added.second) };
     }
 
-    for (; i < last; ++i)
-        now = advanceOne (now, static_cast<double> (row[i]));
-
-    const auto x = static_cast<double> (row[last]);
-    reading = static_cast<float> (feedForward * x + now.first);
-    state = advanceOne (now, x);
+    reading = static_cast<float> (feedForward * static_cast<double> (row[n - 1]) + beforeLast);
+    state = now;
 
     // A needle at rest stays at rest instead of creeping through numbers that slow the processor down.
     constexpr double unfelt = 1e-60;

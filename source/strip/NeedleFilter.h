@@ -46,6 +46,7 @@ private:
     std::array<Pair, samplesPerStep> inputs {}; ///< A^(7 - k) b, for sample k of a step
     Pair stepOfFirst;                           ///< A^8 times (1, 0)
     Pair stepOfSecond;                          ///< A^8 times (0, 1)
+    Pair shorterStep;                           ///< the first row of A^7, for the reading at a step's last sample
     Pair state;
     float reading = 0.0f;
 };

@@ -143,39 +143,38 @@ void SaturationChannel::filter (std::span<SaturationChannel* const> channels, fl
 {
     std::array<BiquadCascade*, maxTogether> highPasses {};
     std::array<BiquadCascade*, maxTogether> lowPasses {};
+    std::array<Filter*, maxTogether> highPassFilters {};
+    std::array<Filter*, maxTogether> lowPassFilters {};
     std::array<bool, maxTogether> rests {};
-    auto allRest = true;
+    auto allRest = true, noneRests = true;
 
     for (std::size_t c = 0; c < channels.size(); ++c)
     {
-        const auto highPassRests = channels[c]->highPass.beginSlice();
-        const auto lowPassRests = channels[c]->lowPass.beginSlice();
-        rests[c] = highPassRests && lowPassRests;
+        auto& high = *(highPassFilters[c] = &channels[c]->highPass);
+        auto& low = *(lowPassFilters[c] = &channels[c]->lowPass);
+        const auto highRests = high.beginSlice(), lowRests = low.beginSlice();
+        rests[c] = highRests && lowRests;
         allRest = allRest && rests[c];
-
-        if (rests[c])
-        {
-            highPasses[c] = channels[c]->highPass.getActiveCascades().front();
-            lowPasses[c] = channels[c]->lowPass.getActiveCascades().front();
-        }
+        noneRests = noneRests && ! rests[c];
+        highPasses[c] = high.getActiveCascades().front();
+        lowPasses[c] = low.getActiveCascades().front();
     }
 
-    if (allRest)
-        return processInTurn (std::span (highPasses.data(), channels.size()),
-                              std::span (lowPasses.data(), channels.size()), rows, n);
+    const auto run = [&] (std::size_t first, std::size_t count)
+    {
+        if (rests[first])
+            return processInTurn (std::span (highPasses).subspan (first, count),
+                                  std::span (lowPasses).subspan (first, count), rows + first, n);
+
+        Filter::processTogether (std::span (highPassFilters).subspan (first, count), rows + first, n);
+        Filter::processTogether (std::span (lowPassFilters).subspan (first, count), rows + first, n);
+    };
+
+    if (allRest || noneRests)
+        return run (0, channels.size());
 
     for (std::size_t c = 0; c < channels.size(); ++c)
-    {
-        if (rests[c])
-        {
-            processInTurn (std::span (&highPasses[c], 1), std::span (&lowPasses[c], 1), rows + c, n);
-        }
-        else
-        {
-            channels[c]->highPass.process (rows + c, n);
-            channels[c]->lowPass.process (rows + c, n);
-        }
-    }
+        run (c, 1);
 }
 
 //==============================================================================

@@ -129,27 +129,46 @@ TEST (BiquadCascade, EveryInstructionSetAndLayoutGivesThePlainFormsBits)
         }
 }
 
-TEST (BiquadCascade, RowsSideBySideMayDifferInLength)
+TEST (BiquadCascade, RowsSideBySideGiveThePlainFormsBitsHoweverManyAreAlike)
 {
+    constexpr std::size_t numRows = 8;
+    constexpr std::array<std::array<int, numRows>, 4> lengths { { { 2, 2, 2, 2, 4, 4, 4, 4 },
+                                                                  { 4, 4, 4, 4, 4, 4, 2, 3 },
+                                                                  { 4, 4, 2, 4, 2, 3, 0, 0 },
+                                                                  { 4, 4, 2, 2, 2, 2, 2, 2 } } };
     std::mt19937 random (3);
-    std::array<BiquadCascade, 7> cascades;
-    std::array<BiquadCascade*, 7> pointers {};
-    std::array<Row, 7> rows, expected;
-    std::array<float*, 7> rowPointers {};
-    constexpr std::array lengths { 4, 4, 2, 4, 2, 3, 0 };
 
-    for (std::size_t i = 0; i < lengths.size(); ++i)
-    {
-        cascades[i].setTaps (makeTaps (lengths[i], random));
-        auto plain = cascades[i];
-        rows[i] = expected[i] = makeNoise (100, random());
-        plain.processPlain (expected[i].data(), 100);
-        pointers[i] = &cascades[i];
-        rowPointers[i] = rows[i].data();
-    }
+    for (const auto& set : supportedInstructionSets())
+        for (const auto& sections : lengths)
+        {
+            SCOPED_TRACE (set.name);
+            const ScopedInstructionSet scope (set);
+            std::array<BiquadCascade, numRows> cascades, plain;
+            std::array<BiquadCascade*, numRows> pointers {};
 
-    processSideBySide (pointers, rowPointers.data(), 100);
-    EXPECT_EQ (rows, expected);
+            for (std::size_t i = 0; i < numRows; ++i)
+            {
+                plain[i].setTaps (makeTaps (sections[i], random));
+                cascades[i] = plain[i];
+                pointers[i] = &cascades[i];
+            }
+
+            for (const auto n : { 100, 1, 3, 4, 5, 257, 3, 600 })
+            {
+                std::array<Row, numRows> rows, expected;
+                std::array<float*, numRows> rowPointers {};
+
+                for (std::size_t i = 0; i < numRows; ++i)
+                {
+                    rows[i] = expected[i] = makeNoise (static_cast<std::size_t> (n), random());
+                    plain[i].processPlain (expected[i].data(), n);
+                    rowPointers[i] = rows[i].data();
+                }
+
+                processSideBySide (pointers, rowPointers.data(), n);
+                ASSERT_EQ (rows, expected) << n;
+            }
+        }
 }
 
 TEST (BiquadCascade, RoundsOnceBehindTheLastSection)

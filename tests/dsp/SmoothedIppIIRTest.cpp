@@ -307,19 +307,61 @@ TEST_F (SmoothedIppIIRTest, ComesBackFromOffWithoutAnOldTail)
     EXPECT_EQ (silence, Row (1000, 0.0f));
 }
 
-TEST_F (SmoothedIppIIRTest, ChannelsDoNotMeet)
+// Through rest, crossfade, tail and a fade of the whole: three channels in one object, one beside it in the same pass that
+// starts its crossfade later, and each of them alone.
+TEST_F (SmoothedIppIIRTest, ChannelsAndFiltersTogetherGiveTheBitsOfEachAlone)
 {
+    Filter beside;
+    std::array<Filter, 4> alone;
     changeLowPass (filter, 3000.0);
     prepare (3);
-    std::array rows { test::makeNoise (600, 7), test::makeNoise (600, 8), test::makeNoise (600, 9) };
-    auto expected = rows;
-    const std::array<float*, 3> pointers { rows[0].data(), rows[1].data(), rows[2].data() };
-    filter.process (pointers.data(), 600);
+    beside.prepare (rate, 1, blockSize);
 
-    for (auto& row : expected)
-        makeCascade (3000.0).processPlain (row.data(), 600);
+    for (std::size_t c = 0; c < alone.size(); ++c)
+    {
+        if (c < 3)
+            changeLowPass (alone[c], 3000.0);
 
-    EXPECT_EQ (rows, expected);
+        alone[c].prepare (rate, 1, blockSize);
+    }
+
+    for (int block = 0; block < 60; ++block)
+    {
+        for (std::size_t c = 0; c < 3; ++c)
+        {
+            if (block == 5)
+                changeLowPass (alone[c], 50.0);
+
+            if (block == 12 || block == 40)
+                alone[c].setOn (block == 40);
+        }
+
+        if (block == 5)
+            changeLowPass (filter, 50.0);
+
+        if (block == 12 || block == 40)
+            filter.setOn (block == 40);
+
+        if (block == 8)
+            changeLowPass (beside, 700.0), changeLowPass (alone[3], 700.0);
+
+        std::array<Row, 4> rows;
+        std::array<float*, 4> pointers {};
+
+        for (std::size_t c = 0; c < rows.size(); ++c)
+        {
+            rows[c] = test::makeNoise (600, static_cast<unsigned> (4 * block) + static_cast<unsigned> (c));
+            pointers[c] = rows[c].data();
+        }
+
+        auto expected = rows;
+        Filter::processTogether (std::array { &filter, &beside }, pointers.data(), 600);
+
+        for (std::size_t c = 0; c < alone.size(); ++c)
+            process (alone[c], expected[c]);
+
+        ASSERT_EQ (rows, expected) << block;
+    }
 }
 
 TEST_F (SmoothedIppIIRTest, ChangesOnTheAudioThreadTakeNoMemoryAndNoLock)

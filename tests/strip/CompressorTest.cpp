@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "DynamicsTestTools.h"
 #include "strip/CompressorCircuit.h"
+#include "strip/OpeningTable.h"
 #include "strip/VcaCurve.h"
 
 #include <gtest/gtest.h>
@@ -37,6 +38,12 @@ int samplesUntil (const CompressorCircuit& circuit, CompressorCircuit::State& st
     }
 
     return samples;
+}
+
+TEST (Compressor, OpeningOfTheAttackFollowsTheExponential)
+{
+    for (auto volts = OpeningTable::lowestVolts; volts < 1e9; volts *= 1.001) // past the cells' end, too
+        ASSERT_NEAR (OpeningTable::at (volts), std::exp (-1.0 / volts), 1e-10) << volts;
 }
 
 TEST (Compressor, AttackGetsFasterWithEveryStepAndWithTheSizeOfTheError)

@@ -276,6 +276,36 @@ TEST (Saturation, TheWholeStageFollowsThdAndConsoleChannel)
         }
 }
 
+TEST (Saturation, PairGivesTheBitsOfTwoSinglesWhileConsoleChannelsMove)
+{
+    std::array<SaturationChannel, 4> channels; // two together, two alone
+    std::mt19937 random (9);
+
+    for (auto& channel : channels)
+        channel.prepare (rateHz, sliceLength);
+
+    for (unsigned block = 0; block < 400; ++block)
+    {
+        if (const auto side = random() % 120; side < 3)
+            for (std::size_t c = 0; c < channels.size(); ++c)
+                if (side == 2 || c % 2 == side)
+                    channels[c].setVariant (static_cast<int> (block % 32));
+
+        std::array rows { music (1.0, sliceLength, block), music (1.0, sliceLength, 1000 + block) };
+        auto alone = rows;
+        float* const pointers[] = { rows[0].data(), rows[1].data() };
+        SaturationChannel::process (std::array { &channels[0], &channels[1] }, pointers, sliceLength);
+
+        for (std::size_t c = 0; c < alone.size(); ++c)
+        {
+            auto* const row = alone[c].data();
+            SaturationChannel::process (std::array { &channels[2 + c] }, &row, sliceLength);
+        }
+
+        ASSERT_EQ (rows, alone) << block;
+    }
+}
+
 TEST (Saturation, OffsetsLeaveAndNothingSteps)
 {
     SaturationSection section;

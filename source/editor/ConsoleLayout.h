@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "editor/PictureCatalogue.h"
+#include "plugin/ParameterRows.h"
+
+#include <juce_graphics/juce_graphics.h>
+
+#include <string_view>
+
+namespace tarvik
+{
+
+/** A place on the console panel, as shares of its width (x, w) and height (y, h). */
+struct Box
+{
+    float x = 0.0f, y = 0.0f, w = 0.0f, h = 0.0f;
+
+    juce::Rectangle<int> on (int panelWidth, int panelHeight) const
+    {
+        const auto width = static_cast<float> (panelWidth);
+        const auto height = static_cast<float> (panelHeight);
+        return { juce::roundToInt (x * width), juce::roundToInt (y * height), juce::roundToInt (w * width),
+                 juce::roundToInt (h * height) };
+    }
+};
+
+/** Where everything on the console panel is and what it stands for: one row for each control. */
+namespace consoleLayout
+{
+/** The panel's size in the pixels of its picture, and at 100 %. */
+inline constexpr int designWidth = 2700, designHeight = 2030;
+inline constexpr int width = 900, height = 677;
+
+inline constexpr int noParameter = -1;
+
+/** The host's index of a parameter. A name that no parameter has does not compile. */
+consteval int parameter (std::string_view id)
+{
+    for (std::size_t i = 0; i < parameterRows.size(); ++i)
+        if (id == parameterRows[i].id)
+            return static_cast<int> (i);
+
+    throw "no such parameter";
+}
+
+struct KnobRow
+{
+    int parameter;
+    Box box;
+    float startDegrees, endDegrees; ///< Where values 0 and 1 point, clockwise from straight up.
+    float step;                     ///< On the travel of 0 to 1; 0 is continuous.
+    const char* unit;               ///< Behind the value in its popup.
+    int style;                      ///< 0 standard, 1 large.
+};
+
+/** The fader and the trim pot. */
+struct SliderRow
+{
+    int parameter;
+    Box box;
+    const char* name;
+    const char* unit;
+};
+
+struct SwitchRow
+{
+    int parameter;
+    Box box;
+    int plate;
+};
+
+struct PushRow
+{
+    int parameter; ///< `noParameter` for the button that says what the VU meter shows.
+    Box box;
+    Picture lamp = Picture::none;
+    Box lampBox = {};
+};
+
+/** A button that shows one picture, or one of three. */
+struct PictureButtonRow
+{
+    Box box;
+    Picture normal, over, pressed;
+    const char* tooltip = "";
+};
+
+struct LabelRow
+{
+    Box box;
+    const char* text;
+    float height; ///< Of the font, in the editor's pixels; it does not grow with the panel.
+    juce::uint32 colour;
+    bool isEditable = false;
+    bool isCentred = true;
+};
+
+// The bounds are kept as they were drawn, rows of numbers under one another.
+// clang-format off
+inline constexpr std::array<KnobRow, 16> knobs
+{ {
+    { parameter ("gain"),          { 0.0444f, 0.6685f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        "dB", 1 },
+    { parameter ("highGain"),      { 0.2889f, 0.0606f, 0.1111f, 0.1478f }, 210, 510, 0.1f,        "",   0 },
+    { parameter ("midGain"),       { 0.2889f, 0.2749f, 0.1111f, 0.1478f }, 120, 410, 0.0f,        "dB", 0 },
+    { parameter ("midFreq"),       { 0.2041f, 0.3892f, 0.1111f, 0.1478f }, 240, 450, 1.0f / 7.0f, "",   0 },
+    { parameter ("lowGain"),       { 0.2889f, 0.5443f, 0.1111f, 0.1478f }, 120, 410, 0.0f,        "dB", 0 },
+    { parameter ("lowFreq"),       { 0.2022f, 0.6685f, 0.1111f, 0.1478f }, 393, 523, 1.0f / 9.0f, "",   0 },
+    { parameter ("compHPF"),       { 0.41f,   0.0754f, 0.0889f, 0.1182f }, 210, 510, 0.0f,        "",   0 },
+    { parameter ("compMix"),       { 0.5f,    0.0739f, 0.0889f, 0.1182f }, 210, 510, 0.0f,        "",   0 },
+    { parameter ("compRatio"),     { 0.4889f, 0.3015f, 0.1111f, 0.1478f }, 285, 435, 0.2f,        "",   0 },
+    { parameter ("compRelease"),   { 0.4f,    0.4177f, 0.1111f, 0.1478f }, 240, 480, 0.125f,      "",   0 },
+    { parameter ("compThreshold"), { 0.4889f, 0.5443f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        "dB", 0 },
+    { parameter ("compInput"),     { 0.4f,    0.6685f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        "",   1 },
+    { parameter ("expRange"),      { 0.6889f, 0.3015f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        "dB", 0 },
+    { parameter ("expRelease"),    { 0.6f,    0.4177f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        "s",  0 },
+    { parameter ("expThreshold"),  { 0.6889f, 0.5443f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        "dB", 0 },
+    { parameter ("compOutput"),    { 0.6f,    0.6685f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        "",   1 },
+} };
+
+inline constexpr SliderRow levelFader { parameter ("level"), { 0.8437f, 0.1552f, 0.1111f, 0.8404f }, "sldLevel", "dB" };
+inline constexpr SliderRow trim       { parameter ("thd"),   { 0.09f,   0.5906f, 0.02f,   0.0266f }, "sldTHD",   "dB" };
+
+inline constexpr std::array<SwitchRow, 5> switches
+{ {
+    { parameter ("highPass"),   { 0.3156f, 0.8389f, 0.0667f, 0.0887f }, 3 },
+    { parameter ("expMode"),    { 0.6156f, 0.8389f, 0.0667f, 0.0887f }, 2 },
+    { parameter ("highFreq"),   { 0.2267f, 0.1803f, 0.0667f, 0.0887f }, 3 },
+    { parameter ("compAttack"), { 0.5144f, 0.4507f, 0.0667f, 0.0887f }, 2 },
+    { parameter ("expAttack"),  { 0.7111f, 0.4507f, 0.0667f, 0.0887f }, 3 },
+} };
+
+// The height of the pad button differs from the others' by a pixel.
+inline constexpr std::array<PushRow, 12> pushButtons
+{ {
+    { parameter ("pad"),         { 0.0126f, 0.8374f, 0.0667f, 0.0887f }, Picture::lampAmber, { 0.0378f, 0.8286f, 0.0189f, 0.0251f } },
+    { noParameter,               { 0.0667f, 0.8374f, 0.0667f, 0.0892f } },
+    { parameter ("unity"),       { 0.12f,   0.8374f, 0.0667f, 0.0892f }, Picture::lampGreen, { 0.1444f, 0.8286f, 0.0189f, 0.0251f } },
+    { parameter ("equalizer"),   { 0.2156f, 0.8374f, 0.0667f, 0.0892f }, Picture::lampGreen, { 0.2389f, 0.8286f, 0.0189f, 0.0251f } },
+    { parameter ("eqPost"),      { 0.2667f, 0.8374f, 0.0667f, 0.0892f } },
+    { parameter ("midMode"),     { 0.3111f, 0.4177f, 0.0667f, 0.0892f } },
+    { parameter ("compLimit"),   { 0.4222f, 0.2167f, 0.0667f, 0.0892f }, Picture::lampAmber, { 0.4467f, 0.2128f, 0.0189f, 0.0251f } },
+    { parameter ("compIn"),      { 0.4156f, 0.8374f, 0.0667f, 0.0892f }, Picture::lampGreen, { 0.44f,   0.8286f, 0.0189f, 0.0251f } },
+    { parameter ("compNiveau"),  { 0.4667f, 0.8374f, 0.0667f, 0.0892f }, Picture::lampAmber, { 0.4911f, 0.8286f, 0.0189f, 0.0251f } },
+    { parameter ("compNuke"),    { 0.5148f, 0.8374f, 0.0667f, 0.0892f }, Picture::lampRed,   { 0.54f,   0.8286f, 0.0189f, 0.0251f } },
+    { parameter ("expHold"),     { 0.6667f, 0.8374f, 0.0667f, 0.0892f }, Picture::lampAmber, { 0.6911f, 0.8286f, 0.0189f, 0.0251f } },
+    { parameter ("expInverted"), { 0.7148f, 0.8374f, 0.0667f, 0.0892f }, Picture::lampRed,   { 0.74f,   0.8286f, 0.0189f, 0.0251f } },
+} };
+
+inline constexpr Box mute                { 0.82f,   0.0369f, 0.0611f, 0.0813f };
+inline constexpr Box phase               { 0.92f,   0.0369f, 0.0611f, 0.0813f };
+inline constexpr Box vuMeter             { 0.0311f, 0.0399f, 0.1378f, 0.0931f };
+inline constexpr Box gainReductionMeter  { 0.0311f, 0.2719f, 0.1378f, 0.0931f };
+inline constexpr Box link                { 0.6556f, 0.0103f, 0.0333f, 0.0369f };
+
+inline constexpr const char* linkTooltip = "Link channels";
+
+inline constexpr PictureButtonRow outputLegend    { { 0.0867f, 0.1172f, 0.0289f, 0.0133f }, Picture::outputLegend, Picture::none, Picture::none };
+inline constexpr PictureButtonRow compressorLed   { { 0.5222f, 0.2335f, 0.0444f, 0.0591f }, Picture::none, Picture::none, Picture::ledRed };
+inline constexpr PictureButtonRow expanderLed     { { 0.7222f, 0.2335f, 0.0444f, 0.0591f }, Picture::none, Picture::none, Picture::ledGreen };
+inline constexpr PictureButtonRow plateMono       { { 0.6f,    0.0566f, 0.2f,    0.0965f }, Picture::plateMono, Picture::none, Picture::none };
+inline constexpr PictureButtonRow plateStereo     { { 0.6f,    0.0566f, 0.2f,    0.0965f }, Picture::plateStereo, Picture::none, Picture::none };
+inline constexpr PictureButtonRow previousChannel { { 0.6015f, 0.1261f, 0.0267f, 0.0251f }, Picture::previousNormal, Picture::previousOver, Picture::previousPressed, "Previous channel" };
+inline constexpr PictureButtonRow nextChannel     { { 0.7719f, 0.1261f, 0.0267f, 0.0251f }, Picture::nextNormal, Picture::nextOver, Picture::nextPressed, "Next channel" };
+inline constexpr PictureButtonRow randomChannel   { { 0.7056f, 0.0103f, 0.0333f, 0.0369f }, Picture::randomNormal, Picture::randomOver, Picture::randomPressed, "Random Channel" };
+inline constexpr PictureButtonRow randomInAll     { { 0.7533f, 0.0103f, 0.0333f, 0.0369f }, Picture::randomAllNormal, Picture::randomAllOver, Picture::randomAllPressed, "Random Channel\nin ALL instances" };
+
+inline constexpr LabelRow channelName   { { 0.6056f, 0.0842f, 0.1889f, 0.0517f }, "",      26.0f, 0xe5d56223, false, false };
+inline constexpr LabelRow leftNumber    { { 0.6f,    0.0566f, 0.027f,  0.0256f }, "10",    15.0f, 0xffaa362b, true };
+inline constexpr LabelRow rightNumber   { { 0.7f,    0.0566f, 0.027f,  0.0256f }, "11",    15.0f, 0xffaa362b, true };
+inline constexpr LabelRow mixReadout    { { 0.5133f, 0.0562f, 0.06f,   0.0355f }, "0 %",   12.0f, 0xffe4e3de };
+inline constexpr LabelRow filterReadout { { 0.4233f, 0.0562f, 0.06f,   0.0355f }, "20 Hz", 12.0f, 0xffe4e3de };
+inline constexpr LabelRow debug         { { 0.8178f, 0.0f,    0.1667f, 0.0355f }, "DEBUG", 12.0f, 0xffff0000 };
+// clang-format on
+} // namespace consoleLayout
+
+} // namespace tarvik

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "editor/EditorSize.h"
+
+#include <cmath>
+
+namespace tarvik::editorSize
+{
+
+namespace
+{
+constexpr double shareOfDisplay = 0.9;
+constexpr double wholeHeight = 740.66669; ///< At a zoom of 1, with the frame.
+constexpr float smallestZoom = 0.1f, largestZoom = 10.0f;
+
+/** A zoom setting may come from a damaged project. */
+float usableZoom (double setting)
+{
+    return std::isfinite (setting) ? juce::jlimit (smallestZoom, largestZoom, static_cast<float> (setting)) : 1.0f;
+}
+
+float largestZoomOn (juce::Rectangle<int> display)
+{
+    const auto byHeight = (display.getHeight() * shareOfDisplay - frameHeight) / wholeHeight;
+    const auto byWidth = display.getWidth() * shareOfDisplay / panelWidth;
+    return std::max (smallestZoom, static_cast<float> (std::min (byHeight, byWidth)));
+}
+} // namespace
+
+juce::Point<int> forZoom (double zoomSetting, std::optional<juce::Rectangle<int>> display)
+{
+    auto zoom = usableZoom (zoomSetting);
+
+    if (display)
+        zoom = std::min (zoom, largestZoomOn (*display));
+
+    return { static_cast<int> (zoom * static_cast<float> (panelWidth) + 0.5f),
+             static_cast<int> (zoom * panelHeight + 0.5f) + frameHeight };
+}
+
+} // namespace tarvik::editorSize

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <juce_graphics/juce_graphics.h>
+
+#include <optional>
+
+namespace tarvik
+{
+
+/** The window's fixed parts, in its own pixels: what does not grow with the zoom. */
+namespace editorSize
+{
+inline constexpr int stripHeight = 24; ///< Of the strip above and of the bar below.
+inline constexpr int shadowHeight = 8; ///< Between each of them and the console.
+inline constexpr int frameHeight = 2 * (stripHeight + shadowHeight);
+
+inline constexpr double panelWidth = 900.0;
+inline constexpr float panelHeight = 676.66669f; ///< A third of the picture's height.
+
+/** The editor's width and height for a zoom setting. A setting that is no number counts as 1, one below 0.1 as 0.1, and
+    the window takes at most nine tenths of the display's width and height, if there is a display.
+*/
+juce::Point<int> forZoom (double zoomSetting, std::optional<juce::Rectangle<int>> display);
+} // namespace editorSize
+
+} // namespace tarvik

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "editor/Fader.h"
+
+#include "editor/ControlGeometry.h"
+
+namespace tarvik
+{
+
+namespace
+{
+constexpr int defaultWidth = 300, defaultHeight = 1706;
+}
+
+Fader::Fader() : juce::Slider (LinearVertical, NoTextBox)
+{
+    setRange (0.0, 1.0);
+    setLookAndFeel (&look);
+    setSize (defaultWidth, defaultHeight);
+}
+
+Fader::~Fader() { setLookAndFeel (nullptr); }
+
+juce::MouseEvent Fader::moved (const juce::MouseEvent& event) const
+{
+    return event.withNewPosition (event.position.translated (0.0f, pressOffset));
+}
+
+void Fader::mouseDown (const juce::MouseEvent& event)
+{
+    const auto fromTop = static_cast<float> ((1.0 - getValue()) * fader::trackHeight (getHeight()));
+    pressOffset = fromTop + static_cast<float> (fader::trackTop (getHeight())) - event.position.y;
+    Slider::mouseDown (moved (event));
+}
+
+void Fader::mouseDrag (const juce::MouseEvent& event) { Slider::mouseDrag (moved (event)); }
+
+void Fader::mouseUp (const juce::MouseEvent& event)
+{
+    Slider::mouseUp (moved (event));
+    pressOffset = 0.0f;
+}
+
+//==============================================================================
+void Fader::FaderLNF::drawLinearSliderThumb (juce::Graphics& g, int, int, int, int, float position, float, float,
+                                             juce::Slider::SliderStyle, juce::Slider& slider)
+{
+    const auto height = fader::capHeight (slider.getHeight());
+    cap.draw (g, { 0, juce::roundToInt (position - static_cast<float> (height) / 2.0f), slider.getWidth(), height });
+}
+
+juce::Slider::SliderLayout Fader::FaderLNF::getSliderLayout (juce::Slider& slider)
+{
+    const auto height = slider.getHeight();
+    return { { 0, fader::trackTop (height), slider.getWidth(), fader::trackHeight (height) }, {} };
+}
+
+} // namespace tarvik

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "editor/ScaledPictures.h"
+
+#include <juce_gui_basics/juce_gui_basics.h>
+
+namespace tarvik
+{
+
+/** The long fader. A press takes hold of the cap wherever it is and does not move it. Message thread. */
+class Fader final : public juce::Slider
+{
+public:
+    Fader();
+    ~Fader() override;
+
+    void mouseDown (const juce::MouseEvent& event) override;
+    void mouseDrag (const juce::MouseEvent& event) override;
+    void mouseUp (const juce::MouseEvent& event) override;
+
+    /** The whole strip, also beside the cap. */
+    bool hitTest (int, int) override { return true; }
+
+    void paint (juce::Graphics& g) override { Slider::paint (g); }
+
+    /** Tells the base class where the track is. */
+    void resized() override { Slider::resized(); }
+
+    /** The cap, and a track as long as its middle can go. */
+    class FaderLNF final : public juce::LookAndFeel_V3
+    {
+    public:
+        /** Draws nothing: the track is in the panel's picture. */
+        void drawLinearSliderBackground (juce::Graphics&, int, int, int, int, float, float, float,
+                                         juce::Slider::SliderStyle, juce::Slider&) override
+        {
+        }
+
+        void drawLinearSliderThumb (juce::Graphics& g, int x, int y, int width, int height, float position,
+                                    float minPosition, float maxPosition, juce::Slider::SliderStyle style,
+                                    juce::Slider& slider) override;
+        juce::Slider::SliderLayout getSliderLayout (juce::Slider& slider) override;
+
+    private:
+        ScaledPicture cap { Picture::faderCap };
+    };
+
+private:
+    juce::MouseEvent moved (const juce::MouseEvent& event) const;
+
+    FaderLNF look;
+    float pressOffset = 0.0f; ///< In pixels, from the mouse down to the middle of the cap.
+
+    JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (Fader)
+};
+
+} // namespace tarvik

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "editor/KVLLNF.h"
+#include "editor/OrvaneConsoleUI.h"
+#include "plugin/EditorInterface.h"
+
+namespace tarvik
+{
+
+/** The plug-in's window: the console, above it a strip with the two slots and the level pots, below it a bar. It asks the
+    processor on timers, which run only while it is visible. Message thread, but for `zoomSettingChanged`.
+*/
+class KVLEditor final : public juce::AudioProcessorEditor,
+                        public ZoomableEditor,
+                        private juce::MultiTimer,
+                        private juce::Button::Listener,
+                        private juce::Slider::Listener
+{
+public:
+    explicit KVLEditor (Tarvik41Processor& processorToShow);
+    ~KVLEditor() override;
+
+    void zoomSettingChanged() override;
+
+    /** Takes the size that the zoom setting asks for, as far as the display has room. */
+    void updateEditorSize();
+
+    void visibilityChanged() override;
+    void paint (juce::Graphics& g) override;
+    void resized() override;
+    void setControlHighlight (ParameterControlHighlightInfo info) override;
+    int getControlParameterIndex (juce::Component& control) override;
+
+private:
+    enum TimerID : int
+    {
+        kEditorTimerState,
+        kEditorTimerMeters,
+        kEditorTimerLicence, ///< Belongs to the licence check; never started without one.
+        kEditorTimerZoom
+    };
+
+    void timerCallback (int timerID) override;
+    void buttonClicked (juce::Button* button) override;
+    void sliderValueChanged (juce::Slider* slider) override;
+
+    juce::AudioProcessorParameter& parameterAt (int index) const;
+    void setUpLevelPot (KVLSlider& pot, int parameterIndex);
+    void setUpLabel (juce::Label& label, const char* text);
+    void showState();
+    void showMeters();
+
+    Tarvik41Processor& processor; // NOLINT: hides the base class's reference on purpose, with its real type
+    KVLLNF look;
+    juce::SharedResourcePointer<juce::TooltipWindow> tooltips;
+    OrvaneConsoleUI console;
+    PictureButton slotA, copyToB, slotB, copyToA;
+    juce::Label inputLabel, outputLabel;
+    KVLSlider inputPot, outputPot;
+    double knownInput = 0.0, knownOutput = 0.0; ///< What pot and parameter last agreed on.
+    ScaledPicture topShadow { Picture::shadowTop }, bottomShadow { Picture::shadowBottom };
+
+    JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (KVLEditor)
+};
+
+} // namespace tarvik

@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "editor/KVLLNF.h"
+
+namespace tarvik
+{
+
+namespace menuDrawing
+{
+namespace
+{
+constexpr juce::uint32 sheetColour = 0xfffcfcfc;
+constexpr juce::uint32 highlightColour = 0xff626c77;
+constexpr juce::uint32 printColour = 0xff2a3136;
+constexpr juce::uint32 highlightedPrintColour = 0xffffffff;
+constexpr juce::uint32 tickColour = 0xffc47a14; // the window's amber, dark enough for a light sheet
+constexpr float cornerSize = 5.0f;
+constexpr int sideMargin = 5;
+
+void drawSeparator (juce::Graphics& g, juce::Rectangle<int> area)
+{
+    constexpr float alpha = 0.2f;
+    g.setColour (juce::Colour (printColour).withAlpha (alpha));
+    g.fillRect (area.reduced (2 * sideMargin, 0).withSizeKeepingCentre (area.getWidth() - 4 * sideMargin, 1));
+}
+} // namespace
+
+void setColours (juce::LookAndFeel& look)
+{
+    look.setColour (juce::PopupMenu::backgroundColourId, juce::Colours::transparentBlack);
+    look.setColour (juce::PopupMenu::highlightedBackgroundColourId, juce::Colour (highlightColour));
+}
+
+void drawBackground (juce::Graphics& g, int width, int height)
+{
+    g.setColour (juce::Colour (sheetColour));
+    g.fillRoundedRectangle (0.0f, 0.0f, static_cast<float> (width), static_cast<float> (height), cornerSize);
+}
+
+void drawRow (juce::Graphics& g, juce::LookAndFeel_V3& look, juce::Rectangle<int> area, const Row& row)
+{
+    if (row.isSeparator)
+    {
+        drawSeparator (g, area);
+        return;
+    }
+
+    constexpr float rowsPerFontHeight = 1.3f, inactiveAlpha = 0.4f, rowCorner = 3.0f;
+    const auto isMarked = row.isHighlighted && row.isActive;
+    auto place = area.reduced (sideMargin, 1);
+
+    if (isMarked)
+    {
+        g.setColour (look.findColour (juce::PopupMenu::highlightedBackgroundColourId));
+        g.fillRoundedRectangle (place.toFloat(), rowCorner);
+    }
+
+    auto colour = isMarked                    ? juce::Colour (highlightedPrintColour)
+                  : row.textColour != nullptr ? *row.textColour
+                                              : juce::Colour (printColour);
+
+    if (! row.isActive)
+        colour = colour.withMultipliedAlpha (inactiveAlpha);
+
+    auto font = look.getPopupMenuFont();
+    font.setHeight (std::min (font.getHeight(), static_cast<float> (area.getHeight()) / rowsPerFontHeight));
+    g.setFont (font);
+
+    // Mark and arrow share the two heights that JUCE leaves beside the text with the margins.
+    const auto signWidth = place.getHeight() - sideMargin;
+    const auto markPlace = place.removeFromLeft (signWidth).toFloat().reduced (1.0f);
+
+    if (row.icon != nullptr)
+    {
+        row.icon->drawWithin (g, markPlace, juce::RectanglePlacement::centred, 1.0f);
+    }
+    else if (row.isTicked)
+    {
+        const auto tick = look.getTickShape (1.0f);
+        g.setColour (isMarked ? colour : juce::Colour (tickColour));
+        g.fillPath (tick, tick.getTransformToScaleToFit (markPlace, true));
+    }
+
+    g.setColour (colour);
+
+    if (row.hasSubMenu)
+    {
+        const auto size = font.getHeight() * 0.25f; // half of the arrow's height
+        const auto centre = place.removeFromRight (signWidth).toFloat().getCentre();
+        juce::Path arrow;
+        arrow.addTriangle (centre.translated (-size / 2.0f, -size), centre.translated (-size / 2.0f, size),
+                           centre.translated (size, 0.0f));
+        g.fillPath (arrow);
+    }
+
+    g.drawText (row.text, place, juce::Justification::centredLeft);
+    g.drawText (row.shortcut, place, juce::Justification::centredRight);
+}
+} // namespace menuDrawing
+
+//==============================================================================
+void KVLLNF::drawButtonBackground (juce::Graphics& g, juce::Button& button, const juce::Colour& colour,
+                                   bool isHighlighted, bool isHeld)
+{
+    constexpr float focusedOutline = 0.6f, disabledOutline = 0.1f, outline = 0.5f;
+    constexpr float heldFill = 0.5f, highlightedFill = 0.8f;
+
+    if (button.getWidth() <= 0 || button.getHeight() <= 0)
+        return;
+
+    g.setColour (colour.withMultipliedAlpha (isHeld ? heldFill : isHighlighted ? highlightedFill : 0.0f));
+    g.fillRect (button.getLocalBounds());
+    g.setColour (colour.withMultipliedAlpha (button.hasKeyboardFocus (true) ? focusedOutline
+                                             : ! button.isEnabled()         ? disabledOutline
+                                                                            : outline));
+    g.drawRect (button.getLocalBounds());
+}
+
+void KVLLNF::drawPopupMenuBackground (juce::Graphics& g, int width, int height)
+{
+    menuDrawing::drawBackground (g, width, height);
+}
+
+void KVLLNF::drawPopupMenuItem (juce::Graphics& g, const juce::Rectangle<int>& area, bool isSeparator, bool isActive,
+                                bool isHighlighted, bool isTicked, bool hasSubMenu, const juce::String& text,
+                                const juce::String& shortcut, const juce::Drawable* icon,
+                                const juce::Colour* textColour)
+{
+    menuDrawing::drawRow (
+        g, *this, area,
+        { isSeparator, isActive, isHighlighted, isTicked, hasSubMenu, text, shortcut, icon, textColour });
+}
+
+void KVLLNF::drawComboBox (juce::Graphics& g, int width, int height, bool, int buttonX, int buttonY, int buttonWidth,
+                           int buttonHeight, juce::ComboBox& box)
+{
+    constexpr int outlineThickness = 2;
+    constexpr float disabledAlpha = 0.3f;
+
+    g.fillAll (box.findColour (juce::ComboBox::backgroundColourId));
+
+    if (box.hasKeyboardFocus (false))
+    {
+        g.setColour (box.findColour (juce::ComboBox::buttonColourId));
+        g.fillRect (0, 0, width, height);
+    }
+    else
+    {
+        g.setColour (box.findColour (juce::ComboBox::outlineColourId));
+        g.drawRect (0, 0, width, height, outlineThickness);
+    }
+
+    // One arrow up and one down, as shares of the button.
+    const auto corner = [=] (float x, float y)
+    {
+        return juce::Point<float> (static_cast<float> (buttonX) + x * static_cast<float> (buttonWidth),
+                                   static_cast<float> (buttonY) + y * static_cast<float> (buttonHeight));
+    };
+
+    constexpr float left = 0.3f, middle = 0.5f, right = 0.7f;
+    juce::Path arrows;
+    arrows.addTriangle (corner (middle, 0.25f), corner (left, 0.45f), corner (right, 0.45f));
+    arrows.addTriangle (corner (middle, 0.75f), corner (left, 0.55f), corner (right, 0.55f));
+    g.setColour (
+        box.findColour (juce::ComboBox::arrowColourId).withMultipliedAlpha (box.isEnabled() ? 1.0f : disabledAlpha));
+    g.fillPath (arrows);
+}
+
+juce::Font KVLLNF::getComboBoxFont (juce::ComboBox& box)
+{
+    constexpr float shareOfBox = 0.85f, largest = 10.0f, jucesLowest = 0.1f;
+    return juce::Font (std::max (jucesLowest, std::min (shareOfBox * static_cast<float> (box.getHeight()), largest)));
+}
+
+} // namespace tarvik

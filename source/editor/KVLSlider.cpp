@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "editor/KVLSlider.h"
+
+#include "editor/ControlGeometry.h"
+
+namespace tarvik
+{
+
+KVLSlider::KVLSlider (SliderStyle style, int width, int height) : juce::Slider (style, NoTextBox)
+{
+    setRange (0.0, 1.0);
+    addListener (this);
+    setSize (width, height);
+}
+
+void KVLSlider::mouseWheelMove (const juce::MouseEvent& event, const juce::MouseWheelDetails& wheel)
+{
+    constexpr float fineFactor = 0.1f;
+    constexpr int pauseMilliseconds = 500;
+
+    const auto isFine = event.mods.getRawFlags() == juce::ModifierKeys::ctrlModifier;
+    const auto takesSteps = getInterval() > 0.0 && ! wheel.isSmooth && isEnabled() && isScrollWheelEnabled();
+
+    if (! takesSteps)
+    {
+        auto scaled = wheel;
+        scaled.deltaX *= isFine ? fineFactor : 1.0f;
+        scaled.deltaY *= isFine ? fineFactor : 1.0f;
+        Slider::mouseWheelMove (event, scaled); // and from there to the parent, if this slider cannot take it
+        return;
+    }
+
+    const auto counted =
+        wheelSteps (wheelAccumulator, wheel.deltaY, wheel.isReversed, isFine, getMouseDragSensitivity());
+    wheelAccumulator = counted.accumulator;
+
+    if (counted.steps != 0)
+    {
+        const auto old = getValue();
+        setValue (juce::jlimit (getMinimum(), getMaximum(), old + counted.steps * getInterval()),
+                  juce::sendNotificationAsync);
+        unsentStep = unsentStep || getValue() != old;
+    }
+
+    startTimer (pauseMilliseconds);
+}
+
+void KVLSlider::timerCallback()
+{
+    stopTimer();
+    wheelAccumulator = 0.0f;
+}
+
+} // namespace tarvik

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "editor/OrvaneMeter.h"
+
+#include "editor/ControlGeometry.h"
+
+namespace tarvik
+{
+
+namespace
+{
+constexpr int defaultWidth = 124;
+constexpr juce::uint32 needleColour = 0xfffee853;
+} // namespace
+
+OrvaneMeter::OrvaneMeter() : angle (meterAngle (meter::lowestDb))
+{
+    setSize (defaultWidth, juce::roundToInt (meter::designHeight));
+}
+
+void OrvaneMeter::setDecibels (float decibels) { setAngle (meterAngle (decibels)); }
+
+void OrvaneMeter::setAngle (float radians)
+{
+    // A needle that rests costs nothing.
+    if (! std::isfinite (radians) || radians == angle)
+        return;
+
+    angle = radians;
+    repaint();
+}
+
+void OrvaneMeter::paint (juce::Graphics& g)
+{
+    const auto scale = static_cast<float> (getHeight()) / meter::designHeight;
+    const auto x = static_cast<float> (getWidth()) / 2.0f;
+    const auto pivotY = scale * meter::pivotY;
+
+    g.addTransform (juce::AffineTransform::rotation (angle, x, pivotY));
+    g.setColour (juce::Colour (needleColour));
+    g.drawLine (x, pivotY, x, scale * meter::needleTipY, meter::needleThickness);
+}
+
+} // namespace tarvik

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <juce_gui_basics/juce_gui_basics.h>
+
+namespace tarvik
+{
+
+/** The needle of a meter; its glass and its scale are in the panel's picture. Message thread. */
+class OrvaneMeter final : public juce::Component
+{
+public:
+    OrvaneMeter();
+
+    /** Points at a level in dB, held to -16 to 15; one that is not a number is ignored. */
+    void setDecibels (float decibels);
+
+    /** Points in a direction, in radians clockwise from straight up; one that is not a number is ignored. */
+    void setAngle (float radians);
+
+    float getAngle() const noexcept { return angle; }
+
+    void paint (juce::Graphics& g) override;
+
+private:
+    float angle;
+
+    JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (OrvaneMeter)
+};
+
+} // namespace tarvik

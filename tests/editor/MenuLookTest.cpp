@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "editor/KVLLNF.h"
+#include "tests/support/EditorTestTools.h"
+
+#include <gtest/gtest.h>
+
+namespace tarvik
+{
+namespace
+{
+using namespace test;
+using juce::Image;
+
+Image rowDrawn (KVLLNF& look, const menuDrawing::Row& row, int width, int height = 24)
+{
+    Image image (Image::ARGB, width, height, true);
+    juce::Graphics g (image);
+    menuDrawing::drawBackground (g, width, height);
+    menuDrawing::drawRow (g, look, image.getBounds(), row);
+    return image;
+}
+} // namespace
+
+TEST (MenuLook, TheSheetIsLightWithRoundCornersThatShowWhatLiesBelow)
+{
+    KVLLNF look;
+    const auto sheet = rowDrawn (look, {}, 100);
+    EXPECT_EQ (sheet.getPixelAt (0, 0).getAlpha(), 0);
+    EXPECT_EQ (sheet.getPixelAt (50, 1), juce::Colour (0xfffcfcfc));
+    EXPECT_FALSE (look.findColour (juce::PopupMenu::backgroundColourId).isOpaque());
+    EXPECT_EQ (look.findColour (juce::PopupMenu::highlightedBackgroundColourId), juce::Colour (0xff626c77));
+}
+
+TEST (MenuLook, ARowShowsItsStateAndAllOfItsText)
+{
+    KVLLNF look;
+    const juce::String text ("Lim. Sensitivity (Normal)");
+    int width = 0, height = 0;
+    look.getIdealPopupMenuItemSize (text, false, 0, width, height);
+
+    menuDrawing::Row row;
+    row.text = text;
+    row.hasSubMenu = true;
+
+    // No ellipsis: in the width that the menu gives it the row reads as in a wider one, but for the arrow at its right.
+    const auto leftPart = juce::Rectangle (0, 0, width - height, height);
+    EXPECT_EQ (difference (rowDrawn (look, row, width, height).getClippedImage (leftPart),
+                           rowDrawn (look, row, width + 60, height).getClippedImage (leftPart)),
+               0.0);
+
+    const auto plain = rowDrawn (look, row, 200);
+    const auto differs = [&] (auto change)
+    {
+        auto other = row;
+        change (other);
+        return difference (rowDrawn (look, other, 200), plain) > 0.003;
+    };
+    EXPECT_TRUE (differs ([] (auto& r) { r.isTicked = true; }));
+    EXPECT_TRUE (differs ([] (auto& r) { r.isHighlighted = true; }));
+    EXPECT_TRUE (differs ([] (auto& r) { r.isActive = false; }));
+    EXPECT_TRUE (differs ([] (auto& r) { r.hasSubMenu = false; }));
+    EXPECT_TRUE (differs ([] (auto& r) { r.isSeparator = true; }));
+}
+
+TEST (ButtonLook, TheOutlineAndTheFillFollowTheState)
+{
+    KVLLNF look;
+    juce::TextButton button;
+    button.setSize (20, 20);
+
+    const auto alphas = [&] (bool isOver, bool isDown)
+    {
+        Image image (Image::ARGB, 20, 20, true);
+        juce::Graphics g (image);
+        look.drawButtonBackground (g, button, juce::Colours::white, isOver, isDown);
+        return std::pair (image.getPixelAt (0, 10).getAlpha(), image.getPixelAt (10, 10).getAlpha());
+    };
+
+    EXPECT_EQ (alphas (false, false), std::pair (juce::uint8 (128), juce::uint8 (0)));
+    EXPECT_EQ (alphas (true, false).second, 204);
+    EXPECT_EQ (alphas (true, true).second, 128);
+    button.setEnabled (false);
+    EXPECT_NEAR (alphas (false, false).first, 26, 1);
+    button.setSize (0, 20);
+    EXPECT_EQ (alphas (true, true), std::pair (juce::uint8 (0), juce::uint8 (0)));
+}
+
+} // namespace tarvik

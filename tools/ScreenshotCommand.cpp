@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/ScreenshotCommand.h"
+
+#include "editor/KVLEditor.h"
+#include "tools/AudioFile.h"
+#include "tools/Interruption.h"
+#include "tools/ParameterArguments.h"
+#include "tools/PngFile.h"
+#include "tools/plot/ScratchSettings.h"
+
+#include <iostream>
+#include <optional>
+
+namespace tarvik
+{
+
+namespace
+{
+/** Plays a recording through a strip and throws the sound away; what stays is where the needles stand. */
+void play (Tarvik41Processor& strip, AudioFileReader& recording, int blockSize)
+{
+    strip.setRateAndBufferSizeDetails (recording.sampleRate(), blockSize);
+    strip.prepareToPlay (recording.sampleRate(), blockSize);
+    juce::AudioBuffer<float> block (recording.numChannels(), blockSize);
+    juce::MidiBuffer midi;
+
+    for (juce::int64 position = 0; position < recording.length(); position += blockSize)
+    {
+        throwIfInterrupted();
+        recording.readNext (block.getArrayOfWritePointers(), blockSize);
+        strip.processBlock (block, midi);
+    }
+}
+
+void setUp (Tarvik41Processor& strip, const CommandLine& line, int numChannels)
+{
+    const auto width = juce::AudioChannelSet::canonicalChannelSet (numChannels);
+    juce::AudioProcessor::BusesLayout layout;
+    layout.inputBuses.add (width);
+    layout.inputBuses.add (juce::AudioChannelSet::disabled());
+    layout.outputBuses.add (width);
+    strip.setBusesLayout (layout);
+
+    if (line.program.isNotEmpty())
+    {
+        juce::StringArray names;
+
+        for (int i = 0; i < strip.getNumPrograms(); ++i)
+            names.add (strip.getProgramName (i));
+
+        strip.setCurrentProgram (programNamed (names, line.program));
+    }
+
+    for (const auto& assignment : line.assignments)
+    {
+        const auto setting = parseParameterSetting (assignment);
+        strip.getParameters()[setting.index]->setValueNotifyingHost (setting.normalised);
+    }
+
+    if (line.trackName.isNotEmpty())
+        strip.updateTrackProperties ({ line.trackName, {} });
+}
+} // namespace
+
+void writeScreenshot (const CommandLine& line)
+{
+    constexpr int oversampling = 1;
+    constexpr double percent = 100.0;
+
+    OutputFile file (line.outputPath);
+    std::optional<AudioFileReader> recording;
+
+    if (line.inputPath.isNotEmpty())
+    {
+        file.refuseSameFileAs (line.inputPath, "the input");
+        recording.emplace (line.inputPath);
+    }
+
+    const plot::ScratchSettings settings (oversampling);
+    Tarvik41Processor strip;
+    setUp (strip, line, recording ? recording->numChannels() : 2);
+    strip.uiZoomSetting().setValue (line.zoomPercent / percent);
+
+    if (recording)
+        play (strip, *recording, line.blockSize);
+
+    KVLEditor editor (strip);
+    editor.setVisible (true);
+    writePng (file, editor.createComponentSnapshot (editor.getLocalBounds()));
+    std::cout << line.outputPath << '\n';
+}
+
+} // namespace tarvik
