@@ -113,7 +113,7 @@ local function keyBy (session, keyTrack, processor)
     for port = 0, to:n_ports():n_audio() - 1 do
         from:nth (0):connect (to:nth (port):name())
     end
-    found ("key ports", processor:to_insert():sidechain_input():n_ports():n_audio())
+    found ("key", keyTrack:name(), "ports", to:n_ports():n_audio())
 end
 
 local function build()

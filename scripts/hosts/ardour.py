@@ -5,6 +5,7 @@ MODULE is the built bundle, FORMAT VST3 or LV2 as Ardour names them, RENDERER ou
 import os
 import shutil
 import sys
+import xml.etree.ElementTree as ElementTree
 
 import ardour_audio
 import ardour_editor
@@ -40,6 +41,9 @@ PAN_LAW = 10 ** (-3 / 20)  # Ardour's, of a mono track in the middle of a stereo
 same_options = ["--set", "gain=6", "--set", "highGain=4 dB", "--set", "compThreshold=-10"]
 gate_options = ["--set", "expMode=Gate", "--set", "expExtSideChain=On", "--set", "compRatio=1:1"]
 LATENCY = 52
+INSTANCES = 6
+VST3_PARAMETERS, LV2_PARAMETERS = 43, 42  # the bypass is among the former
+KEY_DELAY = LATENCY  # a send of a track without latency comes as late as the plug-in's outputs do
 EQUAL_DB = -100.0  # a host hands parameters over as shares of their range, rounded to 32 bits
 # Ardour runs a varying number of blocks before an export begins. That shows in the last bit of the samples, and more where
 # automation is under way, which it hands over block by block.
@@ -82,6 +86,17 @@ def parameters(findings):
     return {(f[1], f[2]): float(f[3]) for f in findings if f[0] == "parameter"}
 
 
+def states(session):
+    """What the LV2 form of the plug-in saved with the session, by the tracks' names."""
+    found = {}
+    for route in ElementTree.parse(os.path.join(folder, session, session + ".ardour")).iter("Route"):
+        for processor in route.iter("Processor"):
+            if (lv2 := processor.find("lv2")) is not None:
+                with open(os.path.join(folder, session, "plugins", processor.get("id"), lv2.get("state-dir"), "state.ttl")) as file:
+                    found[route.get("name")] = file.read()
+    return found
+
+
 def reference(track, environment, options, key=None):
     """What our offline host makes of a track's audio, in stereo, behind as much silence as in the session."""
     start, channels = placed[track]
@@ -89,7 +104,7 @@ def reference(track, environment, options, key=None):
     silence = [0.0] * int(start * audio.RATE)
     audio.write(source, [silence + c for c in (channels * 2)[:2]])
     if key:
-        audio.write(keys, [silence + key] * 2)
+        audio.write(keys, [silence + [0.0] * KEY_DELAY + key] * 2)
         options = [*options, "--sidechain", keys]
     render(renderer, reference_module, source, target, environment, options)
     return [c[len(silence):] for c in audio.read(target)]
@@ -116,6 +131,7 @@ check(words(built, "instance", "strict")[:4] == ["in", "1", "out", "1"], "strict
 check(words(built, "instance", "stereo")[:4] == ["in", "2", "out", "2"], "stereo track: two in, two out")
 for track in ("keyed", "strictkeyed"):
     check(words(built, "instance", track)[-1:] == ["true"], f"mono track '{track}' takes a side chain")
+check(all(f[-1] == "2" for f in built if f[0] == "key"), "with two ports")
 latencies = {f[f.index("latency") + 1] for f in built if f[0] == "instance"}
 check(latencies == {str(LATENCY)}, f"Ardour reads a latency of {LATENCY} samples: {sorted(latencies)}")
 
@@ -152,11 +168,22 @@ for track in ("keyed", "strictkeyed"):
     check(opened - closed > 10.0, f"side chain: the gate of '{track}' is {opened - closed:.1f} dB more open with the key")
 
 # Reopen, play, save, export again.
-reopened = lua("reopen", "first", environment)
-before, after = parameters(built), parameters(reopened)
-changed = {key: (value, after.get(key)) for key, value in before.items() if key[1:] != ("Gain",) or key[0] != "automated"}
-changed = {key: pair for key, pair in changed.items() if pair[1] is None or abs(pair[0] - pair[1]) > 1e-6}
-check(len(before) > 200 and not changed, f"{len(before)} parameters come back with the session: {len(changed)} differ")
+listed = parameters(built)
+if form == "LV2":
+    # A plug-in of this format tells values to its window only: Ardour's interpreter knows those that it has set itself, so
+    # that the saved states are compared instead.
+    saved = states("first")
+    reopened = lua("reopen", "first", environment)
+    again = states("first")
+    changed = [track for track in saved if track != "automated" and saved[track] != again.get(track)]
+    check(len(saved) == INSTANCES and not changed, f"{len(saved)} saved states come back with the session: {len(changed)} differ")
+    check(len(listed) == LV2_PARAMETERS * INSTANCES, f"Ardour lists {len(listed)} parameters")
+else:
+    reopened = lua("reopen", "first", environment)
+    after = parameters(reopened)
+    changed = [key for key, value in listed.items() if key != ("automated", "Gain") and abs(value - after.get(key, 9.0)) > 1e-6]
+    check(len(listed) == VST3_PARAMETERS * INSTANCES and not changed,
+          f"{len(listed)} parameters come back with the session: {len(changed)} differ")
 
 for track in ("mono", "strict", "stereo", "automated", "keyed", "strictkeyed"):
     level = float((words(reopened, "meter", track) or ["-200"])[0])
