@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
-# Installs a build into a scratch folder, as a user and as the system, and lets other programs than ours use what is there:
-# check-install.sh BUILD. Prints what went wrong; needs the packages that ./test installs.
+# Installs a build into a scratch folder, as a user and as the system, or unpacks its Debian package there, and lets other
+# programs than ours use what is there: check-install.sh BUILD [PACKAGE]. Prints what went wrong; needs the packages that
+# ./test installs.
 set -euo pipefail
 
-build=$1
+build=$(readlink -f "$1")
+package=${2:-}
 uri=$(sed -n 's/^TARVIK_LV2_URI:STRING=//p' "$build/CMakeCache.txt")
 scratch=$(mktemp -d)
 trap 'kill $(jobs -p) 2>/dev/null || true; rm -rf "$scratch"' EXIT
@@ -12,11 +14,22 @@ mkdir "$HOME"
 
 fail() { echo "check-install: $*" >&2; exit 1; }
 
-# Both kinds of prefix.
-cmake --install "$build" --prefix "$HOME" >"$scratch/log"
-cmake --install "$build" --prefix "$scratch/usr" >"$scratch/log"
+places=("$scratch/usr/lib/vst3 $scratch/usr/lib/lv2 $scratch/usr")
 
-for place in "$HOME/.vst3 $HOME/.lv2 $HOME/.local" "$scratch/usr/lib/vst3 $scratch/usr/lib/lv2 $scratch/usr"; do
+if [ -n "$package" ]; then
+    # The one part of what it depends on is found by a look at the binaries, the other is named in packaging/CMakeLists.txt.
+    dpkg-deb -x "$package" "$scratch"
+    depends=$(dpkg-deb --field "$package" Depends)
+    [[ $depends == *libc6* && $depends == *libx11-6* ]] || fail "the package depends on '$depends' only"
+else
+    # Both kinds of prefix. Who has no home folder does not get one in the current folder.
+    cmake --install "$build" --prefix "$HOME" >"$scratch/log"
+    mkdir "$scratch/usr"
+    (cd "$scratch/usr" && env -u HOME cmake --install "$build" --prefix "$scratch/usr") >"$scratch/log"
+    places=("$HOME/.vst3 $HOME/.lv2 $HOME/.local" "${places[@]}")
+fi
+
+for place in "${places[@]}"; do
     read -r vst3 lv2 other <<<"$place"
     so="$vst3/Tarvik 41 Channel.vst3/Contents/$(uname -m)-linux/Tarvik 41 Channel.so"
     bundle="$lv2/Tarvik 41 Channel.lv2"
@@ -48,7 +61,8 @@ sed -i '/lv2:portProperty lv2:enumeration ;/d' "$scratch/turtle/dsp.ttl"
 sord_validate $(dpkg-query --listfiles lv2-dev | grep '\.ttl$') "$scratch"/turtle/*.ttl >"$scratch/log" 2>&1 ||
     { cat "$scratch/log" >&2; fail "the LV2 description breaks the vocabularies' rules"; }
 export LV2_PATH=$lv2:/usr/lib/lv2
-lv2ls | grep -qx "$uri" || fail "LV2 hosts do not find $uri"
+lv2ls >"$scratch/found" # read to its end: grep leaves at the first match, which the writer of a pipe dies of
+grep -qx "$uri" "$scratch/found" || fail "LV2 hosts do not find $uri"
 lv2info "$uri" >"$scratch/info" 2>&1
 for words in "Has latency: *yes" "isSideChain" "Vox Rap 3 Aggressive"; do
     grep -q "$words" "$scratch/info" || fail "lv2info does not say '$words'"

@@ -141,22 +141,40 @@ private:
         if (folder.createDirectory().failed())
             throw ToolError ("cannot make the folder '" + line.outputPath + "'");
 
+        try
+        {
+            std::cout << tryOut();
+        }
+        catch (...)
+        {
+            if (isNew)
+                folder.deleteFile(); // only if it is empty
+
+            throw;
+        }
+    }
+
+    /** Tries the settings in a process of its own and returns its report. Throws `ToolError` or `Interrupted`, and then
+        nothing of the process is left.
+    */
+    juce::String tryOut() const
+    {
         WorkerProcess trial ([this] (const ShowProgress&) { return trySettings (line); });
 
         while (trial.receive())
             throwIfInterrupted();
 
         throwIfInterrupted();
+        const auto id = trial.id();
+        const auto isDone = trial.finish();
 
-        if (! trial.finish())
-        {
-            if (isNew)
-                folder.deleteFile();
+        if (! trial.endedInOrder() && line.saveStatePath.isNotEmpty())
+            OutputFile (line.saveStatePath).removeLeftOver (id);
 
+        if (! isDone)
             throw ToolError (trial.message());
-        }
 
-        std::cout << trial.message();
+        return trial.message();
     }
 
     void start (const BatchItem& item)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/PresetFile.h"
 
+#include "plugin/StateBlock.h"
 #include "plugin/StateSchema.h"
 #include "tools/ToolError.h"
 
@@ -71,11 +72,11 @@ std::optional<Chunk> findComponentState (const juce::MemoryBlock& preset)
     return {};
 }
 
-/** The component's state is a document of ours, and complete. */
+/** The component's state is a document of ours, complete, and one that the module itself would take. */
 bool holdsProject (const juce::MemoryBlock& preset, const Chunk& chunk)
 {
     const auto* const state = static_cast<const char*> (preset.getData()) + chunk.start;
-    const auto xml = juce::AudioProcessor::getXmlFromBinary (state, static_cast<int> (chunk.length));
+    const auto xml = parseStateBlock (state, static_cast<int> (chunk.length));
     return xml != nullptr && xml->hasTagName (stateSchema::root);
 }
 

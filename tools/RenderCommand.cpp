@@ -117,8 +117,9 @@ RenderFigures renderFile (const CommandLine& line, std::ostream& report, const S
     if (writer.clippedSamples() > 0)
         reportLine (report, "clipped", juce::String (writer.clippedSamples()) + " samples were beyond full scale");
 
-    reportLine (report, "gain reduction",
-                decibels (static_cast<double> (run.largestGainReductionDb()), "dB at most").trim());
+    if (const auto reductionDb = run.largestGainReductionDb())
+        reportLine (report, "gain reduction", decibels (static_cast<double> (*reductionDb), "dB at most").trim());
+
     reportLine (report, "latency", juce::String (host.latency()) + " samples, compensated");
     reportLine (report, "speed",
                 juce::String (run.timesRealTime(), 1) + " times real time, in blocks of "

@@ -42,7 +42,7 @@ void RenderRun::perform (int blockSize, const ShowProgress& showProgress)
 
         juce::AudioBuffer<float> filledPart (block.getArrayOfWritePointers(), block.getNumChannels(), n);
         host.process (filledPart);
-        noteGainReduction (position + n >= total, position + n);
+        noteGainReduction (position + n);
 
         const auto numTooEarly = static_cast<int> (std::clamp<juce::int64> (latency - position, 0, n));
         writeBlock (numTooEarly, n - numTooEarly);
@@ -53,14 +53,13 @@ void RenderRun::perform (int blockSize, const ShowProgress& showProgress)
     secondsTaken = (juce::Time::getMillisecondCounterHiRes() - startMs) / millisecondsPerSecond;
 }
 
-void RenderRun::noteGainReduction (bool isLast, juce::int64 samplesDone)
+void RenderRun::noteGainReduction (juce::int64 samplesDone)
 {
-    // A prepared strip's needle rises from its stop, which is no reduction. A shorter file has its end to show.
+    // A prepared strip's needle rises from its stop, which is no reduction.
     constexpr double needleRisesSeconds = 0.5;
-    const auto needleHasRisen = static_cast<double> (samplesDone) > needleRisesSeconds * main.sampleRate();
 
-    if (needleHasRisen || isLast)
-        gainReductionDb = std::min (gainReductionDb, host.gainReductionDb());
+    if (static_cast<double> (samplesDone) > needleRisesSeconds * main.sampleRate())
+        gainReductionDb = std::min (gainReductionDb.value_or (0.0f), host.gainReductionDb());
 }
 
 void RenderRun::readBlock (int numSamples)

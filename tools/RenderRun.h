@@ -6,6 +6,7 @@
 #include "tools/ModuleHost.h"
 #include "tools/ProgressBar.h"
 
+#include <optional>
 #include <vector>
 
 namespace tarvik
@@ -28,14 +29,14 @@ public:
 
     const std::vector<ChannelLevels>& outputLevels() const { return levelsOut; }
 
-    /** At most 0; looked at after every block. */
-    float largestGainReductionDb() const { return gainReductionDb; }
+    /** At most 0; looked at after every block. Nothing if the file is shorter than the needle takes to rise. */
+    std::optional<float> largestGainReductionDb() const { return gainReductionDb; }
 
     /** The audio's duration over the time that `perform` took, reading and writing included. */
     double timesRealTime() const;
 
 private:
-    void noteGainReduction (bool isLast, juce::int64 samplesDone);
+    void noteGainReduction (juce::int64 samplesDone);
     void readBlock (int numSamples);
     void readSidechain (int numSamples);
     void writeBlock (int start, int numSamples);
@@ -49,7 +50,7 @@ private:
     juce::AudioBuffer<float> block;     ///< Main channels, then the side chain's.
     juce::AudioBuffer<float> sideBlock; ///< As the side chain's file has them.
     std::vector<ChannelLevels> levelsIn, levelsOut;
-    float gainReductionDb = 0.0f;
+    std::optional<float> gainReductionDb;
     double secondsTaken = 0.0;
 };
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace tarvik
 {
@@ -14,7 +15,7 @@ namespace
 constexpr double defaultCalibrationDb = 18.0;
 constexpr double lowestCalibrationDb = 16.0;
 constexpr double highestCalibrationDb = 24.0;
-constexpr double highestUsableDb = 100.0; ///< Far beyond any console; keeps a damaged project's value finite.
+constexpr double usableDb = 100.0; ///< To either side: far beyond any console; keeps a damaged project's gain finite.
 constexpr double squareRootOf1Point2 = 1.09544511501033;
 
 constexpr int defaultOversampling = 2;
@@ -56,12 +57,11 @@ void KVLProcessor::makeSettings()
 
 void KVLProcessor::calibrationChanged (double decibels)
 {
-    const auto gain = static_cast<float> (gainFromDb (decibels) * squareRootOf1Point2);
-
-    // A damaged project may say anything; the strip multiplies by this gain and divides by it again.
-    if (! (decibels <= highestUsableDb) || gain <= 0.0f)
-        return;
-
+    // A damaged project may say anything; the strip multiplies by this gain and divides by it again. What is no use sounds
+    // like the default, whatever was there before.
+    const auto isUsable = std::abs (decibels) < usableDb;
+    const auto gain =
+        static_cast<float> (gainFromDb (isUsable ? decibels : defaultCalibrationDb) * squareRootOf1Point2);
     calibrationGain = gain;
 
     for (auto& slot : slots)

@@ -80,7 +80,15 @@ struct SmallThread final : juce::Thread
     std::function<void()> work;
 };
 
-/** The most memory that this process has ever had, in bytes. */
+/** Lets the peak begin anew with what the process has now; false where the system has no such thing. */
+bool resetPeakMemory()
+{
+    std::ofstream resetter ("/proc/self/clear_refs");
+    resetter << "5" << std::flush;
+    return resetter.good();
+}
+
+/** The most memory that this process has had since then, in bytes. */
 std::size_t peakMemory()
 {
     std::ifstream status ("/proc/self/status");
@@ -212,6 +220,7 @@ TEST_F (HostileState, DeepHugeAndSelfExpandingDocuments)
         blockOfText (laughs + open + ">&y;" + close),
         blockOfText ("<!DOCTYPE Tarvik41Channel SYSTEM \"/dev/zero\">" + open + ">&y;" + close),
     };
+    const auto canMeasureMemory = resetPeakMemory(); // the blocks themselves have taken more than their loading may
     const auto memoryBefore = peakMemory();
     const auto timeBefore = juce::Time::getMillisecondCounterHiRes();
 
@@ -224,8 +233,12 @@ TEST_F (HostileState, DeepHugeAndSelfExpandingDocuments)
     ASSERT_TRUE (thread.waitForThreadToExit (60000)) << "hangs";
 
     EXPECT_LT (juce::Time::getMillisecondCounterHiRes() - timeBefore, 5000.0);
-    EXPECT_LT (peakMemory() - memoryBefore, std::size_t (16) << 20);
     EXPECT_EQ (saved (*strip), good);
+
+    if (! canMeasureMemory)
+        GTEST_SKIP() << "the system cannot reset the peak of memory";
+
+    EXPECT_LT (peakMemory() - memoryBefore, std::size_t (16) << 20);
 }
 
 } // namespace tarvik

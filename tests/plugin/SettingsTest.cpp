@@ -80,7 +80,7 @@ TEST_F (Settings, SavingADefaultLosesNothingThatAnotherInstanceSaved)
     EXPECT_EQ (Tarvik41Processor().oversamplingSetting().getValue(), 8);
 }
 
-TEST_F (Settings, CalibrationReachesBothSlotsAndNonsenseReachesNeither)
+TEST_F (Settings, CalibrationReachesBothSlotsAndNonsenseSoundsLikeTheDefault)
 {
     Tarvik41Processor strip;
     strip.calibrationSetting().setValue (22.0);
@@ -90,10 +90,14 @@ TEST_F (Settings, CalibrationReachesBothSlotsAndNonsenseReachesNeither)
     EXPECT_NEAR (strip.getCalibrationGain(), static_cast<float> (gain), 1e-5f);
 
     const auto infinity = std::numeric_limits<double>::infinity();
-    for (const auto bad : { std::numeric_limits<double>::quiet_NaN(), infinity, -infinity, -100.0, 4000.0 })
+    const auto defaultGain = std::pow (10.0, 18.0 / 20.0) * std::sqrt (1.2);
+
+    for (const auto bad : { std::numeric_limits<double>::quiet_NaN(), infinity, -infinity, -200.0, 4000.0 })
     {
+        strip.calibrationSetting().setValue (22.0);
         strip.calibrationSetting().setValue (bad);
-        EXPECT_NEAR (strip.getSlot (0).calibration, gain, 1e-5) << bad;
+        EXPECT_NEAR (strip.getSlot (0).calibration, defaultGain, 1e-5) << bad;
+        EXPECT_NEAR (strip.getCalibrationGain(), static_cast<float> (defaultGain), 1e-5f) << bad;
     }
 }
 

@@ -205,16 +205,16 @@ TEST (State, OnlyTheNumberOfASlotSwitchesToIt)
 /** Every preset file under tests/plugin/states, saved by some build of ours, still says what it said then. */
 TEST (State, ProjectsSavedByEarlierBuildsLoad)
 {
-    const char* const names[] = { "default", "both-slots", "older", "newer", "snare", "bass" };
+    auto presets = juce::File (TARVIK_GOLDEN_FOLDER)
+                       .getSiblingFile ("states")
+                       .findChildFiles (juce::File::findFiles, false, "*.vstpreset");
+    presets.sort();
     juce::String all;
 
-    for (const auto* const name : names)
+    for (const auto& preset : presets)
     {
         juce::MemoryBlock file;
-        ASSERT_TRUE (juce::File (TARVIK_GOLDEN_FOLDER)
-                         .getSiblingFile ("states")
-                         .getChildFile (juce::String (name) + ".vstpreset")
-                         .loadFileAsData (file));
+        ASSERT_TRUE (preset.loadFileAsData (file));
 
         // What the preset's own frame has in front of the component's state.
         constexpr std::size_t frame = 48;
@@ -229,9 +229,9 @@ TEST (State, ProjectsSavedByEarlierBuildsLoad)
                 p->setValueNotifyingHost (1.0f);
 
         load (strip, file);
-        all << name << ": slot " << strip.getCurrentSlot() << ", calibration " << strip.calibrationSetting().getValue()
-            << ", oversampling " << strip.oversamplingSetting().getValue() << ", noise "
-            << juce::String (strip.analogSetting().getValue() ? "on" : "off") << ", zoom "
+        all << preset.getFileNameWithoutExtension() << ": slot " << strip.getCurrentSlot() << ", calibration "
+            << strip.calibrationSetting().getValue() << ", oversampling " << strip.oversamplingSetting().getValue()
+            << ", noise " << juce::String (strip.analogSetting().getValue() ? "on" : "off") << ", zoom "
             << strip.uiZoomSetting().getValue() << ", sensitivity " << strip.limiterSensitivitySetting().getValue()
             << ", meters " << strip.meterModeSetting().getValue()
             << "\n  A:" << differencesFromDefault (strip.getSlot (0))

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/tools/ToolProcess.h"
 
+#include <fstream>
+
 namespace tarvik
 {
 namespace
@@ -168,6 +170,30 @@ TEST_F (BatchTool, ABatchThatIsStoppedOrDiesLeavesOnlyWholeFiles)
                 EXPECT_NE (kill (name.fromFirstOccurrenceOf (".wav.", false, false).getIntValue(), 0), 0) << name;
 
         EXPECT_EQ (namesInFolder ("out").joinIntoString (" "), "early.wav");
+    }
+}
+
+TEST_F (BatchTool, WhatEndsWhileTheSettingsAreTriedLeavesNoNewFolder)
+{
+    writeAudio ("one.wav", noise (1, 100), 48000.0);
+
+    for (const auto childDies : { false, true })
+    {
+        const auto process = start ({ "batch", "one.wav", "out" });
+        const auto children = "/proc/" + std::to_string (process) + "/task/" + std::to_string (process) + "/children";
+        pid_t child = 0;
+
+        for (int poll = 0; poll < 20000 && child == 0; ++poll)
+        {
+            std::ifstream (children) >> child;
+            std::this_thread::sleep_for (std::chrono::microseconds (100));
+        }
+
+        ASSERT_NE (child, 0);
+        EXPECT_TRUE (fileNamed ("out").exists());
+        kill (childDies ? child : process, childDies ? SIGKILL : SIGINT);
+        EXPECT_EQ (finish (process).status, childDies ? 2 : -SIGINT);
+        EXPECT_FALSE (fileNamed ("out").exists()) << childDies;
     }
 }
 

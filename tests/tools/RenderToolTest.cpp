@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/FactoryPrograms.h"
+#include "tests/support/StateTestTools.h"
 #include "tests/support/StripTestTools.h"
 #include "tests/tools/ToolProcess.h"
 
@@ -110,6 +111,7 @@ TEST_F (RenderTool, EveryKindAndLengthOfFileComesBackFromItsFirstSampleToItsLast
                                                         c.block, c.name, "out.wav" });
         ASSERT_EQ (outcome.status, 0) << outcome.err;
         EXPECT_TRUE (outcome.err.isEmpty()) << outcome.err; // no bar where there is no terminal
+        EXPECT_EQ (outcome.out.contains ("gain reduction"), c.length > 0.5 * c.rate) << "the needle rises for so long";
         EXPECT_EQ (readerFor ("out.wav")->sampleRate, c.rate);
         EXPECT_TRUE (readerFor ("out.wav")->usesFloatingPointData);
         expectEqual (readAudio ("out.wav"),
@@ -245,6 +247,16 @@ TEST_F (RenderTool, EveryMistakeIsOneLineStatusTwoAndNoFile)
     constexpr int frame = 48; // in front of the component's state
     fileNamed ("short.state").replaceWithData (static_cast<char*> (preset.getData()) + frame, preset.getSize() / 2);
 
+    const auto write = [this] (const char* name, const juce::String& text)
+    {
+        const auto block = test::blockOfText (text.toStdString());
+        fileNamed (name).replaceWithData (block.getData(), block.getSize());
+    };
+
+    // The one breaks JUCE's parser, the other is longer than what the module takes.
+    write ("deep.state", juce::String::repeatedString ("<Tarvik41Channel>", 400000));
+    write ("long.state", "<Tarvik41Channel>" + juce::String::repeatedString (" ", 70000) + "</Tarvik41Channel>");
+
     const auto before = namesInFolder();
     const juce::StringArray files { "in.wav", "out.wav" };
     const std::pair<juce::StringArray, const char*> mistakes[] = {
@@ -281,6 +293,8 @@ TEST_F (RenderTool, EveryMistakeIsOneLineStatusTwoAndNoFile)
         { files + juce::StringArray { "--state", "short.vstpreset" }, "damaged" },
         { files + juce::StringArray { "--state", "broken.vstpreset" }, "damaged" },
         { files + juce::StringArray { "--state", "short.state" }, "damaged" },
+        { files + juce::StringArray { "--state", "deep.state" }, "damaged" },
+        { files + juce::StringArray { "--state", "long.state" }, "damaged" },
         { files + juce::StringArray { "--save-state", "no/where.vstpreset" }, "no folder" },
         { { "none.wav", "out.wav" }, "no such file" },
         { { ".", "out.wav" }, "folder" },
