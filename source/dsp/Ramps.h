@@ -2,8 +2,10 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 
 namespace tarvik
@@ -22,7 +24,8 @@ struct Ramp
     std::uint32_t remaining = 0; ///< Samples left of the move in progress; 0 at rest.
     double current = 1.0;
     double target = 1.0;
-    double increment = 0.0; ///< Per sample: a difference or a factor, by the kind.
+    double increment = 0.0;          ///< Per sample: a difference or a factor, by the kind.
+    [[no_unique_address]] Kind kind; ///< What else the kind has to know about the move in progress.
 
     Ramp() = default;
 
@@ -105,15 +108,40 @@ struct LinearStep
     }
 };
 
+/** Goes in groups of samples: sample k of a group is the value before the group times the k-th power of the factor, so that
+    only groups wait for one another. Where a row begins and ends makes no difference to the values. */
 struct GeometricStep
 {
     static void fill (Ramp<GeometricStep>& ramp, float* row, int moving) noexcept
     {
-        for (int i = 0; i < moving; ++i)
+        auto& group = ramp.kind;
+        int i = 0;
+
+        const auto takeOne = [&]
         {
-            ramp.current *= ramp.increment;
-            row[i] = static_cast<float> (ramp.current);
+            ramp.current = group.before * group.powers[group.taken++];
+            row[i++] = static_cast<float> (ramp.current);
+
+            if (group.taken == groupLength)
+            {
+                group.before = ramp.current;
+                group.taken = 0;
+            }
+        };
+
+        while (i < moving && group.taken != 0)
+            takeOne();
+
+        for (; moving - i >= static_cast<int> (groupLength); i += static_cast<int> (groupLength))
+        {
+            for (std::size_t k = 0; k < groupLength; ++k)
+                row[static_cast<std::size_t> (i) + k] = static_cast<float> (group.before * group.powers[k]);
+
+            ramp.current = group.before *= group.powers.back();
         }
+
+        while (i < moving)
+            takeOne();
     }
 
     /** A geometric way has no zero on it, so both ends are lifted to at least -80 dB. */
@@ -123,7 +151,19 @@ struct GeometricStep
         ramp.current = std::max (ramp.current, lowest);
         ramp.target = std::max (t, lowest);
         ramp.increment = std::pow (ramp.target / ramp.current, 1.0 / ramp.steps);
+        ramp.kind = { {}, ramp.current, 0 };
+
+        auto power = 1.0;
+
+        for (auto& p : ramp.kind.powers)
+            p = power *= ramp.increment;
     }
+
+    static constexpr std::size_t groupLength = 8;
+
+    std::array<double, groupLength> powers {}; ///< Of the factor, from the first.
+    double before = 1.0;                       ///< The value that the group under way starts from.
+    std::size_t taken = 0;                     ///< Samples of that group so far.
 };
 
 /** Equal differences per sample: for wet and dry levels, and for a change of sign. */

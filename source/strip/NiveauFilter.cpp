@@ -66,8 +66,15 @@ void NiveauFilter::prepare (double rateHz, int numChannels, int maxSamples)
     }
 
     onRamp.prepare (rampSteps (rateHz));
-    wetShare.resize (static_cast<std::size_t> (std::max (maxSamples, 0)));
-    wet.resize (wetShare.size());
+
+    const auto rowLength = static_cast<std::size_t> (std::max (maxSamples, 0));
+    wetShare.resize (rowLength);
+    dryShare.resize (rowLength);
+    wet.resize (rowLength * cascades.size());
+    wetRows.clear();
+
+    for (std::size_t c = 0; c < cascades.size(); ++c)
+        wetRows.push_back (wet.data() + c * rowLength);
 }
 
 void NiveauFilter::reset() noexcept
@@ -100,17 +107,18 @@ void NiveauFilter::process (float* const* channels, int n) noexcept
 
     // The fade scales the filter's input, not its output: fading out, what it remembers rings on.
     onRamp.fill (wetShare.data(), n);
+    rows::combine (rows::ScalarOperation::subtractFrom, dryShare.data(), wetShare.data(), 1.0f, n);
 
     for (std::size_t c = 0; c < cascades.size(); ++c)
     {
-        rows::multiply (wet.data(), channels[c], wetShare.data(), n);
-        cascades[c].process (wet.data(), n);
-
-        for (int i = 0; i < n; ++i)
-            channels[c][i] *= 1.0f - wetShare[static_cast<std::size_t> (i)];
-
-        rows::add (channels[c], wet.data(), n);
+        rows::multiply (wetRows[c], channels[c], wetShare.data(), n);
+        rows::multiply (channels[c], dryShare.data(), n);
     }
+
+    processSideBySide (cascadePointers, wetRows.data(), n);
+
+    for (std::size_t c = 0; c < cascades.size(); ++c)
+        rows::add (channels[c], wetRows[c], n);
 }
 
 } // namespace tarvik

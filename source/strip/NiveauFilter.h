@@ -41,8 +41,9 @@ private:
     std::vector<BiquadCascade> cascades;
     std::vector<BiquadCascade*> cascadePointers;
     SharedRamp<LinearRamp> onRamp { 0.0 };
-    std::vector<float> wetShare;
-    std::vector<float> wet;
+    std::vector<float> wetShare, dryShare;
+    std::vector<float> wet; ///< a row for each channel
+    std::vector<float*> wetRows;
 };
 
 } // namespace tarvik

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <random>
 #include <thread>
@@ -80,12 +81,13 @@ TEST (Ramps, TinyDistancesJumpAndTheTargetOnItsWayIsLeftAlone)
 
 TEST (Ramps, RowsCutAnywhereAreTheSameMove)
 {
+    constexpr int numSteps = 483; // no whole number of groups
     std::mt19937 random (7);
 
     for (int round = 0; round < 20; ++round)
     {
         GeometricRamp whole (0.3), cut (0.3);
-        whole.steps = cut.steps = 480;
+        whole.steps = cut.steps = numSteps;
         whole.set (2.0);
         cut.set (2.0);
 
@@ -100,6 +102,11 @@ TEST (Ramps, RowsCutAnywhereAreTheSameMove)
         }
 
         ASSERT_EQ (pieces, expected);
+        ASSERT_EQ (expected[numSteps - 1], 2.0f);
+
+        for (int i = 0; i < numSteps; ++i)
+            ASSERT_FLOAT_EQ (expected[static_cast<std::size_t> (i)],
+                             static_cast<float> (0.3 * std::pow (2.0 / 0.3, (i + 1.0) / numSteps)));
     }
 }
 
