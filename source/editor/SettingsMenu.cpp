@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/SettingsMenu.h"
 
-#include "plugin/ParameterTable.h"
+#include "editor/ConsoleLayout.h"
 
 #include <algorithm>
 #include <cmath>
@@ -200,8 +200,9 @@ void applyToSetting (const SubMenu& menu, int id, juce::ModifierKeys modifiers, 
         saveDefault (setting, value);
 }
 
-/** Host indices of the two switches that have no control on the panel. */
-constexpr int compressorKeyParameter = 26, expanderKeyParameter = 34;
+/** The two switches that have no control on the panel. */
+constexpr int compressorKeyParameter = consoleLayout::parameter ("compExtSideChain");
+constexpr int expanderKeyParameter = consoleLayout::parameter ("expExtSideChain");
 
 void setInGesture (juce::AudioProcessor& processor, int index, bool isOn)
 {
