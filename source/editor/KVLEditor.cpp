@@ -3,6 +3,7 @@
 
 #include "editor/ControlHelp.h"
 #include "editor/EditorSize.h"
+#include "editor/SettingsMenu.h"
 
 namespace tarvik
 {
@@ -33,6 +34,7 @@ const Bounds outputPot { 186, 0, potSize, potSize };
 
 KVLEditor::KVLEditor (Tarvik41Processor& processorToShow)
     : juce::AudioProcessorEditor (processorToShow), processor (processorToShow), console (processorToShow),
+      menuButton (Picture::menuNormal, Picture::menuOver, Picture::menuPressed),
       slotA (Picture::slotANormal, Picture::slotAOver, Picture::slotAPressed),
       copyToB (Picture::copyToBNormal, Picture::copyToBOver, Picture::copyToBPressed),
       slotB (Picture::slotBNormal, Picture::slotBOver, Picture::slotBPressed),
@@ -45,6 +47,7 @@ KVLEditor::KVLEditor (Tarvik41Processor& processorToShow)
     addAndMakeVisible (console); // first, so that everything else is above it
 
     const std::tuple<PictureButton&, const char*, juce::Rectangle<int>> buttons[] {
+        { menuButton, "Menu", {} }, // at the right end, which `resized` knows
         { slotA, "Slot A", stripBounds::slotA },
         { copyToB, "Copy to B", stripBounds::copy },
         { slotB, "Slot B", stripBounds::slotB },
@@ -61,6 +64,9 @@ KVLEditor::KVLEditor (Tarvik41Processor& processorToShow)
         addAndMakeVisible (button);
     }
 
+    addAndMakeVisible (bottomBar);
+    setUpPresetBox();
+    addChildComponent (about);
     setUpLabel (inputLabel, "IN");
     setUpLabel (outputLabel, "OUT");
     setUpLevelPot (inputPot, inLevelIndex);
@@ -74,7 +80,11 @@ KVLEditor::KVLEditor (Tarvik41Processor& processorToShow)
     updateEditorSize();
 }
 
-KVLEditor::~KVLEditor() { setLookAndFeel (nullptr); }
+KVLEditor::~KVLEditor()
+{
+    juce::PopupMenu::dismissAllActiveMenus(); // one of them may hang on our looks
+    setLookAndFeel (nullptr);
+}
 
 juce::AudioProcessorParameter& KVLEditor::parameterAt (int index) const
 {
@@ -118,6 +128,19 @@ void KVLEditor::setUpLevelPot (KVLSlider& pot, int parameterIndex)
     pot.addListener (this);
     addAndMakeVisible (pot);
     OrvaneConsoleUI::attachSlider (parameter, pot, "dB");
+}
+
+/** A place for programs, which hosts have boxes of their own for: it exists and is never shown. */
+void KVLEditor::setUpPresetBox()
+{
+    presetBox.setName ("new combo box");
+    presetBox.setEditableText (false);
+    presetBox.setJustificationType (juce::Justification::centredLeft);
+    presetBox.setTextWhenNothingSelected ({});
+    presetBox.setTextWhenNoChoicesAvailable ("(no choices)");
+    presetBox.addItem ("Default", 1);
+    presetBox.addListener (this);
+    addChildComponent (presetBox);
 }
 
 //==============================================================================
@@ -196,8 +219,29 @@ void KVLEditor::buttonClicked (juce::Button* button)
         processor.selectSlot (0);
     else if (button == &slotB)
         processor.selectSlot (1);
+    else if (button == &menuButton)
+        showMenu();
     else
         processor.copySlotToOther();
+}
+
+void KVLEditor::showMenu()
+{
+    const auto captured = settingsMenu::capture (processor);
+    auto menu = settingsMenu::build (processor, captured);
+    menu.setLookAndFeel (&look); // it would not take the window's
+
+    // The window may close while the menu is open; the processor outlives the window.
+    menu.showMenuAsync (
+        juce::PopupMenu::Options().withTargetComponent (menuButton).withParentComponent (getTopLevelComponent()),
+        [editor = juce::Component::SafePointer (this), captured] (int id)
+        {
+            if (editor == nullptr)
+                return;
+
+            settingsMenu::apply (id, juce::ModifierKeys::currentModifiers, captured, editor->processor,
+                                 { [&] { editor->about.setVisible (true); }, [&] { editor->updateEditorSize(); } });
+        });
 }
 
 void KVLEditor::sliderValueChanged (juce::Slider* slider)
@@ -225,7 +269,18 @@ void KVLEditor::paint (juce::Graphics& g)
 void KVLEditor::resized()
 {
     using namespace editorSize;
+    constexpr float presetShare = 0.2f;
+    const auto width = static_cast<float> (getWidth());
+    const auto middle = getLocalBounds().toFloat().getCentre();
+
     console.setBounds (0, stripHeight + shadowHeight, getWidth(), getHeight() - frameHeight);
+    menuButton.setBounds (getWidth() - stripHeight, 0, stripHeight, stripHeight);
+    bottomBar.setBounds (0, getHeight() - stripHeight, getWidth(), stripHeight);
+    presetBox.setBounds (juce::roundToInt ((1.0f - presetShare) * width), 0,
+                         juce::roundToInt (presetShare * width) - stripHeight, stripHeight);
+    about.setBounds (juce::Rectangle (About::size, About::size)
+                         .withPosition (juce::roundToInt (middle.x - About::size / 2.0f),
+                                        juce::roundToInt (middle.y - About::size / 2.0f)));
 }
 
 void KVLEditor::setControlHighlight (ParameterControlHighlightInfo info)

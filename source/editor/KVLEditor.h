@@ -1,20 +1,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "editor/About.h"
 #include "editor/KVLLNF.h"
 #include "editor/OrvaneConsoleUI.h"
+#include "editor/ZQBar.h"
 #include "plugin/EditorInterface.h"
 
 namespace tarvik
 {
 
-/** The plug-in's window: the console, above it a strip with the two slots and the level pots, below it a bar. It asks the
-    processor on timers, which run only while it is visible. Message thread, but for `zoomSettingChanged`.
+/** The plug-in's window: the console, above it a strip with the two slots, the level pots and the menu, below it a bar. It
+    asks the processor on timers, which run only while it is visible. Message thread, but for `zoomSettingChanged`.
 */
 class KVLEditor final : public juce::AudioProcessorEditor,
                         public ZoomableEditor,
                         private juce::MultiTimer,
                         private juce::Button::Listener,
+                        private juce::ComboBox::Listener,
                         private juce::Slider::Listener
 {
 public:
@@ -43,11 +46,17 @@ private:
 
     void timerCallback (int timerID) override;
     void buttonClicked (juce::Button* button) override;
+
+    /** The box is never shown. */
+    void comboBoxChanged (juce::ComboBox*) override {}
+
     void sliderValueChanged (juce::Slider* slider) override;
 
     juce::AudioProcessorParameter& parameterAt (int index) const;
     void setUpLevelPot (KVLSlider& pot, int parameterIndex);
     void setUpLabel (juce::Label& label, const char* text);
+    void setUpPresetBox();
+    void showMenu();
     void showState();
     void showMeters();
 
@@ -55,7 +64,10 @@ private:
     KVLLNF look;
     juce::SharedResourcePointer<juce::TooltipWindow> tooltips;
     OrvaneConsoleUI console;
-    PictureButton slotA, copyToB, slotB, copyToA;
+    PictureButton menuButton, slotA, copyToB, slotB, copyToA;
+    ZQBar bottomBar;
+    juce::ComboBox presetBox;
+    About about;
     juce::Label inputLabel, outputLabel;
     KVLSlider inputPot, outputPot;
     double knownInput = 0.0, knownOutput = 0.0; ///< What pot and parameter last agreed on.

@@ -12,6 +12,12 @@ class LicenceCheck
 public:
     /** Audio thread, once per block: false ends the block with silence. Must neither lock nor allocate. */
     bool permitsAudio() const noexcept { return true; }
+
+    /** What the bottom bar says about it. Message thread. */
+    const char* statusText() const { return ""; }
+
+    /** Whether there is anything to do about it: only then has the bottom bar a button for it. Message thread. */
+    bool hasPage() const { return false; }
 };
 
 } // namespace tarvik

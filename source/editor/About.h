@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "editor/ScaledPictures.h"
+#include "editor/Sites.h"
+
+#include <juce_gui_basics/juce_gui_basics.h>
+
+namespace tarvik
+{
+
+/** The panel that says what this is and whom it is by. A click on it hides it. Message thread. */
+class About final : public juce::Component
+{
+public:
+    static constexpr int size = 300; ///< Width and height for which the letters are meant.
+
+    explicit About (const Sites& sites = Sites::configured());
+
+    void paint (juce::Graphics& g) override;
+    void resized() override;
+    void mouseUp (const juce::MouseEvent& event) override;
+
+private:
+    juce::Label version, developers, developersWork, designers, designersWork;
+    juce::HyperlinkButton link;
+    ScaledPicture productLogo { Picture::aboutLogoA }, makerLogo { Picture::aboutLogoB };
+
+    JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (About)
+};
+
+} // namespace tarvik
