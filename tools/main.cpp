@@ -11,6 +11,7 @@
 
 #include <juce_events/juce_events.h>
 
+#include <cstdlib>
 #include <iostream>
 #include <optional>
 
@@ -82,6 +83,10 @@ int run (const juce::StringArray& arguments)
 
 int main (int argc, char** argv)
 {
+    // It opens no window, and neither do the modules that it loads. JUCE would join a screen all the same, and the process
+    // would end with it.
+    setenv ("DISPLAY", ":65000", 1);
+
     juce::StringArray arguments;
 
     for (int i = 1; i < argc; ++i)

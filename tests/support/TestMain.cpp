@@ -15,6 +15,9 @@ int main (int argc, char** argv)
     scratch.createDirectory();
     setenv ("XDG_CONFIG_HOME", scratch.getFullPathName().toRawUTF8(), 1);
 
+    // No test may need a screen. With the variable unset JUCE would join whatever screen :0 is, and end with it.
+    setenv ("DISPLAY", ":65000", 1);
+
     const juce::ScopedJuceInitialiser_GUI juceRuntime;
     tarvik::selectInstructionSet();
 

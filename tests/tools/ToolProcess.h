@@ -85,7 +85,6 @@ protected:
             dup2 (::open (out.c_str(), flags, everybodyReads), STDOUT_FILENO);
             dup2 (::open (err.c_str(), flags, everybodyReads), STDERR_FILENO);
             setenv ("XDG_CONFIG_HOME", config.c_str(), 1);
-            unsetenv ("DISPLAY");
             if (chdir (work.c_str()) == 0)
                 execv (pointers[0], pointers.data());
             _exit (cannotStart);
