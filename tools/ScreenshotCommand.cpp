@@ -86,6 +86,12 @@ void writeScreenshot (const CommandLine& line)
 
     KVLEditor editor (strip);
     editor.setVisible (true);
+
+    // No timer runs here, so the bar is told to look at its status.
+    for (auto* const child : editor.getChildren())
+        if (auto* const bar = dynamic_cast<ZQBar*> (child))
+            bar->updateStatus();
+
     writePng (file, editor.createComponentSnapshot (editor.getLocalBounds()));
     std::cout << line.outputPath << '\n';
 }

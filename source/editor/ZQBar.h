@@ -49,6 +49,9 @@ public:
     /** Does what an item of that menu says; 0 and unknown ids do nothing. */
     void linkChosen (int id);
 
+    /** Asks for the status and shows it: what the timer does while the bar is visible. */
+    void updateStatus();
+
     void visibilityChanged() override;
     void paint (juce::Graphics& g) override;
     void resized() override;
@@ -59,7 +62,6 @@ private:
 
     void openManual();
     void openPage (const juce::String& address);
-    void updateStatus();
 
     const World world;
     LNF look;

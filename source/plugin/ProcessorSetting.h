@@ -120,6 +120,14 @@ private:
         auto* const file = properties.getUserSettings();
         jassert (file != nullptr);
         file->reload();
+
+        // A missing file counts as loaded, and the copy stays: a default that it holds would not be written again.
+        if (! file->getFile().existsAsFile())
+        {
+            file->clear();
+            file->setNeedsToBeSaved (false);
+        }
+
         return *file;
     }
 
