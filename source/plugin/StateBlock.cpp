@@ -42,10 +42,20 @@ bool completesHexReferences (std::string_view text)
     return true;
 }
 
+/** Whether there is nothing but elements behind the XML declaration. JUCE's parser never returns from an instruction
+    with text behind it ("<a><?b?>c"), and a document type may let entities grow without bound. Comments go with them: a
+    host hands back what the strip wrote, and that has none.
+*/
+bool isPlainMarkup (std::string_view text)
+{
+    constexpr auto none = std::string_view::npos;
+    return text.find ("<!") == none && text.find ("<?", 1) == none;
+}
+
 bool isHarmless (std::string_view text)
 {
     return text.size() <= largestText && std::count (text.begin(), text.end(), '<') <= mostAngleBrackets
-           && text.find ("<!DOCTYPE") == std::string_view::npos
+           && isPlainMarkup (text)
            && juce::CharPointer_UTF8::isValidString (text.data(), static_cast<int> (text.size()))
            && completesHexReferences (text);
 }

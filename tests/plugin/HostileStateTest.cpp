@@ -219,6 +219,7 @@ TEST_F (HostileState, DeepHugeAndSelfExpandingDocuments)
         blockOfText (laughs + open + " Calibration=\"&y;\"/>"),
         blockOfText (laughs + open + ">&y;" + close),
         blockOfText ("<!DOCTYPE Tarvik41Channel SYSTEM \"/dev/zero\">" + open + ">&y;" + close),
+        blockOfText (open + "><?instruction?>text" + close), // JUCE's parser alone never comes back from this
     };
     const auto canMeasureMemory = resetPeakMemory(); // the blocks themselves have taken more than their loading may
     const auto memoryBefore = peakMemory();
