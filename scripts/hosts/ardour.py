@@ -19,7 +19,7 @@ module, form, renderer, folder = sys.argv[1:]
 os.environ["ARDOUR_FPU_FLAGS"] = "0"
 
 here = os.path.dirname(os.path.abspath(__file__))
-quiet = {"Analog": "0"}  # no noise, so that two passes can be compared
+quiet = {"Analog": "0", "UIZoom": "1"}  # no noise, so that two passes can be compared; a window of a known size
 plugin_folder = {"VST3": ".vst3", "LV2": ".lv2"}[form]
 
 # What lies where, in seconds; ardour.lua makes the tracks and sets the parameters.
@@ -206,7 +206,7 @@ for track in ("mono", "stereo"):
     check(worst < EQUAL_DB, f"bypassed '{track}' is the dry signal in time: difference {worst:.1f} dB")
 
 # The window.
-ardour_editor.check_editor(folder, "first", environment)
+ardour_editor.check_editor(folder, "first", environment, form, renderer)
 
 # Latency without oversampling, and at the highest factor.
 for factor, latency in (("1", "0"), ("16", str(LATENCY))):
