@@ -36,7 +36,11 @@ void runMessagesUntil (double hiResMilliseconds)
 class Player
 {
 public:
-    explicit Player (Tarvik41Processor& stripToFeed) : strip (stripToFeed) { strip.prepareToPlay (rate, blockSize); }
+    explicit Player (Tarvik41Processor& stripToFeed) : strip (stripToFeed)
+    {
+        strip.prepareToPlay (rate, blockSize);
+        thread = std::thread ([this] { play(); });
+    }
 
     ~Player()
     {
@@ -72,7 +76,7 @@ private:
 
     Tarvik41Processor& strip;
     std::atomic<bool> isStopping { false };
-    std::thread thread { [this] { play(); } };
+    std::thread thread;
 };
 
 /** What a window on a screen costs the message thread, in per cent of one core. */

@@ -23,6 +23,8 @@ class Console:
     """`below`: how far above the lower edge of the host's window it ends; from left to right it is in the middle."""
 
     def __init__(self, screen, renderer, window, below=0):
+        screen.do("windowmove", window, 20, 40)  # a host may remember a place at the edge of the screen
+        time.sleep(TICK)
         width, height = screen.size(window)
         self.screen, self.renderer, self.window = screen, renderer, window
         self.left, self.top = (width - SIZE[0]) // 2, height - below - SIZE[1]
