@@ -4,7 +4,9 @@
 #include <benchmark/benchmark.h>
 
 #include <ctime>
+#include <fstream>
 #include <thread>
+#include <unistd.h>
 
 namespace juce
 {
@@ -32,13 +34,25 @@ void runMessagesUntil (double hiResMilliseconds)
         juce::dispatchNextMessageOnSystemQueue (false);
 }
 
-/** Plays noise in real time whose level changes all the while, so that both needles always move. */
+double residentMegabytes()
+{
+    constexpr double bytesPerMegabyte = 1e6;
+    long total = 0, resident = 0;
+    std::ifstream ("/proc/self/statm") >> total >> resident;
+    return static_cast<double> (resident) * static_cast<double> (sysconf (_SC_PAGESIZE)) / bytesPerMegabyte;
+}
+
+using Strips = std::vector<std::unique_ptr<Tarvik41Processor>>;
+
+/** Plays noise in real time whose level changes all the while, so that both needles of each strip always move. */
 class Player
 {
 public:
-    explicit Player (Tarvik41Processor& stripToFeed) : strip (stripToFeed)
+    explicit Player (Strips& stripsToFeed) : strips (stripsToFeed)
     {
-        strip.prepareToPlay (rate, blockSize);
+        for (const auto& strip : strips)
+            strip->prepareToPlay (rate, blockSize);
+
         thread = std::thread ([this] { play(); });
     }
 
@@ -64,23 +78,27 @@ private:
             const auto seconds = static_cast<double> (position) / rate;
             const auto level = 0.02 + 0.5 * std::pow (std::sin (seconds * changesPerSecond), 2.0);
 
-            for (int channel = 0; channel < block.getNumChannels(); ++channel)
-                for (int i = 0; i < blockSize; ++i)
-                    block.setSample (channel, i, static_cast<float> (level) * (random.nextFloat() - 0.5f));
+            for (const auto& strip : strips)
+            {
+                for (int channel = 0; channel < block.getNumChannels(); ++channel)
+                    for (int i = 0; i < blockSize; ++i)
+                        block.setSample (channel, i, static_cast<float> (level) * (random.nextFloat() - 0.5f));
 
-            strip.processBlock (block, midi);
+                strip->processBlock (block, midi);
+            }
+
             next += std::chrono::milliseconds (10); // a block's length
             std::this_thread::sleep_until (next);
         }
     }
 
-    Tarvik41Processor& strip;
+    Strips& strips;
     std::atomic<bool> isStopping { false };
     std::thread thread;
 };
 
-/** What a window on a screen costs the message thread, in per cent of one core. */
-void openWindow (benchmark::State& state, bool isPlaying)
+/** What windows on a screen cost: of the message thread in per cent of one core, and of memory beside the strips. */
+void openWindows (benchmark::State& state, int numWindows, bool isPlaying)
 {
     if (juce::Desktop::getInstance().getDisplays().displays.isEmpty())
     {
@@ -88,13 +106,27 @@ void openWindow (benchmark::State& state, bool isPlaying)
         return;
     }
 
-    constexpr double settlingMs = 2000.0, msPerSecond = 1000.0, percent = 100.0;
-    Tarvik41Processor strip;
-    strip.uiZoomSetting().setValue (1.0);
-    const auto player = isPlaying ? std::make_unique<Player> (strip) : nullptr;
-    KVLEditor editor (strip);
-    editor.setVisible (true);
-    editor.addToDesktop (0);
+    // JUCE keeps decoded pictures for five seconds: they are no part of what stays.
+    constexpr double settlingMs = 7000.0, msPerSecond = 1000.0, percent = 100.0;
+    Strips strips;
+
+    for (int i = 0; i < numWindows; ++i)
+    {
+        strips.push_back (std::make_unique<Tarvik41Processor>());
+        strips.back()->uiZoomSetting().setValue (1.0);
+    }
+
+    const auto player = isPlaying ? std::make_unique<Player> (strips) : nullptr;
+    const auto memoryBefore = residentMegabytes();
+    std::vector<std::unique_ptr<KVLEditor>> editors;
+
+    for (const auto& strip : strips)
+    {
+        editors.push_back (std::make_unique<KVLEditor> (*strip));
+        editors.back()->setVisible (true);
+        editors.back()->addToDesktop (0);
+    }
+
     runMessagesUntil (juce::Time::getMillisecondCounterHiRes() + settlingMs);
     double cpu = 0.0, wall = 0.0;
 
@@ -110,17 +142,23 @@ void openWindow (benchmark::State& state, bool isPlaying)
     }
 
     state.counters["% of a core"] = percent * cpu / wall;
+    state.counters["MB"] = residentMegabytes() - memoryBefore;
 }
 
-BENCHMARK_CAPTURE (openWindow, idle, false)
-    ->Name ("Window/Idle")
-    ->Iterations (3)
-    ->UseManualTime()
-    ->Unit (benchmark::kMillisecond);
-BENCHMARK_CAPTURE (openWindow, playing, true)
-    ->Name ("Window/MetersMoving")
-    ->Iterations (3)
-    ->UseManualTime()
-    ->Unit (benchmark::kMillisecond);
+void registerOne (const char* name, int numWindows, bool isPlaying)
+{
+    benchmark::RegisterBenchmark (name, openWindows, numWindows, isPlaying)
+        ->Iterations (2)
+        ->UseManualTime()
+        ->Unit (benchmark::kMillisecond);
+}
+
+const bool areRegistered = []
+{
+    registerOne ("Window/Idle", 1, false);
+    registerOne ("Window/MetersMoving", 1, true);
+    registerOne ("Window/TwentyWithMetersMoving", 20, true);
+    return true;
+}();
 } // namespace
 } // namespace tarvik

@@ -214,7 +214,11 @@ void KVLEditor::showState()
     console.updateState (snapshot);
 }
 
-void KVLEditor::showMeters() { console.updateMeters (processor.currentSnapshot()); }
+void KVLEditor::showMeters()
+{
+    const auto snapshot = processor.currentSnapshot(); // a copy here too
+    console.updateMeters (snapshot);
+}
 
 //==============================================================================
 void KVLEditor::buttonClicked (juce::Button* button)
