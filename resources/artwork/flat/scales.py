@@ -9,7 +9,9 @@ from ink import direction
 from palette import IVORY, NUMERAL_SIZE, SECONDARY, UNIT_SIZE, WORD_SIZE
 
 SKIRT = {0: 108.0, 1: 116.0}  # radius of the knob in a box of 300, by style
-TICK_GAP, TICK_LENGTH, NUMERAL_GAP = 5.0, 8.0, 17.0  # from the skirt: ticks begin, their length, numerals begin
+# From the skirt: ticks begin, their length, numerals begin. A tick hugs the knob and is fainter than a numeral, or one that
+# lies level would be read as the numeral's minus.
+TICK_GAP, TICK_LENGTH, NUMERAL_GAP = 2.0, 7.0, 15.5
 TICK_WIDTH = 4.5
 WIDER_BY = {"lowFreq": 7.0}  # a scale whose numerals stand close together has them further out
 NUMERAL_HALF_HEIGHT = 0.37  # of the size of the font
@@ -18,7 +20,7 @@ NUMERAL_HALF_HEIGHT = 0.37  # of the size of the font
 WITHOUT_NUMERAL = {
     "compMix": {"10", "20", "40", "50", "60", "80", "90"},
     "compHPF": {"30", "60", "90", "120", "200", "300"},
-    "expRelease": {"0.05", "0.8"},
+    "expRelease": {"0.05"},
     "lowGain": {"12"},
     "lowFreq": {"-12 dB"},
 }
@@ -33,7 +35,7 @@ UNIT_IN_WORDS = {"highPass"}  # switches whose words bear the unit
 
 SHORT_WORDS = {"Medium": "MED", "Expander": "EXP"}
 
-PLATE_HALF_WIDTH, WORD_GAP = 50, 11
+PLATE_HALF_WIDTH, WORD_GAP = 50, 8
 WORD_ROWS = {"high": -46, "middle": 0, "low": 46}  # rows of the marks on the switches' plates
 WORDS_ON_THE_LEFT = {"expMode"}
 
@@ -81,7 +83,7 @@ def knob(ink, control):
     inner = skirt + TICK_GAP * shrunk
     numerals = skirt + NUMERAL_GAP + WIDER_BY.get(control["parameter"], 0.0)
     for mark in control["scale"]:
-        ink.tick(x, y, mark["degrees"], inner, inner + TICK_LENGTH * shrunk, TICK_WIDTH, IVORY)
+        ink.tick(x, y, mark["degrees"], inner, inner + TICK_LENGTH * shrunk, TICK_WIDTH, SECONDARY)
         if mark["text"] not in WITHOUT_NUMERAL.get(control["parameter"], ()):
             text = numeral(mark["text"], thousand)
             radius = clear_of(ink, text, NUMERAL_SIZE, mark["degrees"], numerals)
