@@ -66,7 +66,7 @@ public:
     bool takesValue (const juce::String& option) const
     {
         return option == "--set" || option == "--block" || option == "--bits" || option == "--jobs"
-               || option == "--zoom" || textOf (option) != nullptr;
+               || option == "--zoom" || option == "--slot" || textOf (option) != nullptr;
     }
 
     void take (const juce::String& option, const juce::String& value)
@@ -89,6 +89,8 @@ public:
             line.blockSize = wholeNumber (option, value, 1, CommandLine::largestBlockSize);
         else if (option == "--zoom")
             line.zoomPercent = wholeNumber (option, value, smallestZoomPercent, largestZoomPercent);
+        else if (option == "--slot")
+            line.slot = slot (value);
         else if (option == "--bits")
             line.bitDepth = bits (value);
         else if (option == "--jobs")
@@ -98,12 +100,15 @@ public:
     }
 
     /** True if there was one that says how the window is drawn. */
-    bool saysHowToDraw() const { return seen.contains ("--zoom") || seen.contains ("--name"); }
+    bool saysHowToDraw() const
+    {
+        return seen.contains ("--zoom") || seen.contains ("--name") || seen.contains ("--slot");
+    }
 
     /** True if there was one that only a rendering has a use for. */
     bool saysHowToRender() const
     {
-        for (const auto* const option : { moduleOption, "--sidechain", "--state", "--save-state", "--bits" })
+        for (const auto* const option : { moduleOption, "--sidechain", "--save-state", "--bits" })
             if (seen.contains (option))
                 return true;
 
@@ -131,6 +136,14 @@ private:
                 return text;
 
         return nullptr;
+    }
+
+    static int slot (const juce::String& value)
+    {
+        if (value != "A" && value != "B")
+            throw ToolError ("--slot wants A or B, not '" + value + "'");
+
+        return value == "A" ? 0 : 1;
     }
 
     static int bits (const juce::String& value)
@@ -210,7 +223,8 @@ void arrangeScreenshot (CommandLine& line, bool saysHowToRender)
         throw ToolError ("a file is wanted, for the picture of the window");
 
     if (saysHowToRender)
-        throw ToolError ("a screenshot takes no option but --zoom, --name, --program, --set and --block");
+        throw ToolError (
+            "a screenshot takes no option but --zoom, --name, --state, --slot, --program, --set and --block");
 
     if (line.outputPath.isEmpty())
         std::swap (line.inputPath, line.outputPath);
@@ -287,7 +301,7 @@ CommandLine parseCommandLine (const juce::StringArray& arguments)
     if (line.task == Task::screenshot)
         arrangeScreenshot (line, options.saysHowToRender());
     else if (options.saysHowToDraw())
-        throw ToolError ("--zoom and --name are for screenshots");
+        throw ToolError ("--zoom, --name and --slot are for screenshots");
 
     return line;
 }

@@ -40,6 +40,7 @@ struct CommandLine
     juce::StringArray assignments; ///< Each ID=TEXT, in the order given.
     juce::String trackName;        ///< What a screenshot's channel is called.
     int zoomPercent = 100;         ///< Of a screenshot.
+    int slot = -1;                 ///< The one that a screenshot shows, 0 for A; -1 for the one in force.
     int blockSize = defaultBlockSize;
     int bitDepth = 32; ///< 24, or 32 for floating point.
 };

@@ -104,6 +104,13 @@ juce::MemoryBlock framed (const juce::MemoryBlock& state, const juce::String& cl
 }
 } // namespace
 
+juce::MemoryBlock readBareState (const juce::String& path)
+{
+    const auto preset = readStateFile (path, {});
+    const auto chunk = *findComponentState (preset);
+    return { static_cast<const char*> (preset.getData()) + chunk.start, static_cast<std::size_t> (chunk.length) };
+}
+
 juce::String classIDOfPreset (const juce::MemoryBlock& preset)
 {
     if (preset.getSize() < headerLength)
@@ -129,12 +136,12 @@ juce::MemoryBlock readStateFile (const juce::String& path, const juce::String& c
         fail (file.getSize() > largestFile ? "it is too large for a saved state" : "it cannot be read");
 
     if (startsWith (preset, bareMagic))
-        preset = framed (preset, classID);
+        preset = framed (preset, classID.isNotEmpty() ? classID : juce::String::repeatedString ("0", classIDLength));
 
     if (preset.getSize() < headerLength || ! startsWith (preset, presetMagic))
         fail ("it is no .vstpreset and no component's state");
 
-    if (! classIDOfPreset (preset).equalsIgnoreCase (classID))
+    if (classID.isNotEmpty() && ! classIDOfPreset (preset).equalsIgnoreCase (classID))
         fail ("it was saved from another plug-in");
 
     const auto chunk = findComponentState (preset);

@@ -11,10 +11,13 @@ namespace tarvik
     module's: the frame, the class it was saved from, and the saved project inside. A module takes a damaged one without
     a word and keeps its settings, so this comes first.
 
-    classID     the 32 hexadecimal digits of the module's class, as in its own presets
+    classID     the 32 hexadecimal digits of the module's class, as in its own presets; empty for any
     Throws `ToolError` if the file cannot be read, is damaged or belongs to another plug-in.
 */
 juce::MemoryBlock readStateFile (const juce::String& path, const juce::String& classID);
+
+/** The component's bare state out of such a file, whichever class it was saved from. Throws `ToolError` as above. */
+juce::MemoryBlock readBareState (const juce::String& path);
 
 /** The class ID in a preset; empty if it is none. */
 juce::String classIDOfPreset (const juce::MemoryBlock& preset);

@@ -6,6 +6,7 @@
 #include "tools/Interruption.h"
 #include "tools/ParameterArguments.h"
 #include "tools/PngFile.h"
+#include "tools/PresetFile.h"
 #include "tools/plot/ScratchSettings.h"
 
 #include <iostream>
@@ -41,8 +42,22 @@ void setUp (Tarvik41Processor& strip, const CommandLine& line, int numChannels)
     layout.outputBuses.add (width);
     strip.setBusesLayout (layout);
 
+    if (line.loadStatePath.isNotEmpty())
+    {
+        const auto state = readBareState (line.loadStatePath);
+        strip.setStateInformation (state.getData(), static_cast<int> (state.getSize()));
+    }
+
+    strip.selectSlot (line.slot); // -1 is none
+
     if (line.program.isNotEmpty())
     {
+        // For so long the strip takes a change of program for a part of the loading, and ignores it.
+        constexpr int restoreMilliseconds = 600;
+
+        if (line.loadStatePath.isNotEmpty())
+            juce::Thread::sleep (restoreMilliseconds);
+
         juce::StringArray names;
 
         for (int i = 0; i < strip.getNumPrograms(); ++i)

@@ -47,8 +47,9 @@ settings: noise is off, the user's defaults do not count.
 
 "list layout" prints, as JSON, where each control of the console panel is in the pixels of its picture, with the marks of
 its scale; the picture is printed from it. "pictures" shows all pictures of the window on one sheet, at their own size and
-at a third, as the window draws them at 100 %. "screenshot" draws the window itself, with --program and --set, at --zoom
-PERCENT (100), for a track called --name TEXT, and with the meters as they stand when INPUT has gone through.
+at a third, as the window draws them at 100 %. "screenshot" draws the window itself, with --state, --program and --set, at
+--zoom PERCENT (100), for a track called --name TEXT, with slot A or B in force if --slot says so (behind --state, in front
+of the others), and with the meters as they stand when INPUT has gone through.
 
 However they are ordered: the state is loaded first, then the program, then each --set from left to right. A file whose
 name begins with a dash goes behind "--". Exit status: 0, or 2 after an error, which is told in one line, in a batch in

@@ -1,12 +1,14 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Opens and closes the plug-in's window in Ardour itself, on a virtual screen, with Ardour's dummy audio back end."""
+"""Opens, works and closes the plug-in's window in Ardour itself, on a virtual screen, with Ardour's dummy audio back end."""
+import base64
 import os
-import subprocess
 import time
+import xml.etree.ElementTree as ElementTree
 
 from checks import check
+from console import UNLIKE_PIXELS, Console, check_state, slots_of
+from screen import Screen
 
-SCREEN = "1600x1000x24"
 # Where things are on that screen, Ardour's windows being in its middle: there is no other handle to them.
 BACK_END_LIST, START_BUTTON = (810, 379), (1022, 681)
 DUMMY_IS_ENTRY = 2  # behind ALSA and JACK
@@ -16,55 +18,43 @@ ROUNDS = 3
 FEWEST_COLOURS = 50  # of a window in which something is drawn
 
 
-class Screen:
-    def __init__(self, environment):
-        reading, writing = os.pipe()
-        self.started = [subprocess.Popen(["Xvfb", "-displayfd", str(writing), "-screen", "0", SCREEN], pass_fds=[writing],
-                                         stderr=subprocess.DEVNULL)]
-        os.close(writing)
-        with os.fdopen(reading) as number:
-            self.environment = dict(environment, DISPLAY=":" + number.readline().strip())
-        self.start(["openbox"])
-
-    def start(self, command, log=subprocess.DEVNULL):
-        self.started.append(subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL, stdout=log,
-                                             stderr=subprocess.STDOUT))
-        time.sleep(1)
-        return self.started[-1]
-
-    def do(self, *arguments):
-        return subprocess.run(["xdotool", *map(str, arguments)], env=self.environment, stdout=subprocess.PIPE,
-                              stderr=subprocess.DEVNULL, text=True).stdout
-
-    def click(self, place, times=1):
-        self.do("mousemove", *place, "click", "--repeat", times, "--delay", 80, 1)
-
-    def window(self, name, wanted=True, seconds=10):
-        """The visible window of that name, waited for; or, if it isn't wanted, whether it is still there."""
-        found = ""
-        for _ in range(seconds * 4):
-            found = self.do("search", "--onlyvisible", "--name", name).split()
-            if bool(found) == wanted:
-                break
-            time.sleep(0.25)
-        return found[0] if found else None
-
-    def colours(self, window):
-        picture = subprocess.run(["import", "-window", window, "-format", "%k", "info:"], env=self.environment,
-                                 stdout=subprocess.PIPE, text=True).stdout
-        return int(picture or 0)
-
-    def close(self):
-        for process in reversed(self.started):
-            process.terminate()
-            try:
-                process.wait(10)
-            except subprocess.TimeoutExpired:
-                process.kill()
-                process.wait()
+def saved(folder, session, track):
+    """The state of a track's instance in the session as Ardour has saved it: a .vstpreset."""
+    for route in ElementTree.parse(os.path.join(folder, session, session + ".ardour")).iter("Route"):
+        if route.get("name") == track:
+            return base64.b64decode(route.find("Processor/vst3/chunk").text)
 
 
-def check_editor(folder, session, environment):
+def open_window(screen, track):
+    screen.click(INSERTS[track], 2)
+    window = screen.window(f"^{track}: Tarvik 41 Channel")
+    time.sleep(2)
+    return window
+
+
+def check_work(screen, renderer, folder, session, track):
+    """What the mouse does in the window is what the session holds when it is saved, and what the window shows again."""
+    untouched, _ = slots_of(saved(folder, session, track))
+    window = open_window(screen, track)
+    console = Console(screen, renderer, window)
+    console.work()
+    screen.close_window(window)
+    time.sleep(1)
+    screen.do("windowactivate", "--sync", screen.window(f"{session} - Ardour"), "key", "ctrl+s")
+    time.sleep(3)
+    state = saved(folder, session, track)
+    check_state(*slots_of(state), untouched[0])
+
+    window = open_window(screen, track)
+    console = Console(screen, renderer, window)
+    seen = os.path.join(folder, "seen.png")
+    console.picture(seen)
+    pixels = console.unlike(seen, state, ["--name", track], folder)
+    check(pixels < UNLIKE_PIXELS, f"the window opened again shows what was saved: {pixels:.0f} pixels unlike our own picture")
+    screen.close_window(window)
+
+
+def check_editor(folder, session, environment, form, renderer):
     configuration = os.path.join(environment["XDG_CONFIG_HOME"], "ardour7")
     os.makedirs(configuration, exist_ok=True)
     open(os.path.join(configuration, ".a7"), "w").close()  # no welcome for the first start
@@ -100,8 +90,11 @@ def check_editor(folder, session, environment):
             time.sleep(2)
             colours = screen.colours(window)
             check(colours > FEWEST_COLOURS, f"with something in it: {colours} colours")
-            screen.do("windowactivate", "--sync", window, "key", "alt+F4")
+            screen.close_window(window)
             check(not screen.window(title, wanted=False), "and closes")
+
+        if form == "VST3":
+            check_work(screen, renderer, folder, session, "mono")
 
         check(ardour.poll() is None, "Ardour is still running")
     finally:

@@ -84,6 +84,7 @@ struct PictureButtonRow
     Box box;
     Picture normal, over, pressed;
     const char* tooltip = "";
+    const char* description = ""; ///< For assistive technology.
 };
 
 struct LabelRow
@@ -160,10 +161,10 @@ inline constexpr PictureButtonRow compressorLed   { { 0.5222f, 0.2335f, 0.0444f,
 inline constexpr PictureButtonRow expanderLed     { { 0.7222f, 0.2335f, 0.0444f, 0.0591f }, Picture::none, Picture::none, Picture::ledGreen };
 inline constexpr PictureButtonRow plateMono       { { 0.6f,    0.0566f, 0.2f,    0.0965f }, Picture::plateMono, Picture::none, Picture::none };
 inline constexpr PictureButtonRow plateStereo     { { 0.6f,    0.0566f, 0.2f,    0.0965f }, Picture::plateStereo, Picture::none, Picture::none };
-inline constexpr PictureButtonRow previousChannel { { 0.6015f, 0.1261f, 0.0267f, 0.0251f }, Picture::previousNormal, Picture::previousOver, Picture::previousPressed, "Previous channel" };
-inline constexpr PictureButtonRow nextChannel     { { 0.7719f, 0.1261f, 0.0267f, 0.0251f }, Picture::nextNormal, Picture::nextOver, Picture::nextPressed, "Next channel" };
-inline constexpr PictureButtonRow randomChannel   { { 0.7056f, 0.0103f, 0.0333f, 0.0369f }, Picture::randomNormal, Picture::randomOver, Picture::randomPressed, "Random Channel" };
-inline constexpr PictureButtonRow randomInAll     { { 0.7533f, 0.0103f, 0.0333f, 0.0369f }, Picture::randomAllNormal, Picture::randomAllOver, Picture::randomAllPressed, "Random Channel\nin ALL instances" };
+inline constexpr PictureButtonRow previousChannel { { 0.6015f, 0.1261f, 0.0267f, 0.0251f }, Picture::previousNormal, Picture::previousOver, Picture::previousPressed, "Previous channel", "Takes the console channel before this one" };
+inline constexpr PictureButtonRow nextChannel     { { 0.7719f, 0.1261f, 0.0267f, 0.0251f }, Picture::nextNormal, Picture::nextOver, Picture::nextPressed, "Next channel", "Takes the console channel behind this one" };
+inline constexpr PictureButtonRow randomChannel   { { 0.7056f, 0.0103f, 0.0333f, 0.0369f }, Picture::randomNormal, Picture::randomOver, Picture::randomPressed, "Random Channel", "Draws one of the console's 32 channels" };
+inline constexpr PictureButtonRow randomInAll     { { 0.7533f, 0.0103f, 0.0333f, 0.0369f }, Picture::randomAllNormal, Picture::randomAllOver, Picture::randomAllPressed, "Random Channel\nin ALL instances", "Has every instance of this process draw a console channel of its own" };
 
 inline constexpr LabelRow channelName   { { 0.6056f, 0.0842f, 0.1889f, 0.0517f }, "",      26.0f, 0xe5d56223, false, false };
 inline constexpr LabelRow leftNumber    { { 0.6f,    0.0566f, 0.027f,  0.0256f }, "10",    15.0f, 0xffaa362b, true };

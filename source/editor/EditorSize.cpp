@@ -30,7 +30,7 @@ juce::Point<int> forZoom (double zoomSetting, std::optional<juce::Rectangle<int>
 {
     auto zoom = usableZoom (zoomSetting);
 
-    if (display)
+    if (display && ! display->isEmpty())
         zoom = std::min (zoom, largestZoomOn (*display));
 
     return { static_cast<int> (zoom * static_cast<float> (panelWidth) + 0.5f),

@@ -19,7 +19,7 @@ inline constexpr double panelWidth = 900.0;
 inline constexpr float panelHeight = 676.66669f; ///< A third of the picture's height.
 
 /** The editor's width and height for a zoom setting. A setting that is no number counts as 1, one below 0.1 as 0.1, and
-    the window takes at most nine tenths of the display's width and height, if there is a display.
+    the window takes at most nine tenths of the display's width and height, if there is a display with an area.
 */
 juce::Point<int> forZoom (double zoomSetting, std::optional<juce::Rectangle<int>> display);
 } // namespace editorSize

@@ -46,19 +46,20 @@ KVLEditor::KVLEditor (Tarvik41Processor& processorToShow)
     setLookAndFeel (&look);
     addAndMakeVisible (console); // first, so that everything else is above it
 
-    const std::tuple<PictureButton&, const char*, juce::Rectangle<int>> buttons[] {
-        { menuButton, "Menu", {} }, // at the right end, which `resized` knows
-        { slotA, "Slot A", stripBounds::slotA },
-        { copyToB, "Copy to B", stripBounds::copy },
-        { slotB, "Slot B", stripBounds::slotB },
-        { copyToA, "Copy to A", stripBounds::copy },
+    const std::tuple<PictureButton&, const char*, const char*, juce::Rectangle<int>> buttons[] {
+        { menuButton, "Menu", "Settings of this instance and of all", {} }, // at the right end, which `resized` knows
+        { slotA, "Slot A", "Puts the first of two sets of settings in force", stripBounds::slotA },
+        { copyToB, "Copy to B", "Copies the settings in force to slot B", stripBounds::copy },
+        { slotB, "Slot B", "Puts the second of two sets of settings in force", stripBounds::slotB },
+        { copyToA, "Copy to A", "Copies the settings in force to slot A", stripBounds::copy },
     };
 
-    for (const auto& [button, tooltip, bounds] : buttons)
+    for (const auto& [button, tooltip, description, bounds] : buttons)
     {
         button.setName ("new button");
         button.setTitle (tooltip);
         button.setTooltip (tooltip);
+        button.setDescription (description);
         button.setBounds (bounds);
         button.addListener (this);
         addAndMakeVisible (button);
@@ -68,8 +69,8 @@ KVLEditor::KVLEditor (Tarvik41Processor& processorToShow)
     setUpPresetBox();
     addChildComponent (about);
     setUpLabel (inputLabel, "IN");
-    setUpLabel (outputLabel, "OUT");
     setUpLevelPot (inputPot, inLevelIndex);
+    setUpLabel (outputLabel, "OUT");
     setUpLevelPot (outputPot, outLevelIndex);
     inputLabel.setBounds (stripBounds::inputLabel);
     inputPot.setBounds (stripBounds::inputPot);
@@ -96,6 +97,7 @@ void KVLEditor::setUpLabel (juce::Label& label, const char* text)
     constexpr float fontHeight = 15.0f;
     constexpr juce::uint32 textColour = 0xc5ffffff;
 
+    label.setName ("new label");
     label.setText (text, juce::dontSendNotification);
     label.setFont (juce::Font (fontHeight));
     label.setJustificationType (juce::Justification::centredLeft);
@@ -114,6 +116,7 @@ void KVLEditor::setUpLevelPot (KVLSlider& pot, int parameterIndex)
     constexpr juce::uint32 pointer = 0xffe4e3de; // JUCE's own would be dark blue on black
 
     auto& parameter = parameterAt (parameterIndex);
+    pot.setName ("new slider");
     pot.setRange (0.0, 1.0, potStep);
     pot.setTextBoxStyle (juce::Slider::NoTextBox, true, textBoxWidth, pot.getTextBoxHeight());
     pot.setColour (juce::Slider::rotarySliderOutlineColourId, juce::Colour (outline));
@@ -124,6 +127,7 @@ void KVLEditor::setUpLevelPot (KVLSlider& pot, int parameterIndex)
     pot.setDoubleClickReturnValue (true, middle, juce::ModifierKeys::altModifier);
     pot.setTitle (parameter.getName (100));
     pot.setTooltip (helpFor (parameterID (parameter)));
+    pot.setDescription (pot.getTooltip());
     pot.setWantsKeyboardFocus (true);
     pot.addListener (this);
     addAndMakeVisible (pot);
@@ -210,7 +214,11 @@ void KVLEditor::showState()
     console.updateState (snapshot);
 }
 
-void KVLEditor::showMeters() { console.updateMeters (processor.currentSnapshot()); }
+void KVLEditor::showMeters()
+{
+    const auto snapshot = processor.currentSnapshot(); // a copy here too
+    console.updateMeters (snapshot);
+}
 
 //==============================================================================
 void KVLEditor::buttonClicked (juce::Button* button)

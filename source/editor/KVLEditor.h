@@ -2,6 +2,7 @@
 #pragma once
 
 #include "editor/About.h"
+#include "editor/FocusMark.h"
 #include "editor/KVLLNF.h"
 #include "editor/OrvaneConsoleUI.h"
 #include "editor/ZQBar.h"
@@ -71,6 +72,7 @@ private:
     juce::Label inputLabel, outputLabel;
     KVLSlider inputPot, outputPot;
     double knownInput = 0.0, knownOutput = 0.0; ///< What pot and parameter last agreed on.
+    FocusMark focusMark { *this };
     ScaledPicture topShadow { Picture::shadowTop }, bottomShadow { Picture::shadowBottom };
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (KVLEditor)

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/OrvaneConsoleUI.h"
 
-#include "editor/ControlHelp.h"
-
 namespace tarvik
 {
 
@@ -15,6 +13,13 @@ constexpr const char* buttonName = "new button";
 constexpr const char* labelName = "new label";
 constexpr juce::uint32 underPicture = 0xff323e44;
 constexpr float narrowestText = 0.5f;
+
+/** A picture that is no control, although its class could be one. */
+void setShownOnly (PictureButton& picture)
+{
+    picture.setAccessible (false);
+    picture.setWantsKeyboardFocus (false);
+}
 } // namespace
 
 OrvaneConsoleUI::OrvaneConsoleUI (Tarvik41Processor& processorToShow)
@@ -55,7 +60,7 @@ void OrvaneConsoleUI::placeLamp (std::size_t index)
 
     lamps[index] = std::make_unique<PictureButton> (Picture::none, Picture::none, row.lamp);
     lamps[index]->setInterceptsMouseClicks (false, false);
-    lamps[index]->setAccessible (false); // the button beside it says the same
+    setShownOnly (*lamps[index]); // the button beside it says the same
     place (*lamps[index], row.lampBox, buttonName);
 }
 
@@ -105,6 +110,7 @@ void OrvaneConsoleUI::placeAll()
     {
         button.setTooltip (row.tooltip);
         button.setTitle (juce::String (row.tooltip).replace ("\n", " "));
+        button.setDescription (row.description);
         place (button, row.box, buttonName);
     };
 
@@ -146,141 +152,22 @@ void OrvaneConsoleUI::placeAll()
     place (trim, layout::trim.box, layout::trim.name);
     place (vuMeter, layout::vuMeter, "VU");
     place (gainReductionMeter, layout::gainReductionMeter, "gain reduction");
+    vuMeter.setTitle ("VU");
+    vuMeter.setDescription ("Level of the input or of the output, by the meter mode button");
+    gainReductionMeter.setTitle ("Gain reduction");
+    gainReductionMeter.setDescription ("By how much the compressor turns down");
     placeLabel (debug, layout::debug, {});
     debug.setVisible (false);
     placePushButtons();
 
     for (auto* const shownOnly : { &outputLegend, &plateMono, &plateStereo, &compressorLed, &expanderLed })
-        shownOnly->setAccessible (false);
+        setShownOnly (*shownOnly);
 
     for (auto* const led : { &compressorLed, &expanderLed })
         led->setInterceptsMouseClicks (false, false);
 
     expanderLed.setToggleState (true, juce::dontSendNotification);
     link.setTooltip (layout::linkTooltip);
-}
-
-//==============================================================================
-void OrvaneConsoleUI::setUpSliders()
-{
-    for (std::size_t i = 0; i < knobs.size(); ++i)
-    {
-        const auto& row = layout::knobs[i];
-        knobs[i].setFilmstripRange (juce::degreesToRadians (row.startDegrees), juce::degreesToRadians (row.endDegrees));
-        knobs[i].setRange (0.0, 1.0, static_cast<double> (row.step));
-        knobs[i].setKnobStyle (row.style);
-        attachSlider (parameterAt (row.parameter), knobs[i], row.unit);
-    }
-
-    constexpr double leverStep = 0.5;
-
-    for (std::size_t i = 0; i < switches.size(); ++i)
-    {
-        const auto& row = layout::switches[i];
-        switches[i].setRange (0.0, 1.0, leverStep);
-        switches[i].setPositions (row.plate);
-        attachSlider (parameterAt (row.parameter), switches[i], {});
-    }
-
-    attachSlider (parameterAt (layout::levelFader.parameter), fader, layout::levelFader.unit);
-    attachSlider (parameterAt (layout::trim.parameter), trim, layout::trim.unit);
-}
-
-void OrvaneConsoleUI::attachSlider (juce::AudioProcessorParameter& parameter, juce::Slider& slider,
-                                    const juce::String& unit)
-{
-    constexpr int longestText = 5, hoverMilliseconds = 2000;
-    slider.setPopupDisplayEnabled (true, false, slider.getTopLevelComponent(), hoverMilliseconds);
-    slider.textFromValueFunction = [&parameter, unit] (double value)
-    { return parameter.getText (static_cast<float> (value), longestText) + " " + unit; };
-    slider.valueFromTextFunction = [&parameter] (const juce::String& text)
-    { return static_cast<double> (parameter.getValueForText (text)); };
-}
-
-void OrvaneConsoleUI::setUpLabels()
-{
-    channelName.setFont (juce::Font (nameTypeface->typeface).withHeight (layout::channelName.height));
-    channelName.setColour (juce::Label::backgroundColourId, juce::Colours::transparentBlack);
-}
-
-void OrvaneConsoleUI::registerControls()
-{
-    const auto connect = [this] (int index, auto& control)
-    {
-        registerControl (index, control);
-        const auto& parameter = parameterAt (index);
-        control.setTitle (parameter.getName (100));
-        control.setHelpText (helpFor (parameter.paramID));
-
-        if (control.getTooltip().isEmpty())
-            control.setTooltip (helpFor (parameter.paramID));
-    };
-
-    const auto connectAll = [&connect] (const auto& rows, auto& controls)
-    {
-        for (std::size_t i = 0; i < rows.size(); ++i)
-            connect (rows[i].parameter, controls[i]);
-    };
-
-    connectAll (layout::knobs, knobs);
-    connectAll (layout::switches, switches);
-    connect (layout::levelFader.parameter, fader);
-    connect (layout::trim.parameter, trim);
-    connect (layout::parameter ("mute"), mute);
-    connect (layout::parameter ("phase"), phase);
-    connect (layout::parameter ("TolLink"), link);
-    connect (layout::parameter ("TolChannel"), leftNumber);
-    connect (layout::parameter ("TolChannel"), rightNumber);
-
-    for (std::size_t i = 0; i < pushButtons.size(); ++i)
-    {
-        if (const auto index = layout::pushButtons[i].parameter; index != layout::noParameter)
-        {
-            connect (index, *pushButtons[i]);
-            continue;
-        }
-
-        pushButtons[i]->setTitle ("Meter mode");
-        pushButtons[i]->setTooltip ("What the VU meter shows: the input while pressed, otherwise the output");
-    }
-}
-
-void OrvaneConsoleUI::applyParameterDefaults()
-{
-    for (const auto& [index, controls] : parameterToControls)
-    {
-        auto* const slider = controls.size() == 1 ? dynamic_cast<juce::Slider*> (controls.front()) : nullptr;
-
-        if (slider == nullptr)
-            continue;
-
-        const auto& parameter = parameterAt (index);
-        const auto fallback = static_cast<double> (parameter.getDefaultValue());
-
-        if (parameter.isDiscrete())
-            slider->setRange (0.0, 1.0, 1.0 / (parameter.getNumSteps() - 1));
-
-        slider->setDoubleClickReturnValue (true, parameter.isOrientationInverted() ? 1.0 - fallback : fallback,
-                                           juce::ModifierKeys::altModifier);
-    }
-}
-
-void OrvaneConsoleUI::listenToControls()
-{
-    for (const auto& entry : placed)
-    {
-        auto* const control = entry.first;
-
-        if (auto* const slider = dynamic_cast<juce::Slider*> (control))
-        {
-            slider->addListener (this);
-            slider->setWantsKeyboardFocus (true);
-        }
-        else if (auto* const button = dynamic_cast<juce::Button*> (control))
-        {
-            button->addListener (this);
-        }
-    }
 }
 
 //==============================================================================

@@ -67,6 +67,7 @@ TEST (EditorSize, FollowsTheZoomAndStaysOnTheDisplay)
     EXPECT_EQ (forZoom (std::numeric_limits<double>::quiet_NaN(), {}), Size (900, 741));
     EXPECT_LT (forZoom (1e300, juce::Rectangle (1920, 1080)).y, 1080);
     EXPECT_GT (forZoom (1.0, juce::Rectangle (1, 1)).x, 0);
+    EXPECT_EQ (forZoom (1.0, juce::Rectangle<int>()), Size (900, 741)) << "a display that says nothing is none";
 }
 
 } // namespace tarvik

@@ -88,6 +88,12 @@ TEST (Console, ADragIsOneGestureAndAltClickAndDoubleClickReturnToTheDefault)
         EXPECT_NEAR (p.getValue(), home, 1e-6f);
         EXPECT_EQ (t.ears.heard(), gesture (p, 1));
 
+        p.setValueNotifyingHost (far);
+        t.show();
+        mouse.press (slider.getLocalBounds().getCentre().toFloat(), 0, 2);
+        mouse.release (slider.getLocalBounds().getCentre().toFloat());
+        EXPECT_NEAR (p.getValue(), home, 1e-6f);
+
         // From one end to the other and back; a switch goes where it is pressed.
         const auto middle = slider.getLocalBounds().getCentre().toFloat();
         const auto travel = static_cast<float> (slider.getHeight() + 300);
@@ -101,6 +107,33 @@ TEST (Console, ADragIsOneGestureAndAltClickAndDoubleClickReturnToTheDefault)
         EXPECT_EQ (p.getValue(), 0.0f);
         mouse.release (middle);
         EXPECT_EQ (t.ears.heard(), gesture (p, 2));
+    }
+}
+
+TEST (Console, ANotchOfTheWheelMovesEverySliderUpAndDownAndItsParameterWithIt)
+{
+    constexpr float notch = 0.195f;
+    ConsoleUnderTest t;
+
+    for (const auto& id : idsOf<juce::Slider> (t))
+    {
+        SCOPED_TRACE (id);
+        auto& p = t.parameter (id);
+        auto& slider = t.control<juce::Slider> (id);
+        const auto step = static_cast<float> (slider.getInterval());
+        p.setValueNotifyingHost (0.5f);
+        t.show();
+        const auto before = p.getValue();
+        Mouse mouse (slider);
+        mouse.wheel (notch);
+        t.show(); // a tick in between does not undo it
+        runMessagesFor (2);
+        EXPECT_GT (p.getValue(), before);
+        EXPECT_LE (p.getValue(), before + (p.isDiscrete() ? step : 0.1f) + 1e-6f);
+        EXPECT_FLOAT_EQ (p.getValue(), static_cast<float> (slider.getValue()));
+        mouse.wheel (-notch);
+        runMessagesFor (2);
+        EXPECT_NEAR (p.getValue(), before, 1e-3f);
     }
 }
 
@@ -292,6 +325,10 @@ TEST (Console, ANumberCanBeTypedAndNoTickDisturbsIt)
     EXPECT_EQ (type (right, "9"), 8);
     EXPECT_EQ (type (left, "loud"), 8);
     EXPECT_EQ (left.getText(), "8") << "the tick puts the number back";
+    EXPECT_EQ (type (left, ""), 8);
+    EXPECT_EQ (type (left, "L:17"), 8);
+    EXPECT_EQ (type (right, "R99999999999"), 31);
+    EXPECT_EQ (type (left, "0"), 1);
     EXPECT_EQ (type (left, "99999999999"), 31);
 }
 

@@ -145,18 +145,31 @@ TEST (Editor, TwentyCanBeOpenWhileAudioRunsAndLeaveNothingBehind)
     for (int i = 0; i < 20; ++i)
         editors.push_back (std::make_unique<EditorUnderTest>());
 
-    editors[0]->strip->prepareToPlay (48000.0, 256);
+    for (const auto& e : editors)
+        e->strip->prepareToPlay (48000.0, 256);
+
     std::thread audio (
         [&]
         {
             while (! isStopping)
-                process (*editors[0]->strip, { noise (256, 1), noise (256, 2) }, 256);
+                for (const auto& e : editors)
+                    process (*e->strip, { noise (256, 1), noise (256, 2) }, 256);
         });
 
     juce::Image sheet;
 
     for (const auto& e : editors)
         sheet = snapshotOf (*e->editor);
+
+    runMessagesFor (300);
+
+    // Some go, and come back, while it plays.
+    for (const std::size_t i : { 3u, 11u, 19u })
+    {
+        editors[i]->strip->editorBeingDeleted (editors[i]->editor.get());
+        editors[i]->editor.reset (editors[i]->strip->createEditorIfNeeded());
+        editors[i]->editor->setVisible (true);
+    }
 
     runMessagesFor (300);
     isStopping = true;
@@ -186,13 +199,16 @@ TEST (Editor, AMeterTickRepaintsTheMetersAlone)
 
         bool invalidate (const juce::Rectangle<int>& r) override
         {
-            area += r.getWidth() * r.getHeight();
+            const auto isAMeters = meters[0].contains (r) || meters[1].contains (r);
+            area += isAMeters ? r.getWidth() * r.getHeight() : 1e9;
             return true;
         }
 
         void releaseResources() override {}
 
-        double area = 0.0;
+        double area = 0.0; ///< In pixels; huge for anything besides a meter.
+        const juce::Rectangle<int> meters[2] = { consoleLayout::vuMeter.on (900, 677).translated (0, 32),
+                                                 consoleLayout::gainReductionMeter.on (900, 677).translated (0, 32) };
     };
 
     auto* const watch = new Watch(); // the component owns it

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/support/EditorTestTools.h"
+#include "tests/support/StripTestTools.h"
 #include "tests/tools/ToolProcess.h"
 
 #include <juce_graphics/juce_graphics.h>
@@ -67,6 +69,28 @@ TEST_F (WindowTool, TheWindowIsDrawnWithoutAScreenAtItsZoomAndWithItsSettings)
     EXPECT_TRUE (juce::Rectangle (40, 485, 100, 100).contains (changed)) << changed.toString();
 }
 
+TEST_F (WindowTool, TheWindowShowsASavedStateAndTheSlotThatIsAskedFor)
+{
+    const auto strip = test::makeStrip (2);
+    test::setPlain (*strip, "gain", 48.0f);
+    juce::MemoryBlock state;
+    strip->getStateInformation (state);
+    fileNamed ({}).createDirectory();
+    fileNamed ("saved.state").replaceWithData (state.getData(), state.getSize());
+
+    const auto fromState = draw ({ "screenshot", "--state", "saved.state", "state.png" });
+    EXPECT_EQ (test::difference (fromState, draw ({ "screenshot", "--set", "gain=48", "set.png" })), 0.0);
+
+    const auto otherSlot = draw ({ "screenshot", "--state", "saved.state", "--slot", "B", "b.png" });
+    const juce::Rectangle<int> gainKnob (40, 485, 100, 100), slotButtons (0, 0, 58, 24);
+    EXPECT_GT (test::difference (fromState.getClippedImage (gainKnob), otherSlot.getClippedImage (gainKnob)), 0.05);
+    EXPECT_GT (test::difference (fromState.getClippedImage (slotButtons), otherSlot.getClippedImage (slotButtons)),
+               0.05);
+
+    const auto program = draw ({ "screenshot", "--state", "saved.state", "--program", "Drum Buss 1", "program.png" });
+    EXPECT_GT (test::difference (fromState, program), 0.01) << "a program behind a state counts";
+}
+
 TEST_F (WindowTool, AllPicturesComeOnOneSheet)
 {
     const auto sheet = draw ({ "pictures", "sheet.png" });
@@ -82,6 +106,9 @@ TEST_F (WindowTool, WrongArgumentsAreRefusedInOneLine)
                                    { "list", "layout", "x" },
                                    { "screenshot", "--bits", "24", "x.png" },
                                    { "screenshot", "--zoom", "7", "x.png" },
+                                   { "screenshot", "--slot", "C", "x.png" },
+                                   { "screenshot", "--state", "missing", "x.png" },
+                                   { "list", "--slot", "A" },
                                    { "list", "--zoom", "100" },
                                    { "screenshot", "missing.wav", "x.png" } })
     {

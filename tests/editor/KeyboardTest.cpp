@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/support/ConsoleTestTools.h"
+#include "tests/support/HeadlessWindow.h"
+
+namespace tarvik
+{
+namespace
+{
+using namespace test;
+using juce::KeyPress;
+
+/** A window with the strip's editor in it, as a host has it. */
+struct OpenEditor
+{
+    OpenEditor() : strip (makeStrip (2)), editor (*strip), window (editor), ears (*strip)
+    {
+        strip->uiZoomSetting().setValue (1.0);
+        strip->getParameters()[parameterIndex::tolChannel]->setValueNotifyingHost (0.5f);
+        editor.setVisible (true);
+        runMessagesFor (20);
+        ears.heard();
+    }
+
+    juce::Component& control (const char* id)
+    {
+        for (auto* const child : editor.getChildren())
+            if (const auto* const console = dynamic_cast<OrvaneConsoleUI*> (child))
+                return *console->controlsOf (test::parameter (*strip, id).getParameterIndex()).front();
+
+        throw std::runtime_error ("no console");
+    }
+
+    void press (int keyCode, int modifiers = 0)
+    {
+        window.press (keyCode, modifiers);
+        runMessagesFor (5);
+    }
+
+    juce::Image pictureAround (juce::Component& c)
+    {
+        const auto area = editor.getLocalArea (&c, c.getLocalBounds());
+        return editor.createComponentSnapshot (area);
+    }
+
+    std::unique_ptr<Tarvik41Processor> strip;
+    KVLEditor editor;
+    HeadlessWindow window;
+    HostEars ears;
+};
+
+/** The control that has the keyboard; for a text that is being edited its field. */
+juce::Component* focusedControl()
+{
+    auto* const focused = juce::Component::getCurrentlyFocusedComponent();
+    return dynamic_cast<juce::TextEditor*> (focused) != nullptr ? focused->getParentComponent() : focused;
+}
+} // namespace
+
+TEST (Keyboard, TabVisitsEveryControlOnceInTheSignalsOrderAndNothingElse)
+{
+    OpenEditor t;
+    t.control ("thd").grabKeyboardFocus();
+    auto* const start = focusedControl();
+    std::vector<juce::Component*> visited;
+
+    do
+    {
+        auto* const control = focusedControl();
+        ASSERT_NE (control, nullptr);
+        EXPECT_TRUE (control->getTitle().isNotEmpty()) << control->getName();
+
+        const auto isTheBars = dynamic_cast<ZQBar*> (control->getParentComponent()) != nullptr;
+        EXPECT_TRUE (isTheBars || control->getDescription().isNotEmpty()) << control->getTitle();
+
+        visited.push_back (control);
+        t.press (KeyPress::tabKey);
+    } while (focusedControl() != start && visited.size() < 100);
+
+    // 23 sliders, 14 buttons, 2 channel numbers, link and 4 around them; above them 4 buttons and 2 pots.
+    std::vector<juce::Component*> ofConsole;
+    std::copy_if (visited.begin(), visited.end(), std::back_inserter (ofConsole),
+                  [] (auto* c) { return dynamic_cast<OrvaneConsoleUI*> (c->getParentComponent()) != nullptr; });
+    EXPECT_EQ (ofConsole.size(), 44u);
+    EXPECT_EQ (
+        std::count_if (visited.begin(), visited.end(), [&] (auto* c) { return c->getParentComponent() == &t.editor; }),
+        6);
+
+    const auto placeOf = [&] (const char* id)
+    { return std::find (ofConsole.begin(), ofConsole.end(), &t.control (id)) - ofConsole.begin(); };
+    const char* const inOrder[] = { "thd",      "gain",     "pad",   "highFreq",   "lowGain", "compMix",
+                                    "compNuke", "expRange", "level", "TolChannel", "TolLink" };
+
+    for (std::size_t i = 1; i < std::size (inOrder); ++i)
+        EXPECT_LT (placeOf (inOrder[i - 1]), placeOf (inOrder[i])) << inOrder[i];
+}
+
+TEST (Keyboard, ArrowKeysMoveTheFocusedControlAndReturnPressesAButton)
+{
+    OpenEditor t;
+
+    for (const auto& [id, step] : { std::pair ("gain", 0.01f),
+                                    { "compRelease", 0.125f },
+                                    { "level", 0.01f },
+                                    { "expMode", 0.5f },
+                                    { "thd", 0.01f } })
+    {
+        auto& p = test::parameter (*t.strip, id);
+        p.setValueNotifyingHost (0.5f);
+        runMessagesFor (100); // a tick shows it
+        t.control (id).grabKeyboardFocus();
+        t.ears.heard();
+        t.press (KeyPress::upKey);
+        EXPECT_NEAR (p.getValue(), 0.5f + step, 2e-3f) << id;
+        t.press (KeyPress::leftKey);
+        EXPECT_NEAR (p.getValue(), 0.5f, 2e-3f) << id;
+        EXPECT_EQ (juce::StringArray::fromTokens (t.ears.heard().trim(), false).size(), 2) << id;
+        t.press (KeyPress::upKey, juce::ModifierKeys::ctrlModifier);
+        EXPECT_NEAR (p.getValue(), 0.5f, 2e-3f) << "left to the host: " << id;
+    }
+
+    auto& mute = test::parameter (*t.strip, "mute");
+    t.control ("mute").grabKeyboardFocus();
+    t.press (KeyPress::returnKey);
+    runMessagesFor (50);
+    EXPECT_EQ (mute.getValue(), 1.0f);
+}
+
+TEST (Keyboard, TheFocusedControlIsOutlinedForThoseWhoTabAndNotForTheMouse)
+{
+    OpenEditor t;
+    auto& gain = t.control ("gain");
+    const auto plain = t.pictureAround (gain);
+    gain.grabKeyboardFocus();
+    runMessagesFor (20);
+    EXPECT_EQ (difference (t.pictureAround (gain), plain), 0.0) << "as after a click";
+
+    t.press (KeyPress::tabKey);
+    t.press (KeyPress::tabKey, juce::ModifierKeys::shiftModifier);
+    EXPECT_EQ (focusedControl(), &gain);
+    EXPECT_GT (difference (t.pictureAround (gain), plain), 0.03);
+
+    t.window.click (t.editor.getLocalBounds().getBottomLeft().toFloat().translated (200.0f, -1.0f));
+    t.control ("level").grabKeyboardFocus();
+    runMessagesFor (20);
+    EXPECT_EQ (difference (t.pictureAround (gain), plain), 0.0);
+}
+
+} // namespace tarvik
