@@ -23,22 +23,23 @@ HEARD = int(LENGTH * audio.RATE) - 1024
 FIRST_LIST, TRACK_HEIGHT = (177, 178), 96
 FIRST_FOUND = (60, 55)  # in the window that lists plug-ins
 FEWEST_COLOURS = 50  # of a window in which something is drawn
-PLAYED = 14  # seconds
-EQUAL_DB = -100.0  # to the last bits, as in docs/hosts.md
-REPEAT_DB = -120.0
+SETTLING = 20.0  # seconds until an instance is at rest to the last bits; those in qtractor have had eight at least
+PLAYED = 20  # seconds
+EQUAL_DB = -100.0
 
 buses = {"Master": 2, "Mono": 1}
 clips = {
-    "added": ("Master", 3.0, [audio.drums(LENGTH, 6), audio.drums(LENGTH, 7)]),
-    "mono": ("Mono", 3.0, [audio.drums(LENGTH, 1)]),
-    "stereo": ("Master", 6.0, [audio.drums(LENGTH, 2), audio.drums(LENGTH, 3)]),
-    "automated": ("Master", 9.0, [audio.tone(3.0, 200, 0.02)]),
-    "dry": ("Master", 0.0, [audio.drums(LENGTH, 4), audio.drums(LENGTH, 5)]),
+    "added": ("Master", 8.0, [audio.drums(LENGTH, 6), audio.drums(LENGTH, 7)]),
+    "mono": ("Mono", 8.0, [audio.drums(LENGTH, 1)]),
+    "stereo": ("Master", 11.0, [audio.drums(LENGTH, 2), audio.drums(LENGTH, 3)]),
+    "automated": ("Master", 14.0, [audio.tone(3.0, 200, 0.02)]),
+    # An export begins with the first clip, or 52 samples before it as a track's latency is made up for. Here it has none.
+    "dry": ("Master", 0.0, [[0.0] * audio.RATE + audio.drums(LENGTH, seed) for seed in (4, 5)]),
 }
 options = {"added": [], "stereo": ["--program", "Drum Buss 1"], "automated": [],
            "mono": ["--set", "gain=6", "--set", "highGain=4 dB", "--set", "compThreshold=-10"]}
 delays = {"stereo": 0, "added": LATENCY, "mono": LATENCY, "automated": LATENCY}  # made up for on the first alone
-slope = [(0.0, 0.2), (10.0, 0.2), (11.0, 0.4)]  # of the gain, -12 to 48 dB: 0 dB and 12 dB
+slope = [(0.0, 0.2), (15.0, 0.2), (16.0, 0.4)]  # of the gain, -12 to 48 dB: 0 dB and 12 dB
 
 with open(shutil.which("qtractor"), "rb") as file:
     check(b"VST3 Plug-in support disabled." in file.read(), "this qtractor has no VST3, so that the LV2 bundle is what it can load")
@@ -49,9 +50,10 @@ def prepare():
     wanted, states = {}, {}
     for track, chosen in options.items():
         source, target, state = (os.path.join(folder, track + end) for end in ("-in.wav", "-out.wav", ".state"))
-        audio.write(source, (clips[track][2] * 2)[:2])
+        silence = [0.0] * int(SETTLING * audio.RATE)
+        audio.write(source, [silence + c for c in (clips[track][2] * 2)[:2]])
         render(renderer, reference_module, source, target, environment, [*chosen, "--save-state", state])
-        wanted[track] = audio.read(target)
+        wanted[track] = [c[len(silence):] for c in audio.read(target)]
         with open(state, "rb") as file:
             states[track] = file.read()
     return wanted, states
@@ -134,11 +136,12 @@ try:
     host.record(["Master/out_1", "Master/out_2", "Mono/out_1"], PLAYED, recording)
     left, right, mono = audio.read(recording)
     played = {"Master": [left, right], "Mono": [mono]}
-    dry = clips["dry"][2]
-    first = next((i for i, sample in enumerate(left) if abs(sample) > 1e-4), 0)
+    dry = [c[audio.RATE:] for c in clips["dry"][2]]
+    first = next((i for i, sample in enumerate(left) if abs(sample) > 1e-3), 0)
     short = 1000
-    offset = min(range(max(0, first - short), first + short), key=lambda o: audio.difference(left[o:o + short], dry[0][:short]))
-    worst = max(audio.difference(a[offset:offset + HEARD], b[:HEARD]) for a, b in zip((left, right), dry))
+    begin = min(range(max(0, first - short), first + short), key=lambda b: audio.difference(left[b:b + short], dry[0][:short]))
+    worst = max(audio.difference(a[begin:begin + HEARD], b[:HEARD]) for a, b in zip((left, right), dry))
+    offset = begin - audio.RATE
     check(worst < EQUAL_DB, f"playing: a track without the plug-in is heard untouched: difference {worst:.1f} dB")
     compare("playing", played, offset)
     middle, end = slope_of(played, offset)
@@ -146,11 +149,11 @@ try:
 
     # Export, save, end, open, export.
     once = export()
-    worst = max(audio.difference(a[:HEARD], b[:HEARD]) for a, b in zip(once["Master"], dry))
+    worst = max(audio.difference(a[audio.RATE:audio.RATE + HEARD], b[:HEARD]) for a, b in zip(once["Master"], dry))
     check(worst < EQUAL_DB, f"export: a track without the plug-in is untouched: difference {worst:.1f} dB")
     compare("export", once)
     middle, end = slope_of(once)
-    print(f"  automated gain in the export: {end:.2f} dB louder behind the slope, {middle:.2f} in it")
+    check(abs(end) < 0.5, f"export, automated gain: {end:.2f} dB, since this qtractor exports with the gain as it stood")
     host.save()
     host.quit()
     saved = qtractor_session.states(session)
@@ -162,8 +165,9 @@ try:
     again = qtractor_session.states(session)
     changed = [track for track in saved if saved[track] != again.get(track)]
     check(not changed, f"{len(saved)} saved states come back with the session: {len(changed)} differ")
+    compare("reopened", twice)
     worst = max(audio.difference(a, b) for bus in buses for a, b in zip(once[bus], twice[bus]))
-    check(worst < REPEAT_DB, f"the reopened session exports the same: difference {worst:.1f} dB")
+    check(worst < EQUAL_DB, f"the reopened session exports the same: difference {worst:.1f} dB")
     for number, track in ((1, "mono"), (2, "stereo")):
         screen.click(place_of(number), times=2, window=host.window)
         check_window(track)

@@ -23,13 +23,20 @@ def _juce_text(data):
     return f"{len(data)}." + "".join(JUCE_DIGITS[bits >> 6 * i & 63] for i in range(digits))
 
 
+def _packed(turtle):
+    return base64.b64encode(struct.pack(">I", len(turtle.encode())) + zlib.compress(turtle.encode())).decode()
+
+
+def _unpacked(text):
+    return zlib.decompress(base64.b64decode(re.sub(r"\s", "", text))[4:]).decode()
+
+
 def _configuration(state):
     """What qtractor stores for an instance with that state, as our renderer saves it: lilv's text, packed."""
     length, = struct.unpack_from("<I", state, 4)
     state = state[:8 + length + 1]  # a mark, the length, the text and a zero; behind it, what belongs to VST3
-    turtle = (f"<urn:qtractor:state>\n\ta pset:Preset ;\n\tlv2:appliesTo <{URI}> ;\n"
-              f"\tstate:state [\n\t\t<{URI}:StateString> \"{_juce_text(state)}\"\n\t] .\n").encode()
-    return base64.b64encode(struct.pack(">I", len(turtle)) + zlib.compress(turtle)).decode()
+    return _packed(f"<urn:qtractor:state>\n\ta pset:Preset ;\n\tlv2:appliesTo <{URI}> ;\n"
+                   f"\tstate:state [\n\t\t<{URI}:StateString> \"{_juce_text(state)}\"\n\t] .\n")
 
 
 def _length(value):
@@ -124,7 +131,7 @@ def states(path):
     for track, plugin in _plugins(ElementTree.parse(path)):
         for config in plugin.iter("config"):
             if config.get("key") == STATE_KEY:
-                found[track] = zlib.decompress(base64.b64decode(re.sub(r"\s", "", config.text))[4:]).decode()
+                found[track] = _unpacked(config.text)
     return found
 
 
@@ -133,7 +140,10 @@ def switch_off(path, by_port, by_host):
     tree = ElementTree.parse(path)
     for track, plugin in _plugins(tree):
         if track == by_port:
+            # It stands twice there, and what is in the state counts.
             next(p for p in plugin.iter("param") if p.get("name") == "Enabled").text = "0"
+            state = next(plugin.iter("config"))
+            state.text = _packed(re.sub(r'("enabled" ;\s+pset:value) 1\.0', r"\1 0.0", _unpacked(state.text)))
         elif track == by_host:
             plugin.find("activated").text = "0"
     tree.write(path)
