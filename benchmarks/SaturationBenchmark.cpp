@@ -121,12 +121,13 @@ void runMeter (benchmark::State& state)
 {
     const auto n = static_cast<int> (state.range (0));
     const auto row = music (n);
+    const auto* const channel = row.data();
     NeedleMeter meter;
     meter.prepare (rateHz);
 
     for (auto _ : state)
     {
-        meter.process (row.data(), n);
+        meter.process (&channel, 1, n);
         benchmark::DoNotOptimize (meter.getReading());
     }
 

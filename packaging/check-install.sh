@@ -21,6 +21,10 @@ if [ -n "$package" ]; then
     dpkg-deb -x "$package" "$scratch"
     depends=$(dpkg-deb --field "$package" Depends)
     [[ $depends == *libc6* && $depends == *libx11-6* ]] || fail "the package depends on '$depends' only"
+
+    # Where "Open Manual..." looks, and with some pages in it.
+    manual="$scratch/usr/Nomvale/Tarvik 41 Series/Tarvik 41 Series Manual.pdf"
+    [ "$(head -c 5 "$manual")" = "%PDF-" ] && [ "$(wc -c <"$manual")" -gt 1000000 ] || fail "the package has no manual"
 else
     # Both kinds of prefix. Who has no home folder does not get one in the current folder.
     cmake --install "$build" --prefix "$HOME" >"$scratch/log"

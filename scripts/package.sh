@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the three formats, packs them into one Debian package, build/release/tarvik41-channel_VERSION_amd64.deb, and tries
-# out what is in it.
+# Builds the three formats and the manual, packs them into one Debian package,
+# build/release/tarvik41-channel_VERSION_amd64.deb, and tries out what is in it.
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
 . scripts/common.sh
@@ -8,6 +8,7 @@ cd "$(dirname "$(readlink -f "$0")")/.."
 ensure_packages $build_packages $test_packages dpkg-dev file
 configure release
 build release Tarvik41Channel_All tarvik41-render tarvik41-tests
+scripts/manual
 rm -f build/release/*.deb # of other versions
 (cd build/release && cpack >"$log" 2>&1) || { cat "$log" >&2; exit 1; }
 packaging/check-install.sh build/release build/release/*.deb

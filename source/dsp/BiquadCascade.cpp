@@ -18,10 +18,10 @@ void BiquadCascade::setTaps (std::span<const double> taps) noexcept
         const auto section = taps.subspan (s * tapsPerSection, tapsPerSection);
         const auto a0 = section[3];
         sections.b0[s] = section[0] / a0;
-        sections.b1[s] = section[1] / a0;
-        sections.b2[s] = section[2] / a0;
         sections.a1[s] = section[4] / a0;
         sections.a2[s] = section[5] / a0;
+        sections.c1[s] = section[1] / a0 - sections.a1[s] * sections.b0[s];
+        sections.c2[s] = section[2] / a0 - sections.a2[s] * sections.b0[s];
     }
 }
 

@@ -9,12 +9,13 @@ namespace tarvik
 {
 /** A chain of second-order sections on one channel: coefficients and delay line.
 
-    Every section is the transposed direct form II, y = b0 x + s1, s1 = (b1 x + s2) - a1 y, s2 = b2 x - a2 y, in 64
-    bits. The samples between the sections stay 64 bits too; only what leaves the last one is rounded to float. In
-    this form, and only without fused multiply-adds, a section whose numerator equals its denominator computes s1 =
-    (b1 x + 0) - b1 x = 0: from a clear delay line it hands its input through bit for bit, for ever. No variant
-    below contracts, and all of them do the same operations in the same order, so they agree to the last bit on
-    every instruction set.
+    Every section is the transposed direct form II in 64 bits, with the way of the input through b0 taken out of its
+    recursion: y = b0 x + s1, s1 = (c1 x + s2) - a1 s1, s2 = c2 x - a2 s1 (all s1 on the right the last one), where
+    c1 = b1 - a1 b0 and c2 = b2 - a2 b0. So from one sample to the next there are only a product and a difference to
+    wait for, and y is no part of it. The samples between the sections stay 64 bits too; only what leaves the last one
+    is rounded to float. A section whose numerator equals its denominator has c1 = c2 = 0 exactly: from a clear delay
+    line it hands its input through bit for bit, for ever. No variant below contracts, and all of them do the same
+    operations in the same order, so they agree to the last bit on every instruction set.
 
     One thread at a time; nothing allocates, locks or throws. Samples are expected finite: a NaN would stay in the
     delay line until clear(). */
@@ -40,10 +41,10 @@ public:
     {
         for (std::size_t s = 0; s < static_cast<std::size_t> (numSections); ++s)
         {
-            const auto y = sections.b0[s] * x + sections.s1[s];
-            sections.s1[s] = (sections.b1[s] * x + sections.s2[s]) - sections.a1[s] * y;
-            sections.s2[s] = sections.b2[s] * x - sections.a2[s] * y;
-            x = y;
+            const auto last1 = sections.s1[s];
+            sections.s1[s] = (sections.c1[s] * x + sections.s2[s]) - sections.a1[s] * last1;
+            sections.s2[s] = sections.c2[s] * x - sections.a2[s] * last1;
+            x = sections.b0[s] * x + last1;
         }
 
         return x;
@@ -60,7 +61,7 @@ public:
 
     struct Sections
     {
-        PerSection b0 {}, b1 {}, b2 {}, a1 {}, a2 {};
+        PerSection b0 {}, c1 {}, c2 {}, a1 {}, a2 {};
         PerSection s1 {}, s2 {}; ///< the delay line
     };
 

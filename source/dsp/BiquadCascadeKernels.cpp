@@ -74,8 +74,8 @@ public:
     HWY_INLINE LaneFilter (const CascadePair& first, const CascadePair* second)
     {
         gather (&BiquadCascade::Sections::b0, first, second, b0);
-        gather (&BiquadCascade::Sections::b1, first, second, b1);
-        gather (&BiquadCascade::Sections::b2, first, second, b2);
+        gather (&BiquadCascade::Sections::c1, first, second, c1);
+        gather (&BiquadCascade::Sections::c2, first, second, c2);
         gather (&BiquadCascade::Sections::a1, first, second, a1);
         gather (&BiquadCascade::Sections::a2, first, second, a2);
         gather (&BiquadCascade::Sections::s1, first, second, outer1);
@@ -141,9 +141,10 @@ private:
         HWY_UNROLL (6)
         for (std::size_t v = 0; v < numVectors; ++v)
         {
-            y[v] = hn::Add (hn::Mul (b0[v], x[v]), s1[v]);
-            s1[v] = hn::Sub (hn::Add (hn::Mul (b1[v], x[v]), s2[v]), hn::Mul (a1[v], y[v]));
-            s2[v] = hn::Sub (hn::Mul (b2[v], x[v]), hn::Mul (a2[v], y[v]));
+            const auto last1 = s1[v];
+            s1[v] = hn::Sub (hn::Add (hn::Mul (c1[v], x[v]), s2[v]), hn::Mul (a1[v], last1));
+            s2[v] = hn::Sub (hn::Mul (c2[v], x[v]), hn::Mul (a2[v], last1));
+            y[v] = hn::Add (hn::Mul (b0[v], x[v]), last1);
 
             fed[v] = Order::samplesApart == 1 ? y[v] : waiting[v];
             waiting[v] = y[v];
@@ -223,7 +224,7 @@ private:
                             });
     }
 
-    Vectors b0, b1, b2, a1, a2;
+    Vectors b0, c1, c2, a1, a2;
     Vectors outer1, outer2; ///< the delay lines before and after the row
     Vectors s1, s2;         ///< while it runs
     Vectors fed;            ///< what each vector hands on at the next step

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "dsp/RampRows.h"
+
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -95,9 +97,7 @@ struct LinearStep
         const auto target = ramp.target, increment = ramp.increment;
         const auto remaining = static_cast<int> (ramp.remaining);
 
-        for (int i = 0; i < moving; ++i)
-            row[i] = static_cast<float> (target - increment * (remaining - 1 - i));
-
+        rows::fillLine (row, target, increment, remaining, moving);
         ramp.current = target - increment * (remaining - moving);
     }
 
@@ -132,12 +132,10 @@ struct GeometricStep
         while (i < moving && group.taken != 0)
             takeOne();
 
-        for (; moving - i >= static_cast<int> (groupLength); i += static_cast<int> (groupLength))
+        if (const auto groups = (moving - i) / static_cast<int> (groupLength); groups > 0)
         {
-            for (std::size_t k = 0; k < groupLength; ++k)
-                row[static_cast<std::size_t> (i) + k] = static_cast<float> (group.before * group.powers[k]);
-
-            ramp.current = group.before *= group.powers.back();
+            ramp.current = group.before = rows::fillPowers (row + i, group.before, group.powers, groups);
+            i += groups * static_cast<int> (groupLength);
         }
 
         while (i < moving)

@@ -140,6 +140,45 @@ HWY_INLINE void multiplyAddLoop (T* dst, const T* src, T s, int n)
     forTwoRows (sum, dst, dst, src, n);
 }
 
+void clampedProductFloat (float* dst, const float* a, const float* b, float limit, int n)
+{
+    const auto product = [limit] (auto x, auto y) HWY_ATTR
+    {
+        const hn::DFromV<decltype (x)> d;
+        return clampedToFinite (d, hn::Mul (x, y), hn::Set (d, limit));
+    };
+
+    forTwoRows (product, dst, a, b, n);
+}
+
+template <typename D>
+HWY_INLINE int meanMagnitudes (D d, float* dst, const float* const* sources, int numSources, int i, int n)
+{
+    const auto lanes = static_cast<int> (hn::Lanes (d));
+    const auto share = hn::Set (d, 1.0f / static_cast<float> (numSources));
+    const auto infinity = hn::Set (d, std::numeric_limits<float>::infinity());
+
+    for (; n - i >= lanes; i += lanes)
+    {
+        auto mean = hn::Mul (hn::LoadU (d, sources[0] + i), share);
+
+        for (int c = 1; c < numSources; ++c)
+            mean = hn::Add (mean, hn::Mul (hn::LoadU (d, sources[c] + i), share));
+
+        const auto magnitude = hn::Abs (mean);
+        hn::StoreU (hn::IfThenElseZero (hn::Lt (magnitude, infinity), magnitude), d, dst + i);
+    }
+
+    return i;
+}
+
+void meanMagnitudeFloat (float* dst, const float* const* sources, int numSources, int n)
+{
+    int i = meanMagnitudes (hn::ScalableTag<float>(), dst, sources, numSources, 0, n);
+    i = meanMagnitudes (hn::CappedTag<float, 4>(), dst, sources, numSources, i, n);
+    meanMagnitudes (hn::CappedTag<float, 1>(), dst, sources, numSources, i, n);
+}
+
 // The dispatch tables below hold plain functions, one set for each sample type.
 void rowsFloat (RowOperation operation, float* dst, const float* a, const float* b, int n)
 {
@@ -178,6 +217,8 @@ HWY_EXPORT (scalarFloat);
 HWY_EXPORT (scalarDouble);
 HWY_EXPORT (multiplyAddFloat);
 HWY_EXPORT (multiplyAddDouble);
+HWY_EXPORT (clampedProductFloat);
+HWY_EXPORT (meanMagnitudeFloat);
 
 void combine (RowOperation operation, float* dst, const float* a, const float* b, int n) noexcept
 {
@@ -207,6 +248,16 @@ void multiplyAdd (float* dst, const float* src, float s, int n) noexcept
 void multiplyAdd (double* dst, const double* src, double s, int n) noexcept
 {
     HWY_DYNAMIC_DISPATCH (multiplyAddDouble) (dst, src, s, n);
+}
+
+void clampedProduct (float* dst, const float* a, const float* b, float limit, int n) noexcept
+{
+    HWY_DYNAMIC_DISPATCH (clampedProductFloat) (dst, a, b, limit, n);
+}
+
+void meanMagnitude (float* dst, const float* const* sources, int numSources, int n) noexcept
+{
+    HWY_DYNAMIC_DISPATCH (meanMagnitudeFloat) (dst, sources, numSources, n);
 }
 } // namespace tarvik::rows
 #endif

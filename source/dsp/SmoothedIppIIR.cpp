@@ -325,13 +325,7 @@ void SmoothedIppIIR<Sample, Coefs>::feed (Sample* const* rows, int begin, Cascad
 
         if (isChangingBanks)
         {
-            const auto* const share = bankRow.data();
-
-            for (int i = 0; i < n; ++i)
-            {
-                first[i] = (1 - share[i]) * x[i];
-                second[i] = share[i] * x[i];
-            }
+            rows::distribute (first, second, x, bankRow.data(), n);
         }
         else if (isFading)
         {

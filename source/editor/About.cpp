@@ -61,6 +61,7 @@ About::About (const Sites& sites) : link ("Tarvik Plugins Website", juce::URL (s
     link.setColour (juce::HyperlinkButton::textColourId, juce::Colour (linkColour));
     link.setFont (regular, false);
     link.setEnabled (sites.maker.isNotEmpty());
+    link.setInterceptsMouseClicks (link.isEnabled(), false); // else a click on it is one on the panel
     addAndMakeVisible (link);
     setSize (size, size);
 }

@@ -13,6 +13,7 @@ void BypassFader::prepare (double rateHz, int mainChannels, int maxSamples)
     wet.snap();
     blend.prepare (mainChannels, maxSamples);
     activeThisSlice = false;
+    silentSamples = 0;
 }
 
 void BypassFader::beginSlice (const float* const* channels, int n, LatencyDelay& latencyDelay, int delay) noexcept
@@ -20,7 +21,14 @@ void BypassFader::beginSlice (const float* const* channels, int n, LatencyDelay&
     activeThisSlice = static_cast<float> (wet.target) < 1.0f || ! wet.isIdle();
 
     if (activeThisSlice)
+    {
         blend.split (wet, channels, n);
+        silentSamples = 0;
+    }
+    else if (silentSamples >= LatencyDelay::length)
+    {
+        return;
+    }
 
     for (int c = 0; c < blend.getNumChannels(); ++c)
     {
@@ -30,6 +38,9 @@ void BypassFader::beginSlice (const float* const* channels, int n, LatencyDelay&
 
         latencyDelay.process (c, blend.dryRow (c), n, delay);
     }
+
+    if (! activeThisSlice)
+        silentSamples += n;
 }
 
 void BypassFader::endSlice (float* const* channels, int n) noexcept

@@ -11,7 +11,7 @@ class LatencyDelay;
 
 /** Fades between the strip and its delayed input over 100 ms. Audio thread, but for `prepare`.
 
-    While the strip is fully in, the fader costs nothing but keeping the delay's history current.
+    While the strip is fully in, the fader costs nothing once the delay's history is silent.
 */
 class BypassFader
 {
@@ -30,6 +30,7 @@ public:
 private:
     WetDryRows blend;
     bool activeThisSlice = false;
+    int silentSamples = 0; ///< That the delay has had since the last fade; counted no further than its length.
 };
 
 } // namespace tarvik

@@ -200,12 +200,20 @@ void KVLProcessor::processSlice (float** channels, int numMain, int numSide, int
 
     bypassFader.beginSlice (channels, n, latencyDelay, latencyInUse);
 
-    inputGainRamp.fill (inputGain, n);
-    outputGainRamp.fill (outputGain, n);
+    // Both look at their requests now, so that one change of both gains is heard in one slice. A gain of 1 costs nothing.
+    const auto changesInput = ! inputGainRamp.restsAtOne(), changesOutput = ! outputGainRamp.restsAtOne();
+
+    if (changesInput)
+        inputGainRamp.fillTaken (inputGain, n);
+
+    if (changesOutput)
+        outputGainRamp.fillTaken (outputGain, n);
 
     for (int c = 0; c < numChannels; ++c)
     {
-        rows::multiply (channels[c], inputGain, n);
+        if (changesInput)
+            rows::multiply (channels[c], inputGain, n);
+
         rows::scale (channels[c], static_cast<float> (calibration), n);
     }
 
@@ -216,7 +224,9 @@ void KVLProcessor::processSlice (float** channels, int numMain, int numSide, int
     for (int c = 0; c < numMain; ++c)
     {
         rows::scale (channels[c], static_cast<float> (1.0 / calibration), n);
-        rows::multiply (channels[c], outputGain, n);
+
+        if (changesOutput)
+            rows::multiply (channels[c], outputGain, n);
     }
 
     bypassFader.endSlice (channels, n);

@@ -36,7 +36,7 @@ void ChannelStrip::prepare (double hostRateHz, int oversamplingFactor, int numCh
     outputMeter.prepare (hostRateHz);
 
     curve.assign (static_cast<std::size_t> (maxSamples), 0.0f);
-    monoMean.assign (static_cast<std::size_t> (maxSamples), 0.0f);
+    phaseCurve.assign (static_cast<std::size_t> (maxSamples), 0.0f);
 }
 
 void ChannelStrip::reset() noexcept
@@ -99,7 +99,7 @@ void ChannelStrip::requestGains (const GainSettings& settings) noexcept
 void ChannelStrip::processPre (float* const* channels, int n, bool isNoiseOn) noexcept
 {
     applyRamp (padRamp, channels, n);
-    feedMeter (inputMeter, channels, n);
+    inputMeter.process (channels, numMain, n);
 
     if (isNoiseOn)
         inputNoise.process (channels, numMain, n);
@@ -127,7 +127,7 @@ void ChannelStrip::processPost (float* const* channels, int n, bool isNoiseOn, P
         outputNoise.process (channels, numMain, n);
 
     applyRamp (levelRamp, channels, n);
-    feedMeter (outputMeter, channels, n);
+    outputMeter.process (channels, numMain, n);
 
     readOuts.inputMeter = inputMeter.getReading();
     readOuts.outputMeter = outputMeter.getReading();
@@ -141,7 +141,15 @@ void ChannelStrip::applyRamp (SharedRamp<RampType>& ramp, float* const* channels
     if (ramp.restsAtOne())
         return;
 
-    ramp.fill (curve.data(), n);
+    if (ramp.get().isIdle())
+    {
+        for (int c = 0; c < numMain; ++c)
+            rows::scale (channels[c], static_cast<float> (ramp.get().current), n);
+
+        return;
+    }
+
+    ramp.fillTaken (curve.data(), n);
 
     for (int c = 0; c < numMain; ++c)
         rows::multiply (channels[c], curve.data(), n);
@@ -155,24 +163,12 @@ void ChannelStrip::applyGainAndPhase (float* const* channels, int n) noexcept
         return;
     }
 
-    auto* const phaseCurve = monoMean.data(); // free at this point of the chain
     gainRamp.fill (curve.data(), n);
-    phaseRamp.fill (phaseCurve, n);
-    rows::multiply (curve.data(), phaseCurve, n);
+    phaseRamp.fill (phaseCurve.data(), n);
+    rows::multiply (curve.data(), phaseCurve.data(), n);
 
     for (int c = 0; c < numMain; ++c)
         rows::multiply (channels[c], curve.data(), n);
-}
-
-void ChannelStrip::feedMeter (NeedleMeter& meter, const float* const* channels, int n) noexcept
-{
-    const auto share = 1.0f / static_cast<float> (numMain);
-    rows::scale (monoMean.data(), channels[0], share, n);
-
-    for (int c = 1; c < numMain; ++c)
-        rows::multiplyAdd (monoMean.data(), channels[c], share, n);
-
-    meter.process (monoMean.data(), n);
 }
 
 } // namespace tarvik

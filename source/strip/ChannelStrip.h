@@ -65,7 +65,6 @@ private:
     void applyRamp (SharedRamp<RampType>& ramp, float* const* channels, int n) noexcept;
 
     void applyGainAndPhase (float* const* channels, int n) noexcept;
-    void feedMeter (NeedleMeter& meter, const float* const* channels, int n) noexcept;
     void requestGains (const GainSettings& settings) noexcept;
 
     int numMain = 0;
@@ -85,7 +84,7 @@ private:
     NeedleMeter outputMeter;
 
     std::vector<float> curve;
-    std::vector<float> monoMean;
+    std::vector<float> phaseCurve;
 
     bool lastPad = false;
     GainSettings lastGainSettings;

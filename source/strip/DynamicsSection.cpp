@@ -221,9 +221,7 @@ void DynamicsSection::makeDetectorRows (const float* const* audio, const float* 
 
     for (std::size_t c = 0; c < channels.size(); ++c)
     {
-        auto* const row = detectorRows[c];
-        rows::multiply (row, source[c], detectorCurve.data(), n);
-        rows::clampToFinite (row, loudestKey, n);
+        rows::clampedProduct (detectorRows[c], source[c], detectorCurve.data(), loudestKey, n);
     }
 
     detectorFilters.process (detectorRows.data(), n);
@@ -242,11 +240,15 @@ void DynamicsSection::makeKeys (const float* const* audio, const float* const* s
         auto* const key = channels[c].key.data();
 
         if (mode == Expander::Mode::gate)
-            rows::multiply (key, settings.gateHearsSidechain ? sidechain[c] : audio[c], inputCurve.data(), n);
+        {
+            const auto* const heard = settings.gateHearsSidechain ? sidechain[c] : audio[c];
+            rows::clampedProduct (key, heard, inputCurve.data(), loudestKey, n);
+        }
         else
+        {
             rows::copy (key, audio[c], n);
-
-        rows::clampToFinite (key, loudestKey, n);
+            rows::clampToFinite (key, loudestKey, n);
+        }
     }
 }
 
@@ -321,7 +323,7 @@ void DynamicsSection::writeReadOuts (ParameterSnapshot& snapshot) const noexcept
         expanderVolts = std::max (expanderVolts, channel.loop.expander.volts);
     }
 
-    snapshot.gainReductionDb = static_cast<float> (dbFromGain (static_cast<double> (smallestGain / meteredRest)));
+    snapshot.gainReductionDb = dbFromGain (smallestGain / meteredRest);
     snapshot.limiterActive = settings.isIn && limiterVolts > lampVolts;
     snapshot.expanderAmount = isInCircuit ? static_cast<float> (circuits.expander.getActivity (expanderVolts)) : 0.0f;
 }

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
+#include <cstddef>
 
 namespace tarvik
 {
@@ -21,16 +21,19 @@ void NeedleMeter::prepare (double rateHz)
     reading = restingReading;
 }
 
-void NeedleMeter::process (const float* row, int n) noexcept
+void NeedleMeter::process (const float* const* channels, int numChannels, int n) noexcept
 {
     constexpr int pieceLength = 256;
+    constexpr std::size_t mostChannels = 2;
     std::array<float, pieceLength> magnitude;
+    std::array<const float*, mostChannels> piece {};
+    const auto count = std::min (static_cast<std::size_t> (numChannels), mostChannels);
 
     for (int done = 0; done < n; done += pieceLength)
     {
         const auto length = std::min (n - done, pieceLength);
-        rows::absolute (magnitude.data(), row + done, length);
-        rows::clampToFinite (magnitude.data(), std::numeric_limits<float>::max(), length);
+        std::transform (channels, channels + count, piece.begin(), [done] (auto* row) { return row + done; });
+        rows::meanMagnitude (magnitude.data(), piece.data(), static_cast<int> (count), length);
         reading = scale * needle.process (magnitude.data(), length);
     }
 }

@@ -5,7 +5,7 @@
 
 namespace tarvik
 {
-/** A moving needle that shows the mean of a signal's magnitude. A sine at 18 dB below the largest sample value, with the
+/** A moving needle that shows the mean of a signal's magnitude, of both channels' mean if there are two. A sine at 18 dB below the largest sample value, with the
     calibration at 18, rests at 1, which is 0 VU. */
 class NeedleMeter
 {
@@ -13,9 +13,9 @@ public:
     /** While no audio runs: a needle at rest. */
     void prepare (double rateHz);
 
-    /** Audio thread: n samples of the mono mean. NaN and infinity count as nothing, since the needle would never recover
-        from them. */
-    void process (const float* row, int n) noexcept;
+    /** Audio thread: n samples of one or two channels. NaN and infinity count as nothing, since the needle would never
+        recover from them. */
+    void process (const float* const* channels, int numChannels, int n) noexcept;
 
     /** Linear, 1 is 0 VU, as at the end of the last row; below zero while nothing has been measured. Audio thread. */
     float getReading() const noexcept { return reading; }

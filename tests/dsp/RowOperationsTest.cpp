@@ -13,6 +13,7 @@
 #include <limits>
 #include <random>
 #include <set>
+#include <type_traits>
 #include <vector>
 
 #if defined(__SSE2__)
@@ -68,10 +69,14 @@ struct OperationCase
 };
 
 template <typename T>
-std::vector<OperationCase<T>> operationCases()
+T clamped (T x, T limit)
 {
-    const auto clamped = [] (T x, T limit) { return std::isfinite (x) ? std::clamp (x, -limit, limit) : T (0); };
+    return std::isfinite (x) ? std::clamp (x, -limit, limit) : T (0);
+}
 
+template <typename T>
+std::vector<OperationCase<T>> operationsOnEverySample()
+{
     return {
         { "absolute", [] (T* d, const T* a, const T*, T, int n) { rows::absolute (d, a, n); },
           [] (T, T a, T, T) { return std::abs (a); } },
@@ -100,11 +105,39 @@ std::vector<OperationCase<T>> operationCases()
         { "maximum", [] (T* d, const T*, const T*, T s, int n) { rows::maximum (d, s, n); },
           [] (T d, T, T, T s) { return std::max (d, s); } },
         { "clampToFinite", [] (T* d, const T*, const T*, T s, int n) { rows::clampToFinite (d, s, n); },
-          [clamped] (T d, T, T, T s) { return clamped (d, s); } },
+          [] (T d, T, T, T s) { return clamped (d, s); } },
         { "clampToFinite, no limit",
           [] (T* d, const T*, const T*, T, int n) { rows::clampToFinite (d, std::numeric_limits<T>::infinity(), n); },
           [] (T d, T, T, T) { return std::isfinite (d) ? d : T (0); } },
     };
+}
+
+template <typename T>
+std::vector<OperationCase<T>> operationCases()
+{
+    auto cases = operationsOnEverySample<T>();
+
+    if constexpr (std::is_same_v<T, float>)
+    {
+        cases.push_back ({ "clampedProduct",
+                           [] (float* d, const float* a, const float* b, float s, int n)
+                           { rows::clampedProduct (d, a, b, s, n); },
+                           [] (float, float a, float b, float s) { return clamped (a * b, s); } });
+
+        cases.push_back ({ "meanMagnitude",
+                           [] (float* d, const float* a, const float* b, float, int n)
+                           {
+                               const float* const sources[] = { a, b };
+                               rows::meanMagnitude (d, sources, 2, n);
+                           },
+                           [] (float, float a, float b, float)
+                           {
+                               const auto magnitude = std::abs (a * 0.5f + b * 0.5f);
+                               return std::isfinite (magnitude) ? magnitude : 0.0f;
+                           } });
+    }
+
+    return cases;
 }
 
 template <typename T>

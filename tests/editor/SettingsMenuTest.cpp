@@ -187,9 +187,15 @@ TEST_F (SettingsMenu, AnItemReachesThisInstanceWithShiftAllAndWithAltTheFile)
 
     constexpr Choice choices[] = {
         { 2, "Calibration", 16 },
+        { 3, "Calibration", 17 },
+        { 5, "Calibration", 19 },
         { 6, "Calibration", 20 },
+        { 7, "Calibration", 21 },
+        { 8, "Calibration", 22 },
+        { 9, "Calibration", 23 },
         { 10, "Calibration", 24 },
         { 13, "Oversampling", 1 },
+        { 15, "Oversampling", 4 },
         { 16, "Oversampling", 8 },
         { 17, "Oversampling", 16 },
         { 20, "Analog", 1 },

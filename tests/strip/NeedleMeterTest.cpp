@@ -28,7 +28,8 @@ float feed (NeedleMeter& meter, double amplitude, double seconds, double rateHz,
             row[i] = static_cast<float> (
                 amplitude * std::sin (2.0 * std::numbers::pi * 997.0 * static_cast<double> (done + i) / rateHz));
 
-        meter.process (row.data(), n);
+        const auto* const mono = row.data();
+        meter.process (&mono, 1, n);
         largest = std::max (largest, meter.getReading());
     }
 
@@ -59,6 +60,24 @@ TEST (NeedleMeter, ASineAtMinus18ReadsZeroVu)
         }
 }
 
+TEST (NeedleMeter, TwoChannelsShowTheMagnitudeOfTheirMean)
+{
+    const std::vector<float> up (300, 0.5f), down (300, -0.5f), silent (300, 0.0f);
+    const auto read = [&] (const std::vector<float>& left, const std::vector<float>& right)
+    {
+        NeedleMeter meter;
+        meter.prepare (48000.0);
+        const float* const channels[] = { left.data(), right.data() };
+        meter.process (channels, 2, 300);
+        return meter.getReading();
+    };
+
+    EXPECT_GT (read (up, up), 0.001f);
+    EXPECT_FLOAT_EQ (read (up, silent), 0.5f * read (up, up));
+    EXPECT_FLOAT_EQ (read (down, down), read (up, up));
+    EXPECT_EQ (read (up, down), 0.0f);
+}
+
 TEST (NeedleMeter, RecoversFromBadSamples)
 {
     NeedleMeter meter;
@@ -66,7 +85,9 @@ TEST (NeedleMeter, RecoversFromBadSamples)
     feed (meter, 1.0, 1.0, 48000.0);
     using Limits = std::numeric_limits<float>;
     const std::vector<float> bad { Limits::quiet_NaN(), Limits::infinity(), -Limits::infinity() };
-    meter.process (bad.data(), 3);
+    const std::vector<float> good (bad.size(), 1.0f);
+    const float* const stereo[] = { bad.data(), good.data() };
+    meter.process (stereo, 2, 3);
     EXPECT_TRUE (std::isfinite (meter.getReading()));
     feed (meter, 1.0, 1.0, 48000.0);
     EXPECT_NEAR (meter.getReading(), 1.433934f * 2.0f / 3.141593f, 2e-3f);
