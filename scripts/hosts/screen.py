@@ -33,7 +33,7 @@ class Screen:
 
     def click(self, place, times=1, button=1, window=None):
         self.move(place, window)
-        self.do("click", "--repeat", times, "--delay", 80, button)
+        self.do("click", "--repeat", times, "--delay", 40, button)
 
     def drag(self, place, down, window=None):
         """From a place so many pixels downwards, in small steps as a hand would."""
