@@ -45,6 +45,14 @@ juce::String unitOf (const ParameterRow& row)
     throw ToolError (juce::String ("no LV2 unit for ") + row.label);
 }
 
+/** The type of value that hosts send. Choices and whole numbers stay floats, which the strip rounds: some hosts cut a
+    position on its way to an int, and so miss by one.
+*/
+juce::String valueType (const ParameterRow& row)
+{
+    return row.kind == ParameterFieldKind::Bool ? "atom:Bool" : "atom:Float";
+}
+
 /** A parameter's record: plain values in its own range, as the module takes them. */
 juce::String parameterRecord (int index)
 {
@@ -54,9 +62,7 @@ juce::String parameterRecord (int index)
     lines.add (juce::String ("plug:") + row.id);
     lines.add ("\ta lv2:Parameter ;");
     lines.add (juce::String ("\trdfs:label \"") + row.name + "\" ;");
-    // JUCE's wrapper tells every value as a float, switches too, and a host may drop one that is not of the type stated here.
-    // Choices and whole numbers are rounded by the strip: some hosts cut a position on its way to an int, and so miss by one.
-    lines.add ("\trdfs:range atom:Float ;");
+    lines.add ("\trdfs:range " + valueType (row) + " ;");
     lines.add ("\tlv2:default " + juce::String (parameter->convertFrom0to1 (parameter->getDefaultValue())) + " ;");
     lines.add ("\tlv2:minimum " + juce::String (row.start) + " ;");
     lines.add ("\tlv2:maximum " + juce::String (row.end) + " ;");
@@ -64,10 +70,7 @@ juce::String parameterRecord (int index)
     if (const auto unit = unitOf (row); unit.isNotEmpty())
         lines.add ("\tunits:unit " + unit + " ;");
 
-    // The vocabulary keeps these properties for ports, but hosts on JUCE show a choice's names only where it stands.
-    if (row.kind == ParameterFieldKind::Bool)
-        lines.add ("\tlv2:portProperty lv2:toggled ;");
-
+    // The vocabulary keeps this property for ports, but hosts on JUCE show a choice's names only where it stands.
     if (! row.choices.empty())
         lines.add ("\tlv2:portProperty lv2:enumeration ;");
 
