@@ -6,7 +6,10 @@ import time
 
 from checks import check, finish, run
 
-SETTINGS = r"""[Default]
+SETTINGS = r"""[AutoSave]
+Enabled=false
+
+[Default]
 PluginSearch=Tarvik
 PluginType=0
 
