@@ -38,25 +38,17 @@ int snd_seq_close (snd_seq_t* handle)
     return 0;
 }
 
-int snd_seq_create_simple_port (snd_seq_t* handle, UNUSED const char* name, UNUSED unsigned int caps, UNUSED unsigned int type)
+int snd_seq_create_simple_port (snd_seq_t* handle, UNUSED const char* name, UNUSED unsigned int caps,
+                                UNUSED unsigned int type)
 {
     return handle->ports++;
 }
 
-int snd_seq_alloc_queue (snd_seq_t* handle)
-{
-    return handle->queues++;
-}
+int snd_seq_alloc_queue (snd_seq_t* handle) { return handle->queues++; }
 
-int snd_seq_client_id (UNUSED snd_seq_t* handle)
-{
-    return ownClient;
-}
+int snd_seq_client_id (UNUSED snd_seq_t* handle) { return ownClient; }
 
-int snd_seq_poll_descriptors_count (UNUSED snd_seq_t* handle, UNUSED short events)
-{
-    return 1;
-}
+int snd_seq_poll_descriptors_count (UNUSED snd_seq_t* handle, UNUSED short events) { return 1; }
 
 int snd_seq_poll_descriptors (snd_seq_t* handle, struct pollfd* descriptors, unsigned int space, UNUSED short events)
 {
@@ -67,17 +59,11 @@ int snd_seq_poll_descriptors (snd_seq_t* handle, struct pollfd* descriptors, uns
     return 1;
 }
 
-int snd_seq_free_event (UNUSED snd_seq_event_t* event)
-{
-    return 0;
-}
+int snd_seq_free_event (UNUSED snd_seq_event_t* event) { return 0; }
 
 // Calls of one kind each: a handle, arguments that play no part, and a fixed answer.
-#define ANSWER(call, answer, ...)                                                                                               \
-    int call (UNUSED snd_seq_t* handle, ##__VA_ARGS__)                                                                          \
-    {                                                                                                                           \
-        return answer;                                                                                                          \
-    }
+#define ANSWER(call, answer, ...) \
+    int call (UNUSED snd_seq_t* handle, ##__VA_ARGS__) { return answer; }
 
 ANSWER (snd_seq_set_client_name, 0, UNUSED const char* name)
 ANSWER (snd_seq_delete_simple_port, 0, UNUSED int port)
