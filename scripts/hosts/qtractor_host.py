@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """qtractor on a JACK server without a sound card and on a virtual screen: started, used by its keys and menus, and ended."""
+import glob
 import os
 import subprocess
 import time
@@ -158,3 +159,5 @@ class Qtractor:
                     process.kill()
                     process.wait()
         self.log.close()
+        for leftover in glob.glob(f"/dev/shm/*{self.environment['JACK_DEFAULT_SERVER']}_*"):  # of clients that JACK lost
+            os.remove(leftover)
