@@ -26,24 +26,34 @@ inline constexpr float anglePerFrame = (lastFrameAngle - firstFrameAngle) / stat
 constexpr float framePosition (float angle) { return (angle - firstFrameAngle) / anglePerFrame; }
 } // namespace filmstrip
 
-/** The angles that a rotary control's values 0 and 1 stand for. */
+/** The angles that a rotary control's values 0 and 1 stand for, and the frames, with a fraction, that they reach. One that
+    nobody has set is a whole turn over a strip's frames, of which the last is one frame short of it.
+*/
 struct RotaryArc
 {
-    float start = 3.1415927f;
-    float end = 9.424778f;
+    constexpr RotaryArc() = default;
+
+    constexpr RotaryArc (float startAngle, float endAngle)
+        : start (startAngle), end (endAngle), firstFrame (filmstrip::framePosition (startAngle)),
+          lastFrame (filmstrip::framePosition (endAngle))
+    {
+    }
 
     constexpr float angleAt (float value) const { return start + (end - start) * value; }
+
+    constexpr float frameAt (float value) const { return firstFrame + (lastFrame - firstFrame) * value; }
+
+    float start = filmstrip::firstFrameAngle;
+    float end = 9.424778f;
+    float firstFrame = 0.0f;
+    float lastFrame = filmstrip::frameCount - 1;
 };
 
 /** The frame of the strip that comes nearest to a value of 0 to 1 on an arc. */
 inline int filmstripFrame (float value, const RotaryArc& arc)
 {
-    const auto first = filmstrip::framePosition (arc.start);
-    const auto last = filmstrip::framePosition (arc.end);
-
     // The count keeps a negative frame number legal.
-    const auto nearest =
-        std::floor (first + (last - first) * value + static_cast<float> (filmstrip::frameCount) + 0.5f);
+    const auto nearest = std::floor (arc.frameAt (value) + static_cast<float> (filmstrip::frameCount) + 0.5f);
     return static_cast<int> (nearest) % filmstrip::frameCount;
 }
 

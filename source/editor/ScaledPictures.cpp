@@ -17,6 +17,10 @@ juce::Image ScaledPictures::get (Picture picture, int frameWidth, int frameHeigh
     if (picture == Picture::none || frameWidth <= 0 || frameHeight <= 0)
         return {};
 
+    // At its own size a picture needs no copy, and the decoder's cache shares it.
+    if (const auto& row = rowOf (picture); frameWidth * numFramesOf (picture) == row.width && frameHeight == row.height)
+        return decodedPicture (picture);
+
     const Key key { picture, frameWidth, frameHeight };
 
     if (const auto found = copies.find (key); found != copies.end())

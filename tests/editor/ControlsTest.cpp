@@ -121,6 +121,32 @@ TEST (Fader, TheMiddleOfTheCapRunsFromEndToEndOfTheTrack)
     }
 }
 
+TEST (Fader, ThePixelsOfADragAreThePixelsOfTheCap)
+{
+    Fader fader;
+    fader.setSize (100, 572); // a cap of 173 pixels, whose middle is between two
+    Mouse mouse (fader);
+    const auto capTop = [&]
+    {
+        const auto image = snapshotOf (fader);
+        int y = 0;
+
+        while (image.getPixelAt (50, y).getAlpha() < 128)
+            ++y;
+
+        return y;
+    };
+
+    mouse.press ({ 50.0f, 500.0f });
+    const auto first = capTop();
+
+    for (int i = 1; i <= 20; ++i)
+    {
+        mouse.drag ({ 50.0f, 500.0f - static_cast<float> (i) });
+        EXPECT_EQ (first - capTop(), i);
+    }
+}
+
 //==============================================================================
 TEST (Buttons, PhaseAndMuteShowTheirStateAndActOnThePressWithoutChangingIt)
 {

@@ -147,6 +147,10 @@ TEST (Knob, TheFrameIsTheNearestAndTheResidueTheRest)
             ASSERT_LT (angleBetween (shown, meant), 0.01) << kind.start << " " << value;
         }
     }
+
+    // Before an arc is set, a whole turn ends on the last frame and a frame's turn.
+    EXPECT_EQ (filmstripFrame (1.0f, RotaryArc()), 97);
+    EXPECT_NEAR (static_cast<double> (filmstripResidue (1.0f, RotaryArc())), 2.0 * halfFrame, 1e-5);
 }
 
 TEST (Knob, TheCornersBelongToWhatLiesBelow)

@@ -62,6 +62,47 @@ TEST (MenuLook, ARowShowsItsStateAndAllOfItsText)
     EXPECT_TRUE (differs ([] (auto& r) { r.isSeparator = true; }));
 }
 
+TEST (BoxLook, ItHasABorderOfTwoPixelsAndAnArrowToEitherSide)
+{
+    KVLLNF look;
+    juce::ComboBox box;
+    box.setColour (juce::ComboBox::backgroundColourId, juce::Colours::blue);
+    box.setColour (juce::ComboBox::outlineColourId, juce::Colours::red);
+    box.setColour (juce::ComboBox::arrowColourId, juce::Colours::white);
+
+    const auto drawn = [&]
+    {
+        Image image (Image::RGB, 100, 40, true);
+        juce::Graphics g (image);
+        look.drawComboBox (g, 100, 40, false, 60, 0, 40, 40, box);
+        return image;
+    };
+
+    const auto image = drawn();
+    EXPECT_EQ (image.getPixelAt (1, 20), juce::Colours::red);
+    EXPECT_EQ (image.getPixelAt (2, 20), juce::Colours::blue);
+
+    // In a button of 40 by 40 from 60, one arrow fills the rows 10 to 18, the other 22 to 30, each 16 wide at its base.
+    for (const auto& [x, y, isArrow] : { std::tuple (80, 12, true),
+                                         { 74, 17, true },
+                                         { 74, 12, false },
+                                         { 80, 20, false },
+                                         { 74, 22, true },
+                                         { 80, 27, true },
+                                         { 74, 27, false },
+                                         { 80, 31, false } })
+        EXPECT_EQ (image.getPixelAt (x, y) == juce::Colours::white, isArrow) << x << " " << y;
+
+    box.setEnabled (false);
+    EXPECT_NEAR (drawn().getPixelAt (80, 14).getRed(), 77, 1); // three tenths
+
+    for (const auto& [height, font] : { std::pair (8, 6.8f), { 12, 10.0f }, { 50, 10.0f } })
+    {
+        box.setSize (100, height);
+        EXPECT_FLOAT_EQ (look.getComboBoxFont (box).getHeight(), font);
+    }
+}
+
 TEST (ButtonLook, TheOutlineAndTheFillFollowTheState)
 {
     KVLLNF look;

@@ -128,6 +128,11 @@ TEST (ScaledPictures, OneCopyServesAllAndGoesWithItsLastUser)
         EXPECT_EQ (pictures->memoryInUse(), (20u * 20u + 40u * 40u) * 4u);
         other.draw (normal, { 0, 0, 30, 30 });
         EXPECT_EQ (pictures->memoryInUse(), (30u * 30u + 40u * 40u) * 4u);
+
+        // At its own size, as at 150 % on a display of twice the density, a strip of 35 MB is not copied.
+        const auto own = pictures->get (Picture::muteOn, 110, 110);
+        EXPECT_EQ (own.getPixelData(), decodedPicture (Picture::muteOn).getPixelData());
+        EXPECT_EQ (pictures->memoryInUse(), (30u * 30u + 40u * 40u) * 4u);
     }
 
     EXPECT_EQ (Pictures()->memoryInUse(), 0u);

@@ -23,6 +23,7 @@ KNOB_NAMES = {
     "expRange": "RANGE", "expRelease": "RELEASE", "expThreshold": "THRESHOLD",
 }
 KNOB_NAME_DROP = {300: 159, 240: 147}  # by the side of the knob's box
+KNOB_NAME_SHIFT = {"expThreshold": 12}  # to the right, away from the compressor's border
 HIGHER_NAMES = {"compRatio": 138, "compHPF": 144}  # a free lower half; the row of the neighbour
 
 # The three bands of the equaliser stand at the left of their gain knobs.
@@ -68,7 +69,7 @@ def knobs(ink):
         if knob["parameter"] in KNOB_NAMES:
             x, y = layout.centre(knob)
             drop = HIGHER_NAMES.get(knob["parameter"], KNOB_NAME_DROP[knob["w"]])
-            named(ink, x, y + drop, KNOB_NAMES[knob["parameter"]], scales.unit_of(knob))
+            named(ink, x + KNOB_NAME_SHIFT.get(knob["parameter"], 0), y + drop, KNOB_NAMES[knob["parameter"]], scales.unit_of(knob))
 
 
 def bands(ink):

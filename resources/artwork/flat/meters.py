@@ -79,7 +79,7 @@ def print_on(picture, control, unit, word, over_from=None):
         raise SystemExit(f"{word} is wider than its legend")
     ink.context.translate(middle, 0)
     ink.context.scale(WORD_SQUEEZE, 1)
-    ink.text(0, control["y"] + word_drop(), word, WORD_SIZE, SECONDARY)
+    ink.text(0, control["y"] + word_drop(), word, WORD_SIZE, IVORY)
     ink.onto(picture, control["x"] - LEFT, control["y"] - TOP)
 
 

@@ -22,6 +22,7 @@ BAY_RATIO = np.array(BAY, np.float32) / np.array(SLATE, np.float32)
 
 CAP_HALF_WIDTH = 80  # of the fader's cap
 SLOT_HALF_WIDTH = 13
+TONGUE, TONGUE_RADIUS = (1500, 1342, 1917, 1692), 146  # the compressor's OUTPUT stands in the expander's column
 SCREWS = [(44, 1972), (2656, 1972), (2656, 46)]
 SCREW_SIZE = 52
 METER_SCREW_SIZE = 40
@@ -37,10 +38,8 @@ def metal():
 def fields(picture):
     """Five sections, and two dark bays for the meters and the channel plate. Right and lower borders are the next one's."""
     channel = Region(1610, 14, 2178, 324, RADIUS)
-    tongue = Region(1560, 1436, 1916, 1682, RADIUS, margin=120).add(1560, 1348, 1872, 1682, RADIUS)
-    compressor = Region(1078, 14, 1618, 2012, RADIUS, margin=320).cut(channel, 6)
-    compressor.add(1560, 1436, 1916, 1682, RADIUS, 8).add(1560, 1348, 1874, 1682, RADIUS, 30)
-    expander = Region(1624, 332, 2178, 2012, RADIUS).cut(tongue, 6)
+    compressor = Region(1078, 14, 1622, 2012, RADIUS, margin=320).cut(channel, 6).add(*TONGUE, TONGUE_RADIUS, 30)
+    expander = Region(1628, 332, 2178, 2012, RADIUS).cut(Region(*TONGUE, TONGUE_RADIUS, margin=120), 6)
     for region in (Region(14, 1004, 510, 2012, RADIUS), Region(518, 14, 1070, 2012, RADIUS), compressor, expander,
                    Region(2186, 14, 2686, 2012, RADIUS)):
         recess(picture, region, FIELD_RATIO, bevel=4)

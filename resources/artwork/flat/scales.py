@@ -9,31 +9,32 @@ from ink import direction
 from palette import IVORY, NUMERAL_SIZE, SECONDARY, UNIT_SIZE, WORD_SIZE
 
 SKIRT = {0: 108.0, 1: 116.0}  # radius of the knob in a box of 300, by style
-TICK_GAP, TICK_LENGTH, NUMERAL_GAP = 5.0, 8.0, 17.0  # from the skirt: ticks begin, their length, numerals begin
+# From the skirt: ticks begin, their length, numerals begin. A tick hugs the knob and is fainter than a numeral, or one that
+# lies level would be read as the numeral's minus.
+TICK_GAP, TICK_LENGTH, NUMERAL_GAP = 2.0, 7.0, 15.5
 TICK_WIDTH = 4.5
-WIDER_BY = {"lowFreq": 7.0}  # a scale whose numerals stand close together has them further out
+WIDER_BY = {"lowFreq": 8.0}  # a scale whose numerals stand close together has them further out
 NUMERAL_HALF_HEIGHT = 0.37  # of the size of the font
 
 # Marks that keep their tick but not their numeral, because a neighbour or a readout is in the way.
 WITHOUT_NUMERAL = {
     "compMix": {"10", "20", "40", "50", "60", "80", "90"},
     "compHPF": {"30", "60", "90", "120", "200", "300"},
-    "expRelease": {"0.05", "0.8"},
+    "expRelease": {"0.05"},
     "lowGain": {"12"},
-    "lowFreq": {"-12 dB"},
 }
 
 # Units of scales whose marks' texts bear none.
 BARE_UNITS = {"compMix": "%", "compHPF": "Hz"}
 
-# What each unit of a scale of two means.
+# What each unit of a scale of two means. A cut is printed without its minus.
 MEANINGS = {"lowFreq": {"Hz": "FREQ", "dB": "CUT"}}
 
 UNIT_IN_WORDS = {"highPass"}  # switches whose words bear the unit
 
 SHORT_WORDS = {"Medium": "MED", "Expander": "EXP"}
 
-PLATE_HALF_WIDTH, WORD_GAP = 50, 11
+PLATE_HALF_WIDTH, WORD_GAP = 50, 8
 WORD_ROWS = {"high": -46, "middle": 0, "low": 46}  # rows of the marks on the switches' plates
 WORDS_ON_THE_LEFT = {"expMode"}
 
@@ -81,14 +82,16 @@ def knob(ink, control):
     inner = skirt + TICK_GAP * shrunk
     numerals = skirt + NUMERAL_GAP + WIDER_BY.get(control["parameter"], 0.0)
     for mark in control["scale"]:
-        ink.tick(x, y, mark["degrees"], inner, inner + TICK_LENGTH * shrunk, TICK_WIDTH, IVORY)
+        ink.tick(x, y, mark["degrees"], inner, inner + TICK_LENGTH * shrunk, TICK_WIDTH, SECONDARY)
         if mark["text"] not in WITHOUT_NUMERAL.get(control["parameter"], ()):
             text = numeral(mark["text"], thousand)
+            if MEANINGS.get(control["parameter"], {}).get(layout.split(mark["text"])[1]) == "CUT":
+                text = text.lstrip("-")
             radius = clear_of(ink, text, NUMERAL_SIZE, mark["degrees"], numerals)
             dx, dy = direction(mark["degrees"])
             ink.text(x + radius * dx, y + radius * dy, text, NUMERAL_SIZE, IVORY)
     if control["parameter"] in MEANINGS:
-        units_along(ink, control, numerals + 56.0)
+        units_along(ink, control, numerals + 55.0)
 
 
 def units_along(ink, control, outer):

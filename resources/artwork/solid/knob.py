@@ -101,7 +101,8 @@ def strip(shape, aluminium, samples):
     """Renders all frames of one style and lays them side by side."""
     studio = Studio(SIDE, SIDE)
     axis = build(shape, aluminium)
-    shadow = fade_to_border(studio.expose_shadow(samples, strength=0.85, soften=1.2), 24)
+    # Weaker than that of lower parts: numerals stand in it.
+    shadow = fade_to_border(studio.expose_shadow(samples, strength=0.58, soften=1.2), 24)
 
     own = np.stack([pointer_weight(k) for k in range(FRAMES)])[..., None]
     frames, pointers = np.empty((2, FRAMES, SIDE, SIDE, 4), np.float32)
