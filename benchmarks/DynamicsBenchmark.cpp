@@ -150,6 +150,7 @@ void runSection (benchmark::State& state, InstructionSet set, const Scene& scene
         for (const auto& scene : scenes)
             benchmark::RegisterBenchmark ((std::string ("Dynamics/") + set.name + "/" + scene.name).c_str(), runSection,
                                           set, scene)
+                ->Arg (blockLength / 4)
                 ->Arg (blockLength);
 
     return true;
