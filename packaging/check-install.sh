@@ -74,6 +74,12 @@ done
 TARVIK_LV2_FOLDER=$lv2 "$build/tests/tarvik41-tests" --gtest_filter='Lv2Module.*' >"$scratch/log" 2>&1 ||
     { cat "$scratch/log" >&2; fail "the LV2 module does not run as it should"; }
 
+# Without a screen the program says so in one line.
+status=0
+DISPLAY=none timeout 20 "$other/bin/tarvik41-channel" >"$scratch/log" 2>"$scratch/complaint" || status=$?
+[ $status -eq 1 ] && [ "$(grep -c '' "$scratch/complaint")" -eq 1 ] && grep -q "no screen.*'none'" "$scratch/complaint" ||
+    fail "without a screen the program ends with status $status and says '$(cat "$scratch/complaint")'"
+
 # The program opens its window, keeps it, and goes when it is asked to.
 echo 'pcm.!default { type null }' >"$HOME/.asoundrc"
 Xvfb -displayfd 5 -screen 0 1280x1024x24 -nolisten tcp 5>"$scratch/display" 2>/dev/null &
