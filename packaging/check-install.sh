@@ -17,10 +17,18 @@ fail() { echo "check-install: $*" >&2; exit 1; }
 places=("$scratch/usr/lib/vst3 $scratch/usr/lib/lv2 $scratch/usr")
 
 if [ -n "$package" ]; then
-    # The one part of what it depends on is found by a look at the binaries, the other is named in packaging/CMakeLists.txt.
+    # One part of what it depends on is found by a look at the binaries, the other, what they open by name, is listed in
+    # packaging/CMakeLists.txt. JUCE does without the screen saver's library.
     dpkg-deb -x "$package" "$scratch"
-    depends=$(dpkg-deb --field "$package" Depends)
-    [[ $depends == *libc6* && $depends == *libx11-6* ]] || fail "the package depends on '$depends' only"
+    relations=$(dpkg-deb --field "$package" Depends Suggests)
+    libraries=$(find "$scratch/usr" -type f \( -name '*.so' -o -path '*/bin/*' \) -exec strings -a {} + |
+                grep -E '^lib[[:alnum:]_+-]+\.so(\.[0-9]+)+$' | grep -v '^libXss' | sort -u)
+
+    for library in $libraries; do
+        owners=$(dpkg -S "*/$library" | sed 's/:.*//')
+        grep -qwF "$owners" <<<"$relations" || fail "the package does not name '$owners', whose $library it opens"
+    done
+    [[ $libraries == *libc.so* && $libraries == *libX11.so* ]] || fail "the package's binaries name only '$libraries'"
 
     # Where "Open Manual..." looks, and with some pages in it.
     manual="$scratch/usr/Nomvale/Tarvik 41 Series/Tarvik 41 Series Manual.pdf"
@@ -73,6 +81,12 @@ for words in "Has latency: *yes" "isSideChain" "Vox Rap 3 Aggressive"; do
 done
 TARVIK_LV2_FOLDER=$lv2 "$build/tests/tarvik41-tests" --gtest_filter='Lv2Module.*' >"$scratch/log" 2>&1 ||
     { cat "$scratch/log" >&2; fail "the LV2 module does not run as it should"; }
+
+# Without a screen the program says so in one line.
+status=0
+DISPLAY=none timeout 20 "$other/bin/tarvik41-channel" >"$scratch/log" 2>"$scratch/complaint" || status=$?
+[ $status -eq 1 ] && [ "$(grep -c '' "$scratch/complaint")" -eq 1 ] && grep -q "no screen.*'none'" "$scratch/complaint" ||
+    fail "without a screen the program ends with status $status and says '$(cat "$scratch/complaint")'"
 
 # The program opens its window, keeps it, and goes when it is asked to.
 echo 'pcm.!default { type null }' >"$HOME/.asoundrc"

@@ -16,10 +16,12 @@ constexpr int headerBytes = 8; ///< A mark and the length of the text, four byte
 /** A document of ours has 1.5 KB. Beyond this JUCE's pool of attribute names, kept sorted, would take seconds. */
 constexpr std::size_t largestText = 1 << 16;
 
-/** A document of ours has five. As every element needs one, this bounds how deep they nest, at about half a kilobyte of
-    stack each.
+/** A document of ours has five angle brackets and no ampersand. As every element needs a bracket, this bounds how deep they
+    nest, at about half a kilobyte of stack each. For each ampersand the parser may go through all the text behind it.
 */
-constexpr std::ptrdiff_t mostAngleBrackets = 256;
+constexpr std::ptrdiff_t mostMarks = 256;
+
+bool hasFew (std::string_view text, char mark) { return std::count (text.begin(), text.end(), mark) <= mostMarks; }
 
 /** Hexadecimal references without their end take the parser one byte past whatever follows. */
 bool completesHexReferences (std::string_view text)
@@ -54,8 +56,7 @@ bool isPlainMarkup (std::string_view text)
 
 bool isHarmless (std::string_view text)
 {
-    return text.size() <= largestText && std::count (text.begin(), text.end(), '<') <= mostAngleBrackets
-           && isPlainMarkup (text)
+    return text.size() <= largestText && hasFew (text, '<') && hasFew (text, '&') && isPlainMarkup (text)
            && juce::CharPointer_UTF8::isValidString (text.data(), static_cast<int> (text.size()))
            && completesHexReferences (text);
 }

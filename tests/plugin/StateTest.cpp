@@ -146,6 +146,32 @@ TEST (State, TheDocumentKeepsItsNamesAndTheirOrder)
     EXPECT_EQ (xml->getChildElement (1)->getNumAttributes(), numParameters);
     EXPECT_EQ (xml->getChildElement (1)->getAttributeName (25), "compNuke");
     EXPECT_EQ (xml->getStringAttribute ("Version"), "1.0.0");
+
+    const auto date = xml->getStringAttribute ("BuildDate");
+    EXPECT_TRUE (date.matchesWildcard ("*-*-*T*:*:*.*", false)) << date;
+    EXPECT_EQ (juce::Time::fromISO8601 (date), juce::Time::getCompilationDate());
+    EXPECT_EQ (xml->getChildElement (0)->getStringAttribute ("lowFreq"), "4") << "a choice by its number";
+    EXPECT_EQ (xml->getChildElement (0)->getStringAttribute ("equalizer"), "1");
+    EXPECT_EQ (xml->getChildElement (0)->getStringAttribute ("compInput"), "2.5");
+}
+
+/** Where a host asks a fresh instance for its state, today's defaults must not become the project's settings. */
+TEST (State, OneHostsFormatSavesSettingsOnlyBehindALoad)
+{
+    juce::AudioProcessor::setTypeOfNextNewPlugin (juce::AudioProcessor::wrapperType_AAX);
+    Tarvik41Processor strip;
+    juce::AudioProcessor::setTypeOfNextNewPlugin (juce::AudioProcessor::wrapperType_Undefined);
+
+    const auto numAttributes = [&strip]
+    {
+        const auto block = saved (strip);
+        return juce::AudioProcessor::getXmlFromBinary (block.getData(), static_cast<int> (block.getSize()))
+            ->getNumAttributes();
+    };
+
+    EXPECT_EQ (numAttributes(), 3);
+    load (strip, {}); // nothing in it, and a load all the same
+    EXPECT_EQ (numAttributes(), 9);
 }
 
 TEST (State, SlotsAreSelectedCopiedAndNamedTogether)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/tools/ToolProcess.h"
 
+#include <cstdlib>
 #include <fstream>
 
 namespace tarvik
@@ -126,6 +127,22 @@ TEST_F (BatchTool, EveryFileIsAsIfRenderedAloneWhateverTheNumberOfJobs)
         EXPECT_EQ (namesInFolder ("out").joinIntoString (" "), "a.wav b.wav c.wav d.wav e.wav s.vstpreset");
         fileNamed ("out").deleteRecursively();
     }
+}
+
+/** The program "script" gives the tool a terminal and keeps what comes there. */
+TEST_F (BatchTool, ATerminalShowsABarAndIsCleanBehindIt)
+{
+    for (const auto* const name : { "in/one.wav", "in/two.wav" })
+        writeAudio (name, noise (1, 1000), 48000.0);
+
+    const auto command = "cd '" + fileNamed ({}).getFullPathName() + "' && script -qec '\"" TARVIK_RENDER_TOOL
+                         + "\" batch --jobs 1 in out' seen </dev/null >/dev/null";
+    ASSERT_EQ (std::system (command.toRawUTF8()), 0);
+
+    const auto seen = fileNamed ("seen").loadFileAsString();
+    const auto half = juce::String::repeatedString ("#", 25) + juce::String::repeatedString (".", 25);
+    EXPECT_TRUE (seen.contains ("\r[" + half + "]  50 %  1 of 2 files")) << seen;
+    EXPECT_TRUE (seen.fromLastOccurrenceOf (" of 2 files", false, false).startsWith ("\r\x1b[K")) << seen;
 }
 
 TEST_F (BatchTool, FailuresAreToldByNameAndLeaveTheOthersAlone)
