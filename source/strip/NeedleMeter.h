@@ -5,8 +5,8 @@
 
 namespace tarvik
 {
-/** A moving needle that shows the mean of a signal's magnitude, of both channels' mean if there are two. A sine at 18 dB below the largest sample value, with the
-    calibration at 18, rests at 1, which is 0 VU. */
+/** A moving needle that shows how large a signal is on average, of two channels their mean. A sine at 18 dB below the
+    largest sample value, with the calibration at 18, rests at 1, which is 0 VU. */
 class NeedleMeter
 {
 public:

@@ -132,6 +132,52 @@ double secondsToHalf (double reductionDb, double rlOhms, double r2Ohms, double l
 }
 } // namespace
 
+// A square wave has one magnitude, so the loop comes to rest. The compressor comes first here, so that this is what it hears.
+TEST (DynamicsTransfer, EveryRatioHoldsASteadyLevelWhereItsCircuitRests)
+{
+    const auto strip = makeStrip (1);
+    strip->oversamplingSetting().setValue (1);
+    strip->analogSetting().setValue (false);
+    setPlain (*strip, "equalizer", 0.0f);
+    setPlain (*strip, "eqPost", 1.0f);
+    setPlain (*strip, "compAttack", 1.0f);
+    setPlain (*strip, "compRelease", 8.0f); // fills the second capacitor soonest
+
+    auto deepestDb = 0.0;
+
+    for (int position = 0; position < 6; ++position)
+        for (const auto threshold : { -20.0f, -9.0f })
+        {
+            setPlain (*strip, "compRatio", static_cast<float> (position));
+            setPlain (*strip, "compThreshold", threshold);
+
+            for (const auto levelDb : { -40.0, -20.0, -6.0, 0.0 })
+            {
+                strip->prepareToPlay (rateHz, 512);
+                Signal in (static_cast<std::size_t> (8.0 * rateHz));
+
+                for (std::size_t i = 0; i < in.size(); ++i)
+                    in[i] = static_cast<float> (std::pow (10.0, levelDb / 20.0) * (i / 12 % 2 == 0 ? 1.0 : -1.0));
+
+                const auto& settings = strip->currentSnapshot();
+                const auto steady =
+                    plain::Dynamics (settings, rateHz).steadyGain (static_cast<double> (in[0]) * settings.calibration);
+                const auto out = process (*strip, { in }, 512)[0];
+                SCOPED_TRACE (juce::String (position) + ", " + juce::String (threshold) + ", "
+                              + juce::String (levelDb));
+
+                // Both potentiometers stand in the middle: 17 dB less each, 4 more at the output. The saturation behind
+                // moves the tone a little, but not the needle.
+                const auto expectedDb = 20.0 * std::log10 (steady) - 30.0;
+                EXPECT_NEAR (gainsOver (in, out, rateHz).back(), expectedDb, 0.05);
+                EXPECT_NEAR (settings.gainReductionDb.get(), std::min (expectedDb, 0.0), 0.003);
+                deepestDb = std::min (deepestDb, expectedDb);
+            }
+        }
+
+    EXPECT_LT (deepestDb, -20.0);
+}
+
 TEST (DynamicsTimes, EveryReleaseIsTheDischargeOfItsTwoCapacitors)
 {
     constexpr std::array rlOhms { 15e3, 33e3, 68e3, 120e3, 220e3, 560e3, 1e6, 2.2e6, 120e3 };

@@ -33,13 +33,9 @@ public:
         const auto output = pot (p.compOutput) * std::pow (10.0, 0.2) * (smash ? 0.5 : 1.0);
         const auto mix = static_cast<double> (p.compMix);
 
-        const auto sensitivity = p.limiterSensitivity == 1   ? std::pow (10.0, -0.35)
-                                 : p.limiterSensitivity == 2 ? std::pow (10.0, -0.75)
-                                                             : 1.0;
-
         // What goes into the loop stands in rows of floats.
         const auto inputFactor = static_cast<float> (input);
-        const auto d = gain * static_cast<double> (in.detector * (inputFactor * static_cast<float> (sensitivity)));
+        const auto d = gain * static_cast<double> (in.detector * (inputFactor * static_cast<float> (sensitivity())));
         const auto e =
             expander (static_cast<double> (in.main), gain * static_cast<double> (in.key * inputFactor) * 0.5);
         const auto l = limiter (d);
@@ -68,15 +64,41 @@ public:
     static constexpr double ceiling =
         12.32 - (-11.0 - curvePoints[0] / (curvePoints[1] - curvePoints[0]) / 10.000001 + 9.914435) / 0.087612525;
 
+    // The gain that a constant magnitude of the main signal ends at, limiter and expander off: no current flows any more, so
+    // the first capacitor is where it is drawn to. Found by halving, since more gain means more voltage and less gain.
+    double steadyGain (double magnitude) const
+    {
+        auto lowest = 0.0, highest = curvePoints.back();
+        const auto detector = magnitude * pot (p.compInput) * sensitivity();
+
+        while (highest - lowest > 1e-9)
+        {
+            const auto middle = 0.5 * (lowest + highest);
+            const auto r = rectified (middle * detector);
+            (curve (targetFor (std::max (r - 0.5, 0.0), r)) > middle ? lowest : highest) = middle;
+        }
+
+        return lowest;
+    }
+
     double gain = 1.0;
     double limiterVolts = 0.0;
     double expanderVolts = 0.0;
 
 private:
+    static constexpr double dt = 1.0 / 44100.0;
+
     static double pot (float position)
     {
         const auto v = static_cast<double> (position) / 5.0;
         return std::min (static_cast<double> (position), 1.0) * std::pow (10.0, (34.0 * v - 34.0) * 0.05);
+    }
+
+    double sensitivity() const
+    {
+        return p.limiterSensitivity == 1   ? std::pow (10.0, -0.35)
+               : p.limiterSensitivity == 2 ? std::pow (10.0, -0.75)
+                                           : 1.0;
     }
 
     double threshold() const
@@ -90,6 +112,36 @@ private:
 
     double compressor (double d)
     {
+        const auto r = rectified (d);
+        peak = std::max (peak + std::min (r - 0.5 - peak, 230.0 / rate), peak * std::exp (-(1.0 / rate) / 0.264));
+        const auto target = targetFor (peak, r);
+        const auto u = target - c;
+        const auto f = u > 0.0 ? std::exp (-1.0 / u) : 0.0;
+        const auto k =
+            (1.0 - f) * (1.0 - std::exp (dt / (rl() * -2.2e-06))) + f * (1.0 - std::exp (dt / (ra() * -2.2e-06)));
+        const auto c1 = std::min ((1.0 - k) * c + k * target, ceiling); // the guard
+        const auto i = (c1 - vB) / (p.compRelease == 8 ? 33000.0 : 153000.0);
+        const auto sum = i + iPrev;
+        c = c1 - (dt / 4.4e-06) * sum;
+        vB = vB + (dt / 2e-05) * sum;
+        iPrev = i;
+        return c;
+    }
+
+    double rectified (double d) const { return std::abs (d * (p.compRatio == 0 ? 0.0 : threshold()) * 11.8); }
+
+    double ra() const { return std::array { 10000.0, 909.0909, 215.26419 }[static_cast<std::size_t> (p.compAttack)]; }
+
+    double rl() const
+    {
+        return std::array {
+            15000.0, 33000.0, 68000.0, 120000.0, 220000.0, 560000.0, 1000000.0, 2200000.0, 120000.0
+        }[static_cast<std::size_t> (p.compRelease)];
+    }
+
+    // The voltage to which the first capacitor is drawn.
+    double targetFor (double peakVolts, double r) const
+    {
         struct Ratio
         {
             double rr, a0, b;
@@ -101,34 +153,10 @@ private:
                                                   { 120000.0, 115.0, 0.2 },
                                                   { 1000000.0, 104.0, -0.6 },
                                                   { 2200000.0, 100.0, -1.1 } } };
-        constexpr std::array attacks { 10000.0, 909.0909, 215.26419 };
-        constexpr std::array releases { 15000.0,  33000.0,   68000.0,   120000.0, 220000.0,
-                                        560000.0, 1000000.0, 2200000.0, 120000.0 };
-        constexpr double dt = 1.0 / 44100.0;
-
         const auto [rr, a0, b] = ratios[static_cast<std::size_t> (p.compRatio)];
-        const auto ra = attacks[static_cast<std::size_t> (p.compAttack)];
-        const auto rl = releases[static_cast<std::size_t> (p.compRelease)];
-        const auto r2 = p.compRelease == 8 ? 33000.0 : 153000.0;
-        const auto t = p.compRatio == 0 ? 0.0 : threshold();
         const auto a = 1.0 / (22000.0 / (rr + 22000.0) + 1.0 / a0);
-        const auto kA = 1.0 - std::exp (dt / (ra * -2.2e-06));
-        const auto kR = 1.0 - std::exp (dt / (rl * -2.2e-06));
-
-        const auto r = std::abs (d * t * 11.8);
-        peak = std::max (peak + std::min (r - 0.5 - peak, 230.0 / rate), peak * std::exp (-(1.0 / rate) / 0.264));
-        const auto s = (peak + r + b / a - 1.5) * a - 0.6;
-        const auto target = (0.25 / (std::abs (2.0 * s) + 1.0) + std::max (s, 0.0)) * rl / (rl + ra);
-        const auto u = target - c;
-        const auto f = u > 0.0 ? std::exp (-1.0 / u) : 0.0;
-        const auto k = (1.0 - f) * kR + f * kA;
-        const auto c1 = std::min ((1.0 - k) * c + k * target, ceiling); // the guard
-        const auto i = (c1 - vB) / r2;
-        const auto sum = i + iPrev;
-        c = c1 - (dt / 4.4e-06) * sum;
-        vB = vB + (dt / 2e-05) * sum;
-        iPrev = i;
-        return c;
+        const auto s = (peakVolts + r + b / a - 1.5) * a - 0.6;
+        return (0.25 / (std::abs (2.0 * s) + 1.0) + std::max (s, 0.0)) * rl() / (rl() + ra());
     }
 
     double limiter (double d)

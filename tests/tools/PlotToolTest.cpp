@@ -120,6 +120,10 @@ TEST_F (PlotTool, EveryPictureIsAWholeSmallDocumentWithCurvesOnPaper)
     EXPECT_LT (figure ("AUTO after a peak of 5 ms"), figure ("AUTO after a peak of 5000 ms") / 4.0);
     EXPECT_NEAR (figure ("expander, range 0 dB"), 0.0, 0.1);
     EXPECT_LT (figure ("expander, range -20 dB"), -10.0);
+    EXPECT_EQ (figure ("gate, threshold -10 dB") - figure ("gate, threshold -40 dB"), 30.0);
+    EXPECT_EQ (figure ("expander, threshold -20 dB") - figure ("gate, threshold -20 dB"), 4.0);
+    EXPECT_GT (figure ("gate, attack Slow, hold off"), 1.5 * figure ("gate, attack Fast, hold off"));
+    EXPECT_NEAR (figure ("gate, release 0.3 s") / figure ("gate, release 0.1 s"), 3.0, 0.1);
     EXPECT_LT (figure ("THD 0 dB: farthest from the table"), 0.5);
 }
 
