@@ -4,6 +4,8 @@
 
 #include "dsp/BiquadCascadeKernels.h"
 
+#include "dsp/Dispatch.h"
+
 // foreach_target.h comes before everything else of Highway.
 // clang-format off
 #include <hwy/foreach_target.h>
@@ -382,14 +384,14 @@ HWY_EXPORT (filter);
 
 bool filterOnBestSet (const CascadePair& first, const CascadePair* second, float* left, float* right, int n)
 {
-    return HWY_DYNAMIC_DISPATCH (filter) (first, second, left, right, n);
+    return TARVIK_DISPATCH (filter) (first, second, left, right, n);
 }
 
 HWY_EXPORT (filterFour);
 
 bool filterFourOnBestSet (const CascadePair& first, const CascadePair& second, float* const* rows, int n)
 {
-    return HWY_DYNAMIC_DISPATCH (filterFour) (first, second, rows, n);
+    return TARVIK_DISPATCH (filterFour) (first, second, rows, n);
 }
 } // namespace
 } // namespace biquads

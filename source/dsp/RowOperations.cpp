@@ -4,6 +4,8 @@
 
 #include "dsp/RowOperations.h"
 
+#include "dsp/Dispatch.h"
+
 #include <hwy/foreach_target.h> // before highway.h
 #include <hwy/highway.h>
 
@@ -200,6 +202,12 @@ void scalarDouble (ScalarOperation operation, double* dst, const double* src, do
     scalarLoop (operation, dst, src, s, n);
 }
 
+void scalarFloatRows (ScalarOperation operation, float* const* rows, int numRows, float s, int n)
+{
+    for (int row = 0; row < numRows; ++row)
+        scalarLoop (operation, rows[row], rows[row], s, n);
+}
+
 void multiplyAddFloat (float* dst, const float* src, float s, int n) { multiplyAddLoop (dst, src, s, n); }
 
 void multiplyAddDouble (double* dst, const double* src, double s, int n) { multiplyAddLoop (dst, src, s, n); }
@@ -215,6 +223,7 @@ HWY_EXPORT (rowsFloat);
 HWY_EXPORT (rowsDouble);
 HWY_EXPORT (scalarFloat);
 HWY_EXPORT (scalarDouble);
+HWY_EXPORT (scalarFloatRows);
 HWY_EXPORT (multiplyAddFloat);
 HWY_EXPORT (multiplyAddDouble);
 HWY_EXPORT (clampedProductFloat);
@@ -222,42 +231,47 @@ HWY_EXPORT (meanMagnitudeFloat);
 
 void combine (RowOperation operation, float* dst, const float* a, const float* b, int n) noexcept
 {
-    HWY_DYNAMIC_DISPATCH (rowsFloat) (operation, dst, a, b, n);
+    TARVIK_DISPATCH (rowsFloat) (operation, dst, a, b, n);
 }
 
 void combine (RowOperation operation, double* dst, const double* a, const double* b, int n) noexcept
 {
-    HWY_DYNAMIC_DISPATCH (rowsDouble) (operation, dst, a, b, n);
+    TARVIK_DISPATCH (rowsDouble) (operation, dst, a, b, n);
 }
 
 void combine (ScalarOperation operation, float* dst, const float* src, float s, int n) noexcept
 {
-    HWY_DYNAMIC_DISPATCH (scalarFloat) (operation, dst, src, s, n);
+    TARVIK_DISPATCH (scalarFloat) (operation, dst, src, s, n);
 }
 
 void combine (ScalarOperation operation, double* dst, const double* src, double s, int n) noexcept
 {
-    HWY_DYNAMIC_DISPATCH (scalarDouble) (operation, dst, src, s, n);
+    TARVIK_DISPATCH (scalarDouble) (operation, dst, src, s, n);
+}
+
+void combine (ScalarOperation operation, float* const* rows, int numRows, float s, int n) noexcept
+{
+    TARVIK_DISPATCH (scalarFloatRows) (operation, rows, numRows, s, n);
 }
 
 void multiplyAdd (float* dst, const float* src, float s, int n) noexcept
 {
-    HWY_DYNAMIC_DISPATCH (multiplyAddFloat) (dst, src, s, n);
+    TARVIK_DISPATCH (multiplyAddFloat) (dst, src, s, n);
 }
 
 void multiplyAdd (double* dst, const double* src, double s, int n) noexcept
 {
-    HWY_DYNAMIC_DISPATCH (multiplyAddDouble) (dst, src, s, n);
+    TARVIK_DISPATCH (multiplyAddDouble) (dst, src, s, n);
 }
 
 void clampedProduct (float* dst, const float* a, const float* b, float limit, int n) noexcept
 {
-    HWY_DYNAMIC_DISPATCH (clampedProductFloat) (dst, a, b, limit, n);
+    TARVIK_DISPATCH (clampedProductFloat) (dst, a, b, limit, n);
 }
 
 void meanMagnitude (float* dst, const float* const* sources, int numSources, int n) noexcept
 {
-    HWY_DYNAMIC_DISPATCH (meanMagnitudeFloat) (dst, sources, numSources, n);
+    TARVIK_DISPATCH (meanMagnitudeFloat) (dst, sources, numSources, n);
 }
 } // namespace tarvik::rows
 #endif

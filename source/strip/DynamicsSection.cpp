@@ -152,8 +152,7 @@ void DynamicsSection::process (float* const* audio, int n, int numSidechain) noe
 
     if (isInCircuit)
     {
-        for (std::size_t c = 0; c < channels.size(); ++c)
-            rows::clampToFinite (audio[c], loudestAudio, n);
+        rows::clampToFinite (audio, static_cast<int> (channels.size()), loudestAudio, n);
 
         fillCurves (n);
         const auto* const sidechain = chooseSidechain (audio, n, numSidechain);
