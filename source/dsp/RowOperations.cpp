@@ -154,6 +154,29 @@ void clampedProductFloat (float* dst, const float* a, const float* b, float limi
 }
 
 template <typename D>
+HWY_INLINE int scalesByMix (D d, float* row, float limit, const float* dry, const float* wet, const float* gain, int i,
+                            int n)
+{
+    const auto lanes = static_cast<int> (hn::Lanes (d));
+
+    for (; n - i >= lanes; i += lanes)
+    {
+        const auto clamped = clampedToFinite (d, hn::LoadU (d, row + i), hn::Set (d, limit));
+        const auto wetGain = hn::Mul (hn::LoadU (d, wet + i), hn::LoadU (d, gain + i));
+        hn::StoreU (hn::Mul (clamped, hn::Add (hn::LoadU (d, dry + i), wetGain)), d, row + i);
+    }
+
+    return i;
+}
+
+void scaleByMixFloat (float* row, float limit, const float* dry, const float* wet, const float* gain, int n)
+{
+    int i = scalesByMix (hn::ScalableTag<float>(), row, limit, dry, wet, gain, 0, n);
+    i = scalesByMix (hn::CappedTag<float, 4>(), row, limit, dry, wet, gain, i, n);
+    scalesByMix (hn::CappedTag<float, 1>(), row, limit, dry, wet, gain, i, n);
+}
+
+template <typename D>
 HWY_INLINE int meanMagnitudes (D d, float* dst, const float* const* sources, int numSources, int i, int n)
 {
     const auto lanes = static_cast<int> (hn::Lanes (d));
@@ -227,6 +250,7 @@ HWY_EXPORT (scalarFloatRows);
 HWY_EXPORT (multiplyAddFloat);
 HWY_EXPORT (multiplyAddDouble);
 HWY_EXPORT (clampedProductFloat);
+HWY_EXPORT (scaleByMixFloat);
 HWY_EXPORT (meanMagnitudeFloat);
 
 void combine (RowOperation operation, float* dst, const float* a, const float* b, int n) noexcept
@@ -267,6 +291,11 @@ void multiplyAdd (double* dst, const double* src, double s, int n) noexcept
 void clampedProduct (float* dst, const float* a, const float* b, float limit, int n) noexcept
 {
     TARVIK_DISPATCH (clampedProductFloat) (dst, a, b, limit, n);
+}
+
+void scaleByMix (float* row, float limit, const float* dry, const float* wet, const float* gain, int n) noexcept
+{
+    TARVIK_DISPATCH (scaleByMixFloat) (row, limit, dry, wet, gain, n);
 }
 
 void meanMagnitude (float* dst, const float* const* sources, int numSources, int n) noexcept
