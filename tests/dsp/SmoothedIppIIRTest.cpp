@@ -198,26 +198,6 @@ TEST_F (SmoothedIppIIRTest, OnlyTheNewestChangeFollowsARunningCrossfade)
     EXPECT_FALSE (filter.isTimerRunning());
 }
 
-TEST_F (SmoothedIppIIRTest, NewRateRedesignsWithoutCrossfadeAndTheOldRateKeepsTheDesign)
-{
-    const auto soundAfterPrepare = [this] (double sampleRate)
-    {
-        filter.prepare (sampleRate, 1, blockSize);
-        return processed (filter, noise (100, 1));
-    };
-
-    changeLowPass (filter, 3000.0);
-    const auto first = soundAfterPrepare (rate);
-    EXPECT_NE (soundAfterPrepare (2.0 * rate), first);
-    EXPECT_EQ (soundAfterPrepare (rate), first);
-    EXPECT_EQ (soundAfterPrepare (rate), first);
-
-    changeLowPass (filter, 100.0); // waits
-    auto expected = noise (100, 1);
-    makeCascade (100.0).processPlain (expected.data(), 100);
-    EXPECT_EQ (soundAfterPrepare (rate), expected);
-}
-
 TEST_F (SmoothedIppIIRTest, FadesTheWholeFilterInAndOut)
 {
     changeGain (filter, 3.0);

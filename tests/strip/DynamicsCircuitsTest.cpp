@@ -71,13 +71,12 @@ TEST (Compressor, NoLevelTakesTheCapacitorsBeyondTheCurvesEnd)
 
 using Mode = Expander::Mode;
 
-Expander makeExpander (Mode mode, float rangeDb = -20.0f, bool isHolding = false)
+Expander makeExpander (Mode mode, float rangeDb = -20.0f)
 {
     Expander::Controls controls;
     controls.mode = static_cast<int> (mode);
     controls.thresholdDb = -20.0f;
     controls.rangeDb = rangeDb;
-    controls.isHolding = isHolding;
 
     Expander expander;
     expander.set (controls);
@@ -100,22 +99,6 @@ TEST (Expander, StaticCurveIsARampWithASoftKneeUpToTheRange)
     EXPECT_EQ (none.getActivity (5.0), 0.0);
     EXPECT_EQ (makeExpander (Mode::off).getActivity (5.0), 0.0);
     EXPECT_DOUBLE_EQ (expander.getActivity (5.0), 0.25);
-}
-
-TEST (Expander, HoldKeepsTheLowestAttenuationForTenMillisecondsAtATime)
-{
-    const auto expander = makeExpander (Mode::expander, -20.0f, true);
-    Expander::State state;
-    std::vector<double> held;
-
-    for (int i = 0; i < 960; ++i)
-        held.push_back (expander.holdAndInvert (state, 0.01 * i)); // rising: the key dies away
-
-    const auto steps = std::count_if (held.begin() + 1, held.end(), [&] (const auto& x) { return x != *(&x - 1); });
-    EXPECT_EQ (held[400], held[2]);
-    EXPECT_NEAR (held[700], 0.01 * 482, 0.05);
-    EXPECT_LE (steps, 6);
-    EXPECT_EQ (expander.holdAndInvert (state, 0.25), 0.25); // a louder key counts at once
 }
 } // namespace
 } // namespace tarvik::test
