@@ -117,6 +117,15 @@ std::vector<OperationCase<T>> operationCases()
         cases.push_back ({ "clampedProduct",
                            [] (T* d, Row a, Row b, T s, int n) { rows::clampedProduct (d, a, b, s, n); },
                            [] (T, T a, T b, T s) { return clamped (a * b, s); } });
+        cases.push_back ({ "scale, two rows",
+                           [] (T* d, Row, Row, T s, int n)
+                           {
+                               rows::scale (std::array { d, d + n / 2 }.data(), 2, s, n / 2);
+                               rows::scale (d + n - 1, s, n % 2);
+                           },
+                           [] (T d, T, T, T s) { return d * s; } });
+        cases.push_back ({ "scaleByMix", [] (T* d, Row a, Row b, T s, int n) { rows::scaleByMix (d, s, a, b, a, n); },
+                           [] (T d, T a, T b, T s) { return clamped (d, s) * (a + b * a); } });
         cases.push_back ({ "meanMagnitude",
                            [] (T* d, Row a, Row b, T, int n) {
                                rows::meanMagnitude (d, std::array { a, b }.data(), 2, n);

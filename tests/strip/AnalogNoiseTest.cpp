@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "strip/AnalogNoise.h"
 
+#include "dsp/InstructionSets.h"
 #include "tests/support/Signals.h"
 
 #include <gtest/gtest.h>
@@ -85,6 +86,12 @@ TEST (AnalogNoise, StartsDifferButASeedFixesThem)
     const auto fixed = run (seven, 5000);
     EXPECT_EQ (run (seven, 5000, { 1, 256, 3, 8, 13 }), fixed) << "however the stream is cut";
     EXPECT_NE (run (eight, 5000), fixed);
+
+    for (const auto& set : supportedInstructionSets())
+    {
+        const ScopedInstructionSet forced (set);
+        EXPECT_EQ (run (seven, 5000), fixed) << set.name;
+    }
 
     std::vector<Row> starts;
 
