@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "plugin/ParameterTable.h"
 #include "tests/support/StripTestTools.h"
 
 #include <limits>
@@ -27,34 +26,16 @@ enum class Badness
 
 Signal badSignal (Badness kind, int numSamples, unsigned seed)
 {
-    switch (kind)
-    {
-        case Badness::fullScale:
-            return noise (numSamples, seed, 1.0f);
-        case Badness::plus24Db:
-            return noise (numSamples, seed, 15.85f);
-        case Badness::subnormals:
-            return noise (numSamples, seed, 1e-39f);
-        case Badness::oneNan:
-        case Badness::oneInfinity:
-        {
-            auto signal = noise (numSamples, seed, 0.5f);
-            signal[signal.size() / 2] = kind == Badness::oneNan ? std::numeric_limits<float>::quiet_NaN()
-                                                                : -std::numeric_limits<float>::infinity();
-            return signal;
-        }
-        case Badness::silence:
-        case Badness::kinds:
-            break;
-    }
+    constexpr float levels[] = { 0.0f, 1.0f, 15.85f, 0.5f, 0.5f, 1e-39f };
+    auto signal = noise (numSamples, seed, levels[static_cast<int> (kind)]);
+    auto& middle = signal[signal.size() / 2];
 
-    return Signal (static_cast<std::size_t> (numSamples));
-}
+    if (kind == Badness::oneNan)
+        middle = std::numeric_limits<float>::quiet_NaN();
+    else if (kind == Badness::oneInfinity)
+        middle = -std::numeric_limits<float>::infinity();
 
-void randomSettings (Tarvik41Processor& strip, std::mt19937& random)
-{
-    for (auto* const p : strip.getParameters())
-        p->setValueNotifyingHost (static_cast<float> (random() % 1001) / 1000.0f);
+    return signal;
 }
 } // namespace
 
@@ -105,7 +86,7 @@ TEST (HostileAudio, WhateverComesInTheStripStaysFiniteAndIsCleanASecondLater)
             return output;
         };
 
-        randomSettings (strip, random);
+        setRandomly (strip, random);
         setPlain (strip, "TolLink", 1.0f);
 
         for (int block = 0; block < 4; ++block)
@@ -116,14 +97,14 @@ TEST (HostileAudio, WhateverComesInTheStripStaysFiniteAndIsCleanASecondLater)
             p->setValueNotifyingHost (p->getValue() > 0.5f ? 0.0f : 1.0f);
         }
 
-        setPlain (strip, "TolLink", 1.0f);
-        setPlain (strip, "compIn", isIn ? 1.0f : 0.0f);
-        setPlain (strip, "compRelease", 0.0f);
-        setPlain (strip, "expRelease", 0.025f);
-        setPlain (strip, "expHold", 0.0f);
-        setPlain (strip, "mute", 0.0f);
+        setPlain (strip, { { "TolLink", 1.0f },
+                           { "compIn", isIn ? 1.0f : 0.0f },
+                           { "compRelease", 0.0f },
+                           { "expRelease", 0.025f },
+                           { "expHold", 0.0f },
+                           { "mute", 0.0f } });
         const auto output = play (programme, programme);
-        float difference = 0.0f, level = 0.0f;
+        auto difference = 0.0f, level = 0.0f;
 
         for (std::size_t i = programme.size() - 1024; i < programme.size(); ++i)
         {

@@ -24,23 +24,22 @@ namespace
 class Module
 {
 public:
-    Module() : handle (dlopen (TARVIK_MODULE, RTLD_NOW | RTLD_LOCAL))
+    Module()
     {
-        if (handle != nullptr && entry<bool (*) (void*)> ("ModuleEntry") (handle))
-            getFactory = entry<IPluginFactory* (*) ()> ("GetPluginFactory");
+        if (handle == nullptr || ! entry<bool (*) (void*)> ("ModuleEntry") (handle))
+            throw std::runtime_error ("cannot open the module");
     }
 
     ~Module()
     {
-        if (getFactory != nullptr)
-            entry<bool (*)()> ("ModuleExit")();
-
-        if (handle != nullptr)
-            dlclose (handle);
+        entry<bool (*)()> ("ModuleExit")();
+        dlclose (handle);
     }
 
     Module (const Module&) = delete;
     Module& operator= (const Module&) = delete;
+
+    IPluginFactory* getFactory() const { return entry<IPluginFactory* (*) ()> ("GetPluginFactory")(); }
 
     template <typename Function>
     Function entry (const char* name) const
@@ -48,8 +47,8 @@ public:
         return reinterpret_cast<Function> (dlsym (handle, name));
     }
 
-    void* handle = nullptr;
-    IPluginFactory* (*getFactory)() = nullptr;
+private:
+    void* const handle = dlopen (TARVIK_MODULE, RTLD_NOW | RTLD_LOCAL);
 };
 
 /** A reference that the host holds and gives back. */
@@ -98,8 +97,7 @@ std::string text (const Vst::String128& wide)
 
 TEST (Module, ExportsItsEntriesAndTheStringsAndCodesThatHostsKeep)
 {
-    Module module;
-    ASSERT_NE (module.getFactory, nullptr) << dlerror();
+    const Module module;
     EXPECT_TRUE (module.entry<bool (*)()> ("InitDll")());
     EXPECT_TRUE (module.entry<bool (*)()> ("ExitDll")());
 
@@ -148,36 +146,26 @@ TEST (Module, ExportsItsEntriesAndTheStringsAndCodesThatHostsKeep)
 
 TEST (Module, ComponentHasThreeBusesNoEventsAndItsLatency)
 {
-    Module module;
-    ASSERT_NE (module.getFactory, nullptr);
+    const Module module;
     const Held<IPluginFactory> factory (module.getFactory());
     const auto component = create<Vst::IComponent> (*factory, componentId.data(), INLINE_UID_OF (Vst::IComponent));
     ASSERT_NE (component, nullptr);
     ASSERT_EQ (component->initialize (nullptr), kResultOk);
-
     EXPECT_EQ (component->getBusCount (Vst::kEvent, Vst::kInput), 0);
     EXPECT_EQ (component->getBusCount (Vst::kEvent, Vst::kOutput), 0);
     ASSERT_EQ (component->getBusCount (Vst::kAudio, Vst::kInput), 2);
     ASSERT_EQ (component->getBusCount (Vst::kAudio, Vst::kOutput), 1);
 
-    struct Expected
-    {
-        Vst::BusDirection direction;
-        int32 index;
-        const char* name;
-        Vst::BusType type;
-    };
-
-    for (const auto& expected :
-         { Expected { Vst::kInput, 0, "Input", Vst::kMain }, Expected { Vst::kOutput, 0, "Output", Vst::kMain },
-           Expected { Vst::kInput, 1, "Sidechain", Vst::kAux } })
+    for (const auto& [direction, index, name, type] : { std::tuple (Vst::kInput, 0, "Input", Vst::kMain),
+                                                        { Vst::kOutput, 0, "Output", Vst::kMain },
+                                                        { Vst::kInput, 1, "Sidechain", Vst::kAux } })
     {
         Vst::BusInfo bus;
-        ASSERT_EQ (component->getBusInfo (Vst::kAudio, expected.direction, expected.index, bus), kResultOk);
-        EXPECT_EQ (text (bus.name), expected.name);
-        EXPECT_EQ (bus.busType, expected.type);
+        ASSERT_EQ (component->getBusInfo (Vst::kAudio, direction, index, bus), kResultOk);
+        EXPECT_EQ (text (bus.name), name);
+        EXPECT_EQ (bus.busType, type);
         EXPECT_EQ (bus.channelCount, 2);
-        EXPECT_TRUE (bus.flags & Vst::BusInfo::kDefaultActive) << expected.name;
+        EXPECT_TRUE (bus.flags & Vst::BusInfo::kDefaultActive) << name;
     }
 
     const auto processor = query<Vst::IAudioProcessor> (*component, INLINE_UID_OF (Vst::IAudioProcessor));
@@ -202,8 +190,7 @@ TEST (Module, ComponentHasThreeBusesNoEventsAndItsLatency)
 
 TEST (Module, ControllerShowsTheParametersTheBypassAndTheProgramsToAHost)
 {
-    Module module;
-    ASSERT_NE (module.getFactory, nullptr);
+    const Module module;
     const Held<IPluginFactory> factory (module.getFactory());
     const auto component = create<Vst::IComponent> (*factory, componentId.data(), INLINE_UID_OF (Vst::IComponent));
     const auto controller =

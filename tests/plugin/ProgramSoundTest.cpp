@@ -12,15 +12,7 @@ using namespace test;
 
 namespace
 {
-double rmsDb (const Signal& signal)
-{
-    double sum = 0.0;
-
-    for (const auto sample : signal)
-        sum += static_cast<double> (sample) * static_cast<double> (sample);
-
-    return 10.0 * std::log10 (sum / static_cast<double> (signal.size()));
-}
+double rmsDb (const Signal& signal) { return 20.0 * std::log10 (rmsOfEnd (signal, signal.size())); }
 
 std::unique_ptr<Tarvik41Processor> makeNoiselessStrip()
 {

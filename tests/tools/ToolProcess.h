@@ -40,18 +40,14 @@ protected:
     void writeSettings (SettingsValues values)
     {
         values.insert ({ "Analog", "0" });
-        juce::XmlElement xml ("PROPERTIES");
+        juce::String text ("<PROPERTIES>");
 
         for (const auto& [key, value] : values)
-        {
-            auto* const entry = xml.createNewChildElement ("VALUE");
-            entry->setAttribute ("name", key);
-            entry->setAttribute ("val", value);
-        }
+            text << "<VALUE name=\"" << key << "\" val=\"" << value << "\"/>";
 
         const auto file = configFolder().getChildFile ("Tarvik Plugins/Tarvik 41 Channel.settings");
-        ASSERT_TRUE (file.getParentDirectory().createDirectory().wasOk());
-        ASSERT_TRUE (xml.writeTo (file));
+        ASSERT_TRUE (file.create().wasOk());
+        ASSERT_TRUE (file.replaceWithText (text + "</PROPERTIES>"));
     }
 
     juce::File fileNamed (const juce::String& name) const { return folder.getChildFile ("work").getChildFile (name); }
@@ -102,6 +98,41 @@ protected:
     }
 
     Outcome run (const juce::StringArray& arguments) const { return finish (start (arguments)); }
+
+    Outcome runWell (const juce::StringArray& arguments) const
+    {
+        const auto outcome = run (arguments);
+        EXPECT_EQ (outcome.status, 0) << arguments.joinIntoString (" ") << "\n" << outcome.err;
+        return outcome;
+    }
+
+    static juce::String moduleBundle()
+    {
+        return juce::File (TARVIK_MODULE)
+            .getParentDirectory()
+            .getParentDirectory()
+            .getParentDirectory()
+            .getFullPathName();
+    }
+
+    static juce::AudioBuffer<float> noise (int numChannels, int numSamples, int seed = 41)
+    {
+        juce::AudioBuffer<float> audio (numChannels, numSamples);
+        juce::Random random (seed);
+
+        for (int c = 0; c < numChannels; ++c)
+            for (int i = 0; i < numSamples; ++i)
+                audio.setSample (c, i, random.nextFloat() - 0.5f);
+
+        return audio;
+    }
+
+    juce::MemoryBlock bytesOf (const juce::String& name) const
+    {
+        juce::MemoryBlock bytes;
+        EXPECT_TRUE (fileNamed (name).loadFileAsData (bytes)) << name;
+        return bytes;
+    }
 
     /** The names in the folder of the test's files, or in one below, hidden ones too. */
     juce::StringArray namesInFolder (const juce::String& below = {}) const
