@@ -33,20 +33,6 @@ TEST (ToggleSwitch, EachThirdOfTheTravelHasItsLeverOnTheChosenPlate)
         }
 }
 
-TEST (ToggleSwitch, APressPutsTheLeverWhereTheMouseIs)
-{
-    ToggleSwitch lever;
-    lever.setRange (0.0, 1.0, 0.5);
-    lever.setSize (90, 90); // as at 150 %
-    Mouse mouse (lever);
-
-    for (const auto& [y, value] : { std::pair (8.0f, 1.0), { 45.0f, 0.5 }, { 82.0f, 0.0 }, { 12.0f, 1.0 } })
-    {
-        mouse.click ({ 45.0f, y });
-        EXPECT_EQ (lever.getValue(), value) << y;
-    }
-}
-
 //==============================================================================
 TEST (Fader, APressAnywhereDoesNotMoveTheCapAndADragMovesItWithTheMouse)
 {

@@ -86,24 +86,6 @@ TEST (Knob, ThePointerShowsTheValueInBothStylesAndOnEveryArc)
     }
 }
 
-TEST (Knob, TheFrameIsTheNearestAndTheResidueTheRest)
-{
-    constexpr auto frameDegrees = 360.0 / 98.0;
-
-    for (const auto& kind : kinds)
-        for (float value = 0.0f; value <= 1.0f; value += 1.0f / 512.0f)
-        {
-            const RotaryArc arc { static_cast<float> (kind.start * degree), static_cast<float> (kind.end * degree) };
-            const auto frame = filmstripFrame (value, arc);
-            const auto residue = static_cast<double> (filmstripResidue (value, arc)) / degree;
-            ASSERT_TRUE (juce::isPositiveAndBelow (frame, 98)) << kind.start << " " << value;
-            ASSERT_LE (std::abs (residue), frameDegrees / 2.0 + 1e-2) << kind.start << " " << value;
-            const auto meant = kind.start + static_cast<double> (value) * (kind.end - kind.start);
-            ASSERT_LT (angleBetween (180.0 + frame * frameDegrees + residue, meant), 0.01)
-                << kind.start << " " << value;
-        }
-}
-
 TEST (Knob, TheCornersBelongToWhatLiesBelow)
 {
     OrvaneKnob knob; // the circle's radius is 39 pixels of its 100
@@ -193,27 +175,6 @@ TEST (Wheel, AContinuousKnobMovesByTheWheelsOwnMeasureAndCtrlRefinesIt)
     knob.setValue (0.5, juce::dontSendNotification);
     mouse.wheel (0.001f, 0, true);
     EXPECT_EQ (knob.getValue(), 0.75);
-}
-
-TEST (Wheel, WhatASliderCannotTakeGoesToItsParent)
-{
-    struct Parent : juce::Component
-    {
-        void mouseWheelMove (const juce::MouseEvent&, const juce::MouseWheelDetails& wheel) override
-        {
-            received += wheel.deltaY;
-        }
-
-        float received = 0.0f;
-    } parent;
-
-    OrvaneKnob knob;
-    parent.addAndMakeVisible (knob);
-    knob.setRange (0.0, 1.0, 0.1);
-    knob.setEnabled (false);
-    Mouse (knob).wheel (0.2f);
-    EXPECT_EQ (parent.received, 0.2f);
-    EXPECT_EQ (knob.getValue(), 0.0);
 }
 
 //==============================================================================

@@ -90,24 +90,4 @@ TEST (BoxLook, ItHasABorderOfTwoPixelsAndAnArrowToEitherSide)
     EXPECT_NEAR (boxDrawn().getPixelAt (80, 14).getRed(), 77, 1); // three tenths
 }
 
-TEST (ButtonLook, TheOutlineAndTheFillFollowTheState)
-{
-    KVLLNF look;
-    juce::TextButton button;
-    button.setSize (20, 20);
-
-    for (const auto& [isEnabled, isOver, isDown, outline, fill] : { std::tuple (true, false, false, 128, 0),
-                                                                    { true, true, false, 230, 204 },
-                                                                    { true, true, true, 192, 128 },
-                                                                    { false, false, false, 26, 0 } })
-    {
-        button.setEnabled (isEnabled);
-        const auto image = drawn (20, 20,
-                                  [&, over = isOver, down = isDown] (juce::Graphics& g)
-                                  { look.drawButtonBackground (g, button, juce::Colours::white, over, down); });
-        EXPECT_NEAR (image.getPixelAt (0, 10).getAlpha(), outline, 1);
-        EXPECT_NEAR (image.getPixelAt (10, 10).getAlpha(), fill, 1);
-    }
-}
-
 } // namespace tarvik

@@ -44,11 +44,8 @@ TEST (Pictures, EveryFileHasTheSizeAndTheChannelsOfTheCatalogue)
         const auto* const header = reinterpret_cast<const char*> (file.data()) + 16;
         EXPECT_EQ (juce::ByteOrder::bigEndianInt (header), static_cast<juce::uint32> (row.width));
         EXPECT_EQ (juce::ByteOrder::bigEndianInt (header + 4), static_cast<juce::uint32> (row.height));
-        EXPECT_EQ (header[8], 8);
         EXPECT_EQ (header[9], row.colours == PictureColours::rgba ? 6 : 2);
-
-        // The end of the data is in place, too.
-        EXPECT_EQ (juce::String (reinterpret_cast<const char*> (file.data()) + file.size() - 8, 4), "IEND");
+        EXPECT_TRUE (decodedPicture (row.id).isValid());
     }
 }
 

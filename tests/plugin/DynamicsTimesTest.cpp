@@ -55,9 +55,7 @@ std::vector<double> gainsOver (const Signal& in, const Signal& out, double rate,
 /** What the running strip does to the tone, at factor 2, in dB over what it does to it at rest. */
 std::vector<double> measure (int attack, int release, double loudSeconds, double quietBehind)
 {
-    const auto strip = makeStrip (1);
-    strip->oversamplingSetting().setValue (2);
-    strip->analogSetting().setValue (false);
+    const auto strip = makeNoiselessStrip (1);
 
     setPlain (*strip, { { "equalizer", 0.0f },
                         { "compThreshold", thresholdDb },
@@ -127,9 +125,7 @@ double secondsToHalf (double reductionDb, double rlOhms, double r2Ohms, double l
 // A square wave has one magnitude, so the loop comes to rest. The compressor comes first here, so that this is what it hears.
 TEST (DynamicsTransfer, EveryRatioHoldsASteadyLevelWhereItsCircuitRests)
 {
-    const auto strip = makeStrip (1);
-    strip->oversamplingSetting().setValue (1);
-    strip->analogSetting().setValue (false);
+    const auto strip = makeNoiselessStrip (1, 1);
     setPlain (*strip, { { "equalizer", 0.0f }, { "eqPost", 1.0f }, { "compAttack", 1.0f } });
     setPlain (*strip, "compRelease", 8.0f); // fills the second capacitor soonest
     auto deepestDb = 0.0;

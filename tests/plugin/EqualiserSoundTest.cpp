@@ -18,9 +18,7 @@ using Complex = std::complex<double>;
 
 std::unique_ptr<Tarvik41Processor> makeEqualiserStrip (int factor)
 {
-    auto strip = makeStrip();
-    strip->oversamplingSetting().setValue (factor);
-    strip->analogSetting().setValue (false);
+    auto strip = makeNoiselessStrip (2, factor);
     setPlain (*strip, "compIn", 0.0f);
     return strip;
 }

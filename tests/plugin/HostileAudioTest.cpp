@@ -59,9 +59,7 @@ TEST (HostileAudio, WhateverComesInTheStripStaysFiniteAndIsCleanASecondLater)
 
     for (const auto factor : { 1, 2, 4, 8, 16 })
     {
-        strips.push_back (makeStrip (2, true));
-        strips.back()->oversamplingSetting().setValue (factor);
-        strips.back()->analogSetting().setValue (false);
+        strips.push_back (makeNoiselessStrip (2, factor, true));
         strips.back()->prepareToPlay (sampleRate, blockLength);
     }
 
@@ -118,8 +116,7 @@ TEST (HostileAudio, WhateverComesInTheStripStaysFiniteAndIsCleanASecondLater)
 
 TEST (HostileAudio, SilenceBehindASignalStaysFreeOfSubnormals)
 {
-    const auto strip = makeStrip();
-    strip->analogSetting().setValue (false);
+    const auto strip = makeNoiselessStrip();
     strip->prepareToPlay (sampleRate, 512);
     process (*strip, { noise (4800, 1, 0.5f), noise (4800, 2, 0.5f) }, 512);
 

@@ -91,19 +91,18 @@ TEST (Parameters, TextRulesReadLikeTheConsoleAndReadBack)
                                            { "TolChannel", 17.0f, "17" } })
         EXPECT_EQ (textOf (strip, id, plain), text) << id;
 
-    for (int i = 0; i <= 100; ++i)
+    for (float x = 0.0f; x <= 1.0f; x += 0.01f)
         for (const auto* id : { "midGain", "lowGain" })
-        {
-            const auto x = static_cast<float> (i) / 100.0f;
-            const auto text = textOf (strip, id, x);
-            EXPECT_NEAR (fromText (strip, id, text.toRawUTF8()), x, 0.0101f) << id << " " << text;
-        }
+            EXPECT_NEAR (fromText (strip, id, textOf (strip, id, x).toRawUTF8()), x, 0.0101f) << id;
 
-    EXPECT_FLOAT_EQ (fromText (strip, "compHPF", "Off"), 20.0f);
-    EXPECT_NEAR (fromText (strip, "compHPF", "90.0 Hz"), 90.0f, 0.01f);
-    EXPECT_FLOAT_EQ (fromText (strip, "compMix", "47 %"), 0.47f);
-    EXPECT_FLOAT_EQ (fromText (strip, "midGain", "15.42 dB"), 1.0f);
-    EXPECT_FLOAT_EQ (fromText (strip, "midGain", "-100"), 0.0f) << "no level is the lower end, not a number gone bad";
+    // No level is the lower end, not a number gone bad.
+    for (const auto& [id, text, plain] : { std::tuple ("compHPF", "Off", 20.0f),
+                                           { "compHPF", "90.0 Hz", 90.0f },
+                                           { "compMix", "47 %", 0.47f },
+                                           { "midGain", "15.42 dB", 1.0f },
+                                           { "midGain", "-100", 0.0f } })
+        EXPECT_NEAR (fromText (strip, id, text), plain, 1e-4f * plain) << id;
+
     EXPECT_EQ (decimalText (-0.001f, 2), "0.00");
 }
 
@@ -138,12 +137,10 @@ TEST (Parameters, WhatIsNoNumberIsIgnoredByEveryKind)
             Tarvik41Processor strip;
             auto& p = parameter (strip, id);
             p.setValueNotifyingHost (0.7f);
-            const auto before = p.convertFrom0to1 (p.getValue());
-            const auto field = plainValueOf (strip.currentSnapshot(), p.getParameterIndex());
-
+            const auto before = plainOf (strip, id);
             p.setValueNotifyingHost (bad);
-            EXPECT_EQ (p.convertFrom0to1 (p.getValue()), before) << id;
-            EXPECT_EQ (plainValueOf (strip.currentSnapshot(), p.getParameterIndex()), field) << id;
+            EXPECT_EQ (plainOf (strip, id), before) << id;
+            EXPECT_FLOAT_EQ (plainValueOf (strip.currentSnapshot(), p.getParameterIndex()), before) << id;
         }
 }
 

@@ -13,14 +13,6 @@ using namespace test;
 namespace
 {
 double rmsDb (const Signal& signal) { return 20.0 * std::log10 (rmsOfEnd (signal, signal.size())); }
-
-std::unique_ptr<Tarvik41Processor> makeNoiselessStrip()
-{
-    auto strip = makeStrip (1);
-    strip->analogSetting().setValue (false);
-    strip->prepareToPlay (instruments::sampleRate, 256);
-    return strip;
-}
 } // namespace
 
 /** Who steps through the programs finds each at a level to work with: synthetic sounds with peaks at -12 dBFS come out at
@@ -32,7 +24,8 @@ TEST (ProgramSound, EveryProgramIsHeardOnDrumsBassAndVoice)
     const std::pair<const char*, Signal> sounds[] = { { "drums", instruments::drumLoop() },
                                                       { "bass", instruments::bassLine() },
                                                       { "voice", instruments::voice() } };
-    const auto strip = makeNoiselessStrip();
+    const auto strip = makeNoiselessStrip (1);
+    strip->prepareToPlay (instruments::sampleRate, 256);
 
     for (int program = 0; program < strip->getNumPrograms(); ++program)
     {
@@ -65,7 +58,8 @@ TEST (ProgramSound, AChangeOfProgramWhilePlayingMakesNoStep)
     constexpr auto allowed =
         static_cast<float> (1.1 * instruments::twoPi * hz / instruments::sampleRate + 2.0 / 4800.0 + 1.0 / 480.0);
     constexpr std::size_t aroundExchange = 2 * 52;
-    const auto strip = makeNoiselessStrip();
+    const auto strip = makeNoiselessStrip (1);
+    strip->prepareToPlay (instruments::sampleRate, 256);
     std::mt19937 random (seed);
     Signal all;
     std::vector<bool> exchanges; // by change

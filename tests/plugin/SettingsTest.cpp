@@ -50,19 +50,6 @@ TEST_F (Settings, StoredDefaultsReachNewInstancesAndRefusedOnesDoNot)
     EXPECT_EQ (Tarvik41Processor().calibrationSetting().getValue(), 18.0);
 }
 
-TEST_F (Settings, SavingADefaultLosesNothingThatAnotherInstanceSaved)
-{
-    Tarvik41Processor first;
-    Tarvik41Processor second;
-    EXPECT_TRUE (first.calibrationSetting().saveAsDefault (20.0));
-    EXPECT_TRUE (second.oversamplingSetting().saveAsDefault (8));
-
-    EXPECT_EQ (first.calibrationSetting().getValue(), 18.0) << "a default is for new instances";
-    EXPECT_EQ (second.calibrationSetting().storedDefault(), 20.0);
-    EXPECT_EQ (first.oversamplingSetting().storedDefault(), 8);
-    EXPECT_EQ (Tarvik41Processor().oversamplingSetting().getValue(), 8);
-}
-
 TEST_F (Settings, CalibrationReachesBothSlotsAndNonsenseSoundsLikeTheDefault)
 {
     Tarvik41Processor strip;

@@ -34,6 +34,16 @@ std::unique_ptr<Strip> makeStrip (int mainChannels = 2, bool isSidechainOn = fal
     return strip;
 }
 
+/** Without noise, two strips with the same settings are alike to the last bit. */
+inline std::unique_ptr<Tarvik41Processor> makeNoiselessStrip (int mainChannels = 2, int factor = 2,
+                                                              bool isSidechainOn = false)
+{
+    auto strip = makeStrip (mainChannels, isSidechainOn);
+    strip->analogSetting().setValue (false);
+    strip->oversamplingSetting().setValue (factor);
+    return strip;
+}
+
 /** A processor as one plug-in format makes it. */
 inline std::unique_ptr<Tarvik41Processor> makeStripFor (juce::AudioProcessor::WrapperType format)
 {

@@ -29,9 +29,7 @@ using Settings = test::PlainValues;
 */
 Audio throughStrip (const Audio& in, double rateHz, const Settings& settings, int factor = 1, int program = 0)
 {
-    const auto strip = test::makeStrip (in.getNumChannels());
-    strip->oversamplingSetting().setValue (factor);
-    strip->analogSetting().setValue (false);
+    const auto strip = test::makeNoiselessStrip (in.getNumChannels(), factor);
     strip->setCurrentProgram (program);
     test::setPlain (*strip, { { "equalizer", 0.0f }, { "compIn", 0.0f } });
     test::setPlain (*strip, settings);

@@ -56,17 +56,12 @@ protected:
     pid_t start (const juce::StringArray& arguments) const
     {
         fileNamed ({}).createDirectory();
-        std::vector<std::string> words { TARVIK_RENDER_TOOL };
+        std::vector<const char*> words { TARVIK_RENDER_TOOL };
 
         for (const auto& argument : arguments)
-            words.push_back (argument.toStdString());
+            words.push_back (argument.toRawUTF8());
 
-        std::vector<char*> pointers;
-
-        for (auto& word : words)
-            pointers.push_back (word.data());
-
-        pointers.push_back (nullptr);
+        words.push_back (nullptr);
         const auto out = folder.getChildFile ("stdout").getFullPathName().toStdString();
         const auto err = folder.getChildFile ("stderr").getFullPathName().toStdString();
         const auto work = fileNamed ({}).getFullPathName().toStdString();
@@ -82,7 +77,7 @@ protected:
             dup2 (::open (err.c_str(), flags, everybodyReads), STDERR_FILENO);
             setenv ("XDG_CONFIG_HOME", config.c_str(), 1);
             if (chdir (work.c_str()) == 0)
-                execv (pointers[0], pointers.data());
+                execv (words[0], const_cast<char* const*> (words.data())); // NOLINT: it changes none
             _exit (cannotStart);
         }
 
@@ -153,15 +148,9 @@ protected:
     {
         const auto file = fileNamed (name);
         file.getParentDirectory().createDirectory();
-        std::unique_ptr<juce::AudioFormat> format;
-
-        if (name.endsWith (".flac"))
-            format = std::make_unique<juce::FlacAudioFormat>();
-        else if (name.endsWith (".aiff"))
-            format = std::make_unique<juce::AiffAudioFormat>();
-        else
-            format = std::make_unique<juce::WavAudioFormat>();
-
+        juce::AudioFormatManager formats;
+        formats.registerBasicFormats();
+        auto* const format = formats.findFormatForFileExtension (file.getFileExtension());
         const std::unique_ptr<juce::AudioFormatWriter> writer (
             format->createWriterFor (file.createOutputStream().release(), rate,
                                      static_cast<unsigned int> (audio.getNumChannels()), bitDepth, {}, 0));
