@@ -107,8 +107,8 @@ TEST (Keyboard, ArrowKeysMoveTheFocusedControlAndReturnPressesAButton)
 TEST (Keyboard, TheFocusedControlIsOutlinedForThoseWhoTabAndNotForTheMouse)
 {
     OpenEditor t;
-    auto& gain = t.control ("gain");
-    const auto plain = t.pictureAround (gain);
+    auto &gain = t.control ("gain"), &level = t.control ("level");
+    const auto plain = t.pictureAround (gain), plainLevel = t.pictureAround (level);
     gain.grabKeyboardFocus();
     runMessagesFor (20);
     EXPECT_EQ (difference (t.pictureAround (gain), plain), 0.0) << "as after a click";
@@ -119,9 +119,10 @@ TEST (Keyboard, TheFocusedControlIsOutlinedForThoseWhoTabAndNotForTheMouse)
     EXPECT_GT (difference (t.pictureAround (gain), plain), 0.03);
 
     t.window.click (t.editor.getLocalBounds().getBottomLeft().toFloat().translated (200.0f, -1.0f));
-    t.control ("level").grabKeyboardFocus();
+    level.grabKeyboardFocus();
     runMessagesFor (20);
     EXPECT_EQ (difference (t.pictureAround (gain), plain), 0.0);
+    EXPECT_EQ (difference (t.pictureAround (level), plainLevel), 0.0);
 }
 
 } // namespace tarvik

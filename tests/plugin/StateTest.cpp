@@ -152,11 +152,11 @@ TEST (State, OneHostsFormatSavesSettingsOnlyBehindALoad)
 TEST (State, SlotsAreSelectedCopiedAndNamedTogether)
 {
     Tarvik41Processor strip;
-    strip.updateTrackProperties ({ "Snare", juce::Colours::red });
     setPlain (strip, "gain", 11.0f);
     HostEars host (strip);
     strip.copySlotToOther();
     EXPECT_EQ (host.heard(), "") << "copying is not heard";
+    strip.updateTrackProperties ({ "Snare", juce::Colours::red });
     setPlain (strip, "gain", 3.0f);
     host.heard();
 

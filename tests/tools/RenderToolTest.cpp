@@ -126,6 +126,7 @@ TEST_F (RenderTool, TwentyFourBitsAreRoundedAndClippingIsReported)
     audio.applyGain (0.5f);
     audio.setSample (0, 10, 1.0f);
     audio.setSample (0, 11, -1.0f);
+    audio.setSample (0, 12, 0.704f); // 3 dB louder it is just below full scale
     writeAudio ("in.wav", audio, 44100.0, 32);
 
     const auto outcome =
