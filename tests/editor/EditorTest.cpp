@@ -69,8 +69,8 @@ TEST (EditorSize, FollowsTheZoomAndStaysOnTheDisplay)
     const juce::Rectangle small (1024, 768), nothing (0, 0), large (1920, 1080);
     const auto nan = std::numeric_limits<double>::quiet_NaN();
 
-    // (768 x 0.9 - 64) / 740.67 is 0.8468, less than the width allows. From a damaged project comes a small window, or the
-    // usual one, but a window; a display that says nothing is none.
+    // (768 x 0.9 - 64) / 740.67 is 0.8468, less than the width allows. From a damaged project comes a small window, or
+    // the usual one, but a window; a display that says nothing is none.
     for (const auto& [zoom, display, width, height] : { std::tuple (0.8, nothing, 720, 605),
                                                         { 0.9, nothing, 810, 673 },
                                                         { 1.2, nothing, 1080, 876 },

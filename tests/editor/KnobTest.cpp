@@ -13,8 +13,8 @@ using namespace test;
 
 constexpr double degree = juce::MathConstants<double>::pi / 180.0;
 
-/** The direction of the pointer, in degrees clockwise from straight up: where a ring between cap and edge is brightest, as
-    the centre of the light around the peak.
+/** The direction of the pointer, in degrees clockwise from straight up: where a ring between cap and edge is brightest,
+    as the centre of the light around the peak.
 */
 double pointerDegrees (const juce::Image& image)
 {

@@ -72,8 +72,8 @@ TEST (Bypass, ComesAndGoesWithoutAStepOrAnEchoOfTheLastFade)
         all.insert (all.end(), output.begin(), output.end());
     }
 
-    // A sine of 0.5 at twice the gain moves by 2 pi f / fs per sample; the fade adds 1 / 4800 of the difference. In front
-    // of it is the start behind an empty sampler.
+    // A sine of 0.5 at twice the gain moves by 2 pi f / fs per sample; the fade adds 1 / 4800 of the difference. In
+    // front of it is the start behind an empty sampler.
     const auto bound = static_cast<float> (juce::MathConstants<double>::twoPi * hz / sampleRate) + 1.0f / fadeSamples;
 
     for (std::size_t i = 200; i < all.size(); ++i)

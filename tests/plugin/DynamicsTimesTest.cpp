@@ -122,7 +122,7 @@ double secondsToHalf (double reductionDb, double rlOhms, double r2Ohms, double l
 }
 } // namespace
 
-// A square wave has one magnitude, so the loop comes to rest. The compressor comes first here, so that this is what it hears.
+// A square wave has one magnitude, so the loop comes to rest; the compressor comes first here, so that it hears one.
 TEST (DynamicsTransfer, EveryRatioHoldsASteadyLevelWhereItsCircuitRests)
 {
     const auto strip = makeNoiselessStrip (1, 1);

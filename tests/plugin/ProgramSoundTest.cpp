@@ -15,9 +15,9 @@ namespace
 double rmsDb (const Signal& signal) { return 20.0 * std::log10 (rmsOfEnd (signal, signal.size())); }
 } // namespace
 
-/** Who steps through the programs finds each at a level to work with: synthetic sounds with peaks at -12 dBFS come out at
-    most 8 dB quieter and 6 dB louder. The programs are made to lie close together: none is meant to boost or cut as a
-    whole, but the vocal programs cut the bass of a bass, and the kick programs close on a voice's rests.
+/** Who steps through the programs finds each at a level to work with: synthetic sounds with peaks at -12 dBFS come out
+    at most 8 dB quieter and 6 dB louder. The programs are made to lie close together: none is meant to boost or cut as
+    a whole, but the vocal programs cut the bass of a bass, and the kick programs close on a voice's rests.
 */
 TEST (ProgramSound, EveryProgramIsHeardOnDrumsBassAndVoice)
 {
@@ -43,10 +43,10 @@ TEST (ProgramSound, EveryProgramIsHeardOnDrumsBassAndVoice)
     }
 }
 
-/** Under a low sine no two neighbouring samples lie further apart than the sine at the loudest level nearby would have them,
-    with a tenth for the saturation's harmonics, one step of two things that change places in 4800, and one of the 480 in
-    which the tail of the equaliser's old filter fades. One program sets "EQ Post", which
-    exchanges two stages at once: the few samples around an exchange, as long as the oversampling's filters are, may jump.
+/** Under a low sine no two neighbouring samples lie further apart than the sine at the loudest level nearby would have
+    them, with a tenth for the saturation's harmonics, one step of two things that change places in 4800, and one of the
+    480 in which the tail of the equaliser's old filter fades. One program sets "EQ Post", which exchanges two stages at
+    once: the few samples around an exchange, as long as the oversampling's filters are, may jump.
 */
 TEST (ProgramSound, AChangeOfProgramWhilePlayingMakesNoStep)
 {

@@ -11,8 +11,8 @@ namespace tarvik
 
 using namespace test;
 
-/** A host's state thread loads and saves, its message thread turns controls, steps through programs and slots and names the
-    track, its audio thread plays. TARVIK_STRESS_SECONDS in the environment makes it longer.
+/** A host's state thread loads and saves, its message thread turns controls, steps through programs and slots and names
+    the track, its audio thread plays. TARVIK_STRESS_SECONDS in the environment makes it longer.
 */
 TEST (StateThreads, LoadingSavingTurningAndPlayingAtOnce)
 {

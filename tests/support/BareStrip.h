@@ -10,8 +10,8 @@
 namespace tarvik::test
 {
 
-/** The real strip without its middle section: what is left is arithmetic that a test can do again exactly. It writes down
-    what its base asks of it.
+/** The real strip without its middle section: what is left is arithmetic that a test can do again exactly. It writes
+    down what its base asks of it.
 */
 class BareStrip final : public KVLProcessor
 {

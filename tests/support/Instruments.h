@@ -8,8 +8,8 @@
 namespace tarvik::test
 {
 
-/** Two bars' worth of what is sent through a channel strip: synthetic, the same on every machine, peak at -12 dBFS, which
-    at the default calibration is 6 dB above 0 VU.
+/** Two bars' worth of what is sent through a channel strip: synthetic, the same on every machine, peak at -12 dBFS,
+    which at the default calibration is 6 dB above 0 VU.
 */
 namespace instruments
 {
@@ -48,7 +48,7 @@ inline Signal drumLoop()
             const auto sinceKick = std::fmod (t, 1.0), sinceSnare = std::fmod (t + 0.5, 1.0);
             const auto hiss = static_cast<double> (random()) / 2147483648.0 - 1.0;
 
-            // The kick's pitch falls from 160 to 50 Hz with a time constant of 30 ms; its phase is the integral of that.
+            // The kick's pitch falls from 160 to 50 Hz with a time constant of 30 ms; its phase is the integral.
             const auto cycles = 50.0 * sinceKick + 110.0 * 0.03 * (1.0 - std::exp (-sinceKick / 0.03));
             return std::exp (-sinceKick / 0.15) * std::sin (twoPi * cycles)
                    + std::exp (-sinceSnare / 0.08) * (0.5 * hiss + 0.4 * std::sin (twoPi * 190.0 * sinceSnare))

@@ -114,8 +114,8 @@ public:
         log << (details.programChanged && details.parameterInfoChanged ? "all " : "latency ");
     }
 
-    /** What was heard since the last call: "(" and ")" around a gesture, "v" for a value, each with the index; "latency"
-        and "all" for what the host is to look at again.
+    /** What was heard since the last call: "(" and ")" around a gesture, "v" for a value, each with the index;
+        "latency" and "all" for what the host is to look at again.
     */
     juce::String heard() { return std::exchange (log, {}); }
 

@@ -24,8 +24,8 @@ juce::StringArray operator+ (juce::StringArray words, const juce::StringArray& m
 
 using Settings = test::PlainValues;
 
-/** What the strip makes of the audio in this process, without noise, with what `gainOnly` takes out taken out: aligned, and
-    as long as its input.
+/** What the strip makes of the audio in this process, without noise, with what `gainOnly` takes out taken out: aligned,
+    and as long as its input.
 */
 Audio throughStrip (const Audio& in, double rateHz, const Settings& settings, int factor = 1, int program = 0)
 {
