@@ -74,42 +74,38 @@ inline double threadSeconds() noexcept
     return static_cast<double> (time.tv_sec) + nano * static_cast<double> (time.tv_nsec);
 }
 
-// Y in seconds per sample and channel: the median of many short runs, taken once in the life of the program.
+// Y in seconds per sample and channel: the median of a few short runs, 8 ms in all. Taken anew for every figure, since a
+// shared machine's speed changes within seconds.
 inline double yardstickSeconds()
 {
-    static const double median = []
+    constexpr int n = 256, blocksPerRun = 200, channels = 2;
+    constexpr std::size_t runs = 9;
+    std::vector<float> source (n), left (n), right (n);
+    std::array<double, runs> seconds {};
+    Yardstick yardstick;
+
+    for (std::size_t i = 0; i < n; ++i)
+        source[i] = static_cast<float> (std::sin (0.3 * static_cast<double> (i * i % 97))); // anything but silence
+
+    for (auto& run : seconds)
     {
-        constexpr int n = 256, blocksPerRun = 200, channels = 2;
-        constexpr std::size_t runs = 41;
-        std::vector<float> source (n), left (n), right (n);
-        std::array<double, runs> seconds {};
-        Yardstick yardstick;
+        const auto start = threadSeconds();
 
-        for (std::size_t i = 0; i < n; ++i)
-            source[i] = static_cast<float> (std::sin (0.3 * static_cast<double> (i * i % 97))); // anything but silence
-
-        for (auto& run : seconds)
+        for (int block = 0; block < blocksPerRun; ++block)
         {
-            const auto start = threadSeconds();
-
-            for (int block = 0; block < blocksPerRun; ++block)
-            {
-                left = source;
-                right = source;
-                yardstick.process (left.data(), right.data(), n);
-                benchmark::DoNotOptimize (left.data());
-                benchmark::DoNotOptimize (right.data());
-                benchmark::ClobberMemory();
-            }
-
-            run = (threadSeconds() - start) / (static_cast<double> (n) * blocksPerRun * channels);
+            left = source;
+            right = source;
+            yardstick.process (left.data(), right.data(), n);
+            benchmark::DoNotOptimize (left.data());
+            benchmark::DoNotOptimize (right.data());
+            benchmark::ClobberMemory();
         }
 
-        std::nth_element (seconds.begin(), seconds.begin() + runs / 2, seconds.end());
-        return seconds[runs / 2];
-    }();
+        run = (threadSeconds() - start) / (static_cast<double> (n) * blocksPerRun * channels);
+    }
 
-    return median;
+    std::nth_element (seconds.begin(), seconds.begin() + runs / 2, seconds.end());
+    return seconds[runs / 2];
 }
 
 // Adds two counters to a benchmark whose every iteration works on `samples` samples (channels multiplied in): "seconds"

@@ -4,6 +4,8 @@
 
 #include "dsp/BiquadCascadeKernels.h"
 
+#include "dsp/Dispatch.h"
+
 // foreach_target.h comes before everything else of Highway.
 // clang-format off
 #include <hwy/foreach_target.h>
@@ -91,82 +93,124 @@ public:
     /** Filters n samples of each row, which stand sample by sample, in place. */
     HWY_INLINE void run (double* samples, int n)
     {
-        const auto zero = hn::Zero (D());
-        s1.fill (zero);
-        s2.fill (zero);
-        fed.fill (zero);
-        waiting.fill (zero);
+        Memory memory;
 
-        for (int t = 0; t < delay; ++t)
-        {
-            if (t % Order::samplesApart == 0) // there is no section with the other delays
-                moveStates (outer1, s1, outer2, s2, t);
+        for (auto* const vectors : { &memory.s1, &memory.s2, &memory.fed, &memory.waiting })
+            vectors->fill (hn::Zero (D()));
 
-            step (hn::Load (NewTag(), samples + t * Order::numRows));
-        }
-
-        moveStates (outer1, s1, outer2, s2, delay);
+        begin (memory, samples);
 
         for (int t = delay; t < n; ++t)
         {
-            const auto y = step (hn::Load (NewTag(), samples + t * Order::numRows));
-            hn::Store (y, NewTag(), samples + (t - delay) * Order::numRows);
+            step (memory, hn::Load (NewTag(), samples + t * Order::numRows));
+            storeNewest (memory, samples + (t - delay) * Order::numRows);
         }
 
-        for (int k = 0; k < delay; ++k)
-        {
-            if (k % Order::samplesApart == 0)
-                moveStates (s1, outer1, s2, outer2, k);
-
-            hn::Store (step (hn::Zero (NewTag())), NewTag(), samples + (n + k - delay) * Order::numRows);
-        }
-
-        moveStates (s1, outer1, s2, outer2, delay);
+        end (memory, samples + (n - delay) * Order::numRows);
     }
 
 private:
     using Vectors = std::array<V, numVectors>;
     using Member = BiquadCascade::PerSection BiquadCascade::Sections::*;
 
-    /** A sample into each section; what comes out of the last. */
-    HWY_INLINE New step (New newest)
+    /** What the vectors remember from step to step. */
+    struct Memory
     {
-        Vectors x, y;
-        x[0] = putInFront (newest, fed.back());
+        Vectors s1, s2;  ///< the delay lines
+        Vectors fed;     ///< what each vector hands on at the next step
+        Vectors waiting; ///< what the slow one hands on at the step after
+    };
 
-        HWY_UNROLL (6)
-        for (std::size_t v = 1; v < numVectors; ++v)
-            x[v] = fed[v - 1];
+    /** Stage after stage gets its delay line as the first sample reaches it. Vectors behind it are still empty. */
+    template <std::size_t stage = 0>
+    HWY_INLINE void begin (Memory& memory, const double* samples) const
+    {
+        moveStates<stage> (outer1, memory.s1, outer2, memory.s2);
 
-        HWY_UNROLL (6)
-        for (std::size_t v = 0; v < numVectors; ++v)
+        if constexpr (stage + 1 < Order::numStages)
         {
-            const auto last1 = s1[v];
-            s1[v] = hn::Sub (hn::Add (hn::Mul (c1[v], x[v]), s2[v]), hn::Mul (a1[v], last1));
-            s2[v] = hn::Sub (hn::Mul (c2[v], x[v]), hn::Mul (a2[v], last1));
-            y[v] = hn::Add (hn::Mul (b0[v], x[v]), last1);
+            for (int k = 0; k < Order::samplesApart; ++k, samples += Order::numRows)
+                step<0, std::min (stage + 1, numVectors)> (memory, hn::Load (NewTag(), samples));
 
-            fed[v] = Order::samplesApart == 1 ? y[v] : waiting[v];
-            waiting[v] = y[v];
+            begin<stage + 1> (memory, samples);
         }
-
-        return getEnd (NewTag(), y.back());
     }
 
-    /** The delay line of the section that works `behind` samples behind the first. */
-    static HWY_INLINE void moveStates (const Vectors& from1, Vectors& to1, const Vectors& from2, Vectors& to2,
-                                       int behind)
+    /** Stage after stage is read out behind the row's last sample. Vectors before it have nothing left to do. */
+    template <std::size_t stage = 0>
+    HWY_INLINE void end (Memory& memory, double* samples)
     {
-        const hn::RebindToUnsigned<D> bits;
+        moveStates<stage> (memory.s1, outer1, memory.s2, outer2);
 
-        HWY_UNROLL (6)
-        for (std::size_t v = 0; v < numVectors; ++v)
+        if constexpr (stage + 1 < Order::numStages)
         {
-            const auto* const lanes = Order::lanesByDelay[static_cast<std::size_t> (behind)].data() + v * vectorLanes;
-            const auto chosen = hn::MaskFromVec (hn::BitCast (D(), hn::LoadU (bits, lanes)));
-            to1[v] = hn::IfThenElse (chosen, from1[v], to1[v]);
-            to2[v] = hn::IfThenElse (chosen, from2[v], to2[v]);
+            constexpr auto inUpperHalves = Order::numStages - numVectors;
+            constexpr auto firstAtWork = stage < inUpperHalves ? 0 : stage + 1 - inUpperHalves;
+
+            for (int k = 0; k < Order::samplesApart; ++k, samples += Order::numRows)
+            {
+                step<firstAtWork> (memory, hn::Zero (NewTag()));
+                storeNewest (memory, samples);
+            }
+
+            end<stage + 1> (memory, samples);
         }
+    }
+
+    /** A sample into the first section, and what the others have been handed into them; of the vectors from `first` up to
+        `behind` only. */
+    template <std::size_t first = 0, std::size_t behind = numVectors>
+    HWY_INLINE void step (Memory& memory, [[maybe_unused]] New newest) const
+    {
+        if constexpr (first == 0)
+        {
+            stepVectors<0, behind> (memory, putInFront (newest, memory.fed.back()));
+        }
+        else
+        {
+            const auto handedOn = memory.fed[first - 1];
+
+            for (std::size_t v = 0; v < first; ++v) // what these made last still has to arrive
+                memory.fed[v] = memory.waiting[v];
+
+            stepVectors<first, behind> (memory, handedOn);
+        }
+    }
+
+    /** x goes into vector v, and what that vector hands on into the next. */
+    template <std::size_t v, std::size_t behind>
+    HWY_INLINE void stepVectors (Memory& memory, V x) const
+    {
+        const auto handedOn = copyOf (memory.fed[v]);
+        const auto last1 = memory.s1[v];
+        memory.s1[v] = hn::Sub (hn::Add (hn::Mul (c1[v], x), memory.s2[v]), hn::Mul (a1[v], last1));
+        memory.s2[v] = hn::Sub (hn::Mul (c2[v], x), hn::Mul (a2[v], last1));
+        const auto y = hn::Add (hn::Mul (b0[v], x), last1);
+
+        if constexpr (Order::samplesApart == 1)
+            memory.fed[v] = y;
+        else
+            memory.fed[v] = copyOf (memory.waiting[v]);
+
+        memory.waiting[v] = copyOf (y);
+
+        if constexpr (v + 1 < behind)
+            stepVectors<v + 1, behind> (memory, handedOn);
+    }
+
+    /** What the last step made come out of the last section. */
+    static HWY_INLINE void storeNewest (const Memory& memory, double* sample)
+    {
+        hn::Store (getEnd (NewTag(), memory.waiting.back()), NewTag(), sample);
+    }
+
+    /** The delay lines of a stage. */
+    template <std::size_t stage>
+    static HWY_INLINE void moveStates (const Vectors& from1, Vectors& to1, const Vectors& from2, Vectors& to2)
+    {
+        constexpr auto v = stage % numVectors, half = stage / numVectors;
+        to1[v] = replaceStage<Order::isWholeVector, half> (to1[v], from1[v]);
+        to2[v] = replaceStage<Order::isWholeVector, half> (to2[v], from2[v]);
     }
 
     /** Calls function (s, left, right) for each even section s with the member's numbers of sections s and s + 1. */
@@ -226,9 +270,6 @@ private:
 
     Vectors b0, c1, c2, a1, a2;
     Vectors outer1, outer2; ///< the delay lines before and after the row
-    Vectors s1, s2;         ///< while it runs
-    Vectors fed;            ///< what each vector hands on at the next step
-    Vectors waiting;        ///< what the slow one hands on at the step after
 };
 
 template <int firstSections, int secondSections>
@@ -343,14 +384,14 @@ HWY_EXPORT (filter);
 
 bool filterOnBestSet (const CascadePair& first, const CascadePair* second, float* left, float* right, int n)
 {
-    return HWY_DYNAMIC_DISPATCH (filter) (first, second, left, right, n);
+    return TARVIK_DISPATCH (filter) (first, second, left, right, n);
 }
 
 HWY_EXPORT (filterFour);
 
 bool filterFourOnBestSet (const CascadePair& first, const CascadePair& second, float* const* rows, int n)
 {
-    return HWY_DYNAMIC_DISPATCH (filterFour) (first, second, rows, n);
+    return TARVIK_DISPATCH (filterFour) (first, second, rows, n);
 }
 } // namespace
 } // namespace biquads

@@ -12,7 +12,6 @@
 
 #include <array>
 #include <cstddef>
-#include <cstdint>
 
 HWY_BEFORE_NAMESPACE();
 
@@ -54,34 +53,13 @@ struct Layout
     /** How many samples a section works behind the one that feeds it. */
     static constexpr int samplesApart = numRows == vectorLanes ? 1 : 2;
 
-    /** How many samples each section works behind the first. */
-    static constexpr auto delays = []
-    {
-        std::array<int, static_cast<std::size_t> (numSections)> d {};
+    /** A stage is what works equally many samples behind the first section: a section, or one of each pair of rows. */
+    static constexpr auto numStages = static_cast<std::size_t> (wiring == Wiring::inTurn ? numSections : firstSections);
 
-        for (std::size_t s = 1; s < d.size(); ++s)
-            d[s] = wiring == Wiring::sideBySide && s == firstSections ? 0 : d[s - 1] + samplesApart;
+    /** Stage s stands in vector s % numVectors: all of it, or one pair of its lanes, first the lower ones. */
+    static constexpr bool isWholeVector = numStages == static_cast<std::size_t> (numVectors);
 
-        return d;
-    }();
-
-    static constexpr int delay = delays.back();
-
-    using Bits = std::array<std::uint64_t, static_cast<std::size_t> (numVectors* vectorLanes)>;
-
-    /** For each delay, all ones in the lanes of the section that has it. */
-    static constexpr auto lanesByDelay = []
-    {
-        std::array<Bits, static_cast<std::size_t> (delay + 1)> masks {};
-
-        for (int s = 0; s < numSections; ++s)
-            for (int c = 0; c < channels; ++c)
-                masks[static_cast<std::size_t> (delays[static_cast<std::size_t> (s)])]
-                     [static_cast<std::size_t> (s % numVectors * vectorLanes + s / numVectors * channels + c)] =
-                         ~std::uint64_t {};
-
-        return masks;
-    }();
+    static constexpr int delay = (static_cast<int> (numStages) - 1) * samplesApart;
 };
 
 // The vector's type is a parameter of the next functions, so that only the branch that suits it is compiled.
@@ -106,6 +84,25 @@ HWY_INLINE Vector join (Pair lower, [[maybe_unused]] Pair upper)
         return lower;
     else
         return hn::Combine (hn::DFromV<Vector>(), upper, lower);
+}
+
+/** `old` with the lanes of `from`: all of them, or the lower or upper half. */
+template <bool isWholeVector, std::size_t half, typename Vector>
+HWY_INLINE Vector replaceStage ([[maybe_unused]] Vector old, Vector from)
+{
+    if constexpr (isWholeVector)
+        return from;
+    else if constexpr (half == 0)
+        return hn::ConcatUpperLower (hn::DFromV<Vector>(), old, from);
+    else
+        return hn::ConcatUpperLower (hn::DFromV<Vector>(), from, old);
+}
+
+/** The same, as a number: g++ 12 leaves vectors that are only ever copied whole in memory, even in a loop. */
+template <typename Vector>
+HWY_INLINE Vector copyOf (Vector v)
+{
+    return hn::BitCast (hn::DFromV<Vector>(), v);
 }
 
 /** A vector that begins with what is new and, where that doesn't fill it, goes on with the beginning of `last`. */

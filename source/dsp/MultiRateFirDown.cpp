@@ -2,6 +2,7 @@
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "dsp/MultiRateFirDown.cpp" // this file, compiled once for each instruction set
 
+#include "dsp/Dispatch.h"
 #include "dsp/MultiRateFirKernels.h"
 
 // In this order, which sorting would undo.
@@ -215,6 +216,6 @@ namespace tarvik
 {
 HWY_EXPORT (kernel);
 
-const DownKernel& downKernel() { return *HWY_DYNAMIC_DISPATCH (kernel)(); }
+const DownKernel& downKernel() { return *TARVIK_DISPATCH (kernel)(); }
 } // namespace tarvik
 #endif

@@ -2,6 +2,7 @@
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "dsp/MultiRateFirUp.cpp" // this file, compiled once for each instruction set
 
+#include "dsp/Dispatch.h"
 #include "dsp/MultiRateFirKernels.h"
 
 // In this order, which sorting would undo.
@@ -359,6 +360,6 @@ namespace tarvik
 {
 HWY_EXPORT (kernel);
 
-const UpKernel& upKernel() { return *HWY_DYNAMIC_DISPATCH (kernel)(); }
+const UpKernel& upKernel() { return *TARVIK_DISPATCH (kernel)(); }
 } // namespace tarvik
 #endif

@@ -4,6 +4,8 @@
 
 #include "dsp/RampRows.h"
 
+#include "dsp/Dispatch.h"
+
 // foreach_target.h comes before everything else of Highway.
 // clang-format off
 #include <hwy/foreach_target.h>
@@ -98,17 +100,17 @@ HWY_EXPORT (toTwo);
 
 void fillLine (float* dst, double target, double increment, int remaining, int n) noexcept
 {
-    HWY_DYNAMIC_DISPATCH (line) (dst, target, increment, remaining, n);
+    TARVIK_DISPATCH (line) (dst, target, increment, remaining, n);
 }
 
 double fillPowers (float* dst, double before, std::span<const double> powers, int groups) noexcept
 {
-    return HWY_DYNAMIC_DISPATCH (groupsOfPowers) (dst, before, powers.data(), powers.size(), groups);
+    return TARVIK_DISPATCH (groupsOfPowers) (dst, before, powers.data(), powers.size(), groups);
 }
 
 void distribute (float* toFirst, float* toSecond, const float* x, const float* share, int n) noexcept
 {
-    HWY_DYNAMIC_DISPATCH (toTwo) (toFirst, toSecond, x, share, n);
+    TARVIK_DISPATCH (toTwo) (toFirst, toSecond, x, share, n);
 }
 } // namespace tarvik::rows
 #endif

@@ -230,6 +230,9 @@ public:
         return ramp.restsAtOne();
     }
 
+    /** Audio thread: whether the ramp is idle and nothing waits, so that its value is what it was. */
+    bool rests() const noexcept { return ramp.isIdle() && ! isWaiting.load (std::memory_order_relaxed); }
+
     const RampType& get() const noexcept { return ramp; }
 
 private:

@@ -4,6 +4,8 @@
 
 #include "dsp/RowMaths.h"
 
+#include "dsp/Dispatch.h"
+
 // foreach_target.h comes before everything else of Highway.
 // clang-format off
 #include <hwy/foreach_target.h>
@@ -130,21 +132,21 @@ HWY_EXPORT (log10Double);
 HWY_EXPORT (tanhFloat);
 HWY_EXPORT (tanhDouble);
 
-void exp (float* dst, const float* src, int n) noexcept { HWY_DYNAMIC_DISPATCH (expFloat) (dst, src, n); }
+void exp (float* dst, const float* src, int n) noexcept { TARVIK_DISPATCH (expFloat) (dst, src, n); }
 
-void exp (double* dst, const double* src, int n) noexcept { HWY_DYNAMIC_DISPATCH (expDouble) (dst, src, n); }
+void exp (double* dst, const double* src, int n) noexcept { TARVIK_DISPATCH (expDouble) (dst, src, n); }
 
-void log (float* dst, const float* src, int n) noexcept { HWY_DYNAMIC_DISPATCH (logFloat) (dst, src, n); }
+void log (float* dst, const float* src, int n) noexcept { TARVIK_DISPATCH (logFloat) (dst, src, n); }
 
-void log (double* dst, const double* src, int n) noexcept { HWY_DYNAMIC_DISPATCH (logDouble) (dst, src, n); }
+void log (double* dst, const double* src, int n) noexcept { TARVIK_DISPATCH (logDouble) (dst, src, n); }
 
-void log10 (float* dst, const float* src, int n) noexcept { HWY_DYNAMIC_DISPATCH (log10Float) (dst, src, n); }
+void log10 (float* dst, const float* src, int n) noexcept { TARVIK_DISPATCH (log10Float) (dst, src, n); }
 
-void log10 (double* dst, const double* src, int n) noexcept { HWY_DYNAMIC_DISPATCH (log10Double) (dst, src, n); }
+void log10 (double* dst, const double* src, int n) noexcept { TARVIK_DISPATCH (log10Double) (dst, src, n); }
 
-void tanh (float* dst, const float* src, int n) noexcept { HWY_DYNAMIC_DISPATCH (tanhFloat) (dst, src, n); }
+void tanh (float* dst, const float* src, int n) noexcept { TARVIK_DISPATCH (tanhFloat) (dst, src, n); }
 
-void tanh (double* dst, const double* src, int n) noexcept { HWY_DYNAMIC_DISPATCH (tanhDouble) (dst, src, n); }
+void tanh (double* dst, const double* src, int n) noexcept { TARVIK_DISPATCH (tanhDouble) (dst, src, n); }
 
 // The powers are the library's, sample by sample: at the precision asked for, which needs 64-bit vectors of logarithm
 // and exponential, vectors are no faster.

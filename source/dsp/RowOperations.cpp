@@ -4,6 +4,8 @@
 
 #include "dsp/RowOperations.h"
 
+#include "dsp/Dispatch.h"
+
 #include <hwy/foreach_target.h> // before highway.h
 #include <hwy/highway.h>
 
@@ -152,6 +154,29 @@ void clampedProductFloat (float* dst, const float* a, const float* b, float limi
 }
 
 template <typename D>
+HWY_INLINE int scalesByMix (D d, float* row, float limit, const float* dry, const float* wet, const float* gain, int i,
+                            int n)
+{
+    const auto lanes = static_cast<int> (hn::Lanes (d));
+
+    for (; n - i >= lanes; i += lanes)
+    {
+        const auto clamped = clampedToFinite (d, hn::LoadU (d, row + i), hn::Set (d, limit));
+        const auto wetGain = hn::Mul (hn::LoadU (d, wet + i), hn::LoadU (d, gain + i));
+        hn::StoreU (hn::Mul (clamped, hn::Add (hn::LoadU (d, dry + i), wetGain)), d, row + i);
+    }
+
+    return i;
+}
+
+void scaleByMixFloat (float* row, float limit, const float* dry, const float* wet, const float* gain, int n)
+{
+    int i = scalesByMix (hn::ScalableTag<float>(), row, limit, dry, wet, gain, 0, n);
+    i = scalesByMix (hn::CappedTag<float, 4>(), row, limit, dry, wet, gain, i, n);
+    scalesByMix (hn::CappedTag<float, 1>(), row, limit, dry, wet, gain, i, n);
+}
+
+template <typename D>
 HWY_INLINE int meanMagnitudes (D d, float* dst, const float* const* sources, int numSources, int i, int n)
 {
     const auto lanes = static_cast<int> (hn::Lanes (d));
@@ -200,6 +225,12 @@ void scalarDouble (ScalarOperation operation, double* dst, const double* src, do
     scalarLoop (operation, dst, src, s, n);
 }
 
+void scalarFloatRows (ScalarOperation operation, float* const* rows, int numRows, float s, int n)
+{
+    for (int row = 0; row < numRows; ++row)
+        scalarLoop (operation, rows[row], rows[row], s, n);
+}
+
 void multiplyAddFloat (float* dst, const float* src, float s, int n) { multiplyAddLoop (dst, src, s, n); }
 
 void multiplyAddDouble (double* dst, const double* src, double s, int n) { multiplyAddLoop (dst, src, s, n); }
@@ -215,49 +246,61 @@ HWY_EXPORT (rowsFloat);
 HWY_EXPORT (rowsDouble);
 HWY_EXPORT (scalarFloat);
 HWY_EXPORT (scalarDouble);
+HWY_EXPORT (scalarFloatRows);
 HWY_EXPORT (multiplyAddFloat);
 HWY_EXPORT (multiplyAddDouble);
 HWY_EXPORT (clampedProductFloat);
+HWY_EXPORT (scaleByMixFloat);
 HWY_EXPORT (meanMagnitudeFloat);
 
 void combine (RowOperation operation, float* dst, const float* a, const float* b, int n) noexcept
 {
-    HWY_DYNAMIC_DISPATCH (rowsFloat) (operation, dst, a, b, n);
+    TARVIK_DISPATCH (rowsFloat) (operation, dst, a, b, n);
 }
 
 void combine (RowOperation operation, double* dst, const double* a, const double* b, int n) noexcept
 {
-    HWY_DYNAMIC_DISPATCH (rowsDouble) (operation, dst, a, b, n);
+    TARVIK_DISPATCH (rowsDouble) (operation, dst, a, b, n);
 }
 
 void combine (ScalarOperation operation, float* dst, const float* src, float s, int n) noexcept
 {
-    HWY_DYNAMIC_DISPATCH (scalarFloat) (operation, dst, src, s, n);
+    TARVIK_DISPATCH (scalarFloat) (operation, dst, src, s, n);
 }
 
 void combine (ScalarOperation operation, double* dst, const double* src, double s, int n) noexcept
 {
-    HWY_DYNAMIC_DISPATCH (scalarDouble) (operation, dst, src, s, n);
+    TARVIK_DISPATCH (scalarDouble) (operation, dst, src, s, n);
+}
+
+void combine (ScalarOperation operation, float* const* rows, int numRows, float s, int n) noexcept
+{
+    TARVIK_DISPATCH (scalarFloatRows) (operation, rows, numRows, s, n);
 }
 
 void multiplyAdd (float* dst, const float* src, float s, int n) noexcept
 {
-    HWY_DYNAMIC_DISPATCH (multiplyAddFloat) (dst, src, s, n);
+    TARVIK_DISPATCH (multiplyAddFloat) (dst, src, s, n);
 }
 
 void multiplyAdd (double* dst, const double* src, double s, int n) noexcept
 {
-    HWY_DYNAMIC_DISPATCH (multiplyAddDouble) (dst, src, s, n);
+    TARVIK_DISPATCH (multiplyAddDouble) (dst, src, s, n);
 }
 
 void clampedProduct (float* dst, const float* a, const float* b, float limit, int n) noexcept
 {
-    HWY_DYNAMIC_DISPATCH (clampedProductFloat) (dst, a, b, limit, n);
+    TARVIK_DISPATCH (clampedProductFloat) (dst, a, b, limit, n);
+}
+
+void scaleByMix (float* row, float limit, const float* dry, const float* wet, const float* gain, int n) noexcept
+{
+    TARVIK_DISPATCH (scaleByMixFloat) (row, limit, dry, wet, gain, n);
 }
 
 void meanMagnitude (float* dst, const float* const* sources, int numSources, int n) noexcept
 {
-    HWY_DYNAMIC_DISPATCH (meanMagnitudeFloat) (dst, sources, numSources, n);
+    TARVIK_DISPATCH (meanMagnitudeFloat) (dst, sources, numSources, n);
 }
 } // namespace tarvik::rows
 #endif

@@ -55,12 +55,18 @@ void combine (RowOperation operation, double* dst, const double* a, const double
 void combine (ScalarOperation operation, float* dst, const float* src, float s, int n) noexcept;
 void combine (ScalarOperation operation, double* dst, const double* src, double s, int n) noexcept;
 
+/** The same in each of several rows of n samples, in place. */
+void combine (ScalarOperation operation, float* const* rows, int numRows, float s, int n) noexcept;
+
 /** dst[i] = dst[i] + src[i] * s, the product rounded before it is added. */
 void multiplyAdd (float* dst, const float* src, float s, int n) noexcept;
 void multiplyAdd (double* dst, const double* src, double s, int n) noexcept;
 
 /** dst[i] = clampToFinite (a[i] * b[i], limit), as the function of that name does it. */
 void clampedProduct (float* dst, const float* a, const float* b, float limit, int n) noexcept;
+
+/** row[i] = clampToFinite (row[i], limit) * (dry[i] + wet[i] * gain[i]), the inner product rounded before it is added. */
+void scaleByMix (float* row, float limit, const float* dry, const float* wet, const float* gain, int n) noexcept;
 
 /** dst[i] = |mean of sources[0][i], sources[1][i] and so on|, 0 where that is not finite. Each sample is multiplied by
     1 / numSources, then they are added in order. There is at least one source; `dst` is none of them. */
@@ -99,6 +105,12 @@ template <Sample T>
 void scale (T* dst, const T* src, Scalar<T> s, int n) noexcept
 {
     combine (ScalarOperation::multiply, dst, src, s, n);
+}
+
+/** The same in several rows. */
+inline void scale (float* const* rows, int numRows, float s, int n) noexcept
+{
+    combine (ScalarOperation::multiply, rows, numRows, s, n);
 }
 
 /** dst[i] = dst[i] + src[i] */
@@ -158,5 +170,11 @@ template <Sample T>
 void clampToFinite (T* row, Scalar<T> limit, int n) noexcept
 {
     combine (ScalarOperation::clampToFinite, row, row, limit, n);
+}
+
+/** The same in several rows. */
+inline void clampToFinite (float* const* rows, int numRows, float limit, int n) noexcept
+{
+    combine (ScalarOperation::clampToFinite, rows, numRows, limit, n);
 }
 } // namespace tarvik::rows

@@ -195,39 +195,34 @@ void KVLProcessor::processSlice (float** channels, int numMain, int numSide, int
     auto* const outputGain = gainRows.getWritePointer (outputGainRow);
     const double calibration = currentSnapshot().calibration;
 
-    for (int c = 0; c < numChannels; ++c)
-        rows::clampToFinite (channels[c], highestSample, n);
-
+    rows::clampToFinite (channels, numChannels, highestSample, n);
     bypassFader.beginSlice (channels, n, latencyDelay, latencyInUse);
 
     // Both look at their requests now, so that one change of both gains is heard in one slice. A gain of 1 costs nothing.
     const auto changesInput = ! inputGainRamp.restsAtOne(), changesOutput = ! outputGainRamp.restsAtOne();
 
     if (changesInput)
+    {
         inputGainRamp.fillTaken (inputGain, n);
+
+        for (int c = 0; c < numChannels; ++c)
+            rows::multiply (channels[c], inputGain, n);
+    }
 
     if (changesOutput)
         outputGainRamp.fillTaken (outputGain, n);
 
-    for (int c = 0; c < numChannels; ++c)
-    {
-        if (changesInput)
-            rows::multiply (channels[c], inputGain, n);
-
-        rows::scale (channels[c], static_cast<float> (calibration), n);
-    }
+    rows::scale (channels, numChannels, static_cast<float> (calibration), n);
 
     processPreOversampling (channels, n, numSide);
     processMiddleSection (channels, numMain, numSide, n);
     processPostOversampling (channels, n, numSide);
 
-    for (int c = 0; c < numMain; ++c)
-    {
-        rows::scale (channels[c], static_cast<float> (1.0 / calibration), n);
+    rows::scale (channels, numMain, static_cast<float> (1.0 / calibration), n);
 
-        if (changesOutput)
+    if (changesOutput)
+        for (int c = 0; c < numMain; ++c)
             rows::multiply (channels[c], outputGain, n);
-    }
 
     bypassFader.endSlice (channels, n);
 }

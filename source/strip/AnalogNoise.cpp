@@ -1,15 +1,78 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "strip/AnalogNoise.cpp" // this file, compiled once for each instruction set
+
 #include "strip/AnalogNoise.h"
 
+#include "dsp/Dispatch.h"
+
+#include <hwy/foreach_target.h> // before highway.h
+#include <hwy/highway.h>
 #include <juce_core/juce_core.h>
 
 #include <algorithm>
 #include <atomic>
 
-namespace tarvik
+HWY_BEFORE_NAMESPACE();
+
+namespace tarvik::noise::HWY_NAMESPACE
 {
 namespace
 {
+namespace hn = hwy::HWY_NAMESPACE;
+
+/** Takes all generators `steps` further, and adds each step's outputs, scaled as signed numbers, to the row: so many samples
+    as there are generators, and as many again. The same bits with vectors of every length. */
+void addSteps (AnalogNoise::Outputs* state, float* row, float scale, int steps)
+{
+    const hn::CappedTag<std::uint32_t, AnalogNoise::generatorsPerChannel> d;
+    const hn::RebindToSigned<decltype (d)> asSigned;
+    const hn::RebindToFloat<decltype (d)> asFloat;
+    const auto factor = hn::Set (asFloat, scale);
+
+    for (std::size_t first = 0; first < AnalogNoise::generatorsPerChannel; first += hn::Lanes (d))
+    {
+        auto oldest = hn::LoadU (d, state[0].data() + first), older = hn::LoadU (d, state[1].data() + first);
+        auto old = hn::LoadU (d, state[2].data() + first), newest = hn::LoadU (d, state[3].data() + first);
+        auto* samples = row + first;
+
+        for (int i = 0; i < steps; ++i, samples += AnalogNoise::generatorsPerChannel)
+        {
+            const auto t = hn::Xor (oldest, hn::ShiftLeft<11> (oldest));
+            oldest = older;
+            older = old;
+            old = newest;
+            newest = hn::Xor (hn::Xor (newest, hn::ShiftRight<19> (newest)), hn::Xor (t, hn::ShiftRight<8> (t)));
+
+            const auto number = hn::ConvertTo (asFloat, hn::BitCast (asSigned, newest));
+            hn::StoreU (hn::Add (hn::LoadU (asFloat, samples), hn::Mul (factor, number)), asFloat, samples);
+        }
+
+        hn::StoreU (oldest, d, state[0].data() + first);
+        hn::StoreU (older, d, state[1].data() + first);
+        hn::StoreU (old, d, state[2].data() + first);
+        hn::StoreU (newest, d, state[3].data() + first);
+    }
+}
+} // namespace
+} // namespace tarvik::noise::HWY_NAMESPACE
+
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+
+namespace tarvik
+{
+namespace noise
+{
+HWY_EXPORT (addSteps);
+}
+
+namespace
+{
+/** From a word as a signed number, of at most 2^31, to a sample between -1 and 1. */
+constexpr auto unit = 1.0f / 2147483648.0f;
+
 /** Makes a sequence of well mixed 64-bit numbers out of any seed: splitmix64, after Steele, Lea and Flood, "Fast
     splittable pseudorandom number generators", 2014. */
 class SeedMixer
@@ -66,7 +129,7 @@ AnalogNoise::Generator::Generator (std::uint64_t seed) noexcept
     constexpr int bitsPerWord = 32;
     SeedMixer mixer (seed);
 
-    for (std::size_t lane = 0; lane < lanes; ++lane)
+    for (std::size_t lane = 0; lane < generatorsPerChannel; ++lane)
         for (std::size_t word = 0; word < state.size(); ++word)
             state[word][lane] = static_cast<std::uint32_t> (mixer.next() >> bitsPerWord);
 
@@ -74,53 +137,29 @@ AnalogNoise::Generator::Generator (std::uint64_t seed) noexcept
         word |= 1; // a state of nothing but zeros would stay there
 }
 
-void AnalogNoise::Generator::step() noexcept
-{
-    // Copies, so that the compiler sees that nothing overlaps.
-    const auto w = state[newest];
-    newest = (newest + 1) % state.size();
-    auto x = state[newest];
-
-    for (std::size_t lane = 0; lane < lanes; ++lane)
-    {
-        const auto t = x[lane] ^ (x[lane] << 11);
-        x[lane] = (w[lane] ^ (w[lane] >> 19)) ^ (t ^ (t >> 8));
-    }
-
-    state[newest] = x;
-}
-
-void AnalogNoise::Generator::addFrom (std::size_t lane, float* row, float range, std::size_t n) const noexcept
-{
-    constexpr auto two31 = 2147483648.0f; // the largest magnitude of the words, as signed numbers
-    const auto scale = range / two31;
-    const auto& outputs = state[newest];
-
-    for (std::size_t i = 0; i < n; ++i)
-        row[i] += scale * static_cast<float> (static_cast<std::int32_t> (outputs[lane + i]));
-}
-
 void AnalogNoise::Generator::add (float* row, float range, int n) noexcept
 {
+    const auto scale = range * unit;
     auto remaining = static_cast<std::size_t> (std::max (n, 0));
 
-    const auto kept = std::min (lanes - used, remaining);
-    addFrom (used, row, range, kept);
-    used += kept;
-    row += kept;
-    remaining -= kept;
+    for (; used < generatorsPerChannel && remaining > 0; --remaining)
+        *row++ += scale * static_cast<float> (static_cast<std::int32_t> (state.back()[used++]));
 
-    for (; remaining >= lanes; remaining -= lanes, row += lanes)
-    {
-        step();
-        addFrom (0, row, range, lanes);
-    }
+    const auto steps = remaining / generatorsPerChannel;
+    TARVIK_DISPATCH (noise::addSteps) (state.data(), row, scale, static_cast<int> (steps));
+    row += steps * generatorsPerChannel;
+    remaining -= steps * generatorsPerChannel;
 
-    if (remaining > 0)
-    {
-        step();
-        addFrom (0, row, range, remaining);
-        used = remaining;
-    }
+    if (remaining == 0)
+        return;
+
+    std::array<float, generatorsPerChannel> last {};
+    TARVIK_DISPATCH (noise::addSteps) (state.data(), last.data(), scale, 1);
+    used = remaining;
+
+    for (std::size_t i = 0; i < remaining; ++i)
+        row[i] += last[i];
 }
 } // namespace tarvik
+
+#endif

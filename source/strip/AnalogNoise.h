@@ -13,13 +13,18 @@ namespace tarvik
     and after every start.
 
     The generator is Marsaglia's xorshift with 128 bits of state ("Xorshift RNGs", 2003), eight of them side by side for
-    each channel, which take turns sample by sample. Plain loops over the eight become vectors on every processor. */
+    each channel, which take turns sample by sample: a vector's lanes. */
 class AnalogNoise
 {
 public:
     /** The two places of the strip: ahead of the gain, and ahead of the fader. In sample values. */
     static constexpr float inputRange = 6.0e-07f;
     static constexpr float outputRange = 4.0e-05f;
+
+    static constexpr std::size_t generatorsPerChannel = 8;
+
+    /** What a channel's generators gave at one step. */
+    using Outputs = std::array<std::uint32_t, generatorsPerChannel>;
 
     /** Without a seed the clock gives one at each prepare(). A fixed one makes every start the same, for tests. */
     explicit AnalogNoise (float rangeToUse = 0.0f, std::optional<std::uint64_t> fixedSeedToUse = std::nullopt) noexcept
@@ -45,15 +50,8 @@ private:
         void add (float* row, float range, int n) noexcept;
 
     private:
-        static constexpr std::size_t lanes = 8;
-        using Words = std::array<std::uint32_t, lanes>;
-
-        void addFrom (std::size_t lane, float* row, float range, std::size_t n) const noexcept;
-        void step() noexcept;
-
-        std::array<Words, 4> state {}; ///< the last four outputs of each lane, in a ring
-        std::size_t newest = 3;        ///< where the ring ends
-        std::size_t used = lanes;      ///< lanes of the newest output that are spent
+        std::array<Outputs, 4> state {};         ///< of the last four steps, the newest last
+        std::size_t used = generatorsPerChannel; ///< of the newest outputs
     };
 
     float range;

@@ -143,9 +143,7 @@ void ChannelStrip::applyRamp (SharedRamp<RampType>& ramp, float* const* channels
 
     if (ramp.get().isIdle())
     {
-        for (int c = 0; c < numMain; ++c)
-            rows::scale (channels[c], static_cast<float> (ramp.get().current), n);
-
+        rows::scale (channels, numMain, static_cast<float> (ramp.get().current), n);
         return;
     }
 

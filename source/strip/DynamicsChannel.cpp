@@ -4,6 +4,8 @@
 
 #include "strip/DynamicsChannel.h"
 
+#include "dsp/Dispatch.h"
+
 // foreach_target.h comes before everything else of Highway.
 // clang-format off
 #include <hwy/foreach_target.h>
@@ -131,7 +133,7 @@ HWY_EXPORT (process);
 void processDynamics (const DynamicsCircuits& circuits, DynamicsChannel* const* channels, const DynamicsRows* rows,
                       int numChannels, int n) noexcept
 {
-    HWY_DYNAMIC_DISPATCH (dynamics::process) (circuits, channels, rows, numChannels, n);
+    TARVIK_DISPATCH (dynamics::process) (circuits, channels, rows, numChannels, n);
 
     for (int c = 0; c < numChannels; ++c)
     {

@@ -152,9 +152,6 @@ void DynamicsSection::process (float* const* audio, int n, int numSidechain) noe
 
     if (isInCircuit)
     {
-        for (std::size_t c = 0; c < channels.size(); ++c)
-            rows::clampToFinite (audio[c], loudestAudio, n);
-
         fillCurves (n);
         const auto* const sidechain = chooseSidechain (audio, n, numSidechain);
         makeDetectorRows (audio, sidechain, n);
@@ -295,17 +292,8 @@ void DynamicsSection::feedNeedles (int n) noexcept
     them. */
 void DynamicsSection::applyGains (float* const* audio, int n) noexcept
 {
-    const auto* const dry = dryCurve.data();
-    const auto* const wet = wetCurve.data();
-
     for (std::size_t c = 0; c < channels.size(); ++c)
-    {
-        auto* const row = audio[c];
-        const auto* const gains = channels[c].gains.data();
-
-        for (int i = 0; i < n; ++i)
-            row[i] *= dry[i] + wet[i] * gains[i];
-    }
+        rows::scaleByMix (audio[c], loudestAudio, dryCurve.data(), wetCurve.data(), channels[c].gains.data(), n);
 }
 
 //==============================================================================

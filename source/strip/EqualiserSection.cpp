@@ -73,7 +73,6 @@ void EqualiserSection::update (const ParameterSnapshot& snapshot, bool force) no
 
 void EqualiserSection::process (float* const* channels, int n) noexcept
 {
-    const auto numChannels = static_cast<int> (numInUse);
     fader.begin (channels, n);
 
     if (numInUse == 2)
@@ -82,8 +81,7 @@ void EqualiserSection::process (float* const* channels, int n) noexcept
         for (std::size_t c = 0; c < numInUse; ++c)
             equalisers[c]->process (channels[c], n);
 
-    for (int c = 0; c < numChannels; ++c)
-        rows::scale (channels[c], makeupGain, n);
+    rows::scale (channels, static_cast<int> (numInUse), makeupGain, n);
 
     fader.end (channels, n);
 }

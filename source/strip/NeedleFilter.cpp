@@ -4,11 +4,31 @@
 #include "dsp/AnalogBiquad.h"
 #include "dsp/MZTiCoefs.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 
 namespace tarvik
 {
+
+namespace
+{
+/** Four sums that don't wait for each other, which the compiler makes vectors of. */
+double weightedSum (const double* weights, const float* row, std::size_t n) noexcept
+{
+    std::array<double, 4> sums {};
+    std::size_t k = 0;
+
+    for (; k + sums.size() <= n; k += sums.size())
+        for (std::size_t lane = 0; lane < sums.size(); ++lane)
+            sums[lane] += weights[k + lane] * static_cast<double> (row[k + lane]);
+
+    for (; k < n; ++k)
+        sums[0] += weights[k] * static_cast<double> (row[k]);
+
+    return (sums[0] + sums[1]) + (sums[2] + sums[3]);
+}
+} // namespace
 
 NeedleFilter::Pair NeedleFilter::advanceOne (const Pair& from, double x) const noexcept
 {
@@ -37,20 +57,27 @@ void NeedleFilter::prepare (double rateHz)
     feedForward = zeros[b0];
     input = { zeros[b1] - recursion.first * zeros[b0], zeros[b2] - recursion.second * zeros[b0] };
 
-    stepOfFirst = { 1.0, 0.0 };
-    stepOfSecond = { 0.0, 1.0 };
     auto response = input;
+    steps.front() = { { 1.0, 0.0 }, { 0.0, 1.0 } };
 
-    for (std::size_t k = inputs.size(); k-- > 0;)
+    for (std::size_t k = 0; k < longestStep; ++k)
     {
-        inputs[k] = response;
+        firstInputs[longestStep - 1 - k] = response.first;
+        secondInputs[longestStep - 1 - k] = response.second;
         response = advanceOne (response, 0.0);
-        shorterStep = { stepOfFirst.first, stepOfSecond.first };
-        stepOfFirst = advanceOne (stepOfFirst, 0.0);
-        stepOfSecond = advanceOne (stepOfSecond, 0.0);
+        steps[k + 1] = { advanceOne (steps[k].ofFirst, 0.0), advanceOne (steps[k].ofSecond, 0.0) };
     }
 
     reset();
+}
+
+NeedleFilter::Pair NeedleFilter::advance (const Pair& from, const float* row, std::size_t n) const noexcept
+{
+    const auto& [ofFirst, ofSecond] = steps[n];
+    const auto unused = longestStep - n;
+    return { ofFirst.first * from.first + ofSecond.first * from.second + weightedSum (&firstInputs[unused], row, n),
+             ofFirst.second * from.first + ofSecond.second * from.second
+                 + weightedSum (&secondInputs[unused], row, n) };
 }
 
 float NeedleFilter::process (const float* row, int n) noexcept
@@ -58,38 +85,15 @@ float NeedleFilter::process (const float* row, int n) noexcept
     if (n <= 0)
         return reading;
 
-    auto now = state;
-    auto beforeLast = 0.0; // the first delay as the last sample meets it
-    int i = 0;
+    const auto length = static_cast<std::size_t> (n);
 
-    for (; i < n % samplesPerStep; ++i)
-    {
-        beforeLast = now.first;
-        now = advanceOne (now, static_cast<double> (row[i]));
-    }
+    for (std::size_t done = 0; done < length; done += longestStep)
+        state = advance (state, row + done, std::min (length - done, longestStep));
 
-    for (; i < n; i += samplesPerStep)
-    {
-        Pair added;
-        auto addedBeforeLast = 0.0;
-
-        for (std::size_t k = 0; k < inputs.size(); ++k)
-        {
-            const auto x = static_cast<double> (row[static_cast<std::size_t> (i) + k]);
-            added.first += inputs[k].first * x;
-            added.second += inputs[k].second * x;
-
-            if (k + 1 < inputs.size())
-                addedBeforeLast += inputs[k + 1].first * x;
-        }
-
-        beforeLast = shorterStep.first * now.first + (shorterStep.second * now.second + addedBeforeLast);
-        now = { stepOfFirst.first * now.first + (stepOfSecond.first * now.second + added.first),
-                stepOfFirst.second * now.first + (stepOfSecond.second * now.second + added.second) };
-    }
-
-    reading = static_cast<float> (feedForward * static_cast<double> (row[n - 1]) + beforeLast);
-    state = now;
+    // The first delay as the last sample met it: what that one made of the second says so, and a2 is close to 1.
+    const auto newest = static_cast<double> (row[length - 1]);
+    const auto beforeLast = (input.second * newest - state.second) / recursion.second;
+    reading = static_cast<float> (feedForward * newest + beforeLast);
 
     // A needle at rest stays at rest instead of creeping through numbers that slow the processor down.
     constexpr double unfelt = 1e-60;

@@ -2,14 +2,15 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 
 namespace tarvik
 {
 
 /** The inertia of a moving needle: a second-order low pass at 2.15 Hz with gain 1 at rest, slightly springy.
 
-    Only where the needle stands after a row matters, so the rows pass through the state alone, eight samples in one
-    step: state = A^8 state + (A^7 b) x0 + ... + b x7. 64-bit throughout.
+    Only where the needle stands after a row matters, so the rows pass through the state alone, up to 64 samples in one
+    step: state = A^n state + A^(n-1) b x0 + ... + b x(n-1). 64-bit throughout.
 */
 class NeedleFilter
 {
@@ -29,7 +30,7 @@ public:
     float process (const float* row, int n) noexcept;
 
 private:
-    static constexpr int samplesPerStep = 8;
+    static constexpr std::size_t longestStep = 64;
 
     /** A pair of numbers, one for each delay of the filter. */
     struct Pair
@@ -38,15 +39,24 @@ private:
         double second = 0.0;
     };
 
+    /** What a number of samples of silence makes of the delays (1, 0) and (0, 1): the columns of a power of A. */
+    struct Step
+    {
+        Pair ofFirst;
+        Pair ofSecond;
+    };
+
+    using Inputs = std::array<double, longestStep>;
+
     Pair advanceOne (const Pair& from, double x) const noexcept;
+    Pair advance (const Pair& from, const float* row, std::size_t n) const noexcept;
 
     double feedForward = 0.0;                   ///< from the input straight to the output
     Pair recursion;                             ///< a1 and a2 of the denominator 1 + a1 z^-1 + a2 z^-2
     Pair input;                                 ///< b: what a sample adds to the delays
-    std::array<Pair, samplesPerStep> inputs {}; ///< A^(7 - k) b, for sample k of a step
-    Pair stepOfFirst;                           ///< A^8 times (1, 0)
-    Pair stepOfSecond;                          ///< A^8 times (0, 1)
-    Pair shorterStep;                           ///< the first row of A^7, for the reading at a step's last sample
+    std::array<Step, longestStep + 1> steps {}; ///< A^0, A^1, ...
+    Inputs firstInputs {};                      ///< what a row's samples add to the first delay: ..., A^1 b, A^0 b
+    Inputs secondInputs {};                     ///< and to the second
     Pair state;
     float reading = 0.0f;
 };

@@ -32,7 +32,10 @@ void NeedleMeter::process (const float* const* channels, int numChannels, int n)
     for (int done = 0; done < n; done += pieceLength)
     {
         const auto length = std::min (n - done, pieceLength);
-        std::transform (channels, channels + count, piece.begin(), [done] (auto* row) { return row + done; });
+
+        for (std::size_t c = 0; c < count; ++c)
+            piece[c] = channels[c] + done;
+
         rows::meanMagnitude (magnitude.data(), piece.data(), static_cast<int> (count), length);
         reading = scale * needle.process (magnitude.data(), length);
     }

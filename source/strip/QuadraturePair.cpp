@@ -4,6 +4,8 @@
 
 #include "strip/QuadraturePair.h"
 
+#include "dsp/Dispatch.h"
+
 #include <hwy/foreach_target.h> // before highway.h
 #include <hwy/highway.h>
 
@@ -268,7 +270,7 @@ void QuadraturePair::process (std::span<QuadraturePair* const> pairs, float* con
                               int n) noexcept
 {
     if (n > 0)
-        HWY_DYNAMIC_DISPATCH (quadrature::follow) (pairs.data(), static_cast<int> (pairs.size()), rows, squares, n);
+        TARVIK_DISPATCH (quadrature::follow) (pairs.data(), static_cast<int> (pairs.size()), rows, squares, n);
 }
 } // namespace tarvik
 

@@ -185,20 +185,15 @@ void SaturationChannel::RampRow::prepare (double rateHz, int maxSamples)
     isConstant = false;
 }
 
-const float* SaturationChannel::RampRow::advance (int n) noexcept
+const float* SaturationChannel::RampRow::write (int n) noexcept
 {
     ramp.takeRequest();
+    isConstant = ramp.get().isIdle();
 
-    if (! ramp.get().isIdle())
-    {
-        ramp.fill (row.data(), n);
-        isConstant = false;
-    }
-    else if (const auto value = static_cast<float> (ramp.get().current); ! isConstant || row.front() != value)
-    {
-        std::fill (row.begin(), row.end(), value);
-        isConstant = true;
-    }
+    if (isConstant)
+        std::fill (row.begin(), row.end(), static_cast<float> (ramp.get().current));
+    else
+        ramp.fillTaken (row.data(), n);
 
     return row.data();
 }

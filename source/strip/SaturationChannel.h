@@ -57,15 +57,21 @@ private:
 
         void prepare (double rateHz, int maxSamples);
 
-        void snap() noexcept { ramp.snap(); }
+        void snap() noexcept
+        {
+            ramp.snap();
+            isConstant = false;
+        }
 
         /** The next n values. */
-        const float* advance (int n) noexcept;
+        const float* advance (int n) noexcept { return isConstant && ramp.rests() ? row.data() : write (n); }
 
         /** Whether the last row was 0 throughout. */
         bool restsAtZero() const noexcept { return isConstant && row.front() == 0.0f; }
 
     private:
+        const float* write (int n) noexcept;
+
         SharedRamp<LinearRamp> ramp;
         std::vector<float> row;
         bool isConstant = false;

@@ -4,6 +4,7 @@
 
 #include "strip/SaturationShaper.h"
 
+#include "dsp/Dispatch.h"
 #include "strip/HarmonicTable.h"
 
 // foreach_target.h comes before everything else of Highway.
@@ -249,7 +250,7 @@ void SaturationShaper::process (std::span<SaturationShaper* const> shapers, floa
             scalePieces[c] = scales[c] + done;
         }
 
-        HWY_DYNAMIC_DISPATCH (saturation::shapeRows)
+        TARVIK_DISPATCH (saturation::shapeRows)
         (shapers.data(), static_cast<int> (channels), pieces.data(), scalePieces.data(),
          std::min (n - done, saturation::maxRowLength));
     }

@@ -5,8 +5,6 @@
 #include <gtest/gtest.h>
 #include <juce_core/juce_core.h>
 
-#include <cstring>
-#include <map>
 #include <sstream>
 
 // The equaliser's circuit, drawn here once more from the values of its parts and solved by a circuit simulator: what
@@ -133,110 +131,49 @@ std::vector<EQControls> makeSettings()
     return settings;
 }
 
-struct Simulation
-{
-    std::vector<double> frequencies;
-    std::map<std::string, std::vector<Complex>> voltages; ///< by node
-};
-
-/** Reads ngspice's binary file of complex numbers: a header in text, then for each frequency one number per variable.
- */
-Simulation readRawFile (const juce::File& file)
-{
-    juce::MemoryBlock block;
-    file.loadFileAsData (block);
-    const std::string data (static_cast<const char*> (block.getData()), block.getSize());
-    const std::string marker = "Binary:\n";
-    const auto start = data.find (marker);
-    Simulation simulation;
-
-    if (start == std::string::npos)
-        return simulation;
-
-    std::istringstream header (data.substr (0, start));
-    std::vector<std::string> names;
-    bool isInVariables = false;
-
-    for (std::string line; std::getline (header, line);)
-    {
-        std::istringstream fields (line);
-        std::string index, name;
-
-        if (isInVariables && fields >> index >> name)
-            names.push_back (name);
-
-        isInVariables = isInVariables || line.rfind ("Variables:", 0) == 0;
-    }
-
-    for (auto offset = start + marker.size(); offset + names.size() * sizeof (Complex) <= data.size();)
-        for (const auto& name : names)
-        {
-            std::array<double, 2> value {};
-            std::memcpy (value.data(), data.data() + offset, sizeof (value));
-            offset += sizeof (value);
-
-            if (name == "frequency")
-                simulation.frequencies.push_back (value[0]);
-            else
-                simulation.voltages[name].emplace_back (value[0], value[1]);
-        }
-
-    return simulation;
-}
-
 TEST (EqualiserCircuit, PolynomialsAgreeWithACircuitSimulator)
 {
     const auto settings = makeSettings();
-    ComponentTable table (equaliserComponents);
-    std::ostringstream deck;
+    const auto folder = juce::File::createTempFile ("spice");
+    ASSERT_TRUE (folder.createDirectory());
+    const auto netlist = folder.getChildFile ("equaliser.cir"), table = folder.getChildFile ("equaliser.data");
+    ComponentTable components (equaliserComponents);
+    std::ostringstream deck, nodes;
     deck.precision (17);
     deck << "equaliser\nVin in 0 AC 1\n";
 
     for (std::size_t i = 0; i < settings.size(); ++i)
     {
-        table.setActiveChannel (settings[i].toleranceChannel);
-        addCircuit (Netlist (deck, static_cast<int> (i)), table, settings[i]);
+        components.setActiveChannel (settings[i].toleranceChannel);
+        addCircuit (Netlist (deck, static_cast<int> (i)), components, settings[i]);
+        nodes << " v(out_" << i << ')';
     }
 
-    deck << ".ac dec 20 0.1 100k\n.save";
-
-    for (std::size_t i = 0; i < settings.size(); ++i)
-        deck << " v(out_" << i << ')';
-
-    deck << "\n.end\n";
-
-    const auto folder = juce::File::createTempFile ("spice");
-    ASSERT_TRUE (folder.createDirectory());
-    const auto netlist = folder.getChildFile ("equaliser.cir"), raw = folder.getChildFile ("equaliser.raw");
+    // A line for each frequency: Hz, then real and imaginary part of each voltage.
+    deck << ".control\nac dec 20 0.1 100k\nset wr_singlescale\nset numdgt=17\nwrdata " << table.getFullPathName()
+         << nodes.str() << "\n.endc\n.end\n";
     ASSERT_TRUE (netlist.replaceWithText (deck.str()));
 
     juce::ChildProcess process;
-    const auto isStarted =
-        process.start (juce::StringArray { "ngspice", "-b", "-r", raw.getFullPathName(), netlist.getFullPathName() });
+    ASSERT_TRUE (process.start (juce::StringArray { "ngspice", "-b", netlist.getFullPathName() }));
     const auto log = process.readAllProcessOutput();
-    const auto simulation = readRawFile (raw);
+    std::istringstream numbers (table.loadFileAsString().toStdString());
     folder.deleteRecursively();
+    auto numFrequencies = 0;
 
-    ASSERT_TRUE (isStarted && ! simulation.frequencies.empty())
-        << "This test needs ngspice (Debian package ngspice). It said: " << log;
-    EXPECT_EQ (simulation.frequencies.size(), 121U);
-    EXPECT_EQ (simulation.voltages.size(), settings.size());
-
-    for (std::size_t i = 0; i < settings.size(); ++i)
-    {
-        table.setActiveChannel (settings[i].toleranceChannel);
-        const auto response = solveEqualiserNetwork (selectElements (table, settings[i]));
-        const auto voltage = simulation.voltages.find ("v(out_" + std::to_string (i) + ")");
-        ASSERT_NE (voltage, simulation.voltages.end());
-
-        for (std::size_t k = 0; k < simulation.frequencies.size(); ++k)
+    for (double hz = 0.0; numbers >> hz; ++numFrequencies)
+        for (std::size_t i = 0; i < settings.size(); ++i)
         {
-            const auto hz = simulation.frequencies[k];
+            double real = 0.0, imaginary = 0.0;
+            numbers >> real >> imaginary;
+            components.setActiveChannel (settings[i].toleranceChannel);
+            const auto response = solveEqualiserNetwork (selectElements (components, settings[i]));
             const auto expected = analogueResponse (response.numerator, response.denominator, hz);
-            ASSERT_LT (std::abs (voltage->second[k] - expected), relativeTolerance * std::abs (expected))
+            ASSERT_LT (std::abs (Complex (real, imaginary) - expected), relativeTolerance * std::abs (expected))
                 << "setting " << i << " at " << hz << " Hz";
         }
-    }
+
+    EXPECT_EQ (numFrequencies, 121) << "This test needs ngspice (Debian package ngspice). It said: " << log;
 }
 } // namespace
 } // namespace tarvik

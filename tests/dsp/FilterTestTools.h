@@ -56,16 +56,4 @@ inline EQControls drawControls (std::mt19937& random)
     const auto drawPot = [&random] { return static_cast<float> (random() % 101) * 0.01f; };
     return { draw (3), draw (11), draw (8), drawPot(), draw (2), draw (10), drawPot(), draw (3), draw (32) };
 }
-
-inline std::vector<float> makeNoise (std::size_t n, std::uint_fast32_t seed)
-{
-    std::mt19937 random (seed);
-    std::uniform_real_distribution<float> level (-1.0f, 1.0f);
-    std::vector<float> noise (n);
-
-    for (auto& sample : noise)
-        sample = level (random);
-
-    return noise;
-}
 } // namespace tarvik::test

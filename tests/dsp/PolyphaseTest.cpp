@@ -1,37 +1,35 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dsp/Polyphase.h"
 
-#include "PlainPolyphase.h"
 #include "dsp/InstructionSets.h"
+#include "tests/support/Signals.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cmath>
 #include <complex>
-#include <numbers>
 #include <numeric>
-#include <random>
 #include <string>
-#include <vector>
 
 namespace tarvik
 {
 namespace
 {
-using Samples = std::vector<float>;
+using test::noise;
+using Samples = test::Signal;
 
 // The plug-in's factors, and some whose phases fill no vector evenly.
 constexpr int factors[] = { 2, 3, 4, 5, 6, 8, 12, 15, 16 };
 
-// Noise at level 1.
-Samples noise (int numSamples)
+template <typename Test>
+void forEachSetAndFactor (Test test)
 {
-    std::mt19937 engine (1);
-    std::uniform_real_distribution<float> level (-1.0f, 1.0f);
-    Samples samples (static_cast<std::size_t> (numSamples));
-    std::generate (samples.begin(), samples.end(), [&] { return level (engine); });
-    return samples;
+    for (const auto& set : supportedInstructionSets())
+        for (const auto factor : factors)
+        {
+            SCOPED_TRACE (std::string (set.name) + ", factor " + std::to_string (factor));
+            const ScopedInstructionSet scope (set);
+            test (factor);
+        }
 }
 
 Samples runUp (PolyphaseChannel& channel, int factor, const Samples& in)
@@ -48,14 +46,18 @@ Samples runDown (PolyphaseChannel& channel, int factor, const Samples& in)
     return out;
 }
 
-float largestDifference (const Samples& samples, const std::vector<double>& expected)
+// The rate conversion as its formulas stand, sums in 64 bits, from rest: the filter at the high rate over a row with
+// zeros put in; then every so many samples of what it gives.
+std::vector<double> filterPlainly (const Samples& taps, const Samples& in, std::size_t zerosPut, std::size_t taken)
 {
-    double largest = samples.size() == expected.size() ? 0.0 : 1.0;
+    std::vector<double> out (in.size() * zerosPut / taken);
 
-    for (std::size_t i = 0; i < expected.size(); ++i)
-        largest = std::max (largest, std::abs (static_cast<double> (samples[i]) - expected[i]));
+    for (std::size_t t = 0; t < out.size(); ++t)
+        for (std::size_t n = 0; n < taps.size() && n <= t * taken; ++n)
+            if (const auto at = t * taken - n; at % zerosPut == 0)
+                out[t] += static_cast<double> (taps[n]) * static_cast<double> (in[at / zerosPut]);
 
-    return static_cast<float> (largest);
+    return out;
 }
 
 double sumOf (const Samples& taps) { return std::accumulate (taps.begin(), taps.end(), 0.0); }
@@ -121,8 +123,7 @@ TEST (Polyphase, ImpulseComesBack52SamplesLater)
         impulse[100] = 1.0f;
 
         const auto out = runDown (channel, factor, runUp (channel, factor, impulse));
-        const auto gain = static_cast<float> (sumOf (designPolyphaseFilter (factor)));
-        EXPECT_NEAR (sumOf (out), gain * gain, 2.0e-3);
+        EXPECT_NEAR (sumOf (out), std::pow (sumOf (designPolyphaseFilter (factor)), 2.0), 2.0e-3);
 
         for (std::size_t i = 1; i <= 152; ++i)
             ASSERT_NEAR (out[152 - i], out[152 + i], 1.0e-7f) << i; // symmetric about this very sample
@@ -133,105 +134,94 @@ TEST (Polyphase, ImpulseComesBack52SamplesLater)
 
 TEST (Polyphase, EveryInstructionSetAgreesWithThePlainForm)
 {
-    for (const auto set : supportedInstructionSets())
-        for (const auto factor : factors)
+    const auto expectEqual = [] (const Samples& samples, const std::vector<double>& expected, double gain)
+    {
+        ASSERT_EQ (samples.size(), expected.size());
+
+        for (std::size_t i = 0; i < expected.size(); ++i)
+            ASSERT_NEAR (static_cast<double> (samples[i]), gain * expected[i], 1.0e-6) << i;
+    };
+
+    forEachSetAndFactor (
+        [&] (int factor)
         {
-            SCOPED_TRACE (std::string (set.name) + ", factor " + std::to_string (factor));
-            const ScopedInstructionSet scope (set);
             const auto taps = designPolyphaseFilter (factor);
+            const auto f = static_cast<std::size_t> (factor);
             PolyphaseChannel channel;
             channel.setup (factor);
-
-            const auto base = noise (777);
-            EXPECT_LT (largestDifference (runUp (channel, factor, base), plain::up (taps, factor, base)), 1.0e-6f);
-
-            const auto high = noise (777 * factor);
-            EXPECT_LT (largestDifference (runDown (channel, factor, high), plain::down (taps, factor, high)), 1.0e-6f);
-        }
+            const auto base = noise (777, 1), high = noise (777 * factor, 1);
+            expectEqual (runUp (channel, factor, base), filterPlainly (taps, base, f, 1), factor);
+            expectEqual (runDown (channel, factor, high), filterPlainly (taps, high, 1, f), 1.0);
+        });
 }
 
 TEST (Polyphase, CuttingIntoBlocksChangesNoBit)
 {
-    constexpr int numSamples = 1500;
-    constexpr int blocks[] = { 1, 2, 3, 0, 256, 5, 64, 7, 23, 1, 96, 257, 13, 441, 1, 24 };
-
-    for (const auto set : supportedInstructionSets())
-        for (const auto factor : factors)
+    forEachSetAndFactor (
+        [] (int factor)
         {
-            SCOPED_TRACE (std::string (set.name) + ", factor " + std::to_string (factor));
-            const ScopedInstructionSet scope (set);
+            const auto f = static_cast<std::size_t> (factor);
+            const auto base = noise (1500, 1), high = noise (1500 * factor, 1);
             PolyphaseChannel whole, cut;
             whole.setup (factor);
             cut.setup (factor);
-
-            const auto base = noise (numSamples);
-            const auto high = noise (numSamples * factor);
             Samples baseOut (base.size()), highOut (high.size());
 
-            for (int pos = 0, i = 0; pos < numSamples; ++i)
-            {
-                const auto n = std::min (blocks[i % 16], numSamples - pos);
-                cut.up (base.data() + pos, highOut.data() + pos * factor, n);
-                cut.down (high.data() + pos * factor, baseOut.data() + pos, n);
-                pos += n;
-            }
+            test::inPieces (base.size(), { 1, 2, 3, 0, 256, 5, 64, 7, 23, 1, 96, 257, 13, 441, 1, 24 },
+                            [&] (std::size_t begin, int n)
+                            {
+                                cut.up (base.data() + begin, highOut.data() + begin * f, n);
+                                cut.down (high.data() + begin * f, baseOut.data() + begin, n);
+                            });
 
             EXPECT_EQ (highOut, runUp (whole, factor, base));
             EXPECT_EQ (baseOut, runDown (whole, factor, high));
-        }
+        });
 }
 
-TEST (Polyphase, SetupAndResetForgetTheSignal)
+TEST (Polyphase, SetupAndResetForgetTheSignalAndChannelsStayApart)
 {
     for (const auto factor : factors)
     {
         Polyphase sampler;
-        sampler.setup (1, factor);
-        const auto base = noise (101);
-        const auto high = noise (101 * factor);
-        const auto f = static_cast<std::size_t> (factor);
+        sampler.setup (2, factor);
+        const auto base = noise (101, 1), high = noise (101 * factor, 1);
 
         const auto run = [&]
         {
-            Samples out (high.size() + base.size());
-            sampler.up (0, base.data(), out.data(), 101);
-            sampler.down (0, high.data(), out.data() + 101 * f, 101);
-            return out;
+            Samples up (high.size()), down (base.size()), quiet (high.size(), 1.0f);
+            sampler.up (0, base.data(), up.data(), 101);
+            sampler.down (0, high.data(), down.data(), 101);
+            sampler.up (1, Samples (101).data(), quiet.data(), 101);
+            EXPECT_EQ (quiet, Samples (high.size()));
+            return std::pair (up, down);
         };
 
         const auto fresh = run();
-        EXPECT_NE (run(), fresh);
+        const auto ringing = run();
+        EXPECT_NE (ringing.first, fresh.first);
+        EXPECT_NE (ringing.second, fresh.second);
         sampler.reset();
         EXPECT_EQ (run(), fresh);
-        sampler.setup (1, factor);
+        sampler.setup (2, factor);
         EXPECT_EQ (run(), fresh);
     }
 }
 
-TEST (Polyphase, ChannelsFollowTheSetupAndStayApart)
+TEST (Polyphase, FactorOneCopiesEvenWhereFiltersWereBefore)
 {
     Polyphase sampler;
     sampler.setup (3, 4);
-    EXPECT_EQ (sampler.getNumChannels(), 3);
-    EXPECT_EQ (sampler.getFactor(), 4);
 
-    const auto in = noise (64);
-    Samples loud (256), quiet (256, 1.0f);
-    sampler.up (0, in.data(), loud.data(), 64);
-    sampler.up (1, Samples (64).data(), quiet.data(), 64);
-    EXPECT_EQ (quiet, Samples (256));
-
-    sampler.setup (1, 2);
-    EXPECT_EQ (sampler.getNumChannels(), 1);
-    EXPECT_EQ (sampler.getFactor(), 2);
-
-    // Filters that were there are gone again: a copy, also onto itself.
     for (const auto factor : { 1, 0 })
     {
         sampler.setup (1, factor);
+        EXPECT_EQ (sampler.getNumChannels(), 1);
+        EXPECT_EQ (sampler.getFactor(), factor);
+        const auto in = noise (64, 1);
         Samples out (64), same = in;
         sampler.up (0, in.data(), out.data(), 64);
-        sampler.down (0, same.data(), same.data(), 64);
+        sampler.down (0, same.data(), same.data(), 64); // also onto itself
         EXPECT_EQ (out, in);
         EXPECT_EQ (same, in);
     }

@@ -1,35 +1,39 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dsp/Ramps.h"
 
+#include "tests/support/Signals.h"
+
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
-#include <random>
 #include <thread>
-#include <vector>
 
 namespace tarvik
 {
-
 namespace
 {
 template <typename RampType>
-std::vector<float> take (RampType& ramp, int n)
+RampType startRamp (double from, double to, std::uint32_t steps)
 {
-    std::vector<float> row (static_cast<std::size_t> (n), -99.0f);
-    ramp.fill (row.data(), n);
+    RampType ramp (from);
+    ramp.steps = steps;
+    ramp.set (to);
+    return ramp;
+}
+
+template <typename RampType>
+test::Signal take (RampType& ramp, int n, const std::vector<int>& pieces = { 1000 })
+{
+    test::Signal row (static_cast<std::size_t> (n), -99.0f);
+    test::inPieces (row.size(), pieces,
+                    [&] (std::size_t begin, int length) { ramp.fill (row.data() + begin, length); });
     return row;
 }
 } // namespace
 
 TEST (Ramps, LinearMoveTakesEqualStepsAndEndsExactlyOnTheTarget)
 {
-    LinearRamp ramp (1.0);
-    ramp.steps = 4;
-    ramp.set (0.1);
-    EXPECT_EQ (ramp.remaining, 4u);
-
+    auto ramp = startRamp<LinearRamp> (1.0, 0.1, 4);
     const auto row = take (ramp, 6);
     EXPECT_FLOAT_EQ (row[0], 0.775f);
     EXPECT_FLOAT_EQ (row[2], 0.325f);
@@ -39,17 +43,21 @@ TEST (Ramps, LinearMoveTakesEqualStepsAndEndsExactlyOnTheTarget)
     EXPECT_TRUE (ramp.isIdle());
 }
 
-TEST (Ramps, GeometricMoveTakesEqualFactorsAndNeverTouchesZero)
+TEST (Ramps, GeometricMoveTakesEqualFactorsForAnyCuttingAndNeverTouchesZero)
 {
-    GeometricRamp ramp (1.0);
-    ramp.steps = 4;
-    ramp.set (0.0);
+    constexpr int numSteps = 483; // no whole number of groups
+    auto whole = startRamp<GeometricRamp> (0.3, 2.0, numSteps), cut = whole;
+    const auto row = take (whole, 600);
+    EXPECT_EQ (take (cut, 600, { 1, 7, 96, 3, 8, 33, 0, 12 }), row);
+    EXPECT_EQ (row[numSteps - 1], 2.0f);
 
-    const auto row = take (ramp, 5);
-    EXPECT_NEAR (row[0], 0.1f, 1e-7f);
-    EXPECT_NEAR (row[1], 0.01f, 1e-8f);
-    EXPECT_EQ (row[3], 1e-4f);
-    EXPECT_EQ (ramp.target, 1e-4);
+    for (int i = 0; i < numSteps; ++i)
+        ASSERT_FLOAT_EQ (row[static_cast<std::size_t> (i)],
+                         static_cast<float> (0.3 * std::pow (2.0 / 0.3, (i + 1.0) / numSteps)));
+
+    auto ramp = startRamp<GeometricRamp> (1.0, 0.0, 4);
+    EXPECT_NEAR (take (ramp, 2)[1], 0.01f, 1e-8f);
+    EXPECT_EQ (take (ramp, 4).back(), 1e-4f);
 
     // Asked for zero again it has not arrived, and goes a flat way; asked for what it holds, it stays.
     ramp.set (0.0);
@@ -61,9 +69,7 @@ TEST (Ramps, GeometricMoveTakesEqualFactorsAndNeverTouchesZero)
 
 TEST (Ramps, TinyDistancesJumpAndTheTargetOnItsWayIsLeftAlone)
 {
-    LinearRamp ramp (1.0);
-    ramp.steps = 100;
-    ramp.set (1.0 + 9e-7);
+    auto ramp = startRamp<LinearRamp> (1.0, 1.0 + 9e-7, 100);
     EXPECT_TRUE (ramp.isIdle());
     EXPECT_EQ (ramp.current, 1.0 + 9e-7);
 
@@ -77,37 +83,6 @@ TEST (Ramps, TinyDistancesJumpAndTheTargetOnItsWayIsLeftAlone)
     ramp.set (std::numeric_limits<double>::quiet_NaN());
     ramp.set (std::numeric_limits<double>::infinity());
     EXPECT_EQ (ramp.target, 0.5) << "what is no number is no target";
-}
-
-TEST (Ramps, RowsCutAnywhereAreTheSameMove)
-{
-    constexpr int numSteps = 483; // no whole number of groups
-    std::mt19937 random (7);
-
-    for (int round = 0; round < 20; ++round)
-    {
-        GeometricRamp whole (0.3), cut (0.3);
-        whole.steps = cut.steps = numSteps;
-        whole.set (2.0);
-        cut.set (2.0);
-
-        const auto expected = take (whole, 600);
-        std::vector<float> pieces;
-
-        while (pieces.size() < expected.size())
-        {
-            const auto left = static_cast<int> (expected.size() - pieces.size());
-            const auto piece = take (cut, std::min (left, static_cast<int> (random() % 97)));
-            pieces.insert (pieces.end(), piece.begin(), piece.end());
-        }
-
-        ASSERT_EQ (pieces, expected);
-        ASSERT_EQ (expected[numSteps - 1], 2.0f);
-
-        for (int i = 0; i < numSteps; ++i)
-            ASSERT_FLOAT_EQ (expected[static_cast<std::size_t> (i)],
-                             static_cast<float> (0.3 * std::pow (2.0 / 0.3, (i + 1.0) / numSteps)));
-    }
 }
 
 TEST (Ramps, SharedRampTakesTheNewestRequestAtItsNextRow)
@@ -125,11 +100,9 @@ TEST (Ramps, SharedRampTakesTheNewestRequestAtItsNextRow)
         .join();
     EXPECT_EQ (ramp.get().target, 1.0) << "nothing may change outside the audio thread";
     EXPECT_FALSE (ramp.restsAtOne());
+    EXPECT_FLOAT_EQ (take (ramp, 4)[3], 0.6f);
 
     float row[4];
-    ramp.fill (row, 4);
-    EXPECT_FLOAT_EQ (row[3], 0.6f);
-
     ramp.request (0.25);
     ramp.fillTaken (row, 4);
     EXPECT_FLOAT_EQ (row[3], 0.2f) << "what comes after the slice's look waits for the next one";

@@ -15,21 +15,19 @@ TEST (TripleBuffer, ReaderFindsTheNewestOnce)
     TripleBuffer<int> buffer;
     EXPECT_FALSE (buffer.takeNewest());
 
-    for (int value = 1; value < 10; ++value)
+    for (int round = 1; round < 10; ++round)
     {
-        for (int older = 0; older < value; ++older) // overtaken
+        for (int value = 1; value <= round; ++value)
         {
-            buffer.getWriteSlot() = -older;
+            buffer.getWriteSlot() = value;
             buffer.publish();
         }
 
-        buffer.getWriteSlot() = value;
-        buffer.publish();
         EXPECT_TRUE (buffer.takeNewest());
-        EXPECT_EQ (buffer.getReadSlot(), value);
+        EXPECT_EQ (buffer.getReadSlot(), round);
         buffer.getWriteSlot() = 1000; // not published
         EXPECT_FALSE (buffer.takeNewest());
-        EXPECT_EQ (buffer.getReadSlot(), value);
+        EXPECT_EQ (buffer.getReadSlot(), round);
     }
 }
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Recomputes the component tables without C++, libm or a library's generator, and prints one 64-bit FNV-1a hash of the
-bits of each row's 32 values. ComponentTableTest.cpp holds what this prints:
+bits of each table's values. ComponentTableTest.cpp holds what this prints:
 
     python3 tests/dsp/componentTables.py
 """
@@ -60,17 +60,15 @@ def normals(seed):
             yield w * v
 
 
-def row_hash(row, nominal, tolerance):
+def values(row, nominal, tolerance):
     p = bits(row * nominal)
     draws = normals((p >> 32) ^ (p & 0xFFFFFFFF))
-    values = [nominal] + [next(draws) * tolerance * nominal + nominal for _ in range(31)]
+    return [nominal] + [next(draws) * tolerance * nominal + nominal for _ in range(31)]
+
+
+for table in (EQUALISER, SATURATION):
     h = 0xCBF29CE484222325
-    for value in values:
-        h = ((h ^ bits(value)) * 0x100000001B3) & 0xFFFFFFFFFFFFFFFF
-    return h
-
-
-for name, table in (("equaliser", EQUALISER), ("saturation", SATURATION)):
-    print(name)
     for row, (nominal, tolerance) in enumerate(table):
-        print(f"0x{row_hash(row, nominal, tolerance):016x},")
+        for value in values(row, nominal, tolerance):
+            h = ((h ^ bits(value)) * 0x100000001B3) & 0xFFFFFFFFFFFFFFFF
+    print(f"0x{h:016x}")

@@ -16,20 +16,15 @@ namespace
 {
 constexpr std::array ratesHz { 44100.0, 48000.0, 96000.0, 192000.0, 705600.0 };
 
-struct Comparison
-{
-    double worst =
-        0.0; // largest difference of the outputs, as a part of what the plain form's gain makes of the sample
-    bool isComplete = true; // false where the loop itself stops being determined
-};
-
+// Largest difference of the fast form's outputs from the plain ones, as a part of these.
 // Beyond any level that a console carries the feedback becomes chaotic: every rounding grows until nothing is left in
 // common. So a twin of the plain form is nudged by 1e-10 per sample, and the comparison ends where the twins part.
-Comparison compareWithPlain (const ParameterSnapshot& settings, double rateHz, const std::vector<Signal>& in)
+double compareWithPlain (const ParameterSnapshot& settings, double rateHz, const std::vector<Signal>& in,
+                         bool& isComplete)
 {
     PreparedSection fast (settings, rateHz, 2);
     const auto out = fast.process (in);
-    Comparison comparison;
+    auto worst = 0.0;
 
     for (std::size_t c = 0; c < 2; ++c)
     {
@@ -46,18 +41,17 @@ Comparison compareWithPlain (const ParameterSnapshot& settings, double rateHz, c
 
             if (std::abs (twin.gain - plain.gain) > 1e-7 * plain.gain)
             {
-                comparison.isComplete = false;
+                isComplete = false;
                 break;
             }
 
             // A float's smallest steps are no measure of a gain.
             if (std::abs (expected) > 1e-20)
-                comparison.worst =
-                    std::max (comparison.worst, std::abs (static_cast<double> (out[c][i]) / expected - 1.0));
+                worst = std::max (worst, std::abs (static_cast<double> (out[c][i]) / expected - 1.0));
         }
     }
 
-    return comparison;
+    return worst;
 }
 
 TEST (DynamicsSection, FastFormGivesThePlainFormsGain)
@@ -76,15 +70,14 @@ TEST (DynamicsSection, FastFormGivesThePlainFormsGain)
         for (unsigned c = 0; c < 4; ++c)
             in.push_back (bursts (static_cast<unsigned> (random()), loudest, rateHz, 0.15));
 
-        const auto [worst, isComplete] = compareWithPlain (settings, rateHz, in);
-        numComplete += isComplete ? 1 : 0;
-        EXPECT_LT (worst, 1e-6) << "case " << i << ": rate " << rateHz << ", level " << loudest << ", ratio "
-                                << settings.compRatio << ", mode " << settings.expMode << ", limit "
-                                << settings.compLimit;
+        auto isComplete = true;
+        EXPECT_LT (compareWithPlain (settings, rateHz, in, isComplete), 1e-6)
+            << "case " << i << ": rate " << rateHz << ", level " << loudest << ", ratio " << settings.compRatio
+            << ", mode " << settings.expMode << ", limit " << settings.compLimit;
+        numComplete += isComplete;
     }
 
     EXPECT_GT (numComplete, numCases * 2 / 3);
-    RecordProperty ("complete", numComplete);
 }
 
 // All at once: filters, limiter, gate and Smash, on a signal that moves everything.
@@ -113,9 +106,8 @@ TEST (DynamicsSection, StreamCutAnywhereIsTheSameStream)
     for (const auto mode : { 0, 1, 2 })
     {
         const auto in = busySignal (48000.0);
-        std::mt19937 random (3);
         PreparedSection whole (busySettings (mode), 48000.0, 2), cut (busySettings (mode), 48000.0, 2);
-        EXPECT_EQ (whole.process (in), cut.process (in, [&] { return static_cast<int> (1 + random() % 256); })) << mode;
+        EXPECT_EQ (whole.process (in), cut.process (in, { 1, 256, 7, 33, 2, 250, 64, 191, 5 })) << mode;
         EXPECT_NEAR (whole.readOuts().gainReductionDb.get(), cut.readOuts().gainReductionDb.get(), 1e-4f);
     }
 }
@@ -161,6 +153,7 @@ TEST (DynamicsSection, CompInFadesWithinATenthOfASecondAndOutOfCircuitNothingIsT
     PreparedSection section (settings, rateHz, 2);
     const auto in = busySignal (rateHz, 1.0);
     section.process (in);
+    EXPECT_TRUE (section.readOuts().limiterActive.get());
 
     settings.compIn = false;
     section.section.update (settings, false);
@@ -192,20 +185,20 @@ TEST (DynamicsSection, CompInFadesWithinATenthOfASecondAndOutOfCircuitNothingIsT
 
 TEST (DynamicsSection, NeedleShowsTheGainOfASteadyTone)
 {
+    ParameterSnapshot settings;
+    settings.compThreshold = -15.0f;
+    settings.compRatio = 3;
+    settings.compInput = settings.compOutput = 5.0f; // gains of 1 and 10^0.2
+
     for (const auto rateHz : { 48000.0, 705600.0 })
         for (const auto level : { 0.01, 1.0, 4.0 })
         {
-            ParameterSnapshot settings;
-            settings.compThreshold = -15.0f;
-            settings.compRatio = 3;
-            settings.compInput = settings.compOutput = 5.0f; // gains of 1 and 10^0.2
             PreparedSection section (settings, rateHz, 1);
             const auto in = sine (4000.0, level, rateHz, 2.0);
             const auto out = section.process ({ in })[0];
-
-            const auto changeDb =
-                20.0 * std::log10 (rmsOfEnd (out, in.size() / 20) / rmsOfEnd (in, in.size() / 20)) - 4.0 - 30.0;
-            EXPECT_NEAR (section.readOuts().gainReductionDb.get(), std::min (changeDb, 0.0), 0.05)
+            const auto change = rmsOfEnd (out, in.size() / 20) / rmsOfEnd (in, in.size() / 20);
+            EXPECT_NEAR (section.readOuts().gainReductionDb.get(),
+                         std::min (20.0 * std::log10 (change) - 4.0 - 30.0, 0.0), 0.05)
                 << rateHz << ", " << level;
         }
 }
@@ -222,43 +215,6 @@ TEST (DynamicsSection, SettingsThatHaveNoRampAreTakenAtOnce)
     changed.section.update (settings, false);
     changed.section.reset();
     EXPECT_EQ (changed.process (busySignal (48000.0)), fresh.process (busySignal (48000.0)));
-}
-
-TEST (DynamicsSection, SmashDoesNothingAtOneToOneAndElsewhereDrivesTheLoop)
-{
-    const auto run = [] (int ratio, bool isSmashing)
-    {
-        ParameterSnapshot settings;
-        settings.compRatio = ratio;
-        settings.compNuke = isSmashing;
-        return PreparedSection (settings, 48000.0, 1).process ({ sine (500.0, 0.01, 48000.0, 0.1) })[0];
-    };
-
-    EXPECT_EQ (run (0, true), run (0, false));
-    EXPECT_NEAR (static_cast<double> (run (2, true)[4000] / run (2, false)[4000]), 5.0, 0.01); // x 10 in, x 0.5 out
-}
-
-TEST (DynamicsSection, LimiterHoldsTheOutputAtARatioWhereTheCompressorIsSilent)
-{
-    constexpr double rateHz = 48000.0;
-    ParameterSnapshot settings;
-    settings.compRatio = 0;
-    settings.compInput = 5.0f;
-    settings.compOutput = 5.0f;
-    settings.limiterSensitivity = 0;
-
-    const auto steadyPeak = [&] (bool isOn, double level)
-    {
-        settings.compLimit = isOn;
-        PreparedSection section (settings, rateHz, 1);
-        const auto out = section.process ({ sine (1000.0, level, rateHz, 1.0) })[0];
-        EXPECT_EQ (section.readOuts().limiterActive.get(), isOn && level > 0.1);
-        return static_cast<double> (*std::max_element (out.end() - 4800, out.end()));
-    };
-
-    EXPECT_NEAR (20.0 * std::log10 (steadyPeak (false, 2.0) / steadyPeak (false, 0.05)), 32.04, 0.1);
-    EXPECT_LT (20.0 * std::log10 (steadyPeak (true, 2.0) / steadyPeak (true, 0.2)), 5.0);
-    EXPECT_EQ (steadyPeak (true, 0.05), steadyPeak (false, 0.05)); // below the threshold it does nothing at all
 }
 
 // A detector that still held what was loud before would keep the gate open for 25 ms.
@@ -301,7 +257,7 @@ TEST (DynamicsSection, OneBadSampleIsForgottenWithinASecond)
             dirty[0][1000] = sample;
             const auto expected = PreparedSection (busySettings (mode), rateHz, 2).process (clean);
             const auto out = PreparedSection (busySettings (mode), rateHz, 2).process (dirty);
-            EXPECT_TRUE (std::all_of (out[0].begin(), out[0].end(), [] (float x) { return std::isfinite (x); }));
+            EXPECT_TRUE (allFinite (out[0]));
             EXPECT_EQ (out[1], expected[1]);
 
             for (std::size_t i = 49000; i < out[0].size(); ++i)
@@ -369,7 +325,6 @@ TEST (DynamicsSection, AudioNeverAllocatesAndSettingsMayChangeUnderIt)
         });
 
     std::array signals { bursts (1, 9.0, rateHz, 2.0), bursts (2, 9.0, rateHz, 2.0) };
-    auto isFinite = true;
 
     for (int position = 0; position + 256 <= 96000; position += 256)
     {
@@ -382,10 +337,7 @@ TEST (DynamicsSection, AudioNeverAllocatesAndSettingsMayChangeUnderIt)
     isDone = true;
     control.join();
 
-    for (const auto& signal : signals)
-        isFinite = isFinite && std::all_of (signal.begin(), signal.end(), [] (float x) { return std::isfinite (x); });
-
-    EXPECT_TRUE (isFinite);
+    EXPECT_TRUE (allFinite (signals[0]) && allFinite (signals[1]));
     EXPECT_EQ (allocations, 0);
 }
 } // namespace

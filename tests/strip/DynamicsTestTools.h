@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <functional>
 #include <random>
 #include <vector>
 
@@ -46,24 +45,19 @@ struct PreparedSection
         section.reset();
     }
 
-    // Whole channels, main ones first, in slices that `nextLength` gives; the main ones come back changed.
-    std::vector<Signal> process (
-        std::vector<Signal> channels, const std::function<int()>& nextLength = [] { return blockLength; })
+    // Whole channels, main ones first, in slices of the given lengths in turn; the main ones come back changed.
+    std::vector<Signal> process (std::vector<Signal> channels, const std::vector<int>& slices = { blockLength })
     {
-        const auto total = static_cast<int> (channels.front().size());
+        inPieces (channels.front().size(), slices,
+                  [&] (std::size_t begin, int n)
+                  {
+                      std::vector<float*> rows;
 
-        for (int position = 0; position < total;)
-        {
-            const auto n = std::min (nextLength(), total - position);
-            std::vector<float*> rows;
+                      for (auto& channel : channels)
+                          rows.push_back (channel.data() + begin);
 
-            for (auto& channel : channels)
-                rows.push_back (channel.data() + position);
-
-            section.process (rows.data(), n, static_cast<int> (channels.size()) - main);
-            position += n;
-        }
-
+                      section.process (rows.data(), n, static_cast<int> (channels.size()) - main);
+                  });
         channels.resize (static_cast<std::size_t> (main));
         return channels;
     }

@@ -20,12 +20,10 @@ public:
 
     struct Sample
     {
-        float main = 0.0f;
-        float detector = 0.0f; // main or side chain, at the section's input
-        float key = 0.0f;      // main or side chain, at the section's input
+        float main, detector, key; // all at the section's input; detector and key are main or side chain
     };
 
-    // One sample through the section; the gain element's gain is left in `gain`.
+    // One sample through the section.
     double process (const Sample& in)
     {
         const auto smash = p.compNuke && p.compRatio != 0;
@@ -64,8 +62,8 @@ public:
     static constexpr double ceiling =
         12.32 - (-11.0 - curvePoints[0] / (curvePoints[1] - curvePoints[0]) / 10.000001 + 9.914435) / 0.087612525;
 
-    // The gain that a constant magnitude of the main signal ends at, limiter and expander off: no current flows any more, so
-    // the first capacitor is where it is drawn to. Found by halving, since more gain means more voltage and less gain.
+    // The gain that a constant magnitude of the main signal ends at, limiter and expander off: no current flows any
+    // more, so the first capacitor is where it is drawn to. Found by halving: more gain, more voltage, less gain.
     double steadyGain (double magnitude) const
     {
         auto lowest = 0.0, highest = curvePoints.back();
@@ -81,9 +79,7 @@ public:
         return lowest;
     }
 
-    double gain = 1.0;
-    double limiterVolts = 0.0;
-    double expanderVolts = 0.0;
+    double gain = 1.0; // the gain element's
 
 private:
     static constexpr double dt = 1.0 / 44100.0;
@@ -217,6 +213,6 @@ private:
     const ParameterSnapshot& p;
     double rate;
     double c = 0.0, vB = 0.0, iPrev = 0.0, peak = 0.0;
-    double rms = 1e-05, held = 0.0, timer = 0.0;
+    double rms = 1e-05, held = 0.0, timer = 0.0, expanderVolts = 0.0, limiterVolts = 0.0;
 };
 } // namespace tarvik::plain

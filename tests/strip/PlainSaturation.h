@@ -17,55 +17,40 @@
 // The saturation stage as its formulas say it, sample by sample in 64 bits: what the fast forms are held against.
 namespace tarvik::test
 {
-/** Chain one, a sample late, and chain two. */
+/** Two chains of eight all-pass sections, y = k (x + y two ago) - x two ago. */
 class PlainQuadrature
 {
 public:
+    /** Chain one, a sample late, and chain two. */
     std::pair<double, double> process (double x)
     {
         const auto late = delayed;
-        delayed = run (chainOne, x);
-        return { late, run (chainTwo, x) };
+        delayed = run (chainOne, one, x);
+        return { late, run (chainTwo, two, x) };
     }
 
 private:
-    struct Section
-    {
-        double k;
-        std::array<double, 2> x {}, y {}; // one and two samples ago
-    };
+    using Coefficients = std::array<double, 8>;
+    using Memory = std::array<std::array<double, 2>, 9>; // what went into each section, and out of the last
 
-    using Chain = std::array<Section, 8>;
-
-    static double run (Chain& chain, double x)
+    static double run (Memory& memory, const Coefficients& coefficients, double x)
     {
-        for (auto& s : chain)
+        for (std::size_t s = 0; s < coefficients.size(); ++s)
         {
-            const auto y = s.k * (x + s.y[1]) - s.x[1];
-            s.x = { x, s.x[0] };
-            s.y = { y, s.y[0] };
+            const auto y = coefficients[s] * (x + memory[s + 1][1]) - memory[s][1];
+            memory[s] = { x, memory[s][0] };
             x = y;
         }
 
+        memory.back() = { x, memory.back()[0] };
         return x;
     }
 
-    Chain chainOne { { { 0.9995336 },
-                       { 0.9970231 },
-                       { 0.99118406 },
-                       { 0.9755971 },
-                       { 0.93388945 },
-                       { 0.82755935 },
-                       { 0.59095794 },
-                       { 0.21985206 } } };
-    Chain chainTwo { { { 0.9984784 },
-                       { 0.9947861 },
-                       { 0.9852872 },
-                       { 0.9597163 },
-                       { 0.8924666 },
-                       { 0.72967243 },
-                       { 0.41320083 },
-                       { 0.06199008 } } };
+    static constexpr Coefficients one { 0.9995336,  0.9970231,  0.99118406, 0.9755971,
+                                        0.93388945, 0.82755935, 0.59095794, 0.21985206 };
+    static constexpr Coefficients two { 0.9984784, 0.9947861,  0.9852872,  0.9597163,
+                                        0.8924666, 0.72967243, 0.41320083, 0.06199008 };
+    Memory chainOne {}, chainTwo {};
     double delayed = 0.0;
 };
 

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <complex>
 #include <cstddef>
+#include <cstdint>
 #include <numbers>
 #include <random>
 #include <vector>
@@ -24,7 +26,7 @@ inline Signal sine (double hz, double level, double rateHz, double seconds)
     return signal;
 }
 
-inline Signal noise (int numSamples, unsigned seed, float level = 1.0f)
+inline Signal noise (int numSamples, std::uint_fast32_t seed, float level = 1.0f)
 {
     std::mt19937 random (seed);
     std::uniform_real_distribution<float> uniform (-level, level);
@@ -60,6 +62,23 @@ inline double rmsOfEnd (const Signal& signal, std::size_t lastSamples)
         sum += static_cast<double> (signal[i]) * static_cast<double> (signal[i]);
 
     return std::sqrt (sum / static_cast<double> (lastSamples));
+}
+
+/** Calls function (begin, length) for one piece after the other, of the given lengths in turn, up to the total. */
+template <typename Function>
+void inPieces (std::size_t total, const std::vector<int>& lengths, Function function)
+{
+    for (std::size_t begin = 0, piece = 0; begin < total; ++piece)
+    {
+        const auto n = std::min (static_cast<std::size_t> (lengths[piece % lengths.size()]), total - begin);
+        function (begin, static_cast<int> (n));
+        begin += n;
+    }
+}
+
+inline bool allFinite (const Signal& signal)
+{
+    return std::all_of (signal.begin(), signal.end(), [] (float x) { return std::isfinite (x); });
 }
 
 } // namespace tarvik::test
