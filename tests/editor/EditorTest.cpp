@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "editor/EditorSize.h"
 #include "tests/support/ConsoleTestTools.h"
+#include "tests/support/Golden.h"
 
 namespace tarvik
 {
@@ -13,32 +15,22 @@ struct EditorUnderTest
     EditorUnderTest() : strip (makeStrip (2)), ears (*strip)
     {
         strip->uiZoomSetting().setValue (1.0);
+        open();
+    }
+
+    ~EditorUnderTest() { strip->editorBeingDeleted (editor.get()); }
+
+    void open()
+    {
         editor.reset (strip->createEditorIfNeeded());
         editor->setVisible (true);
     }
 
-    ~EditorUnderTest()
-    {
-        strip->editorBeingDeleted (editor.get());
-        editor.reset();
-    }
+    OrvaneConsoleUI& console() { return childOf<OrvaneConsoleUI> (*editor, "Console channel"); }
 
-    template <typename Control>
-    Control& child (const juce::String& title)
-    {
-        for (auto* const c : editor->getChildren())
-            if (c->getTitle() == title)
-                return dynamic_cast<Control&> (*c);
+    juce::Button& button (const char* title) { return childOf (*editor, title); }
 
-        throw std::runtime_error ("no such child");
-    }
-
-    void click (const char* title)
-    {
-        auto& button = child<juce::Button> (title);
-        Mouse (button).click (button.getLocalBounds().getCentre().toFloat());
-        runMessagesFor (5);
-    }
+    juce::Slider& pot (const char* title) { return childOf<juce::Slider> (*editor, title); }
 
     std::unique_ptr<Tarvik41Processor> strip;
     HostEars ears;
@@ -46,29 +38,64 @@ struct EditorUnderTest
 };
 } // namespace
 
+TEST (Editor, EverythingHasItsPlaceAndThePresetBoxIsNeverShown)
+{
+    EditorUnderTest t;
+    juce::String all;
+    const auto list = [&all] (juce::Component& parent, const char* indent)
+    {
+        for (auto* const child : parent.getChildren())
+            all << indent << (child->getTitle().isNotEmpty() ? child->getTitle() : child->getName()) << ": "
+                << child->getBounds().toString() << (child->isVisible() ? "\n" : ", hidden\n");
+    };
+
+    list (*t.editor, "");
+    list (childOf<ZQBar> (*t.editor, "Bottom bar"), "  ");
+    expectGolden ("editor.txt", all);
+}
+
 TEST (Editor, OpensAtTheZoomOfTheSettingAndFollowsIt)
 {
     EditorUnderTest t;
     EXPECT_EQ (t.editor->getBounds().withZeroOrigin(), juce::Rectangle (900, 741));
-    EXPECT_EQ (t.child<OrvaneConsoleUI> ("Console channel").getBounds(), juce::Rectangle (0, 32, 900, 677));
     t.strip->uiZoomSetting().setValue (1.5);
     EXPECT_EQ (t.editor->getWidth(), 900) << "a little later";
     runMessagesFor (200);
     EXPECT_EQ (t.editor->getBounds().withZeroOrigin(), juce::Rectangle (1350, 1079));
 }
 
+TEST (EditorSize, FollowsTheZoomAndStaysOnTheDisplay)
+{
+    const juce::Rectangle small (1024, 768), nothing (0, 0), large (1920, 1080);
+    const auto nan = std::numeric_limits<double>::quiet_NaN();
+
+    // (768 x 0.9 - 64) / 740.67 is 0.8468, less than the width allows. From a damaged project comes a small window, or
+    // the usual one, but a window; a display that says nothing is none.
+    for (const auto& [zoom, display, width, height] : { std::tuple (0.8, nothing, 720, 605),
+                                                        { 0.9, nothing, 810, 673 },
+                                                        { 1.2, nothing, 1080, 876 },
+                                                        { 1.5, nothing, 1350, 1079 },
+                                                        { 1.5, small, 762, 637 },
+                                                        { 0.8, small, 720, 605 },
+                                                        { 0.0, nothing, 90, 132 },
+                                                        { -3.0, large, 90, 132 },
+                                                        { nan, large, 900, 741 },
+                                                        { 1e300, large, 1103, 894 } })
+        EXPECT_EQ (editorSize::forZoom (zoom, display), juce::Point (width, height)) << zoom;
+
+    EXPECT_EQ (editorSize::forZoom (1.0, {}), juce::Point (900, 741));
+}
+
 TEST (Editor, AHostsChangeIsShownWithinATickAndNotEchoed)
 {
     EditorUnderTest t;
-    auto& pot = t.child<juce::Slider> ("Input Level");
-    auto& gain = *t.child<OrvaneConsoleUI> ("Console channel").controlsOf (1).front();
-    setPlain (*t.strip, "inLevel", 3.333f);
-    setPlain (*t.strip, "gain", 12.0f);
+    auto& pot = t.pot ("Input Level");
+    setPlain (*t.strip, { { "inLevel", 3.333f }, { "gain", 12.0f } });
     t.ears.heard();
     runMessagesFor (250);
     EXPECT_EQ (t.ears.heard(), "");
     EXPECT_NEAR (pot.getValue(), (3.333 + 10.0) / 20.0, 0.0005);
-    EXPECT_NEAR (dynamic_cast<juce::Slider&> (gain).getValue(), 0.4, 1e-6);
+    EXPECT_NEAR (dynamic_cast<juce::Slider&> (*t.console().controlsOf (1).front()).getValue(), 0.4, 1e-6);
 
     // What the mouse does goes to the host, without a gesture.
     pot.setValue (1.0, juce::sendNotificationSync);
@@ -82,59 +109,65 @@ TEST (Editor, HiddenItDoesNothingAndShownAgainItIsRightAtOnce)
     t.editor->setVisible (false);
     setPlain (*t.strip, "outLevel", 10.0f);
     runMessagesFor (200);
-    auto& pot = t.child<juce::Slider> ("Output Level");
-    EXPECT_NEAR (pot.getValue(), 0.5, 1e-3);
+    EXPECT_NEAR (t.pot ("Output Level").getValue(), 0.5, 1e-3);
     t.editor->setVisible (true);
-    EXPECT_NEAR (pot.getValue(), 1.0, 1e-3);
+    EXPECT_NEAR (t.pot ("Output Level").getValue(), 1.0, 1e-3);
 }
 
 TEST (Editor, TheSlotsAreChosenAndCopied)
 {
     EditorUnderTest t;
-    const auto isShown = [&] (const char* title) { return t.child<juce::Button> (title).isVisible(); };
-    const auto isOn = [&] (const char* title) { return t.child<juce::Button> (title).getToggleState(); };
-    EXPECT_TRUE (isOn ("Slot A") && ! isOn ("Slot B") && isShown ("Copy to B") && ! isShown ("Copy to A"));
+    const auto state = [&t]
+    {
+        juce::String text;
 
+        for (const auto* const title : { "Slot A", "Slot B" })
+            text << (t.button (title).getToggleState() ? title : "");
+
+        for (const auto* const title : { "Copy to A", "Copy to B" })
+            text << (t.button (title).isVisible() ? juce::String (", ") + title : "");
+
+        return text;
+    };
+
+    EXPECT_EQ (state(), "Slot A, Copy to B");
     setPlain (*t.strip, "gain", 20.0f);
-    t.click ("Copy to B");
+    click (t.button ("Copy to B"));
     EXPECT_EQ (t.strip->getCurrentSlot(), 0) << "copying does not choose";
-    t.click ("Slot B");
+    setPlain (*t.strip, "gain", 5.0f);
+    click (t.button ("Slot B"));
     EXPECT_EQ (t.strip->getCurrentSlot(), 1);
     EXPECT_FLOAT_EQ (plainOf (*t.strip, "gain"), 20.0f);
     runMessagesFor (150);
-    EXPECT_TRUE (! isOn ("Slot A") && isOn ("Slot B") && ! isShown ("Copy to B") && isShown ("Copy to A"));
+    EXPECT_EQ (state(), "Slot B, Copy to A");
 
-    setPlain (*t.strip, "gain", 5.0f);
-    t.click ("Copy to A");
-    t.click ("Slot A");
-    EXPECT_FLOAT_EQ (plainOf (*t.strip, "gain"), 5.0f);
+    click (t.button ("Copy to A"));
+    click (t.button ("Slot A"));
+    EXPECT_FLOAT_EQ (plainOf (*t.strip, "gain"), 20.0f);
 }
 
-TEST (Editor, HighlightsFrameTheControlAndFollowTheSize)
+TEST (Editor, HighlightsFrameTheControl)
 {
     EditorUnderTest t;
-    auto& console = t.child<OrvaneConsoleUI> ("Console channel");
+    auto& console = t.console();
     const auto plain = snapshotOf (console);
-    const auto framed = [&] (int index)
+    const auto withHighlight = [&] (int index, bool isHighlighted)
     {
-        t.editor->setControlHighlight ({ index, true, juce::Colours::red });
+        t.editor->setControlHighlight ({ index, isHighlighted, juce::Colours::red });
         return snapshotOf (console);
     };
 
-    const auto gain = consoleLayout::knobs[0].box.on (900, 677);
-    const auto image = framed (1);
-    EXPECT_EQ (difference (image, plain) * 900 * 677, 4 * 19) << "four L of 10 and 9 pixels";
-    EXPECT_NE (image.getPixelAt (gain.getX(), gain.getY()), plain.getPixelAt (gain.getX(), gain.getY()));
-    EXPECT_NE (image.getPixelAt (gain.getRight() - 1, gain.getBottom() - 1),
-               plain.getPixelAt (gain.getRight() - 1, gain.getBottom() - 1));
+    const auto framed = withHighlight (1, true);
+    const auto gain = console.controlsOf (1)[0]->getBounds();
+    EXPECT_EQ (difference (framed, plain) * 900 * 677, 4 * 19) << "four L of 10 and 9 pixels";
 
-    // A parameter without a control, and off again.
-    EXPECT_EQ (difference (framed (38), image), 0.0);
-    t.editor->setControlHighlight ({ 1, false, juce::Colours::red });
-    EXPECT_EQ (difference (snapshotOf (console), plain), 0.0);
+    for (const auto& corner : { gain.getTopLeft(), gain.getBottomRight().translated (-1, -1) })
+        EXPECT_NE (framed.getPixelAt (corner.x, corner.y), plain.getPixelAt (corner.x, corner.y));
 
+    EXPECT_EQ (difference (withHighlight (38, true), framed), 0.0) << "a parameter without a control";
+    EXPECT_EQ (difference (withHighlight (1, false), plain), 0.0);
     EXPECT_EQ (t.editor->getControlParameterIndex (*console.controlsOf (37).front()), 37);
-    EXPECT_EQ (t.editor->getControlParameterIndex (t.child<juce::Slider> ("Input Level")), -1);
+    EXPECT_EQ (t.editor->getControlParameterIndex (t.pot ("Input Level")), -1);
 }
 
 TEST (Editor, TwentyCanBeOpenWhileAudioRunsAndLeaveNothingBehind)
@@ -143,10 +176,10 @@ TEST (Editor, TwentyCanBeOpenWhileAudioRunsAndLeaveNothingBehind)
     std::vector<std::unique_ptr<EditorUnderTest>> editors;
 
     for (int i = 0; i < 20; ++i)
+    {
         editors.push_back (std::make_unique<EditorUnderTest>());
-
-    for (const auto& e : editors)
-        e->strip->prepareToPlay (48000.0, 256);
+        editors.back()->strip->prepareToPlay (48000.0, 256);
+    }
 
     std::thread audio (
         [&]
@@ -167,8 +200,7 @@ TEST (Editor, TwentyCanBeOpenWhileAudioRunsAndLeaveNothingBehind)
     for (const std::size_t i : { 3u, 11u, 19u })
     {
         editors[i]->strip->editorBeingDeleted (editors[i]->editor.get());
-        editors[i]->editor.reset (editors[i]->strip->createEditorIfNeeded());
-        editors[i]->editor->setVisible (true);
+        editors[i]->open();
     }
 
     runMessagesFor (300);
@@ -185,47 +217,42 @@ TEST (Editor, TwentyCanBeOpenWhileAudioRunsAndLeaveNothingBehind)
 TEST (Editor, AMeterTickRepaintsTheMetersAlone)
 {
     EditorUnderTest t;
-    auto& console = t.child<OrvaneConsoleUI> ("Console channel");
 
     struct Watch : juce::CachedComponentImage
     {
         void paint (juce::Graphics&) override {}
 
-        bool invalidateAll() override
-        {
-            area = 1e9;
-            return true;
-        }
+        bool invalidateAll() override { return invalidate ({ 1, 1 }); }
 
-        bool invalidate (const juce::Rectangle<int>& r) override
+        bool invalidate (const juce::Rectangle<int>& area) override
         {
-            const auto isAMeters = meters[0].contains (r) || meters[1].contains (r);
-            area += isAMeters ? r.getWidth() * r.getHeight() : 1e9;
+            areas.add (area);
             return true;
         }
 
         void releaseResources() override {}
 
-        double area = 0.0; ///< In pixels; huge for anything besides a meter.
-        const juce::Rectangle<int> meters[2] = { consoleLayout::vuMeter.on (900, 677).translated (0, 32),
-                                                 consoleLayout::gainReductionMeter.on (900, 677).translated (0, 32) };
+        juce::RectangleList<int> areas;
     };
 
     auto* const watch = new Watch(); // the component owns it
     t.editor->setCachedComponentImage (watch);
-    watch->area = 0.0;
+    watch->areas.clear();
     ParameterSnapshot snapshot;
     snapshot.inputMeter = 1.0f;
     snapshot.gainReductionDb = -7.0f;
-    console.updateMeters (snapshot);
-    EXPECT_GT (watch->area, 0.0);
-    EXPECT_LE (watch->area, 2.0 * 124 * 64);
+    t.console().updateMeters (snapshot);
+    EXPECT_FALSE (watch->areas.isEmpty());
+
+    for (const auto* const box : { &consoleLayout::vuMeter, &consoleLayout::gainReductionMeter })
+        watch->areas.subtract (box->on (900, 677).translated (0, 32));
+
+    EXPECT_TRUE (watch->areas.isEmpty());
 
     // A second tick with the same levels costs nothing, and nor does a state pass in which nothing has changed.
-    watch->area = 0.0;
-    console.updateMeters (snapshot);
-    console.updateState (t.strip->currentSnapshot());
-    EXPECT_EQ (watch->area, 0.0);
+    t.console().updateMeters (snapshot);
+    t.console().updateState (t.strip->currentSnapshot());
+    EXPECT_TRUE (watch->areas.isEmpty());
 }
 
 } // namespace tarvik

@@ -44,11 +44,8 @@ TEST (Pictures, EveryFileHasTheSizeAndTheChannelsOfTheCatalogue)
         const auto* const header = reinterpret_cast<const char*> (file.data()) + 16;
         EXPECT_EQ (juce::ByteOrder::bigEndianInt (header), static_cast<juce::uint32> (row.width));
         EXPECT_EQ (juce::ByteOrder::bigEndianInt (header + 4), static_cast<juce::uint32> (row.height));
-        EXPECT_EQ (header[8], 8);
         EXPECT_EQ (header[9], row.colours == PictureColours::rgba ? 6 : 2);
-
-        // The end of the data is in place, too.
-        EXPECT_EQ (juce::String (reinterpret_cast<const char*> (file.data()) + file.size() - 8, 4), "IEND");
+        EXPECT_TRUE (decodedPicture (row.id).isValid());
     }
 }
 
@@ -65,10 +62,9 @@ TEST (Resampling, AThirdOfTheLinesIsAThirdOfTheLight)
 {
     // JUCE's own renderer gives 0 or 255 here, whichever pixel it meets.
     const auto lines = rowsOf ({ 255, 0, 0, 255, 0, 0, 255, 0, 0 }, 6);
-    const auto small = resampled (lines, 3, 2);
 
     for (int x = 0; x < 3; ++x)
-        EXPECT_EQ (redAt (small, x, 1), 85);
+        EXPECT_EQ (redAt (resampled (lines, 3, 2), x, 1), 85);
 
     // Fractions of pixels count by their area: 1.5 pixels to one.
     const auto fractions = resampled (rowsOf ({ 30, 90, 240 }, 3), 2, 2);

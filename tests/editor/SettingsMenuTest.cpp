@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/SettingsMenu.h"
 
-#include "plugin/SettingsFile.h"
 #include "tests/support/ConsoleTestTools.h"
+#include "tests/support/Golden.h"
+#include "tests/support/SettingsFileTest.h"
 
 #include <limits>
-#include <map>
 
 namespace tarvik
 {
@@ -14,27 +14,32 @@ namespace
 using namespace test;
 using Keys = juce::ModifierKeys;
 
-/** Two instances of one process, and no settings file before or after. */
-class SettingsMenu : public testing::Test
+/** The items that belong to a setting: consecutive ids for its values, then for sending it and for saving it. */
+struct Group
+{
+    const char* key;
+    int firstId;
+    std::vector<double> values;
+    int sendingId; ///< 0 for none.
+    int savingId;
+};
+
+const Group groups[] = {
+    { "Calibration", 2, { 16, 17, 18, 19, 20, 21, 22, 23, 24 }, 11, 12 },
+    { "Oversampling", 13, { 1, 2, 4, 8, 16 }, 18, 19 },
+    { "Analog", 20, { 1, 0 }, 22, 23 },
+    { "LimiterSensitivity", 24, { 0, 1, 2 }, 27, 28 },
+    { "UIZoom", 29, { 0.8f, 0.9f, 1.0f, 1.2f, 1.5f }, 0, 34 },
+};
+
+/** Two instances of one process. */
+class SettingsMenu : public SettingsFileTest
 {
 protected:
-    SettingsMenu() { file().deleteFile(); }
-
-    ~SettingsMenu() override { file().deleteFile(); }
-
-    static juce::File file() { return settingsFileOptions().getDefaultFile(); }
-
     /** What the file holds for a key, or "none". */
     static juce::String stored (const juce::String& key)
     {
         return juce::PropertiesFile (settingsFileOptions()).getValue (key, "none");
-    }
-
-    static void write (const juce::String& key, const juce::String& value)
-    {
-        juce::PropertiesFile properties (settingsFileOptions());
-        properties.setValue (key, value);
-        ASSERT_TRUE (properties.save());
     }
 
     static double get (const Tarvik41Processor& strip, const juce::String& key)
@@ -54,6 +59,17 @@ protected:
         strip.analogSetting().setValue (noise);
         strip.limiterSensitivitySetting().setValue (sensitivity);
         strip.uiZoomSetting().setValue (zoom);
+    }
+
+    /** The keys of the settings in which the instances differ. */
+    juce::String differing() const
+    {
+        juce::String keys;
+
+        for (const auto& group : groups)
+            keys << (get (a, group.key) != get (b, group.key) ? group.key : "");
+
+        return keys;
     }
 
     /** One line for each row of the menu, sub-menus indented: "id text", with "*" in front of the text for a tick. */
@@ -89,204 +105,89 @@ protected:
 };
 } // namespace
 
-TEST_F (SettingsMenu, EveryRowOfANewInstance)
+TEST_F (SettingsMenu, RowsTicksAndDefaultsFollowTheValuesAndTheFile)
 {
-    EXPECT_EQ (rows(), "1 About...\n"
-                       "--\n"
-                       "0 Calibration (+4 dBu at -14dBFS)\n"
-                       "  2 -12 dBFS\n"
-                       "  3 -13 dBFS\n"
-                       "  4 *-14 dBFS (default)\n"
-                       "  5 -15 dBFS\n"
-                       "  6 -16 dBFS\n"
-                       "  7 -17 dBFS\n"
-                       "  8 -18 dBFS\n"
-                       "  9 -19 dBFS\n"
-                       "  10 -20 dBFS\n"
-                       "  --\n"
-                       "  11 Set in all instances\n"
-                       "  12 Save as default\n"
-                       "0 Oversampling (2x)\n"
-                       "  13 Off\n"
-                       "  14 *2x (default)\n"
-                       "  15 4x\n"
-                       "  16 8x\n"
-                       "  17 16x\n"
-                       "  --\n"
-                       "  18 Set in all instances\n"
-                       "  19 Save as default\n"
-                       "0 Noise (On)\n"
-                       "  20 *On (default)\n"
-                       "  21 Off\n"
-                       "  --\n"
-                       "  22 Set in all instances\n"
-                       "  23 Save as default\n"
-                       "0 Lim. Sensitivity (Low)\n"
-                       "  24 Normal\n"
-                       "  25 Mid\n"
-                       "  26 *Low (default)\n"
-                       "  --\n"
-                       "  27 Set in all instances\n"
-                       "  28 Save as default\n"
-                       "--\n"
-                       "0 UI Zoom (120 %)\n"
-                       "  29 80 %\n"
-                       "  30 90 %\n"
-                       "  31 100 %\n"
-                       "  32 *120 % (default)\n"
-                       "  33 150 %\n"
-                       "  --\n"
-                       "  34 Save as default\n"
-                       "--\n"
-                       "35 Comp. External S C\n"
-                       "36 Exp. External S C\n");
-}
-
-TEST_F (SettingsMenu, HeadingsTicksAndDefaultsFollowTheValuesAndTheFile)
-{
-    const auto shows = [this] (std::initializer_list<const char*> wanted)
-    {
-        const auto text = "\n" + rows();
-
-        for (const auto* const row : wanted)
-            EXPECT_TRUE (text.contains ("\n" + juce::String (row) + "\n")) << row << text;
-    };
-    const auto numTicks = [this] { return rows().retainCharacters ("*").length(); };
-
+    auto all = "A new instance\n" + rows();
     set (a, 22.0, 1, false, 0, 0.8f);
     setPlain (a, "compExtSideChain", 1.0f);
-    shows ({ "0 Calibration (+4 dBu at -18dBFS)", "  8 *-18 dBFS", "  4 -14 dBFS (default)", "0 Oversampling (Off)",
-             "  13 *Off", "0 Noise (Off)", "  21 *Off", "  20 On (default)", "0 Lim. Sensitivity (Normal)",
-             "0 UI Zoom (80 %)", "  29 *80 %", "35 *Comp. External S C", "36 Exp. External S C" });
-    EXPECT_EQ (numTicks(), 6);
+    all << "All else\n" << rows();
 
     set (a, 24.0, 16, true, 1, 1.0);
-    setPlain (a, "compExtSideChain", 0.0f);
-    setPlain (a, "expExtSideChain", 1.0f);
+    setPlain (a, { { "compExtSideChain", 0.0f }, { "expExtSideChain", 1.0f } });
     write ("Calibration", "24");
     write ("UIZoom", "0.9");
-    shows ({ "  10 *-20 dBFS (default)", "  4 -14 dBFS", "0 Oversampling (16x)", "  17 *16x",
-             "0 Lim. Sensitivity (Mid)", "  25 *Mid", "  30 90 % (default)", "  31 *100 %", "36 *Exp. External S C" });
+    all << "Another default\n" << rows();
 
-    // Values that no item has.
     set (a, 17.5, 3, true, 3, 1.1);
-    setPlain (a, "expExtSideChain", 0.0f);
-    shows ({ "0 Calibration (+4 dBu at -13.5dBFS)", "0 Oversampling (3x)", "0 Lim. Sensitivity (unknown)",
-             "0 UI Zoom (110 %)" });
-    EXPECT_EQ (numTicks(), 1) << "the noise";
+    all << "Values that no item has\n" << rows();
+    expectGolden ("menu.txt", all);
 }
 
 TEST_F (SettingsMenu, AnItemReachesThisInstanceWithShiftAllAndWithAltTheFile)
 {
-    struct Choice
-    {
-        int id;
-        const char* key;
-        double value;
-    };
+    for (const auto& group : groups)
+        for (std::size_t i = 0; i < group.values.size(); ++i)
+            for (const auto keys :
+                 { 0, +Keys::shiftModifier, +Keys::altModifier, Keys::shiftModifier | Keys::altModifier })
+                for (const auto isPresent : { false, true })
+                {
+                    const juce::String key (group.key);
+                    const auto id = group.firstId + static_cast<int> (i);
+                    const auto value = group.values[i];
+                    const auto isZoom = key == "UIZoom";
+                    SCOPED_TRACE (std::to_string (id) + " keys " + std::to_string (keys));
+                    file().deleteFile();
 
-    constexpr Choice choices[] = {
-        { 2, "Calibration", 16 },
-        { 3, "Calibration", 17 },
-        { 5, "Calibration", 19 },
-        { 6, "Calibration", 20 },
-        { 7, "Calibration", 21 },
-        { 8, "Calibration", 22 },
-        { 9, "Calibration", 23 },
-        { 10, "Calibration", 24 },
-        { 13, "Oversampling", 1 },
-        { 15, "Oversampling", 4 },
-        { 16, "Oversampling", 8 },
-        { 17, "Oversampling", 16 },
-        { 20, "Analog", 1 },
-        { 21, "Analog", 0 },
-        { 24, "LimiterSensitivity", 0 },
-        { 25, "LimiterSensitivity", 1 },
-        { 26, "LimiterSensitivity", 2 },
-        { 29, "UIZoom", 0.8f },
-        { 30, "UIZoom", 0.9f },
-        { 32, "UIZoom", 1.2f },
-        { 33, "UIZoom", 1.5f },
-    };
+                    // Nothing that the item could set.
+                    for (auto* const strip : { &a, &b })
+                        set (*strip, value == 18.0 ? 19.0 : 18.0, value == 2.0 ? 4 : 2, value == 0.0,
+                             value == 1.0 ? 0 : 1, isZoom && value == 1.0 ? 1.2 : 1.0);
 
-    for (const auto& [id, key, value] : choices)
-    {
-        const auto wanted = static_cast<float> (value); // in the file 1.2f is 1.20000004768372
-        const auto isZoom = juce::String (key) == "UIZoom";
+                    const auto before = get (b, key);
 
-        for (const auto keys : { 0, +Keys::shiftModifier, +Keys::altModifier, Keys::shiftModifier | Keys::altModifier })
-        {
-            for (const auto isPresent : { false, true })
-            {
-                SCOPED_TRACE (std::to_string (id) + " keys " + std::to_string (keys));
-                file().deleteFile();
-                window = {};
+                    if (isPresent)
+                        choose (id);
 
-                // Nothing that the item could set, but for noise, which has but two values.
-                set (a, 18.0, 2, value == 0.0, value == 1.0 ? 0 : 1, 1.0);
-                set (b, 18.0, 2, value == 0.0, value == 1.0 ? 0 : 1, 1.0);
-                const auto before = get (b, key);
+                    window = {};
+                    choose (id, keys);
+                    EXPECT_EQ (get (a, key), value);
+                    EXPECT_EQ (get (b, key), (keys & Keys::shiftModifier) != 0 && ! isZoom ? value : before);
+                    EXPECT_EQ (window, isZoom ? "size " : "");
+                    EXPECT_EQ (stored (key) != "none", (keys & Keys::altModifier) != 0);
 
-                if (isPresent)
-                    choose (id);
-
-                window = {};
-                choose (id, keys);
-                EXPECT_EQ (get (a, key), value);
-                EXPECT_EQ (get (b, key), (keys & Keys::shiftModifier) != 0 && ! isZoom ? value : before);
-                const auto text = stored (key);
-                EXPECT_EQ (text != "none", (keys & Keys::altModifier) != 0);
-                EXPECT_EQ (text == "none" ? wanted : text.getFloatValue(), wanted);
-                EXPECT_EQ (window, isZoom ? "size " : "");
-            }
-        }
-    }
+                    if (stored (key) != "none") // where 1.2f is 1.20000004768372
+                    {
+                        EXPECT_EQ (stored (key).getFloatValue(), static_cast<float> (value));
+                    }
+                }
 }
 
 TEST_F (SettingsMenu, TheOtherItemsSendOrSaveWhatIsSetAndNothingElse)
 {
-    const std::map<int, const char*> sending {
-        { 11, "Calibration" }, { 18, "Oversampling" }, { 22, "Analog" }, { 27, "LimiterSensitivity" }
-    };
-    const std::map<int, const char*> saving {
-        { 12, "Calibration" }, { 19, "Oversampling" }, { 23, "Analog" }, { 28, "LimiterSensitivity" }, { 34, "UIZoom" }
-    };
+    const juce::String all ("CalibrationOversamplingAnalogLimiterSensitivityUIZoom");
     set (a, 23.0, 4, false, 0, 0.9f);
-    const auto differing = [&]
-    {
-        juce::String keys;
-
-        for (const auto& [id, key] : saving)
-            keys << (get (a, key) != get (b, key) ? key : "");
-
-        return keys;
-    };
 
     for (const auto keys : { 0, Keys::shiftModifier | Keys::altModifier })
-    {
-        for (const auto& [id, key] : sending)
-        {
-            set (b, 18.0, 2, true, 2, 1.2);
-            choose (id, keys);
-            EXPECT_EQ (differing(),
-                       juce::String ("CalibrationOversamplingAnalogLimiterSensitivityUIZoom").replace (key, ""));
-        }
-
-        EXPECT_FALSE (file().existsAsFile()) << "telling all is not saving";
-    }
+        for (const auto& group : groups)
+            if (group.sendingId != 0)
+            {
+                set (b, 18.0, 2, true, 2, 1.2);
+                choose (group.sendingId, keys);
+                EXPECT_EQ (differing(), all.replace (group.key, ""));
+                EXPECT_FALSE (file().existsAsFile()) << "telling all is not saving";
+            }
 
     set (b, 18.0, 2, true, 2, 1.2);
 
-    for (const auto& [id, key] : saving)
+    for (const auto& group : groups)
     {
-        EXPECT_EQ (stored (key), "none");
-        choose (id, Keys::shiftModifier);
-        EXPECT_EQ (stored (key).getDoubleValue(), get (a, key));
+        EXPECT_EQ (stored (group.key), "none");
+        choose (group.savingId, Keys::shiftModifier);
+        EXPECT_EQ (stored (group.key).getDoubleValue(), get (a, group.key));
     }
 
-    EXPECT_EQ (differing(), "CalibrationOversamplingAnalogLimiterSensitivityUIZoom");
-
     // All five are in the file still: no saving took away what another had written.
+    EXPECT_EQ (differing(), all);
     EXPECT_EQ (juce::PropertiesFile (settingsFileOptions()).getAllProperties().size(), 5);
     EXPECT_EQ (Tarvik41Processor().calibrationSetting().getValue(), 23.0);
     EXPECT_EQ (window, "");
@@ -315,7 +216,6 @@ TEST_F (SettingsMenu, SideChainsBecomeTheOppositeOfWhatTheMenuShowed)
     const auto shown = settingsMenu::capture (a);
     choose (35, 0, shown);
     EXPECT_EQ (ears.heard(), "(26 v26 )26 ");
-    EXPECT_EQ (plainOf (a, "compExtSideChain"), 1.0f);
     choose (35, 0, shown);
     EXPECT_EQ (plainOf (a, "compExtSideChain"), 1.0f) << "the menu still showed off";
     ears.heard();

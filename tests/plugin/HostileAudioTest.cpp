@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "plugin/ParameterTable.h"
 #include "tests/support/StripTestTools.h"
 
 #include <limits>
@@ -27,45 +26,27 @@ enum class Badness
 
 Signal badSignal (Badness kind, int numSamples, unsigned seed)
 {
-    switch (kind)
-    {
-        case Badness::fullScale:
-            return noise (numSamples, seed, 1.0f);
-        case Badness::plus24Db:
-            return noise (numSamples, seed, 15.85f);
-        case Badness::subnormals:
-            return noise (numSamples, seed, 1e-39f);
-        case Badness::oneNan:
-        case Badness::oneInfinity:
-        {
-            auto signal = noise (numSamples, seed, 0.5f);
-            signal[signal.size() / 2] = kind == Badness::oneNan ? std::numeric_limits<float>::quiet_NaN()
-                                                                : -std::numeric_limits<float>::infinity();
-            return signal;
-        }
-        case Badness::silence:
-        case Badness::kinds:
-            break;
-    }
+    constexpr float levels[] = { 0.0f, 1.0f, 15.85f, 0.5f, 0.5f, 1e-39f };
+    auto signal = noise (numSamples, seed, levels[static_cast<int> (kind)]);
+    auto& middle = signal[signal.size() / 2];
 
-    return Signal (static_cast<std::size_t> (numSamples));
-}
+    if (kind == Badness::oneNan)
+        middle = std::numeric_limits<float>::quiet_NaN();
+    else if (kind == Badness::oneInfinity)
+        middle = -std::numeric_limits<float>::infinity();
 
-void randomSettings (Tarvik41Processor& strip, std::mt19937& random)
-{
-    for (auto* const p : strip.getParameters())
-        p->setValueNotifyingHost (static_cast<float> (random() % 1001) / 1000.0f);
+    return signal;
 }
 } // namespace
 
-/** Random settings, a parameter stepped at each block, bad audio on the left and on the left of the side chain. The right
-    hears a programme all the while, then both do: with the tolerances linked it is what the left would be had nothing
-    happened. The strips are not made new between cases, so what one leaves behind the next would show.
+/** Random settings, a parameter stepped at each block, bad audio on the left and on the left of the side chain. The
+    right hears a programme all the while, then both do: with the tolerances linked it is what the left would be had
+    nothing happened. The strips are not made new between cases, so what one leaves behind the next would show.
 
-    What may remain after a second is in the compressor's second capacitor: a passage of 20 ms fills it through 33 k to 7 %
-    of the highest voltage, it empties through 153 k and the shortest release in 1.7 s, and the first capacitor sees a tenth
-    of it. That is 3 %, so 5 % is allowed, and with the dynamics out what rounding leaves in the filters. Hold, a staircase,
-    stays out while they recover.
+    What may remain after a second is in the compressor's second capacitor: a passage of 20 ms fills it through 33 k to
+    7 % of the highest voltage, it empties through 153 k and the shortest release in 1.7 s, and the first capacitor sees
+    a tenth of it. That is 3 %, so 5 % is allowed, and with the dynamics out what rounding leaves in the filters. Hold,
+    a staircase, stays out while they recover.
 */
 TEST (HostileAudio, WhateverComesInTheStripStaysFiniteAndIsCleanASecondLater)
 {
@@ -78,9 +59,7 @@ TEST (HostileAudio, WhateverComesInTheStripStaysFiniteAndIsCleanASecondLater)
 
     for (const auto factor : { 1, 2, 4, 8, 16 })
     {
-        strips.push_back (makeStrip (2, true));
-        strips.back()->oversamplingSetting().setValue (factor);
-        strips.back()->analogSetting().setValue (false);
+        strips.push_back (makeNoiselessStrip (2, factor, true));
         strips.back()->prepareToPlay (sampleRate, blockLength);
     }
 
@@ -105,7 +84,7 @@ TEST (HostileAudio, WhateverComesInTheStripStaysFiniteAndIsCleanASecondLater)
             return output;
         };
 
-        randomSettings (strip, random);
+        setRandomly (strip, random);
         setPlain (strip, "TolLink", 1.0f);
 
         for (int block = 0; block < 4; ++block)
@@ -116,14 +95,14 @@ TEST (HostileAudio, WhateverComesInTheStripStaysFiniteAndIsCleanASecondLater)
             p->setValueNotifyingHost (p->getValue() > 0.5f ? 0.0f : 1.0f);
         }
 
-        setPlain (strip, "TolLink", 1.0f);
-        setPlain (strip, "compIn", isIn ? 1.0f : 0.0f);
-        setPlain (strip, "compRelease", 0.0f);
-        setPlain (strip, "expRelease", 0.025f);
-        setPlain (strip, "expHold", 0.0f);
-        setPlain (strip, "mute", 0.0f);
+        setPlain (strip, { { "TolLink", 1.0f },
+                           { "compIn", isIn ? 1.0f : 0.0f },
+                           { "compRelease", 0.0f },
+                           { "expRelease", 0.025f },
+                           { "expHold", 0.0f },
+                           { "mute", 0.0f } });
         const auto output = play (programme, programme);
-        float difference = 0.0f, level = 0.0f;
+        auto difference = 0.0f, level = 0.0f;
 
         for (std::size_t i = programme.size() - 1024; i < programme.size(); ++i)
         {
@@ -137,8 +116,7 @@ TEST (HostileAudio, WhateverComesInTheStripStaysFiniteAndIsCleanASecondLater)
 
 TEST (HostileAudio, SilenceBehindASignalStaysFreeOfSubnormals)
 {
-    const auto strip = makeStrip();
-    strip->analogSetting().setValue (false);
+    const auto strip = makeNoiselessStrip();
     strip->prepareToPlay (sampleRate, 512);
     process (*strip, { noise (4800, 1, 0.5f), noise (4800, 2, 0.5f) }, 512);
 

@@ -17,48 +17,30 @@ class HostileState : public testing::Test
 protected:
     HostileState()
     {
-        // Without noise, and at the factor that costs least.
-        strip->oversamplingSetting().setValue (1);
-        strip->analogSetting().setValue (false);
         strip->selectSlot (1);
         strip->setCurrentProgram (17);
         strip->prepareToPlay (48000.0, blockLength);
         good = saved (*strip);
     }
 
-    void expectSurvival (const juce::MemoryBlock& block, const char* what, std::size_t which = 0)
+    void expectSurvival (const juce::MemoryBlock& block, const std::string& what, std::size_t which = 0)
     {
         load (*strip, block);
         ASSERT_EQ (firstFieldOutOfRange (*strip), "") << what << ", " << which;
-        const auto out = process (*strip, { Signal (blockLength, 0.1f), Signal (blockLength, 0.1f) }, blockLength);
 
-        for (const auto sample : out[0])
+        for (const auto sample :
+             firstOf (process (*strip, { Signal (blockLength, 0.1f), Signal (blockLength, 0.1f) }, blockLength)))
             ASSERT_TRUE (std::isfinite (sample)) << what << ", " << which;
     }
 
-    /** A document of ours with `from` replaced by `to`, once. */
-    juce::MemoryBlock goodWith (const std::string& from, const std::string& to) const
-    {
-        std::string text (textOf (good));
-        const auto at = text.find (from);
-        EXPECT_NE (at, std::string::npos) << from;
-        return blockOfText (text.replace (at, from.size(), to));
-    }
-
     static constexpr int blockLength = 64;
-    std::unique_ptr<Tarvik41Processor> strip = makeStrip();
+    std::unique_ptr<Tarvik41Processor> strip = makeNoiselessStrip (2, 1); // the factor that costs least
     juce::MemoryBlock good;
 };
 
-std::string repeated (std::string_view text, std::size_t times)
+std::string repeated (const std::string& text, int times)
 {
-    std::string all;
-    all.reserve (text.size() * times);
-
-    while (times-- > 0)
-        all += text;
-
-    return all;
+    return juce::String::repeatedString (juce::String (text), times).toStdString();
 }
 
 #ifdef __SANITIZE_ADDRESS__
@@ -107,8 +89,7 @@ TEST_F (HostileState, TruncatedAnywhereOrWithAnyByteFlipped)
     {
         // Memory of its own, so that a read beyond the end is seen by the AddressSanitizer.
         expectSurvival ({ good.getData(), length }, "truncated", length);
-        const auto shorter = textOf (good).substr (0, std::min (length, textOf (good).size()));
-        expectSurvival (blockOfText (shorter), "cut text", length);
+        expectSurvival (blockOfText (textOf (good).substr (0, length)), "cut text", length);
     }
 
     load (*strip, good);
@@ -125,9 +106,8 @@ TEST_F (HostileState, TruncatedAnywhereOrWithAnyByteFlipped)
 TEST_F (HostileState, DamagedAndForeignBlocksChangeNothing)
 {
     const std::string text (textOf (good));
-    auto wrongMark = good;
+    auto wrongMark = good, negativeLength = good;
     wrongMark[0] = 'x';
-    auto negativeLength = good;
     negativeLength[7] = static_cast<char> (0xff);
 
     for (const auto& block : { juce::MemoryBlock(), juce::MemoryBlock (good.getData(), 8), wrongMark, negativeLength,
@@ -145,27 +125,23 @@ TEST_F (HostileState, DamagedAndForeignBlocksChangeNothing)
 
 TEST_F (HostileState, SenselessTextInEveryAttribute)
 {
-    std::vector<std::string> names;
-    const auto xml = juce::parseXML (std::string (textOf (good)));
-    const std::string values[] = { "nan",     "-inf",     "1e9",        "-1",
-                                   "",        "1e999999", "-1e-999999", repeated ("9", 4000),
-                                   "&#x",     "&#0;",     "&none;",     "true",
-                                   "\xc3\x28" };
+    const std::string text (textOf (good));
+    const std::string values[] = { "nan", "-inf", "1e9",    "-1",   "",         "1e999999",          "-1e-999999",
+                                   "&#x", "&#0;", "&none;", "true", "\xc3\x28", repeated ("9", 4000) };
 
-    for (const auto* const element : { xml.get(), xml->getChildElement (0), xml->getChildElement (1) })
-        for (int i = 0; i < element->getNumAttributes(); ++i)
-            for (const auto& value : values)
-            {
-                const auto name = element->getAttributeName (i).toStdString();
-                std::string text (textOf (good));
-                const auto start = text.find ("<" + element->getTagName().toStdString());
-                const auto at = text.find (" " + name + "=\"", start) + name.size() + 3;
-                text.replace (at, text.find ('"', at) - at, value);
-                ASSERT_NO_FATAL_FAILURE (expectSurvival (blockOfText (text), (name + "=" + value).c_str()));
+    for (auto open = text.find ("=\""); open != std::string::npos; open = text.find ("=\"", open + 1))
+    {
+        const auto start = open + 2, end = text.find ('"', start);
 
-                if (name == "Oversampling") // 16-fold, every load would take a hundred times as long
-                    load (*strip, good);
-            }
+        for (const auto& value : values)
+        {
+            ASSERT_NO_FATAL_FAILURE (expectSurvival (blockOfText (text.substr (0, start) + value + text.substr (end)),
+                                                     text.substr (0, start) + value));
+
+            if (strip->oversamplingSetting().getValue() != 1) // 16-fold, every load would take a hundred times as long
+                load (*strip, good);
+        }
+    }
 }
 
 TEST_F (HostileState, RandomBytesAndRandomPieces)
@@ -195,14 +171,12 @@ TEST_F (HostileState, RandomBytesAndRandomPieces)
 
 TEST_F (HostileState, DeepHugeAndSelfExpandingDocuments)
 {
-    constexpr std::size_t million = 1000000;
+    constexpr int million = 1000000;
     const std::string open = "<Tarvik41Channel", close = "</Tarvik41Channel>";
-    std::string manyNames;
+    std::string manyNames, laughs = "<!DOCTYPE Tarvik41Channel [<!ENTITY a \"haha\">";
 
-    for (std::size_t i = 0; i < 100000; ++i)
+    for (int i = 0; i < 100000; ++i)
         manyNames += " x" + std::to_string (i) + "=\"\"";
-
-    std::string laughs = "<!DOCTYPE Tarvik41Channel [<!ENTITY a \"haha\">";
 
     for (char c = 'b'; c < 'z'; ++c)
         laughs += std::string ("<!ENTITY ") + c + " \""
@@ -211,8 +185,8 @@ TEST_F (HostileState, DeepHugeAndSelfExpandingDocuments)
     laughs += "]>";
 
     const juce::MemoryBlock blocks[] = {
-        blockOfText (repeated ("<Tarvik41Channel>", million)),
-        blockOfText (repeated ("<Tarvik41Channel>", 200)), // few enough to reach the parser
+        blockOfText (repeated (open + ">", million)),
+        blockOfText (repeated (open + ">", 200)), // few enough to reach the parser
         blockOfText (open + ">" + repeated ("<data0 gain=\"9\"/>", million) + close),
         blockOfText (open + " gain=\"" + std::string (50 * million, '9') + "\"/>"),
         blockOfText (open + manyNames + "/>"),

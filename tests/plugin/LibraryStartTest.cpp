@@ -10,21 +10,19 @@ TEST (LibraryStart, EachInstanceSaysSoOnceAndOnePairOfSelfChecksRemainsAndPasses
 {
     testing::internal::CaptureStdout();
     {
-        const Tarvik41Processor first;
-        const Tarvik41Processor second;
+        const Tarvik41Processor first, second;
     }
     const Tarvik41Processor third;
     EXPECT_EQ (testing::internal::GetCapturedStdout(),
                "Initializing KVLLib...\nInitializing KVLLib...\nInitializing KVLLib...\n");
-
-    const auto checks = juce::UnitTest::getTestsInCategory ("KVLLib");
-    ASSERT_EQ (checks.size(), 2);
 
     struct Runner : juce::UnitTestRunner
     {
         void logMessage (const juce::String&) override {}
     } runner;
 
+    const auto checks = juce::UnitTest::getTestsInCategory ("KVLLib");
+    EXPECT_EQ (checks.size(), 2);
     runner.setAssertOnFailure (false);
     runner.runTests (checks);
     ASSERT_GT (runner.getNumResults(), 4);

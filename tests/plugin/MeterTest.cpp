@@ -13,12 +13,8 @@ TEST (Meters, NeedlesOfTheRunningStripStandAt0VuFor18DbBelowFullScale)
     for (const auto rate : { 44100.0, 48000.0, 192000.0 })
         for (const auto factor : { 1, 2 })
         {
-            const auto strip = makeStrip();
-            strip->oversamplingSetting().setValue (factor);
-            strip->analogSetting().setValue (false);
-            setPlain (*strip, "compIn", 0.0f);
-            setPlain (*strip, "equalizer", 0.0f);
-            setPlain (*strip, "level", -6.0f);
+            const auto strip = makeNoiselessStrip (2, factor);
+            setPlain (*strip, { { "compIn", 0.0f }, { "equalizer", 0.0f }, { "level", -6.0f } });
             strip->prepareToPlay (rate, 512);
             const auto tone = sine (997.0, level, rate, 1.5); // no whole number of samples a cycle
             process (*strip, { tone, tone }, 512);
@@ -41,12 +37,11 @@ TEST (Meters, GainReductionIsWhatTheToneLoses)
     for (const auto ratio : { 1.0f, 3.0f, 5.0f })
         for (const auto levelDb : { -30.0, -18.0, -6.0 })
         {
-            const auto strip = makeStrip();
-            strip->analogSetting().setValue (false);
-            setPlain (*strip, "equalizer", 0.0f);
-            setPlain (*strip, "compThreshold", -20.0f);
-            setPlain (*strip, "compRatio", ratio);
-            setPlain (*strip, "compRelease", 8.0f);
+            const auto strip = makeNoiselessStrip();
+            setPlain (*strip, { { "equalizer", 0.0f },
+                                { "compThreshold", -20.0f },
+                                { "compRatio", ratio },
+                                { "compRelease", 8.0f } });
             strip->prepareToPlay (rate, 512);
             const auto tone = sine (997.0, std::pow (10.0, levelDb / 20.0), rate, 4.0);
 

@@ -12,35 +12,20 @@ using namespace test;
 
 namespace
 {
-double rmsDb (const Signal& signal)
-{
-    double sum = 0.0;
-
-    for (const auto sample : signal)
-        sum += static_cast<double> (sample) * static_cast<double> (sample);
-
-    return 10.0 * std::log10 (sum / static_cast<double> (signal.size()));
-}
-
-std::unique_ptr<Tarvik41Processor> makeNoiselessStrip()
-{
-    auto strip = makeStrip (1);
-    strip->analogSetting().setValue (false);
-    strip->prepareToPlay (instruments::sampleRate, 256);
-    return strip;
-}
+double rmsDb (const Signal& signal) { return 20.0 * std::log10 (rmsOfEnd (signal, signal.size())); }
 } // namespace
 
-/** Who steps through the programs finds each at a level to work with: synthetic sounds with peaks at -12 dBFS come out at
-    most 8 dB quieter and 6 dB louder. The programs are made to lie close together: none is meant to boost or cut as a
-    whole, but the vocal programs cut the bass of a bass, and the kick programs close on a voice's rests.
+/** Who steps through the programs finds each at a level to work with: synthetic sounds with peaks at -12 dBFS come out
+    at most 8 dB quieter and 6 dB louder. The programs are made to lie close together: none is meant to boost or cut as
+    a whole, but the vocal programs cut the bass of a bass, and the kick programs close on a voice's rests.
 */
 TEST (ProgramSound, EveryProgramIsHeardOnDrumsBassAndVoice)
 {
     const std::pair<const char*, Signal> sounds[] = { { "drums", instruments::drumLoop() },
                                                       { "bass", instruments::bassLine() },
                                                       { "voice", instruments::voice() } };
-    const auto strip = makeNoiselessStrip();
+    const auto strip = makeNoiselessStrip (1);
+    strip->prepareToPlay (instruments::sampleRate, 256);
 
     for (int program = 0; program < strip->getNumPrograms(); ++program)
     {
@@ -58,10 +43,10 @@ TEST (ProgramSound, EveryProgramIsHeardOnDrumsBassAndVoice)
     }
 }
 
-/** Under a low sine no two neighbouring samples lie further apart than the sine at the loudest level nearby would have them,
-    with a tenth for the saturation's harmonics, one step of two things that change places in 4800, and one of the 480 in
-    which the tail of the equaliser's old filter fades. One program sets "EQ Post", which
-    exchanges two stages at once: the few samples around an exchange, as long as the oversampling's filters are, may jump.
+/** Under a low sine no two neighbouring samples lie further apart than the sine at the loudest level nearby would have
+    them, with a tenth for the saturation's harmonics, one step of two things that change places in 4800, and one of the
+    480 in which the tail of the equaliser's old filter fades. One program sets "EQ Post", which exchanges two stages at
+    once: the few samples around an exchange, as long as the oversampling's filters are, may jump.
 */
 TEST (ProgramSound, AChangeOfProgramWhilePlayingMakesNoStep)
 {
@@ -73,7 +58,8 @@ TEST (ProgramSound, AChangeOfProgramWhilePlayingMakesNoStep)
     constexpr auto allowed =
         static_cast<float> (1.1 * instruments::twoPi * hz / instruments::sampleRate + 2.0 / 4800.0 + 1.0 / 480.0);
     constexpr std::size_t aroundExchange = 2 * 52;
-    const auto strip = makeNoiselessStrip();
+    const auto strip = makeNoiselessStrip (1);
+    strip->prepareToPlay (instruments::sampleRate, 256);
     std::mt19937 random (seed);
     Signal all;
     std::vector<bool> exchanges; // by change

@@ -28,27 +28,20 @@ TEST (Programs, AreThoseThatUsersKnow)
 TEST (Programs, SettleEveryParameterOfTheSlotInForceAndClampTheirNumber)
 {
     Tarvik41Processor strip;
-    setPlain (strip, "TolChannel", 9.0f);
-    setPlain (strip, "mute", 1.0f);
+    setPlain (strip, { { "TolChannel", 9.0f }, { "mute", 1.0f } });
     strip.selectSlot (1);
-    strip.setCurrentProgram (17);
 
-    const auto& b = strip.getSlot (1);
-    EXPECT_EQ (b.midMode.get(), 0);
-    EXPECT_EQ (b.lowFreq.get(), 1);
-    EXPECT_FLOAT_EQ (b.gain, 6.01f);
-    EXPECT_EQ (b.compAttack.get(), 1);
-    EXPECT_EQ (b.highPass.get(), 2);
-    EXPECT_FLOAT_EQ (b.expThreshold, -37.68f);
+    for (const auto& [wanted, taken] : { std::pair (17, 17), { -1, 0 }, { 100, 25 } })
+    {
+        strip.setCurrentProgram (wanted);
+        EXPECT_EQ (strip.getCurrentProgram(), taken);
+
+        for (int i = 0; i < numParameters; ++i)
+            EXPECT_FLOAT_EQ (plainValueOf (strip.getSlot (1), i),
+                             plainValueOf (factoryPrograms()[static_cast<std::size_t> (taken)].snapshot, i));
+    }
+
     EXPECT_EQ (strip.getSlot (0).tolChannel.get(), 9) << "the other slot is left alone";
-
-    strip.setCurrentProgram (-1);
-    EXPECT_EQ (strip.getCurrentProgram(), 0);
-    strip.setCurrentProgram (100);
-    EXPECT_EQ (strip.getCurrentProgram(), 25);
-    EXPECT_EQ (b.compNuke.get(), true);
-    EXPECT_EQ (b.lowFreq.get(), 8);
-    EXPECT_FLOAT_EQ (b.midGain, 0.88f);
 }
 
 TEST (Programs, ProgramRightBehindAStateLoadDoesNotOverwriteIt)

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/BareStrip.h"
 #include "tests/support/RealTimeTrap.h"
-#include "tests/support/StripTestTools.h"
 
 #include <atomic>
 #include <cstdlib>

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <vector>
 
 namespace tarvik
@@ -13,22 +12,15 @@ TEST (UpdateGate, ARequestDuringTheWorkIsDoneByTheOneAtWork)
 {
     UpdateGate gate;
     int runs = 0;
-    bool isAtWork = false;
-
-    const auto outer = [&]
+    const auto work = [&]
     {
-        EXPECT_FALSE (isAtWork) << "one at a time";
-        isAtWork = true;
-
         if (++runs < 3)
             gate.request ([&] { ADD_FAILURE() << "whoever asks meanwhile goes without working"; });
-
-        isAtWork = false;
     };
 
-    gate.request (outer);
+    gate.request (work);
     EXPECT_EQ (runs, 3);
-    gate.request (outer);
+    gate.request (work);
     EXPECT_EQ (runs, 4);
 }
 
@@ -52,28 +44,20 @@ TEST (UpdateGate, WhatIsAskedDuringAHoldComesAtItsEndAndOnlyThen)
 
 TEST (UpdateGate, NoChangeOfManyThreadsIsLost)
 {
-    constexpr int numThreads = 4;
-    constexpr int changesPerThread = 20000;
+    constexpr int numThreads = 4, changesPerThread = 20000;
     UpdateGate gate;
     std::atomic<int> newest[numThreads] {};
     int seen[numThreads] {}; // written by whoever is at work
-
-    const auto work = [&]
-    {
-        for (int i = 0; i < numThreads; ++i)
-            seen[i] = newest[i].load();
-    };
-
     std::vector<std::thread> threads;
 
-    for (int t = 0; t < numThreads; ++t)
+    for (auto& own : newest)
         threads.emplace_back (
-            [&, t]
+            [&]
             {
                 for (int i = 1; i <= changesPerThread; ++i)
                 {
-                    newest[t] = i;
-                    gate.request (work);
+                    own = i;
+                    gate.request ([&] { std::copy (std::begin (newest), std::end (newest), seen); });
                 }
             });
 

@@ -8,35 +8,6 @@
 namespace tarvik::test
 {
 
-/** Counts what a host would hear of one processor. */
-class HostEars final : public juce::AudioProcessorListener
-{
-public:
-    explicit HostEars (juce::AudioProcessor& processorToHear) : processor (processorToHear)
-    {
-        processor.addListener (this);
-    }
-
-    ~HostEars() override { processor.removeListener (this); }
-
-    void audioProcessorParameterChanged (juce::AudioProcessor*, int index, float) override { note ("v", index); }
-
-    void audioProcessorParameterChangeGestureBegin (juce::AudioProcessor*, int index) override { note ("(", index); }
-
-    void audioProcessorParameterChangeGestureEnd (juce::AudioProcessor*, int index) override { note (")", index); }
-
-    void audioProcessorChanged (juce::AudioProcessor*, const ChangeDetails&) override {}
-
-    /** What was heard since the last call: "(" and ")" around a gesture, "v" for a value, each with the index. */
-    juce::String heard() { return std::exchange (log, {}); }
-
-private:
-    void note (const char* what, int index) { log << what << index << " "; }
-
-    juce::AudioProcessor& processor;
-    juce::String log;
-};
-
 /** A strip with its console, which shows it. */
 struct ConsoleUnderTest
 {
@@ -48,30 +19,22 @@ struct ConsoleUnderTest
 
     void show() { console.updateState (strip->currentSnapshot()); }
 
+    /** Puts a parameter there as a host does, and shows it. */
+    void set (const juce::String& id, float plain)
+    {
+        setPlain (*strip, id, plain);
+        show();
+        ears.heard();
+    }
+
+    int channel() const { return strip->currentSnapshot().tolChannel; }
+
     juce::AudioProcessorParameter& parameter (const juce::String& id) { return test::parameter (*strip, id); }
 
     template <typename Control = juce::Component>
     Control& control (const juce::String& id, std::size_t which = 0)
     {
-        const auto controls = console.controlsOf (parameter (id).getParameterIndex());
-        EXPECT_GT (controls.size(), which) << id;
-        return dynamic_cast<Control&> (*controls[which]);
-    }
-
-    /** The button whose tooltip begins so. */
-    juce::Button& button (const juce::String& tooltip)
-    {
-        for (auto* const child : console.getChildren())
-            if (auto* const found = dynamic_cast<juce::Button*> (child);
-                found != nullptr && found->getTooltip().startsWith (tooltip))
-                return *found;
-
-        throw std::runtime_error ("no such button");
-    }
-
-    void click (juce::Component& component)
-    {
-        Mouse (component).click (component.getLocalBounds().getCentre().toFloat());
+        return dynamic_cast<Control&> (*console.controlsOf (parameter (id).getParameterIndex()).at (which));
     }
 
     std::unique_ptr<Tarvik41Processor> strip;

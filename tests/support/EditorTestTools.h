@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "editor/ScaledPictures.h"
+
 #include <juce_gui_basics/juce_gui_basics.h>
+
+#include <stdexcept>
 
 namespace juce
 {
@@ -28,12 +32,14 @@ inline void runMessagesFor (int milliseconds)
 class Mouse
 {
 public:
+    static constexpr float notch = 0.195f; ///< Of a usual wheel in X11.
+
     explicit Mouse (juce::Component& target) : component (target) {}
 
     void press (juce::Point<float> place, int modifiers = 0, int clicks = 1)
     {
         downPlace = place;
-        downModifiers = modifiers;
+        downModifiers = modifiers | juce::ModifierKeys::leftButtonModifier;
         downTime = nextTime();
         component.mouseDown (event (place, clicks));
 
@@ -53,46 +59,29 @@ public:
         wasDragged = false;
     }
 
-    void click (juce::Point<float> place, int modifiers = 0)
+    void click (juce::Point<float> place, int modifiers = 0, int clicks = 1)
     {
-        press (place, modifiers);
+        press (place, modifiers, clicks);
         release (place);
     }
 
     void enter() { component.mouseEnter (event ({}, 0)); }
 
-    /** One notch of a usual wheel in X11 is 0.195. */
     void wheel (float deltaY, int modifiers = 0, bool isSmooth = false, bool isReversed = false)
     {
-        component.mouseWheelMove ({ source(),
-                                    {},
-                                    juce::ModifierKeys (modifiers),
-                                    0.0f,
-                                    0.0f,
-                                    0.0f,
-                                    0.0f,
-                                    0.0f,
-                                    &component,
-                                    &component,
-                                    nextTime(),
-                                    {},
-                                    downTime,
-                                    0,
-                                    false },
-                                  { 0.0f, deltaY, isReversed, isSmooth, false });
+        downModifiers = modifiers;
+        component.mouseWheelMove (event ({}, 0), { 0.0f, deltaY, isReversed, isSmooth, false });
     }
 
 private:
-    static juce::MouseInputSource source() { return juce::Desktop::getInstance().getMainMouseSource(); }
-
     /** Sliders ignore a second wheel event of the same time. */
     juce::Time nextTime() { return juce::Time (++lastTime); }
 
     juce::MouseEvent event (juce::Point<float> place, int clicks)
     {
-        return { source(),
+        return { juce::Desktop::getInstance().getMainMouseSource(),
                  place,
-                 juce::ModifierKeys (downModifiers | juce::ModifierKeys::leftButtonModifier),
+                 juce::ModifierKeys (downModifiers),
                  juce::MouseInputSource::defaultPressure,
                  0.0f,
                  0.0f,
@@ -115,17 +104,39 @@ private:
     bool wasDragged = false;
 };
 
-/** What a component draws, at one image pixel for each of its own. */
-inline juce::Image snapshotOf (juce::Component& component, float scale = 1.0f)
+inline void click (juce::Component& component)
 {
-    return component.createComponentSnapshot (component.getLocalBounds(), true, scale);
+    Mouse (component).click (component.getLocalBounds().getCentre().toFloat());
+    runMessagesFor (5);
 }
 
-/** From 0 to 1, with what is transparent as black. */
-inline double lightAt (const juce::Image& image, int x, int y)
+/** The child of that kind that bears the title. */
+template <typename Control = juce::Button>
+Control& childOf (juce::Component& parent, const juce::String& title)
 {
-    const auto colour = image.getPixelAt (x, y);
-    return static_cast<double> (colour.getFloatAlpha() * colour.getPerceivedBrightness());
+    for (auto* const child : parent.getChildren())
+        if (auto* const control = dynamic_cast<Control*> (child); control != nullptr && child->getTitle() == title)
+            return *control;
+
+    throw std::runtime_error ("no such child: " + title.toStdString());
+}
+
+/** The texts of all labels in a component. */
+inline juce::StringArray labelTexts (juce::Component& parent)
+{
+    juce::StringArray texts;
+
+    for (auto* const child : parent.getChildren())
+        if (const auto* const label = dynamic_cast<juce::Label*> (child))
+            texts.add (label->getText());
+
+    return texts;
+}
+
+/** What a component draws, at one image pixel for each of its own. */
+inline juce::Image snapshotOf (juce::Component& component)
+{
+    return component.createComponentSnapshot (component.getLocalBounds());
 }
 
 /** The share of pixels that differ. */
@@ -138,6 +149,25 @@ inline double difference (const juce::Image& a, const juce::Image& b)
             count += a.getPixelAt (x, y) != b.getPixelAt (x, y);
 
     return count / static_cast<double> (a.getWidth() * a.getHeight());
+}
+
+/** True if the component shows these pictures over one another and nothing else, at their own size. */
+inline bool shows (juce::Component& component, std::initializer_list<Picture> pictures)
+{
+    juce::Image expected (juce::Image::ARGB, component.getWidth(), component.getHeight(), true);
+    juce::Graphics g (expected);
+
+    for (const auto picture : pictures)
+        g.drawImageAt (decodedPicture (picture), 0, 0);
+
+    return difference (snapshotOf (component), expected) == 0.0;
+}
+
+/** From 0 to 1, with what is transparent as black. */
+inline double lightAt (const juce::Image& image, int x, int y)
+{
+    const auto colour = image.getPixelAt (x, y);
+    return static_cast<double> (colour.getFloatAlpha() * colour.getPerceivedBrightness());
 }
 
 } // namespace tarvik::test

@@ -9,7 +9,7 @@
 namespace tarvik::test
 {
 
-/** Holds a text against the file of that name in tests/plugin/golden, line by line. With TARVIK_WRITE_GOLDEN set in the
+/** Holds a text against the file of that name in tests/golden, line by line. With TARVIK_WRITE_GOLDEN set in the
     environment the file is written anew instead: that is how it came into being, and a look at the difference before
     committing it is the review.
 */

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <complex>
 #include <cstddef>
 #include <cstdint>
 #include <numbers>
@@ -35,6 +36,21 @@ inline Signal noise (int numSamples, std::uint_fast32_t seed, float level = 1.0f
         sample = uniform (random);
 
     return signal;
+}
+
+/** The spectrum of a signal at one frequency. */
+inline std::complex<double> spectrumAt (const Signal& signal, double radiansPerSample)
+{
+    const auto turn = std::polar (1.0, -radiansPerSample);
+    std::complex<double> phase = 1.0, sum = 0.0;
+
+    for (const auto sample : signal)
+    {
+        sum += static_cast<double> (sample) * phase;
+        phase *= turn;
+    }
+
+    return sum;
 }
 
 /** The level of the last samples of a signal. */

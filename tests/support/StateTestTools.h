@@ -29,6 +29,11 @@ inline std::string_view textOf (const juce::MemoryBlock& block)
     return { static_cast<const char*> (block.getData()) + header, block.getSize() - header - end };
 }
 
+inline std::unique_ptr<juce::XmlElement> savedXml (juce::AudioProcessor& strip)
+{
+    return juce::parseXML (std::string (textOf (saved (strip))));
+}
+
 /** A block in order around any text. */
 inline juce::MemoryBlock blockOfText (std::string_view text)
 {

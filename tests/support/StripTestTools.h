@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "plugin/ParameterTable.h"
 #include "plugin/Tarvik41Processor.h"
 #include "tests/support/Signals.h"
 
@@ -10,22 +11,45 @@
 #include <functional>
 #include <memory>
 #include <random>
+#include <utility>
 #include <vector>
 
 namespace tarvik::test
 {
 
-/** A processor as a host makes it, for a main width and with the side chain on or off. */
-inline std::unique_ptr<Tarvik41Processor> makeStrip (int mainChannels = 2, bool isSidechainOn = false)
+inline juce::AudioProcessor::BusesLayout layoutOf (const juce::AudioChannelSet& in, const juce::AudioChannelSet& out,
+                                                   const juce::AudioChannelSet& sidechain)
 {
-    auto strip = std::make_unique<Tarvik41Processor>();
-    const auto width = juce::AudioChannelSet::canonicalChannelSet (mainChannels);
+    return { { in, sidechain }, { out } };
+}
 
-    juce::AudioProcessor::BusesLayout layout;
-    layout.inputBuses.add (width);
-    layout.inputBuses.add (isSidechainOn ? width : juce::AudioChannelSet::disabled());
-    layout.outputBuses.add (width);
-    EXPECT_TRUE (strip->setBusesLayout (layout));
+/** A processor as a host makes it, for a main width and with the side chain on or off. */
+template <typename Strip = Tarvik41Processor>
+std::unique_ptr<Strip> makeStrip (int mainChannels = 2, bool isSidechainOn = false)
+{
+    auto strip = std::make_unique<Strip>();
+    const auto width = juce::AudioChannelSet::canonicalChannelSet (mainChannels);
+    EXPECT_TRUE (
+        strip->setBusesLayout (layoutOf (width, width, isSidechainOn ? width : juce::AudioChannelSet::disabled())));
+    return strip;
+}
+
+/** Without noise, two strips with the same settings are alike to the last bit. */
+inline std::unique_ptr<Tarvik41Processor> makeNoiselessStrip (int mainChannels = 2, int factor = 2,
+                                                              bool isSidechainOn = false)
+{
+    auto strip = makeStrip (mainChannels, isSidechainOn);
+    strip->analogSetting().setValue (false);
+    strip->oversamplingSetting().setValue (factor);
+    return strip;
+}
+
+/** A processor as one plug-in format makes it. */
+inline std::unique_ptr<Tarvik41Processor> makeStripFor (juce::AudioProcessor::WrapperType format)
+{
+    juce::AudioProcessor::setTypeOfNextNewPlugin (format);
+    auto strip = std::make_unique<Tarvik41Processor>();
+    juce::AudioProcessor::setTypeOfNextNewPlugin (juce::AudioProcessor::wrapperType_Undefined);
     return strip;
 }
 
@@ -47,17 +71,65 @@ inline void setPlain (juce::AudioProcessor& processor, const juce::String& id, f
     p.setValueNotifyingHost (p.convertTo0to1 (plain));
 }
 
+using PlainValues = std::vector<std::pair<const char*, float>>;
+
+inline void setPlain (juce::AudioProcessor& processor, const PlainValues& values)
+{
+    for (const auto& [id, plain] : values)
+        setPlain (processor, id, plain);
+}
+
 inline float plainOf (juce::AudioProcessor& processor, const juce::String& id)
 {
     auto& p = parameter (processor, id);
     return p.convertFrom0to1 (p.getValue());
 }
 
+/** Each parameter anywhere on its travel. */
+inline void setRandomly (juce::AudioProcessor& processor, std::mt19937& random)
+{
+    for (auto* const p : processor.getParameters())
+        p->setValueNotifyingHost (static_cast<float> (random() % 1001) / 1000.0f);
+}
+
+/** Counts what a host would hear of one processor. */
+class HostEars final : public juce::AudioProcessorListener
+{
+public:
+    explicit HostEars (juce::AudioProcessor& processorToHear) : processor (processorToHear)
+    {
+        processor.addListener (this);
+    }
+
+    ~HostEars() override { processor.removeListener (this); }
+
+    void audioProcessorParameterChanged (juce::AudioProcessor*, int index, float) override { note ("v", index); }
+
+    void audioProcessorParameterChangeGestureBegin (juce::AudioProcessor*, int index) override { note ("(", index); }
+
+    void audioProcessorParameterChangeGestureEnd (juce::AudioProcessor*, int index) override { note (")", index); }
+
+    void audioProcessorChanged (juce::AudioProcessor*, const ChangeDetails& details) override
+    {
+        log << (details.programChanged && details.parameterInfoChanged ? "all " : "latency ");
+    }
+
+    /** What was heard since the last call: "(" and ")" around a gesture, "v" for a value, each with the index;
+        "latency" and "all" for what the host is to look at again.
+    */
+    juce::String heard() { return std::exchange (log, {}); }
+
+private:
+    void note (const char* what, int index) { log << what << index << " "; }
+
+    juce::AudioProcessor& processor;
+    juce::String log;
+};
+
 /** Runs whole channels through the processor in blocks whose lengths `nextLength` gives. */
 inline std::vector<Signal> process (juce::AudioProcessor& processor, std::vector<Signal> channels,
                                     const std::function<int()>& nextLength, bool isBypassed = false)
 {
-    const auto numChannels = static_cast<int> (channels.size());
     const auto total = static_cast<int> (channels.front().size());
     juce::MidiBuffer midi;
 
@@ -69,7 +141,7 @@ inline std::vector<Signal> process (juce::AudioProcessor& processor, std::vector
         for (auto& channel : channels)
             pointers.push_back (channel.data() + position);
 
-        juce::AudioBuffer<float> block (pointers.data(), numChannels, n);
+        juce::AudioBuffer<float> block (pointers.data(), static_cast<int> (channels.size()), n);
 
         if (isBypassed)
             processor.processBlockBypassed (block, midi);

@@ -6,15 +6,11 @@
 namespace tarvik
 {
 
-class ListTool : public RenderTool
-{
-};
+using ListTool = RenderTool;
 
 TEST_F (ListTool, NamesAllThereIs)
 {
-    const auto module = juce::File (TARVIK_MODULE).getParentDirectory().getParentDirectory().getParentDirectory();
-    const auto outcome = run ({ "list", "--module", module.getFullPathName() });
-    ASSERT_EQ (outcome.status, 0) << outcome.err;
+    const auto outcome = runWell ({ "list", "--module", moduleBundle() });
     EXPECT_EQ (run ({ "--list" }).out, outcome.out);
 
     for (const auto& row : parameterTable())

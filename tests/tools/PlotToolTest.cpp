@@ -8,22 +8,14 @@ namespace tarvik
 {
 namespace
 {
-constexpr int failure = 2;
-
-juce::String moduleBundle()
-{
-    return juce::File (TARVIK_MODULE).getParentDirectory().getParentDirectory().getParentDirectory().getFullPathName();
-}
-
 /** The figures that the tool prints, one in each line, behind what it measured. */
 class PlotTool : public RenderTool
 {
 protected:
     juce::StringArray draw (const juce::String& kind, const juce::String& pictureFolder)
     {
-        const auto outcome = run ({ "plot", kind, pictureFolder, "--module", moduleBundle() });
-        EXPECT_EQ (outcome.status, 0) << outcome.err;
-        printed = juce::StringArray::fromLines (outcome.out);
+        printed =
+            juce::StringArray::fromLines (runWell ({ "plot", kind, pictureFolder, "--module", moduleBundle() }).out);
         juce::StringArray names;
 
         for (const auto& line : printed)
@@ -55,36 +47,30 @@ protected:
 
 TEST_F (PlotTool, EveryPictureIsAWholeSmallDocumentWithCurvesOnPaper)
 {
-    const juce::StringArray expected { "eq-high.svg",
-                                       "eq-mid.svg",
-                                       "eq-low.svg",
-                                       "eq-channels.svg",
-                                       "compressor-transfer.svg",
-                                       "compressor-times.svg",
-                                       "expander-transfer.svg",
-                                       "expander-times.svg",
-                                       "saturation-harmonics.svg" };
-    constexpr juce::int64 largest = 150 * 1024;
     const auto names = draw ("all", "new/pictures");
-    EXPECT_EQ (names, expected);
+    EXPECT_EQ (names.joinIntoString (" "),
+               "eq-high.svg eq-mid.svg eq-low.svg eq-channels.svg compressor-transfer.svg compressor-times.svg "
+               "expander-transfer.svg expander-times.svg saturation-harmonics.svg");
 
     for (const auto& name : names)
     {
         SCOPED_TRACE (name);
         const auto file = fileNamed ("new/pictures/" + name);
-        EXPECT_LT (file.getSize(), largest);
+        EXPECT_LT (file.getSize(), 150 * 1024);
+        EXPECT_FALSE (file.loadFileAsString().containsIgnoreCase ("nan"));
         const auto svg = juce::parseXML (file);
         ASSERT_NE (svg, nullptr);
         ASSERT_TRUE (svg->hasTagName ("svg"));
-
         const auto* const paper = svg->getChildByName ("rect");
         ASSERT_NE (paper, nullptr);
-        EXPECT_EQ (paper->getStringAttribute ("width"), svg->getStringAttribute ("width"));
-        EXPECT_EQ (paper->getStringAttribute ("height"), svg->getStringAttribute ("height"));
         EXPECT_EQ (paper->getStringAttribute ("fill"), "#ffffff");
-        EXPECT_FALSE (file.loadFileAsString().containsIgnoreCase ("nan"));
+
+        for (const auto* const side : { "width", "height" })
+            EXPECT_EQ (paper->getStringAttribute (side), svg->getStringAttribute (side));
 
         // Some curve of every chart bends: it is no point, and no line from one end to the other.
+        int numCharts = 0;
+
         for (const auto* const chart : svg->getChildWithTagNameIterator ("g"))
         {
             int mostPoints = 0;
@@ -94,9 +80,10 @@ TEST_F (PlotTool, EveryPictureIsAWholeSmallDocumentWithCurvesOnPaper)
                     mostPoints, juce::StringArray::fromTokens (curve->getStringAttribute ("points"), " ", {}).size());
 
             EXPECT_GT (mostPoints, 2);
+            ++numCharts;
         }
 
-        EXPECT_NE (svg->getChildByName ("g"), nullptr);
+        EXPECT_GT (numCharts, 0);
     }
 
     // From the circuit: a short-circuited mid pot gives back what the make-up gain makes up for. At rest 25 kilohms
@@ -135,33 +122,5 @@ TEST_F (PlotTool, TheUsersDefaultsDoNotCountAndThePictureIsTheSameEachTime)
     const auto first = fileNamed ("first/saturation-harmonics.svg").loadFileAsString();
     EXPECT_TRUE (first.isNotEmpty());
     EXPECT_EQ (first, fileNamed ("second/saturation-harmonics.svg").loadFileAsString());
-}
-
-TEST_F (PlotTool, WhatHasNoMeaningIsToldInOneLine)
-{
-    const std::pair<juce::StringArray, const char*> cases[] = {
-        { { "plot" }, "kind" },
-        { { "plot", "eqs", "pictures" }, "eqs" },
-        { { "--module", moduleBundle(), "plot", "eqs", "pictures" }, "eqs" },
-        { { "plot", "eq" }, "folder" },
-        { { "plot", "errors", "pictures" }, "pictures" },
-        { { "plot", "eq", "pictures", "more" }, "more" },
-        { { "plot", "eq", "pictures", "--set", "gain=6" }, "--module" },
-        { { "plot", "eq", "pictures", "--bits", "24" }, "--module" },
-        { { "plot", "eq", "a file" }, "a file" },
-        { { "--block", "64", "plot", "out.wav" }, "plot" }, // there, it is a recording's name
-    };
-    ASSERT_TRUE (fileNamed ("a file").create().wasOk());
-
-    for (const auto& [words, named] : cases)
-    {
-        SCOPED_TRACE (words.joinIntoString (" "));
-        const auto outcome = run (words);
-        EXPECT_EQ (outcome.status, failure);
-        EXPECT_EQ (juce::StringArray::fromLines (outcome.err.trim()).size(), 1) << outcome.err;
-        EXPECT_TRUE (outcome.err.contains (named)) << outcome.err;
-        EXPECT_EQ (namesInFolder(), juce::StringArray ("a file"));
-        EXPECT_FALSE (fileNamed ("pictures").exists());
-    }
 }
 } // namespace tarvik

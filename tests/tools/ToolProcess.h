@@ -40,18 +40,14 @@ protected:
     void writeSettings (SettingsValues values)
     {
         values.insert ({ "Analog", "0" });
-        juce::XmlElement xml ("PROPERTIES");
+        juce::String text ("<PROPERTIES>");
 
         for (const auto& [key, value] : values)
-        {
-            auto* const entry = xml.createNewChildElement ("VALUE");
-            entry->setAttribute ("name", key);
-            entry->setAttribute ("val", value);
-        }
+            text << "<VALUE name=\"" << key << "\" val=\"" << value << "\"/>";
 
         const auto file = configFolder().getChildFile ("Tarvik Plugins/Tarvik 41 Channel.settings");
-        ASSERT_TRUE (file.getParentDirectory().createDirectory().wasOk());
-        ASSERT_TRUE (xml.writeTo (file));
+        ASSERT_TRUE (file.create().wasOk());
+        ASSERT_TRUE (file.replaceWithText (text + "</PROPERTIES>"));
     }
 
     juce::File fileNamed (const juce::String& name) const { return folder.getChildFile ("work").getChildFile (name); }
@@ -60,17 +56,12 @@ protected:
     pid_t start (const juce::StringArray& arguments) const
     {
         fileNamed ({}).createDirectory();
-        std::vector<std::string> words { TARVIK_RENDER_TOOL };
+        std::vector<const char*> words { TARVIK_RENDER_TOOL };
 
         for (const auto& argument : arguments)
-            words.push_back (argument.toStdString());
+            words.push_back (argument.toRawUTF8());
 
-        std::vector<char*> pointers;
-
-        for (auto& word : words)
-            pointers.push_back (word.data());
-
-        pointers.push_back (nullptr);
+        words.push_back (nullptr);
         const auto out = folder.getChildFile ("stdout").getFullPathName().toStdString();
         const auto err = folder.getChildFile ("stderr").getFullPathName().toStdString();
         const auto work = fileNamed ({}).getFullPathName().toStdString();
@@ -86,7 +77,7 @@ protected:
             dup2 (::open (err.c_str(), flags, everybodyReads), STDERR_FILENO);
             setenv ("XDG_CONFIG_HOME", config.c_str(), 1);
             if (chdir (work.c_str()) == 0)
-                execv (pointers[0], pointers.data());
+                execv (words[0], const_cast<char* const*> (words.data())); // NOLINT: it changes none
             _exit (cannotStart);
         }
 
@@ -102,6 +93,41 @@ protected:
     }
 
     Outcome run (const juce::StringArray& arguments) const { return finish (start (arguments)); }
+
+    Outcome runWell (const juce::StringArray& arguments) const
+    {
+        const auto outcome = run (arguments);
+        EXPECT_EQ (outcome.status, 0) << arguments.joinIntoString (" ") << "\n" << outcome.err;
+        return outcome;
+    }
+
+    static juce::String moduleBundle()
+    {
+        return juce::File (TARVIK_MODULE)
+            .getParentDirectory()
+            .getParentDirectory()
+            .getParentDirectory()
+            .getFullPathName();
+    }
+
+    static juce::AudioBuffer<float> noise (int numChannels, int numSamples, int seed = 41)
+    {
+        juce::AudioBuffer<float> audio (numChannels, numSamples);
+        juce::Random random (seed);
+
+        for (int c = 0; c < numChannels; ++c)
+            for (int i = 0; i < numSamples; ++i)
+                audio.setSample (c, i, random.nextFloat() - 0.5f);
+
+        return audio;
+    }
+
+    juce::MemoryBlock bytesOf (const juce::String& name) const
+    {
+        juce::MemoryBlock bytes;
+        EXPECT_TRUE (fileNamed (name).loadFileAsData (bytes)) << name;
+        return bytes;
+    }
 
     /** The names in the folder of the test's files, or in one below, hidden ones too. */
     juce::StringArray namesInFolder (const juce::String& below = {}) const
@@ -122,15 +148,9 @@ protected:
     {
         const auto file = fileNamed (name);
         file.getParentDirectory().createDirectory();
-        std::unique_ptr<juce::AudioFormat> format;
-
-        if (name.endsWith (".flac"))
-            format = std::make_unique<juce::FlacAudioFormat>();
-        else if (name.endsWith (".aiff"))
-            format = std::make_unique<juce::AiffAudioFormat>();
-        else
-            format = std::make_unique<juce::WavAudioFormat>();
-
+        juce::AudioFormatManager formats;
+        formats.registerBasicFormats();
+        auto* const format = formats.findFormatForFileExtension (file.getFileExtension());
         const std::unique_ptr<juce::AudioFormatWriter> writer (
             format->createWriterFor (file.createOutputStream().release(), rate,
                                      static_cast<unsigned int> (audio.getNumChannels()), bitDepth, {}, 0));
