@@ -64,6 +64,25 @@ TEST (BlockLoop, SidechainReachesTheStripOnlyWhileSomethingListensAndNeverTheHos
     EXPECT_FLOAT_EQ (strip.sidechainSeen, 0.3f * 0.50118723f * 8.70143032f);
 }
 
+TEST (BlockLoop, EitherSidechainSwitchAloneLetsEachSideHearItsOwnChannel)
+{
+    const auto quiet = sine (1000.0, 0.003, sampleRate, 0.5), loud = sine (1000.0, 0.5, sampleRate, 0.5);
+
+    for (const auto& [settings, differenceDb] :
+         { std::pair (PlainValues { { "compExtSideChain", 1.0f }, { "compRatio", 4.0f }, { "compThreshold", -20.0f } },
+                      -6.0), // the compressor turns down the right side, whose key is loud
+           { PlainValues { { "expExtSideChain", 1.0f }, { "expMode", 2.0f }, { "compRatio", 0.0f } },
+             12.0 } }) // the gate opens that side alone
+    {
+        const auto strip = makeNoiselessStrip (2, 1, true);
+        setPlain (*strip, settings);
+        strip->prepareToPlay (sampleRate, 256);
+        const auto output = process (*strip, { quiet, quiet, Signal (quiet.size()), loud }, 256);
+        const auto rightDb = 20.0 * std::log10 (rmsOfEnd (output[1], 4800) / rmsOfEnd (output[0], 4800));
+        EXPECT_GT (rightDb / differenceDb, 1.0) << rightDb << " dB with " << settings.front().first;
+    }
+}
+
 TEST (BlockLoop, SubnormalsAreFlushedInsideTheRunningEntryAndNotBehindIt)
 {
     BareStrip strip;

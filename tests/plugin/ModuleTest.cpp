@@ -4,6 +4,9 @@
 #include <pluginterfaces/base/ipluginbase.h>
 #include <pluginterfaces/vst/ivstaudioprocessor.h>
 #include <pluginterfaces/vst/ivstcomponent.h>
+#include <pluginterfaces/vst/ivsteditcontroller.h>
+#include <pluginterfaces/vst/ivstmessage.h>
+#include <pluginterfaces/vst/ivstunits.h>
 
 #include <cstring>
 #include <dlfcn.h>
@@ -184,6 +187,57 @@ TEST (Module, ComponentHasThreeBusesNoEventsAndItsLatency)
     Vst::SpeakerArrangement now = 0;
     processor->getBusArrangement (Vst::kInput, 1, now);
     EXPECT_EQ (now, kMono) << "the refused side chain follows the main width";
+    component->terminate();
+}
+
+TEST (Module, ControllerShowsTheParametersTheBypassAndTheProgramsToAHost)
+{
+    const Module module;
+    const Held<IPluginFactory> factory (module.getFactory());
+    const auto component = create<Vst::IComponent> (*factory, componentId.data(), INLINE_UID_OF (Vst::IComponent));
+    const auto controller =
+        create<Vst::IEditController> (*factory, controllerId.data(), INLINE_UID_OF (Vst::IEditController));
+    ASSERT_EQ (component->initialize (nullptr), kResultOk);
+    ASSERT_EQ (controller->initialize (nullptr), kResultOk);
+
+    // Only a controller that knows its component has parameters.
+    const auto componentEnd = query<Vst::IConnectionPoint> (*component, INLINE_UID_OF (Vst::IConnectionPoint));
+    const auto controllerEnd = query<Vst::IConnectionPoint> (*controller, INLINE_UID_OF (Vst::IConnectionPoint));
+    componentEnd->connect (controllerEnd.get());
+    controllerEnd->connect (componentEnd.get());
+
+    constexpr int32 ownParameters = 42;
+    ASSERT_EQ (controller->getParameterCount(), ownParameters + 2);
+
+    const auto hashOf = [] (const char* id)
+    { return static_cast<uint32> (juce::String (id).hashCode()) & 0x7fffffffu; };
+
+    for (const auto& [index, title, steps] :
+         { std::tuple (25, "Comp Smash", 1), { ownParameters, "Bypass", 1 }, { ownParameters + 1, "Program", 25 } })
+    {
+        Vst::ParameterInfo parameter;
+        controller->getParameterInfo (index, parameter);
+        EXPECT_EQ (text (parameter.title), title);
+        EXPECT_EQ (parameter.stepCount, steps) << title;
+        EXPECT_TRUE (parameter.flags & Vst::ParameterInfo::kCanAutomate) << title;
+
+        if (index < ownParameters)
+        {
+            EXPECT_EQ (parameter.id, hashOf ("compNuke")) << "projects keep automation under this number";
+        }
+    }
+
+    const auto units = query<Vst::IUnitInfo> (*controller, INLINE_UID_OF (Vst::IUnitInfo));
+    Vst::ProgramListInfo programs;
+    ASSERT_EQ (units->getProgramListInfo (0, programs), kResultOk);
+    EXPECT_EQ (programs.programCount, 26);
+    Vst::String128 name {};
+    units->getProgramName (programs.id, 25, name);
+    EXPECT_EQ (text (name), "Vox Rap 3 Aggressive");
+
+    componentEnd->disconnect (controllerEnd.get());
+    controllerEnd->disconnect (componentEnd.get());
+    controller->terminate();
     component->terminate();
 }
 
