@@ -23,7 +23,8 @@ constexpr std::size_t numBlocks = 375; // a second, then again from the start; i
 
 using Signal = std::vector<float>;
 
-// A drum loop of two beats in a second, peaks about 18 dB above 0 VU: a kick, a snare, and a hi-hat on every half. The compressor works, the gate opens and closes.
+// A drum loop of two beats in a second, peaks about 18 dB above 0 VU: a kick, a snare, and a hi-hat on every half. The
+// compressor works, the gate opens and closes.
 Signal makeDrums (unsigned seed)
 {
     std::mt19937 random (seed);

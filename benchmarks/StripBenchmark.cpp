@@ -12,8 +12,8 @@
 #include <vector>
 
 // What the whole plug-in costs a host: blocks, running and bypassed, and the moments in which an instance is made and
-// prepared. Stereo, at 48 kHz; nothing moves but in the scene of that name. Bringing input to the plug-in's buffers is the
-// host's work and is not timed.
+// prepared. Stereo, at 48 kHz; nothing moves but in the scene of that name. Bringing input to the plug-in's buffers is
+// the host's work and is not timed.
 namespace tarvik::benchmarks
 {
 

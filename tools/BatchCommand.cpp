@@ -44,8 +44,8 @@ bool hasNews (const WorkerProcess& process)
     return ::poll (&descriptor, 1, 0) > 0;
 }
 
-/** Applies the settings to a module that renders nothing, and saves its state if that is wanted: what is wrong with them
-    is told once, and before a file is rendered. Returns the report.
+/** Applies the settings to a module that renders nothing, and saves its state if that is wanted: what is wrong with
+    them is told once, and before a file is rendered. Returns the report.
 */
 juce::String trySettings (const CommandLine& line)
 {

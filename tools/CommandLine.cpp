@@ -18,7 +18,8 @@ struct TaskWord
     Task task;
 };
 
-/** Words that say, in first place or behind the module's, what is to be done; without one of them a file is rendered. */
+/** Words that say, in first place or behind the module's, what is to be done; without one of them a file is
+    rendered. */
 constexpr TaskWord taskWords[] = { { "render", Task::render },     { "batch", Task::batch },
                                    { "list", Task::list },         { "plot", Task::plot },
                                    { "pictures", Task::pictures }, { "screenshot", Task::screenshot } };

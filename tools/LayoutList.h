@@ -6,8 +6,8 @@
 namespace tarvik
 {
 
-/** Where every control of the console panel is in the pixels of its picture, and where its scale's marks belong, as JSON.
-    The picture's scales are printed from this, so that what stands on the panel is what the code does.
+/** Where every control of the console panel is in the pixels of its picture, and where its scale's marks belong, as
+    JSON. The picture's scales are printed from this, so that what stands on the panel is what the code does.
 */
 juce::String layoutAsJson();
 

@@ -21,8 +21,8 @@ struct ParameterSetting
 */
 ParameterSetting parseParameterSetting (const juce::String& argument);
 
-/** The place of a program in a list: by name, else by name in any case, else by number from 0. Throws `ToolError` if there
-    is none.
+/** The place of a program in a list: by name, else by name in any case, else by number from 0. Throws `ToolError` if
+    there is none.
 */
 int programNamed (const juce::StringArray& names, const juce::String& nameOrNumber);
 

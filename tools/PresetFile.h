@@ -6,8 +6,8 @@
 namespace tarvik
 {
 
-/** Reads a saved state whole, as a .vstpreset. What the file is shows in its content: a .vstpreset, or the bare state of
-    the component, as a host keeps it in a project, which gets the frame here. Looks whether it can be one of this
+/** Reads a saved state whole, as a .vstpreset. What the file is shows in its content: a .vstpreset, or the bare state
+    of the component, as a host keeps it in a project, which gets the frame here. Looks whether it can be one of this
     module's: the frame, the class it was saved from, and the saved project inside. A module takes a damaged one without
     a word and keeps its settings, so this comes first.
 

@@ -83,8 +83,8 @@ int run (const juce::StringArray& arguments)
 
 int main (int argc, char** argv)
 {
-    // It opens no window, and neither do the modules that it loads. JUCE would join a screen all the same, and the process
-    // would end with it.
+    // It opens no window, and neither do the modules that it loads. JUCE would join a screen all the same, and the
+    // process would end with it.
     setenv ("DISPLAY", ":65000", 1);
 
     juce::StringArray arguments;

@@ -43,16 +43,16 @@ void filterRows (const CascadePair& first, const CascadePair* second, float* lef
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// How the lanes are used: two neighbouring lanes, a pair, are one section of the left and the right channel. A vector of
-// four lanes holds a section of the cascade's first half and the one as far along in the second half, so that a vector
-// hands its outputs to the next as they stand, and only the last one's turn back to the first, moved up by a pair.
-// Every section works two samples behind the one that feeds it, one with vectors of a single pair: all lanes of a step
-// are independent of each other, and what a vector hands on has two steps' time to arrive, so that the only chain is a
-// section's own recurrence.
+// How the lanes are used: two neighbouring lanes, a pair, are one section of the left and the right channel. A vector
+// of four lanes holds a section of the cascade's first half and the one as far along in the second half, so that a
+// vector hands its outputs to the next as they stand, and only the last one's turn back to the first, moved up by a
+// pair. Every section works two samples behind the one that feeds it, one with vectors of a single pair: all lanes of a
+// step are independent of each other, and what a vector hands on has two steps' time to arrive, so that the only chain
+// is a section's own recurrence.
 //
-// Four rows beside each other, all through equally many sections, fill the same lanes with the same numbers: what would be
-// the second half of the cascades are the cascades of the third and fourth row. Only the wires differ: every vector hands
-// on to the next as it stands, and what enters and leaves are four samples.
+// Four rows beside each other, all through equally many sections, fill the same lanes with the same numbers: what would
+// be the second half of the cascades are the cascades of the third and fourth row. Only the wires differ: every vector
+// hands on to the next as it stands, and what enters and leaves are four samples.
 //
 // At the row's start a section's delay line is put in when the first sample comes to it, and at the end it is taken out
 // behind the last: the row comes out complete, without delay, and the states agree with the plain form's.
@@ -157,8 +157,8 @@ private:
         }
     }
 
-    /** A sample into the first section, and what the others have been handed into them; of the vectors from `first` up to
-        `behind` only. */
+    /** A sample into the first section, and what the others have been handed into them; of the vectors from `first` up
+        to `behind` only. */
     template <std::size_t first = 0, std::size_t behind = numVectors>
     HWY_INLINE void step (Memory& memory, [[maybe_unused]] New newest) const
     {

@@ -110,7 +110,8 @@ void ConsoleEQ::processPair (ConsoleEQ& left, ConsoleEQ& right, float* leftRow, 
                               std::array { first (left.network), first (right.network) }, rows.data(), n);
     }
 
-    // At rest the samples between the two filters keep their 64 bits, in a move they don't; so what rests goes by itself.
+    // At rest the samples between the two filters keep their 64 bits, in a move they don't; so what rests goes by
+    // itself.
     if (leftRests || rightRests)
     {
         left.process (leftRow, n);

@@ -66,8 +66,8 @@ struct MultiRateFirDelay
     void clear() noexcept;
 };
 
-/** Lay out a filter of tapsPerPhase * factor + 1 taps for the best instruction set that is enabled now; the result keeps
-    to it. `factor` is 2 or more. Allocate; not for the audio thread. */
+/** Lay out a filter of tapsPerPhase * factor + 1 taps for the best instruction set that is enabled now; the result
+    keeps to it. `factor` is 2 or more. Allocate; not for the audio thread. */
 MultiRateFirSpec makeUpSpec (std::span<const float> taps, int factor);
 MultiRateFirSpec makeDownSpec (std::span<const float> taps, int factor);
 

@@ -10,8 +10,8 @@
     product and difference rounded by itself. */
 namespace tarvik::rows
 {
-/** dst[i] = target - increment * (remaining - 1 - i), computed in 64 bits: the next n samples of a straight way of which
-    `remaining` samples are left. */
+/** dst[i] = target - increment * (remaining - 1 - i), computed in 64 bits: the next n samples of a straight way of
+    which `remaining` samples are left. */
 void fillLine (float* dst, double target, double increment, int remaining, int n) noexcept;
 
 /** Fills groups of as many samples as there are powers: the value before the group times each of them. Returns the last

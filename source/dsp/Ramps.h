@@ -108,8 +108,8 @@ struct LinearStep
     }
 };
 
-/** Goes in groups of samples: sample k of a group is the value before the group times the k-th power of the factor, so that
-    only groups wait for one another. Where a row begins and ends makes no difference to the values. */
+/** Goes in groups of samples: sample k of a group is the value before the group times the k-th power of the factor, so
+    that only groups wait for one another. Where a row begins and ends makes no difference to the values. */
 struct GeometricStep
 {
     static void fill (Ramp<GeometricStep>& ramp, float* row, int moving) noexcept

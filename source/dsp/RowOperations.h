@@ -65,7 +65,8 @@ void multiplyAdd (double* dst, const double* src, double s, int n) noexcept;
 /** dst[i] = clampToFinite (a[i] * b[i], limit), as the function of that name does it. */
 void clampedProduct (float* dst, const float* a, const float* b, float limit, int n) noexcept;
 
-/** row[i] = clampToFinite (row[i], limit) * (dry[i] + wet[i] * gain[i]), the inner product rounded before it is added. */
+/** row[i] = clampToFinite (row[i], limit) * (dry[i] + wet[i] * gain[i]), the inner product rounded before it is
+    added. */
 void scaleByMix (float* row, float limit, const float* dry, const float* wet, const float* gain, int n) noexcept;
 
 /** dst[i] = |mean of sources[0][i], sources[1][i] and so on|, 0 where that is not finite. Each sample is multiplied by

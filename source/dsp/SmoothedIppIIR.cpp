@@ -285,7 +285,8 @@ void SmoothedIppIIR<Sample, Coefs>::processTogether (std::span<SmoothedIppIIR* c
     }
 }
 
-/** Begins a slice: gives the pass what the cascades have to filter. Where nothing moves, that is the rows themselves. */
+/** Begins a slice: gives the pass what the cascades have to filter. Where nothing moves, that is the rows
+    themselves. */
 template <typename Sample, typename Coefs>
 void SmoothedIppIIR<Sample, Coefs>::feed (Sample* const* rows, int begin, CascadePass& pass) noexcept
 {

@@ -8,8 +8,8 @@
 namespace tarvik
 {
 
-/** How the numbers of the console channels are read and written. A strip of c main channels takes c neighbouring console
-    channels, the first of which is the parameter. Any thread.
+/** How the numbers of the console channels are read and written. A strip of c main channels takes c neighbouring
+    console channels, the first of which is the parameter. Any thread.
 */
 namespace channelNumbers
 {

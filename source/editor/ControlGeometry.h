@@ -26,8 +26,8 @@ inline constexpr float anglePerFrame = (lastFrameAngle - firstFrameAngle) / stat
 constexpr float framePosition (float angle) { return (angle - firstFrameAngle) / anglePerFrame; }
 } // namespace filmstrip
 
-/** The angles that a rotary control's values 0 and 1 stand for, and the frames, with a fraction, that they reach. One that
-    nobody has set is a whole turn over a strip's frames, of which the last is one frame short of it.
+/** The angles that a rotary control's values 0 and 1 stand for, and the frames, with a fraction, that they reach. One
+    that nobody has set is a whole turn over a strip's frames, of which the last is one frame short of it.
 */
 struct RotaryArc
 {
@@ -148,8 +148,8 @@ inline float meterAngle (float decibels)
            - eighthTurn;
 }
 
-/** The needle's angle for a gain reduction, 0 to -20 dB: at rest on the right, 6 degrees for each of the first 5 dB, then
-    4 for each.
+/** The needle's angle for a gain reduction, 0 to -20 dB: at rest on the right, 6 degrees for each of the first 5 dB,
+    then 4 for each.
 */
 inline float gainReductionAngle (float reductionDb)
 {

@@ -44,8 +44,8 @@ void Fader::mouseUp (const juce::MouseEvent& event)
 void Fader::FaderLNF::drawLinearSliderThumb (juce::Graphics& g, int, int, int, int, float position, float, float,
                                              juce::Slider::SliderStyle, juce::Slider& slider)
 {
-    // Half a cap in whole pixels, as the layout has it: with a half pixel left over, each step of the mouse would land on the
-    // edge between two pixels, and the cap would stand still and then jump.
+    // Half a cap in whole pixels, as the layout has it: with a half pixel left over, each step of the mouse would land
+    // on the edge between two pixels, and the cap would stand still and then jump.
     const auto height = slider.getHeight();
     cap.draw (
         g, { 0, juce::roundToInt (position) - fader::trackTop (height), slider.getWidth(), fader::capHeight (height) });

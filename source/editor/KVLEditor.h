@@ -11,8 +11,8 @@
 namespace tarvik
 {
 
-/** The plug-in's window: the console, above it a strip with the two slots, the level pots and the menu, below it a bar. It
-    asks the processor on timers, which run only while it is visible. Message thread, but for `zoomSettingChanged`.
+/** The plug-in's window: the console, above it a strip with the two slots, the level pots and the menu, below it a bar.
+    It asks the processor on timers, which run only while it is visible. Message thread, but for `zoomSettingChanged`.
 */
 class KVLEditor final : public juce::AudioProcessorEditor,
                         public ZoomableEditor,

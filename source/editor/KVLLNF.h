@@ -6,8 +6,8 @@
 namespace tarvik
 {
 
-/** The light menus of the window, for every look that shows one: a sheet with round corners, which leaves the corners to
-    what lies below, and rows that suit it. Message thread.
+/** The light menus of the window, for every look that shows one: a sheet with round corners, which leaves the corners
+    to what lies below, and rows that suit it. Message thread.
 */
 namespace menuDrawing
 {

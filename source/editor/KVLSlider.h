@@ -6,8 +6,8 @@
 namespace tarvik
 {
 
-/** A slider from 0 to 1 whose wheel suits positions as well as travels: on a stepped slider a notched wheel counts notches,
-    fine movements with Ctrl add up to a step, and what is left is forgotten after a pause. Message thread.
+/** A slider from 0 to 1 whose wheel suits positions as well as travels: on a stepped slider a notched wheel counts
+    notches, fine movements with Ctrl add up to a step, and what is left is forgotten after a pause. Message thread.
 */
 class KVLSlider : public juce::Slider, private juce::Timer, private juce::Slider::Listener
 {

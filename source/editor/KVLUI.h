@@ -11,8 +11,8 @@
 namespace tarvik
 {
 
-/** A page of the window whose controls stand for parameters: knows which control shows which, and marks the ones that the
-    host wants to point out. Message thread.
+/** A page of the window whose controls stand for parameters: knows which control shows which, and marks the ones that
+    the host wants to point out. Message thread.
 */
 class KVLUI : public juce::Component
 {

@@ -9,8 +9,8 @@ namespace layout = consoleLayout;
 
 namespace
 {
-/** Tab goes through the controls in the order of their parameters, which is the signal's, with room between two for what
-    has none. JUCE's own order would be that of the pixel rows.
+/** Tab goes through the controls in the order of their parameters, which is the signal's, with room between two for
+    what has none. JUCE's own order would be that of the pixel rows.
 */
 constexpr int focusOrderOf (int parameter)
 {

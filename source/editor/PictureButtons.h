@@ -10,10 +10,10 @@
 namespace tarvik
 {
 
-/** An image button that shows its pictures filtered to size: the pressed one while held or toggled on, the one for the mouse
-    above it, otherwise the normal one. For a missing picture the one before it in this order serves: normal, over,
-    pressed. The picture keeps its proportions in the middle of the bounds. A click never flips the state by itself.
-    Message thread.
+/** An image button that shows its pictures filtered to size: the pressed one while held or toggled on, the one for the
+    mouse above it, otherwise the normal one. For a missing picture the one before it in this order serves: normal,
+    over, pressed. The picture keeps its proportions in the middle of the bounds. A click never flips the state by
+    itself. Message thread.
 */
 class PictureButton : public juce::ImageButton
 {
@@ -63,7 +63,8 @@ public:
     CutButton() : TwoPictureButton ("mute", Picture::muteOff, Picture::muteOn) {}
 };
 
-/** Shows whether two channels are linked, and under the mouse and held looks different in both states. Message thread. */
+/** Shows whether two channels are linked, and under the mouse and held looks different in both states. Message
+    thread. */
 class LinkButton final : public juce::Button
 {
 public:

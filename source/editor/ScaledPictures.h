@@ -15,8 +15,8 @@ namespace tarvik
 class ScaledPictures
 {
 public:
-    /** The picture with frames of these sizes in pixels; null if a side is not positive. The first call for a size makes
-        the copy, and drops copies that no control holds any more; at its own size the picture itself is given.
+    /** The picture with frames of these sizes in pixels; null if a side is not positive. The first call for a size
+        makes the copy, and drops copies that no control holds any more; at its own size the picture itself is given.
     */
     juce::Image get (Picture picture, int frameWidth, int frameHeight);
 

@@ -74,8 +74,8 @@ Text zoomHeading (double value)
 
 using AnySetting = std::variant<ProcessorSetting<double>*, ProcessorSetting<int>*, ProcessorSetting<bool>*>;
 
-/** One sub-menu, in the menu's order. Its items have consecutive ids: the options, "Set in all instances" where there is
-    a message for it, and "Save as default".
+/** One sub-menu, in the menu's order. Its items have consecutive ids: the options, "Set in all instances" where there
+    is a message for it, and "Save as default".
 */
 struct SubMenu
 {

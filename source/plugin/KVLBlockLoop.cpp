@@ -198,7 +198,8 @@ void KVLProcessor::processSlice (float** channels, int numMain, int numSide, int
     rows::clampToFinite (channels, numChannels, highestSample, n);
     bypassFader.beginSlice (channels, n, latencyDelay, latencyInUse);
 
-    // Both look at their requests now, so that one change of both gains is heard in one slice. A gain of 1 costs nothing.
+    // Both look at their requests now, so that one change of both gains is heard in one slice. A gain of 1 costs
+    // nothing.
     const auto changesInput = ! inputGainRamp.restsAtOne(), changesOutput = ! outputGainRamp.restsAtOne();
 
     if (changesInput)

@@ -57,8 +57,8 @@ void KVLProcessor::makeSettings()
 
 void KVLProcessor::calibrationChanged (double decibels)
 {
-    // A damaged project may say anything; the strip multiplies by this gain and divides by it again. What is no use sounds
-    // like the default, whatever was there before.
+    // A damaged project may say anything; the strip multiplies by this gain and divides by it again. What is no use
+    // sounds like the default, whatever was there before.
     const auto isUsable = std::abs (decibels) < usableDb;
     const auto gain =
         static_cast<float> (gainFromDb (isUsable ? decibels : defaultCalibrationDb) * squareRootOf1Point2);

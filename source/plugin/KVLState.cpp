@@ -19,8 +19,8 @@ void writeField (juce::XmlElement& xml, const juce::String& id, const ParameterF
         xml.setAttribute (id, juce::roundToInt (field.get()));
 }
 
-/** The attribute's value on the parameter's grid and within its range. What the project does not know, or gives as "nan" or
-    "inf", takes the parameter's default; any other text that is no number reads as 0 and is bounded like one.
+/** The attribute's value on the parameter's grid and within its range. What the project does not know, or gives as
+    "nan" or "inf", takes the parameter's default; any other text that is no number reads as 0 and is bounded like one.
 */
 void readField (const juce::XmlElement& xml, const juce::RangedAudioParameter& parameter,
                 const ParameterFieldRef& field)

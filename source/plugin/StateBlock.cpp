@@ -16,8 +16,9 @@ constexpr int headerBytes = 8; ///< A mark and the length of the text, four byte
 /** A document of ours has 1.5 KB. Beyond this JUCE's pool of attribute names, kept sorted, would take seconds. */
 constexpr std::size_t largestText = 1 << 16;
 
-/** A document of ours has five angle brackets and no ampersand. As every element needs a bracket, this bounds how deep they
-    nest, at about half a kilobyte of stack each. For each ampersand the parser may go through all the text behind it.
+/** A document of ours has five angle brackets and no ampersand. As every element needs a bracket, this bounds how deep
+    they nest, at about half a kilobyte of stack each. For each ampersand the parser may go through all the text behind
+    it.
 */
 constexpr std::ptrdiff_t mostMarks = 256;
 

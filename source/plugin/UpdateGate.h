@@ -11,8 +11,9 @@ namespace tarvik
 
 /** Lets one thread at a time bring the model up to date, without anybody waiting and without losing a change.
 
-    Host automation reports a parameter on the audio thread while an editor's drag reports another on the message thread.
-    Whoever comes first does the work; who comes meanwhile leaves a note and goes, and the owner does the work once more.
+    Host automation reports a parameter on the audio thread while an editor's drag reports another on the message
+    thread. Whoever comes first does the work; who comes meanwhile leaves a note and goes, and the owner does the work
+    once more.
 */
 class UpdateGate
 {

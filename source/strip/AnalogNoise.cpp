@@ -21,8 +21,8 @@ namespace
 {
 namespace hn = hwy::HWY_NAMESPACE;
 
-/** Takes all generators `steps` further, and adds each step's outputs, scaled as signed numbers, to the row: so many samples
-    as there are generators, and as many again. The same bits with vectors of every length. */
+/** Takes all generators `steps` further, and adds each step's outputs, scaled as signed numbers, to the row: so many
+    samples as there are generators, and as many again. The same bits with vectors of every length. */
 void addSteps (AnalogNoise::Outputs* state, float* row, float scale, int steps)
 {
     const hn::CappedTag<std::uint32_t, AnalogNoise::generatorsPerChannel> d;

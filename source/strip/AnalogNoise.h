@@ -9,8 +9,8 @@
 
 namespace tarvik
 {
-/** The console's noise floor at one place of the chain: white, uniform from -range to +range, different on every channel
-    and after every start.
+/** The console's noise floor at one place of the chain: white, uniform from -range to +range, different on every
+    channel and after every start.
 
     The generator is Marsaglia's xorshift with 128 bits of state ("Xorshift RNGs", 2003), eight of them side by side for
     each channel, which take turns sample by sample: a vector's lanes. */

@@ -166,8 +166,8 @@ void DynamicsSection::process (float* const* audio, int n, int numSidechain) noe
     }
 }
 
-/** The factors that the slice's samples meet. At rest the rows keep them from slice to slice. What has been asked of the
-    ramps since takeSettings() waits: a ramp that began to move here would run for the whole row at once. */
+/** The factors that the slice's samples meet. At rest the rows keep them from slice to slice. What has been asked of
+    the ramps since takeSettings() waits: a ramp that began to move here would run for the whole row at once. */
 void DynamicsSection::fillCurves (int n) noexcept
 {
     const RestingCurves resting { inputRamp.get().current, mixRamp.get().current, outputRamp.get().current,
@@ -288,8 +288,8 @@ void DynamicsSection::feedNeedles (int n) noexcept
         channel.meteredGain = channel.needle.process (isInCircuit ? channel.gains.data() : scratch.data(), n);
 }
 
-/** audio x ((1 - mix) + input x mix x output x gain): dry and wet share one multiplication, so no delay can come between
-    them. */
+/** audio x ((1 - mix) + input x mix x output x gain): dry and wet share one multiplication, so no delay can come
+    between them. */
 void DynamicsSection::applyGains (float* const* audio, int n) noexcept
 {
     for (std::size_t c = 0; c < channels.size(); ++c)

@@ -11,9 +11,9 @@
 namespace tarvik
 {
 
-/** The equaliser of all channels of a strip, faded in and out as a whole, with the fixed gain that makes up for the loss
-    of its passive network. Each audio channel is the console channel that "TOL Channel" says or, unlinked, that one's
-    neighbours in turn.
+/** The equaliser of all channels of a strip, faded in and out as a whole, with the fixed gain that makes up for the
+    loss of its passive network. Each audio channel is the console channel that "TOL Channel" says or, unlinked, that
+    one's neighbours in turn.
 */
 class EqualiserSection
 {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Rows of the harmonic table for a vector of positions. Read once for each instruction set, hence the guard that toggles.
+// Rows of the harmonic table for a vector of positions. Read once for each instruction set, hence the guard that
+// toggles.
 #if defined(TARVIK_HARMONIC_LOOK_UP) == defined(HWY_TARGET_TOGGLE)
 #ifdef TARVIK_HARMONIC_LOOK_UP
 #undef TARVIK_HARMONIC_LOOK_UP

@@ -25,15 +25,15 @@ class QuadraturePair
 public:
     static constexpr std::size_t numSections = 8;
 
-    /** What a row must have room for ahead of its n samples, where process() puts the sample before them, and behind, where
-        it reads but makes nothing of it. */
+    /** What a row must have room for ahead of its n samples, where process() puts the sample before them, and behind,
+        where it reads but makes nothing of it. */
     static constexpr int margin = 1;
 
     void clear() noexcept;
 
-    /** The squares of the envelope of row c, n samples, through *pairs[c]; `squares` too has the margin behind. Two channels
-        together cost little more than one. Pieces of a row give the same as the whole, and one channel the same as
-        among two. */
+    /** The squares of the envelope of row c, n samples, through *pairs[c]; `squares` too has the margin behind. Two
+        channels together cost little more than one. Pieces of a row give the same as the whole, and one channel the
+        same as among two. */
     static void process (std::span<QuadraturePair* const> pairs, float* const* rows, float* const* squares,
                          int n) noexcept;
 

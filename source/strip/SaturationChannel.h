@@ -15,16 +15,16 @@ namespace tarvik
 /** The saturation of one audio channel: the harmonics, overdrive where "THD" is above 0 dB, and the two filters at the
     stage's output, whose corners, Qs and gain are those of one of the console's channels.
 
-    setThd() and setVariant() are the control side: any thread while audio runs, the audio thread included, one call at a
-    time; they allocate nothing and wait for nobody. The rest is the audio side, under the rules of SmoothedIppIIR. */
+    setThd() and setVariant() are the control side: any thread while audio runs, the audio thread included, one call at
+    a time; they allocate nothing and wait for nobody. The rest is the audio side, under the rules of SmoothedIppIIR. */
 class SaturationChannel
 {
 public:
     /** Fills the component table. Allocates. */
     SaturationChannel();
 
-    /** "THD" in dB; at or below -100 the harmonics are off. What follows from it moves in straight lines within 0.1 s, for
-        a jump of the overdrive would be a jump of the output, even in silence. */
+    /** "THD" in dB; at or below -100 the harmonics are off. What follows from it moves in straight lines within 0.1 s,
+        for a jump of the overdrive would be a jump of the output, even in silence. */
     void setThd (double thdDb) noexcept;
 
     /** The console channel, from 0; numbers that don't exist become the nearest. Designs the filters anew, unless the
@@ -40,8 +40,8 @@ public:
     /** Ends all moves and clears what the channel remembers. */
     void reset() noexcept;
 
-    /** One or two channels in one pass, each with its row of n samples, in place; the same bits as one by one. Takes any
-        finite or other sample; what leaves is finite. */
+    /** One or two channels in one pass, each with its row of n samples, in place; the same bits as one by one. Takes
+        any finite or other sample; what leaves is finite. */
     static void process (std::span<SaturationChannel* const> channels, float* const* rows, int n) noexcept;
 
 private:

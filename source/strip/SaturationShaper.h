@@ -36,8 +36,8 @@ public:
 
     void reset() noexcept;
 
-    /** Row c of n samples goes through *shapers[c] (one or two), in place. `scales` has one row of n factors, 0 to 1, for
-        each channel. */
+    /** Row c of n samples goes through *shapers[c] (one or two), in place. `scales` has one row of n factors, 0 to 1,
+        for each channel. */
     static void process (std::span<SaturationShaper* const> shapers, float* const* rows, const float* const* scales,
                          int n) noexcept;
 

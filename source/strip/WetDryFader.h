@@ -8,8 +8,8 @@
 namespace tarvik
 {
 
-/** Blends a stage in and out around what it does: `begin` before the stage, `end` behind it. While the fade rests at 1 both
-    cost nothing.
+/** Blends a stage in and out around what it does: `begin` before the stage, `end` behind it. While the fade rests at 1
+    both cost nothing.
 */
 class WetDryFader
 {

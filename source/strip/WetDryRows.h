@@ -9,9 +9,9 @@
 namespace tarvik
 {
 
-/** The arithmetic of a blend around something that works in place: `split` keeps each channel's dry share, `join` takes the
-    wet share of what has become of the channel and adds the dry share back. The two shares add up to 1 at every sample, as
-    floats do. Audio thread, but for `prepare` and `release`.
+/** The arithmetic of a blend around something that works in place: `split` keeps each channel's dry share, `join` takes
+    the wet share of what has become of the channel and adds the dry share back. The two shares add up to 1 at every
+    sample, as floats do. Audio thread, but for `prepare` and `release`.
 */
 class WetDryRows
 {

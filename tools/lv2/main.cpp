@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// Completes the LV2 bundle's description, which JUCE's helper writes out of the built module: the parameters get units and
-// the values that belong to their choices (JUCE counts those from 0 to 1, whatever the range), the side chain is marked as
-// one, the plug-in gets its class and licence, a maker without addresses has none, and what
-// the vocabularies do not allow goes. Runs in the build, after the module
-// is linked; what it does not find as expected fails the build.
+// Completes the LV2 bundle's description, which JUCE's helper writes out of the built module: the parameters get units
+// and the values that belong to their choices (JUCE counts those from 0 to 1, whatever the range), the side chain is
+// marked as one, the plug-in gets its class and licence, a maker without addresses has none, and what the vocabularies
+// do not allow goes. Runs in the build, after the module is linked; what it does not find as expected fails the build.
 
 #include "plugin/ParameterTable.h"
 #include "tools/ToolError.h"

@@ -73,8 +73,8 @@ ResponseBench::ResponseBench (StripUnderTest& stripUnderTest, std::vector<double
 std::vector<std::complex<double>> ResponseBench::spectrum (const juce::StringArray& settings)
 {
     // Before the impulse, room for the oversampling's filters, which ring in front of it too; behind it, time for the
-    // slowest response. The impulse stays far below the level at which harmonics rise; half the difference between it and
-    // its mirror image is free of even powers, and of the small constant that the saturation makes of silence.
+    // slowest response. The impulse stays far below the level at which harmonics rise; half the difference between it
+    // and its mirror image is free of even powers, and of the small constant that the saturation makes of silence.
     constexpr std::size_t before = 256;
     constexpr double secondsBehind = 2.0;
     constexpr float impulse = 1.0f / 1024.0f;

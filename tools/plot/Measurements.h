@@ -23,8 +23,8 @@ std::vector<std::complex<double>> spectrumAt (std::span<const float> samples, st
 /** Magnitude responses of the equaliser inside the running strip.
 
     An impulse goes through the whole strip, so low that the saturation is linear there, once with the equaliser out and
-    once with it in: the quotient of the two spectra is free of what the rest of the strip does to the band, its filters at
-    6 Hz and 35 kHz and those of the oversampling.
+    once with it in: the quotient of the two spectra is free of what the rest of the strip does to the band, its filters
+    at 6 Hz and 35 kHz and those of the oversampling.
 */
 class ResponseBench
 {
@@ -61,8 +61,8 @@ Samples makeTone (double frequencyHz, double sampleRate, const std::vector<ToneS
 /** The amplitude of a tone in samples that hold whole periods of it. */
 double toneAmplitude (std::span<const float> samples, double radiansPerSample);
 
-/** Gain in dB over the time in seconds, counted from `startSeconds`, one value for each period of the tone. The period must
-    be a whole number of samples.
+/** Gain in dB over the time in seconds, counted from `startSeconds`, one value for each period of the tone. The period
+    must be a whole number of samples.
 */
 std::vector<Point> gainOverTime (const Samples& in, const Samples& out, double frequencyHz, double sampleRate,
                                  double startSeconds);

@@ -6,9 +6,9 @@
 namespace tarvik
 {
 
-/** Measures the built module and draws what it found, one SVG file for each picture, in the line's folder, which is made if
-    it is missing; prints the figures that stand in the pictures. The kind "errors" prints a table and writes nothing.
-    Throws `ToolError` or `Interrupted`.
+/** Measures the built module and draws what it found, one SVG file for each picture, in the line's folder, which is
+    made if it is missing; prints the figures that stand in the pictures. The kind "errors" prints a table and writes
+    nothing. Throws `ToolError` or `Interrupted`.
 */
 void plotModule (const CommandLine& line);
 

@@ -6,11 +6,12 @@
 namespace tarvik::plot
 {
 
-/** While this lives, instances of the module that this process makes start with settings from a temporary file: noise off
-    and a given oversampling factor, everything else as compiled. What the user has saved neither counts nor changes.
+/** While this lives, instances of the module that this process makes start with settings from a temporary file: noise
+    off and a given oversampling factor, everything else as compiled. What the user has saved neither counts nor
+    changes.
 
-    The module finds the file by XDG_CONFIG_HOME, which is set for this process and given back at the end. So this is for
-    Linux, for the message thread, and for one object at a time.
+    The module finds the file by XDG_CONFIG_HOME, which is set for this process and given back at the end. So this is
+    for Linux, for the message thread, and for one object at a time.
 */
 class ScratchSettings
 {

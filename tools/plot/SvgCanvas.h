@@ -48,8 +48,8 @@ struct TextStyle
     bool isVertical = false; ///< Reads upwards.
 };
 
-/** An SVG document on white paper, so that it reads the same on a light and on a dark page. Coordinates are written with
-    one decimal: what is drawn twice from the same numbers is the same file, byte by byte.
+/** An SVG document on white paper, so that it reads the same on a light and on a dark page. Coordinates are written
+    with one decimal: what is drawn twice from the same numbers is the same file, byte by byte.
 */
 class SvgCanvas
 {
