@@ -74,8 +74,8 @@ inline double threadSeconds() noexcept
     return static_cast<double> (time.tv_sec) + nano * static_cast<double> (time.tv_nsec);
 }
 
-// Y in seconds per sample and channel: the median of a few short runs, 8 ms in all. Taken anew for every figure, since
-// a shared machine's speed changes within seconds.
+// Y in seconds per sample and channel: the median of a few short runs, some milliseconds in all. Taken anew for every
+// figure, since a shared machine's speed changes within seconds.
 inline double yardstickSeconds()
 {
     constexpr int n = 256, blocksPerRun = 200, channels = 2;

@@ -6,7 +6,7 @@
 
 #include "dsp/Dispatch.h"
 
-// foreach_target.h comes before everything else of Highway.
+// foreach_target.h comes before highway.h.
 // clang-format off
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
@@ -118,7 +118,7 @@ private:
     {
         Vectors s1, s2;  ///< the delay lines
         Vectors fed;     ///< what each vector hands on at the next step
-        Vectors waiting; ///< what the slow one hands on at the step after
+        Vectors waiting; ///< what each made at the last step; two samples apart, it is handed on a step later
     };
 
     /** Stage after stage gets its delay line as the first sample reaches it. Vectors behind it are still empty. */
@@ -169,10 +169,7 @@ private:
         else
         {
             const auto handedOn = memory.fed[first - 1];
-
-            for (std::size_t v = 0; v < first; ++v) // what these made last still has to arrive
-                memory.fed[v] = memory.waiting[v];
-
+            memory.fed[first - 1] = memory.waiting[first - 1]; // what it made last still has to arrive
             stepVectors<first, behind> (memory, handedOn);
         }
     }

@@ -98,7 +98,8 @@ HWY_INLINE Vector replaceStage ([[maybe_unused]] Vector old, Vector from)
         return hn::ConcatUpperLower (hn::DFromV<Vector>(), from, old);
 }
 
-/** The same, as a number: g++ 12 leaves vectors that are only ever copied whole in memory, even in a loop. */
+/** v itself, as the result of an operation: g++ 12 leaves vectors that are only ever copied whole in memory, even in a
+    loop. */
 template <typename Vector>
 HWY_INLINE Vector copyOf (Vector v)
 {

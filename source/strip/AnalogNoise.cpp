@@ -21,9 +21,9 @@ namespace
 {
 namespace hn = hwy::HWY_NAMESPACE;
 
-/** Takes all generators `steps` further, and adds each step's outputs, scaled as signed numbers, to the row: so many
-    samples as there are generators, and as many again. The same bits with vectors of every length. */
-void addSteps (AnalogNoise::Outputs* state, float* row, float scale, int steps)
+/** Takes all generators `steps` further, and adds their outputs, scaled as signed numbers, to the row, one sample of
+    each generator per step. The same bits with vectors of every length. */
+void addSteps (AnalogNoise::Outputs* state, float* row, float scale, std::size_t steps)
 {
     const hn::CappedTag<std::uint32_t, AnalogNoise::generatorsPerChannel> d;
     const hn::RebindToSigned<decltype (d)> asSigned;
@@ -34,10 +34,10 @@ void addSteps (AnalogNoise::Outputs* state, float* row, float scale, int steps)
     {
         auto oldest = hn::LoadU (d, state[0].data() + first), older = hn::LoadU (d, state[1].data() + first);
         auto old = hn::LoadU (d, state[2].data() + first), newest = hn::LoadU (d, state[3].data() + first);
-        auto* samples = row + first;
 
-        for (int i = 0; i < steps; ++i, samples += AnalogNoise::generatorsPerChannel)
+        for (std::size_t i = 0; i < steps; ++i)
         {
+            auto* const samples = row + i * AnalogNoise::generatorsPerChannel + first;
             const auto t = hn::Xor (oldest, hn::ShiftLeft<11> (oldest));
             oldest = older;
             older = old;
@@ -146,7 +146,7 @@ void AnalogNoise::Generator::add (float* row, float range, int n) noexcept
         *row++ += scale * static_cast<float> (static_cast<std::int32_t> (state.back()[used++]));
 
     const auto steps = remaining / generatorsPerChannel;
-    TARVIK_DISPATCH (noise::addSteps) (state.data(), row, scale, static_cast<int> (steps));
+    TARVIK_DISPATCH (noise::addSteps) (state.data(), row, scale, steps);
     row += steps * generatorsPerChannel;
     remaining -= steps * generatorsPerChannel;
 

@@ -22,10 +22,11 @@ void settle (std::span<BiquadCascade* const> cascades) noexcept
     for (auto* const cascade : cascades)
     {
         const auto& sections = cascade->getSections();
-        auto sum = 0.0;
 
         if (std::abs (sections.s1.front()) >= unfelt)
             continue; // while there is sound: nearly always
+
+        auto sum = 0.0;
 
         for (std::size_t s = 0; s < sections.s1.size(); ++s)
             sum += std::abs (sections.s1[s]) + std::abs (sections.s2[s]);

@@ -6,7 +6,7 @@
 
 #include "dsp/Dispatch.h"
 
-// foreach_target.h comes before everything else of Highway.
+// foreach_target.h comes before highway.h.
 // clang-format off
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>

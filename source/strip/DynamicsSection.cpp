@@ -19,7 +19,7 @@ namespace
     "Release" takes. */
 constexpr float loudestKey = 2e5f;
 
-/** Leaves room in a float for every gain of the section. */
+/** Leaves room in a float for every gain of the section. Keys have a limit of their own. */
 constexpr float loudestAudio = 1e30f;
 
 /** What the needles' reading is divided by: 10^1.5, close to the gain element's rest. */

@@ -7,7 +7,7 @@
 #include "dsp/Dispatch.h"
 #include "strip/HarmonicTable.h"
 
-// foreach_target.h comes before everything else of Highway.
+// foreach_target.h comes before highway.h.
 // clang-format off
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>

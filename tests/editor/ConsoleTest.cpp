@@ -138,7 +138,8 @@ TEST (Console, ANotchOfTheWheelMovesEverySliderUpAndDownAndItsParameterWithIt)
         t.show(); // a tick in between does not undo it
         runMessagesFor (2);
         EXPECT_GT (p.getValue(), before);
-        EXPECT_LE (p.getValue(), before + (p.isDiscrete() ? static_cast<float> (slider.getInterval()) : 0.1f) + 1e-6f);
+        EXPECT_LE (p.getValue(),
+                   before + (p.isDiscrete() ? 1.0f / static_cast<float> (p.getNumSteps() - 1) : 0.1f) + 1e-6f);
         EXPECT_FLOAT_EQ (p.getValue(), static_cast<float> (slider.getValue()));
         mouse.wheel (-Mouse::notch);
         runMessagesFor (2);

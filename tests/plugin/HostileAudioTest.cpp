@@ -24,10 +24,26 @@ enum class Badness
     kinds
 };
 
+float levelOf (Badness kind)
+{
+    switch (kind)
+    {
+        case Badness::silence:
+            return 0.0f;
+        case Badness::fullScale:
+            return 1.0f;
+        case Badness::plus24Db:
+            return 15.85f;
+        case Badness::subnormals:
+            return 1e-39f;
+        default:
+            return 0.5f;
+    }
+}
+
 Signal badSignal (Badness kind, int numSamples, unsigned seed)
 {
-    constexpr float levels[] = { 0.0f, 1.0f, 15.85f, 0.5f, 0.5f, 1e-39f };
-    auto signal = noise (numSamples, seed, levels[static_cast<int> (kind)]);
+    auto signal = noise (numSamples, seed, levelOf (kind));
     auto& middle = signal[signal.size() / 2];
 
     if (kind == Badness::oneNan)

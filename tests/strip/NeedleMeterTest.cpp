@@ -80,7 +80,7 @@ TEST (NeedleMeter, TwoChannelsShowTheMagnitudeOfTheirMeanAndBadSamplesAreForgott
     EXPECT_EQ (read (up, down), 0.0f);
 
     auto late = silent;
-    late.back() = late[290] = 0.5f;
+    late.back() = 0.5f;
     EXPECT_GT (read (late, late), 0.0f) << "rows are heard to their end";
 
     for (const auto bad : { Limits::quiet_NaN(), Limits::infinity(), -Limits::infinity() })

@@ -233,10 +233,13 @@ TEST (Saturation, TheWholeStageFollowsThdAndConsoleChannel)
             section.prepare (48000.0, 2, sliceLength);
             section.update (isNewAtPrepare ? makeSnapshot (12.0f, 20, false) : snapshot, false);
             section.prepare (rateHz, 2, sliceLength);
-            section.update (snapshot, true);
-            section.reset();
 
             const Rows in { music (2.0, 30000, 1), music (2.0, 30000, 2) };
+            section.update (makeSnapshot (-12.0f, tolChannel, tolLink), true);
+            section.reset();
+            processed (section, in); // another "THD" has come to rest
+            section.update (snapshot, true);
+            section.reset();
             const auto out = processed (section, in);
             section.reset();
             EXPECT_EQ (processed (section, in, 100), out) << "in other pieces, after a reset";
