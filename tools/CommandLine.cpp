@@ -20,9 +20,13 @@ struct TaskWord
 
 /** Words that say, in first place or behind the module's, what is to be done; without one of them a file is
     rendered. */
-constexpr TaskWord taskWords[] = { { "render", Task::render },     { "batch", Task::batch },
-                                   { "list", Task::list },         { "plot", Task::plot },
-                                   { "pictures", Task::pictures }, { "screenshot", Task::screenshot } };
+constexpr TaskWord taskWords[] = { { "render", Task::render },
+                                   { "batch", Task::batch },
+                                   { "list", Task::list },
+                                   { "plot", Task::plot },
+                                   { "compare", Task::compare },
+                                   { "pictures", Task::pictures },
+                                   { "screenshot", Task::screenshot } };
 
 constexpr const char* moduleOption = "--module";
 
@@ -168,6 +172,8 @@ void takePositional (CommandLine& line, const juce::String& argument)
         line.batchInputs.add (argument);
     else if (line.inputPath.isEmpty())
         line.inputPath = argument;
+    else if (line.task == Task::compare && line.comparedPath.isEmpty())
+        line.comparedPath = argument;
     else if (line.outputPath.isEmpty())
         line.outputPath = argument;
     else
@@ -196,6 +202,16 @@ void arrangePlot (CommandLine& line, bool saysOnlyModule)
 
     if (! saysOnlyModule)
         throw ToolError ("a plot takes no option but --module");
+}
+
+/** Two recordings and a picture. */
+void checkComparison (const CommandLine& line, bool saysOnlyModule)
+{
+    if (line.outputPath.isEmpty())
+        throw ToolError ("two recordings and a file for the picture are wanted (see --help)");
+
+    if (! saysOnlyModule)
+        throw ToolError ("a comparison takes no option");
 }
 
 /** A list's only word is its kind. */
@@ -292,6 +308,9 @@ CommandLine parseCommandLine (const juce::StringArray& arguments)
 
     if (line.task == Task::plot)
         arrangePlot (line, options.saysOnlyModule());
+
+    if (line.task == Task::compare)
+        checkComparison (line, options.saysOnlyModule());
 
     if (line.task == Task::list)
         arrangeList (line);

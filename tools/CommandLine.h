@@ -15,6 +15,7 @@ struct CommandLine
         batch,
         list,
         plot,
+        compare,
         pictures,
         screenshot,
         help,
@@ -27,6 +28,7 @@ struct CommandLine
 
     Task task = Task::render;
     juce::String inputPath, outputPath; ///< Of a batch the output is a folder.
+    juce::String comparedPath;          ///< The second of two recordings; only for `Task::compare`.
     juce::StringArray batchInputs;      ///< Files and folders, as they were given.
     juce::String batchListPath;         ///< A text file that names more of them, empty for none.
     bool overwrites = false;            ///< A batch makes anew what is already in its folder.

@@ -15,6 +15,7 @@ const char* usageText()
   tarvik41-render pictures OUTPUT.png
   tarvik41-render screenshot [OPTIONS] [INPUT] OUTPUT.png
   tarvik41-render plot KIND [FOLDER] [--module FILE]
+  tarvik41-render compare BEFORE AFTER OUTPUT.svg
 
 INPUT is a WAV, FLAC or AIFF file, mono or stereo, of any rate and length. OUTPUT becomes a WAV file of the same length,
 with the module's latency taken out. It appears when it is complete, in place of one that had its name, and not at all
@@ -44,6 +45,9 @@ already is kept, so that a batch that was stopped can be taken up again. When a 
 A plot measures the module, draws what it finds as SVG files into FOLDER, and prints figures. KIND is eq, compressor,
 expander, saturation, or all of them; or errors, a table of the equaliser's deviations, without a folder. It takes no
 settings: noise is off, the user's defaults do not count.
+
+"compare" draws two recordings of one rate, one above the other, with their levels in thirds of an octave and what is
+between them, and prints figures: what went into a rendering and what came out of it, for one.
 
 "list layout" prints, as JSON, where each control of the console panel is in the pixels of its picture, with the marks of
 its scale; the picture is printed from it. "pictures" shows all pictures of the window on one sheet, at their own size and

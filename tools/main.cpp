@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/BatchCommand.h"
 #include "tools/CommandLine.h"
+#include "tools/CompareCommand.h"
 #include "tools/Interruption.h"
 #include "tools/ListCommand.h"
 #include "tools/PicturesCommand.h"
@@ -43,6 +44,9 @@ void perform (const tarvik::CommandLine& line)
             break;
         case Task::plot:
             tarvik::plotModule (line);
+            break;
+        case Task::compare:
+            tarvik::compareRecordings (line);
             break;
         case Task::pictures:
             tarvik::writeContactSheet (line);

@@ -18,6 +18,7 @@ protected:
             writeAudio (name, noise (2, 5000), 44100.0);
 
         writeAudio ("slow.wav", noise (2, 5000), 22050.0);
+        writeAudio ("silent.wav", noise (1, 0), 44100.0);
         writeAudio ("three.wav", noise (3, 5000), 44100.0);
         fileNamed ("text.wav").replaceWithText ("This is no sound.");
         fileNamed ("empty").createDirectory();

@@ -123,4 +123,40 @@ TEST_F (PlotTool, TheUsersDefaultsDoNotCountAndThePictureIsTheSameEachTime)
     EXPECT_TRUE (first.isNotEmpty());
     EXPECT_EQ (first, fileNamed ("second/saturation-harmonics.svg").loadFileAsString());
 }
+
+TEST_F (PlotTool, AComparisonTellsLevelsAndWhatLiesBetween)
+{
+    constexpr double rateHz = 48000.0;
+    const auto writeTones = [this] (const juce::String& name, double lowPeak, double highPeak)
+    {
+        juce::AudioBuffer<float> tones (2, 48000);
+
+        for (int i = 0; i < tones.getNumSamples(); ++i)
+        {
+            // They come and go slowly, so that nothing is heard between them.
+            const auto turns = juce::MathConstants<double>::twoPi * i / rateHz;
+            const auto share = std::pow (std::sin (turns / 2.0), 2.0);
+            const auto low = share * lowPeak * std::sin (100.0 * turns);
+            const auto high = share * highPeak * std::sin (10000.0 * turns);
+            tones.setSample (0, i, static_cast<float> (low + high));
+            tones.setSample (1, i, static_cast<float> (low - high));
+        }
+
+        writeAudio (name, tones, rateHz);
+    };
+    writeTones ("in.wav", 0.5, 0.25);
+    writeTones ("out.wav", 0.25, 0.4);
+    printed = juce::StringArray::fromLines (runWell ({ "compare", "in.wav", "out.wav", "x.svg" }).out);
+
+    const auto db = [] (double gain) { return 20.0 * std::log10 (gain); };
+    const auto rmsOfShare = std::sqrt (3.0 / 8.0);
+    EXPECT_NEAR (figure ("before: peak"), db (0.75), 0.1);
+    EXPECT_NEAR (figure ("after: RMS"), db (std::hypot (0.25, 0.4) / std::sqrt (2.0) * rmsOfShare), 0.02);
+    EXPECT_NEAR (figure ("before: loudest third of an octave, at 100 Hz"), db (0.5 * rmsOfShare), 0.02);
+    EXPECT_NEAR (figure ("after: loudest third of an octave, at 10000 Hz"), db (0.4 * rmsOfShare), 0.02);
+    EXPECT_NEAR (figure ("change at 100 Hz"), db (0.5), 0.02);
+    EXPECT_NEAR (figure ("change at 10000 Hz"), db (1.6), 0.02);
+    EXPECT_FALSE (printed.joinIntoString ("\n").contains ("at 1000 Hz")) << "there is nothing";
+    EXPECT_NE (juce::parseXML (fileNamed ("x.svg")), nullptr);
+}
 } // namespace tarvik

@@ -2,8 +2,8 @@
 #include "tools/plot/PlotCommand.h"
 
 #include "tools/Interruption.h"
-#include "tools/OutputFile.h"
 #include "tools/ToolError.h"
+#include "tools/plot/PictureFile.h"
 #include "tools/plot/Plots.h"
 
 #include <algorithm>
@@ -49,14 +49,7 @@ constexpr const char* errorTable = "errors";
 void write (const plot::Picture& picture, const juce::File& folder)
 {
     OutputFile file (folder.getChildFile (picture.name + ".svg").getFullPathName());
-    const auto stream = file.open();
-    const auto isWritten = stream->writeText (picture.toSvg(), false, false, nullptr);
-    stream->flush();
-
-    if (! isWritten || stream->getStatus().failed())
-        file.throwWriteError ("the disk fails");
-
-    file.commit();
+    writePicture (file, picture);
     std::cout << picture.name << ".svg\n";
 }
 
