@@ -2,6 +2,7 @@
 #include "tests/support/StateTestTools.h"
 #include "tests/support/StripTestTools.h"
 
+#include <ctime>
 #include <fstream>
 
 namespace tarvik
@@ -198,7 +199,7 @@ TEST_F (HostileState, DeepHugeAndSelfExpandingDocuments)
     };
     const auto canMeasureMemory = resetPeakMemory(); // the blocks themselves have taken more than their loading may
     const auto memoryBefore = peakMemory();
-    const auto timeBefore = juce::Time::getMillisecondCounterHiRes();
+    const auto workBefore = std::clock(); // the processor's time, whatever else the machine does
 
     SmallThread thread (
         [&]
@@ -208,7 +209,7 @@ TEST_F (HostileState, DeepHugeAndSelfExpandingDocuments)
         });
     ASSERT_TRUE (thread.waitForThreadToExit (60000)) << "hangs";
 
-    EXPECT_LT (juce::Time::getMillisecondCounterHiRes() - timeBefore, 1000.0);
+    EXPECT_LT (std::clock() - workBefore, CLOCKS_PER_SEC);
     EXPECT_EQ (saved (*strip), good);
 
     if (! canMeasureMemory)
