@@ -10,9 +10,9 @@ namespace
 {
 constexpr double rateHz = 48000.0;
 constexpr int factor = 2;
-constexpr double transferToneHz = 1000.0;
 constexpr double timingToneHz = 2000.0;
 constexpr double millisecondsPerSecond = 1000.0;
+constexpr double lowestLevelDb = -50.0;
 
 // A quiet passage, a loud one, and quiet again.
 constexpr double quietDb = -40.0, loudDb = -4.0;
@@ -20,8 +20,6 @@ constexpr double quietBefore = 0.2, quietBehind = 20.0;
 
 const juce::String howMeasured =
     "Measured through the running module at 48 kHz with twofold oversampling, noise and equaliser off.";
-
-std::size_t countOf (const juce::StringArray& positions) { return static_cast<std::size_t> (positions.size()); }
 
 juce::StringArray dynamicsWith (const juce::StringArray& more)
 {
@@ -31,26 +29,10 @@ juce::StringArray dynamicsWith (const juce::StringArray& more)
 }
 
 //==============================================================================
-Chart transferChart (const juce::String& heading)
-{
-    Chart chart;
-    chart.heading = heading;
-    chart.x = Axis::linear ("Level in / dBFS", -50.0, 0.0, 10.0);
-    chart.y = Axis::linear ("Level out / dBFS", -50.0, 0.0, 10.0);
-    chart.height = 330.0;
-    return chart;
-}
-
 std::vector<Point> measureTransfer (StripUnderTest& strip, const juce::StringArray& settings)
 {
-    constexpr double lowest = -50.0, step = 2.0, secondsPerStep = 1.0;
-    std::vector<double> levels;
-
-    for (auto level = lowest; level <= 0.0; level += step)
-        levels.push_back (level);
-
     strip.set (dynamicsWith (settings));
-    return transferCurve (strip, transferToneHz, levels, secondsPerStep);
+    return transferCurve (strip, lowestLevelDb);
 }
 
 Picture plotTransfer (StripUnderTest& strip)
@@ -67,7 +49,7 @@ Picture plotTransfer (StripUnderTest& strip)
 
     for (const auto* const threshold : { "0", "-10", "-20" })
     {
-        auto chart = transferChart ("Threshold " + juce::String (threshold) + " dB");
+        auto chart = transferChart ("Threshold " + juce::String (threshold) + " dB", lowestLevelDb, lowestLevelDb);
 
         for (std::size_t r = 0; r < countOf (ratios); ++r)
         {
@@ -82,7 +64,7 @@ Picture plotTransfer (StripUnderTest& strip)
         picture.charts.push_back (std::move (chart));
     }
 
-    auto chart = transferChart ("Limiter, ratio 1:1");
+    auto chart = transferChart ("Limiter, ratio 1:1", lowestLevelDb, lowestLevelDb);
 
     for (const auto* const state : { "off", "on" })
     {

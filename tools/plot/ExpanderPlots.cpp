@@ -10,11 +10,9 @@ namespace
 {
 constexpr double rateHz = 48000.0;
 constexpr int factor = 2;
-constexpr double transferToneHz = 1000.0;
 constexpr double timingToneHz = 2000.0;
 constexpr double millisecondsPerSecond = 1000.0;
-
-std::size_t countOf (const juce::StringArray& positions) { return static_cast<std::size_t> (positions.size()); }
+constexpr double lowestInDb = -70.0, lowestOutDb = -90.0;
 
 /** The compressor stands aside at 1:1. */
 juce::StringArray expanderWith (const juce::StringArray& more)
@@ -25,34 +23,18 @@ juce::StringArray expanderWith (const juce::StringArray& more)
 }
 
 //==============================================================================
-Chart transferChart (const juce::String& heading)
-{
-    Chart chart;
-    chart.heading = heading;
-    chart.x = Axis::linear ("Level in / dBFS", -70.0, 0.0, 10.0);
-    chart.y = Axis::linear ("Level out / dBFS", -90.0, 0.0, 10.0);
-    chart.height = 300.0;
-    return chart;
-}
-
 Curve measureTransfer (StripUnderTest& strip, const juce::String& label, const juce::StringArray& settings,
                        const juce::String& colour)
 {
-    constexpr double lowest = -70.0, step = 2.0, secondsPerStep = 1.0;
-    std::vector<double> levels;
-
-    for (auto level = lowest; level <= 0.0; level += step)
-        levels.push_back (level);
-
     auto all = expanderWith (settings);
     all.add ("expRelease=0.1");
     strip.set (all);
-    return { label, transferCurve (strip, transferToneHz, levels, secondsPerStep), colour };
+    return { label, transferCurve (strip, lowestInDb), colour };
 }
 
 Chart plotThresholds (StripUnderTest& strip, const juce::String& mode)
 {
-    auto chart = transferChart (mode + ", by threshold");
+    auto chart = transferChart (mode + ", by threshold", lowestInDb, lowestOutDb);
     const juce::StringArray thresholds { "-40", "-30", "-20", "-10", "0" };
 
     for (std::size_t t = 0; t < countOf (thresholds); ++t)
@@ -76,7 +58,7 @@ Chart plotThresholds (StripUnderTest& strip, const juce::String& mode)
 
 Chart plotRanges (StripUnderTest& strip)
 {
-    auto chart = transferChart ("Expander at -20 dB, by range");
+    auto chart = transferChart ("Expander at -20 dB, by range", lowestInDb, lowestOutDb);
     const juce::StringArray ranges { "0", "-5", "-10", "-20" };
 
     for (std::size_t r = 0; r < countOf (ranges); ++r)

@@ -188,12 +188,12 @@ double lastTimeFarFrom (const std::vector<Point>& points, double value, double d
     return last;
 }
 
-std::vector<Point> transferCurve (StripUnderTest& strip, double frequencyHz, const std::vector<double>& levelsDb,
-                                  double secondsPerStep)
+std::vector<Point> transferCurve (StripUnderTest& strip, double lowestDb)
 {
+    constexpr double frequencyHz = 1000.0, stepDb = 2.0, secondsPerStep = 1.0;
     std::vector<ToneStep> steps;
 
-    for (const auto level : levelsDb)
+    for (auto level = lowestDb; level <= 0.0; level += stepDb)
         steps.push_back ({ level, secondsPerStep });
 
     const auto rate = strip.rateHz();
@@ -204,15 +204,26 @@ std::vector<Point> transferCurve (StripUnderTest& strip, double frequencyHz, con
     const auto window = stepSamples / shareMeasured / period * period;
     std::vector<Point> points;
 
-    for (std::size_t i = 0; i < levelsDb.size(); ++i)
+    for (std::size_t i = 0; i < steps.size(); ++i)
     {
         const auto end = static_cast<long long> (i + 1) * stepSamples;
         const auto last =
             std::span (out).subspan (static_cast<std::size_t> (end - window), static_cast<std::size_t> (window));
-        points.push_back ({ levelsDb[i], decibels (toneAmplitude (last, twoPi * frequencyHz / rate)) });
+        points.push_back ({ steps[i].levelDb, decibels (toneAmplitude (last, twoPi * frequencyHz / rate)) });
     }
 
     return points;
+}
+
+Chart transferChart (const juce::String& heading, double lowestInDb, double lowestOutDb)
+{
+    constexpr double stepDb = 10.0;
+    Chart chart;
+    chart.heading = heading;
+    chart.x = Axis::linear ("Level in / dBFS", lowestInDb, 0.0, stepDb);
+    chart.y = Axis::linear ("Level out / dBFS", lowestOutDb, 0.0, stepDb);
+    chart.height = 330.0;
+    return chart;
 }
 
 } // namespace tarvik::plot

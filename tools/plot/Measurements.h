@@ -73,8 +73,12 @@ std::vector<Point> thinnedOverLogTime (const std::vector<Point>& points, double 
 /** When a curve is for the last time farther than `distance` from a value; 0 if it never is. */
 double lastTimeFarFrom (const std::vector<Point>& points, double value, double distance);
 
-/** Level out over level in, in dB: a tone that climbs in steps, each measured over its last fifth. */
-std::vector<Point> transferCurve (StripUnderTest& strip, double frequencyHz, const std::vector<double>& levelsDb,
-                                  double secondsPerStep);
+/** Level out over level in, both in dBFS: a tone of 1 kHz that climbs in steps of 2 dB up to full scale, each held for a
+    second and measured over its last fifth.
+*/
+std::vector<Point> transferCurve (StripUnderTest& strip, double lowestDb);
+
+/** An empty chart for such curves. */
+Chart transferChart (const juce::String& heading, double lowestInDb, double lowestOutDb);
 
 } // namespace tarvik::plot

@@ -50,4 +50,6 @@ juce::String switchAt (const char* id, std::size_t position);
 /** What a switch shows in each of its positions. */
 juce::StringArray positionsOf (const char* id);
 
+inline std::size_t countOf (const juce::StringArray& positions) { return static_cast<std::size_t> (positions.size()); }
+
 } // namespace tarvik::plot
