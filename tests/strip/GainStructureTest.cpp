@@ -198,4 +198,34 @@ TEST (GainStructure, CalibrationCancelsAndASlotKeepsTheLiveSensitivity)
     EXPECT_EQ (strip->currentSnapshot().limiterSensitivity, 0) << "the other slot must not bring back an old one";
 }
 
+TEST (GainStructure, TheConsolesNoiseIsAddedBehindThePadAndInFrontOfTheFader)
+{
+    // Uniform within +-4e-5 in front of the fader, where full scale is at 8.7: -111.5 dBFS. Within +-6e-7 in front of
+    // the gain: 251 times that at +48 dB, 0.6 dB less through the saturation's filters. Both together: -100.2; the
+    // oversampling takes another 0.5 above 20 kHz.
+    const std::pair<PlainValues, double> cases[] = {
+        { {}, -111.5 },
+        { { { "inLevel", 20.0f }, { "pad", 1.0f }, { "outLevel", 3.0f } }, -108.5 },
+        { { { "level", -20.0f } }, -131.5 },
+        { { { "gain", 48.0f }, { "pad", 1.0f } }, -100.2 },
+        { { { "gain", 48.0f }, { "unity", 1.0f } }, -111.5 },
+    };
+
+    for (const auto factor : { 1, 2 })
+        for (const auto& [settings, expectedDbfs] : cases)
+        {
+            const auto strip = makeQuietStrip (factor);
+            setPlain (*strip, settings);
+            strip->prepareToPlay (sampleRate, 256);
+            const std::vector<Signal> silence { Signal (96000), Signal (96000) };
+            EXPECT_LT (rmsOfEnd (process (*strip, silence, 256)[0], 48000), 1e-9) << "it is off";
+
+            strip->analogSetting().setValue (true);
+            const auto noise = process (*strip, silence, 256);
+            EXPECT_NEAR (20.0 * std::log10 (rmsOfEnd (noise[0], 48000)), expectedDbfs, 0.6) << factor;
+            EXPECT_NEAR (20.0 * std::log10 (rmsOfEnd (noise[1], 48000)), expectedDbfs, 0.6) << factor;
+            EXPECT_NE (noise[0], noise[1]);
+        }
+}
+
 } // namespace tarvik
