@@ -4,7 +4,6 @@
 #include "dsp/AnalogBiquad.h"
 #include "dsp/BiquadCascade.h"
 #include "dsp/MZTiCoefs.h"
-#include "strip/HarmonicTable.h"
 
 #include <algorithm>
 #include <array>
@@ -54,6 +53,37 @@ private:
     double delayed = 0.0;
 };
 
+/** What was measured of a sine: its amplitude, and signed those of the harmonics, each at its number. */
+using MeasuredSine = std::array<double, 8>;
+
+/** At -2 dB and at each 4 dB below, from the levels as they were read off, in dB. */
+inline const std::array<MeasuredSine, 8> measuredSines = []
+{
+    constexpr double harmonicsDb[8][6] {
+        { -62.5, -71.3, -86.2, -82.3, -108.7, -85.2 },      { -71.6, -80.7, -101.1, -82.7, -110.5, -88.1 },
+        { -80.0, -87.1, -106.1, -84.5, -104.2, -95.6 },     { -88.1, -88.4, -106.2, -92.4, -112.7, -105.4 },
+        { -95.8, -97.6, -119.6, -107.3, -121.4, -115.2 },   { -104.0, -111.0, -124.0, -117.0, -130.1, -125.0 },
+        { -111.8, -120.8, -128.4, -126.7, -138.8, -134.8 }, { -120.0, -130.6, -132.8, -136.4, -147.5, -144.6 }
+    };
+    constexpr double signs[] { 1.0, -1.0, 1.0, 1.0, -1.0, -1.0 };
+    const auto gainOf = [] (double db) // with the six digits of the console's data
+    {
+        const auto gain = std::pow (10.0, db / 20.0), unit = std::pow (10.0, std::floor (std::log10 (gain)) - 5.0);
+        return std::round (gain / unit) * unit;
+    };
+    std::array<MeasuredSine, 8> sines {};
+
+    for (std::size_t row = 0; row < sines.size(); ++row)
+    {
+        sines[row][1] = gainOf (-2.0 - 4.0 * static_cast<double> (row));
+
+        for (std::size_t h = 0; h < std::size (signs); ++h)
+            sines[row][h + 2] = signs[h] * gainOf (harmonicsDb[row][h]);
+    }
+
+    return sines;
+}();
+
 class PlainShaper
 {
 public:
@@ -68,17 +98,12 @@ public:
         const auto row = static_cast<std::size_t> (std::floor (position));
         const auto f = position - std::floor (position);
 
-        const auto lerp = [f] (float upper, float lower)
-        { return (1.0 - f) * static_cast<double> (upper) + f * static_cast<double> (lower); };
+        MeasuredSine h {};
 
-        const auto& [upperA, upper] = HarmonicTable::rows[row];
-        const auto& [lowerA, lower] = HarmonicTable::rows[row + 1];
-        const auto A = lerp (upperA, lowerA);
-        std::array<double, 8> h {};
+        for (std::size_t k = 1; k < h.size(); ++k)
+            h[k] = (1.0 - f) * measuredSines[row][k] + f * measuredSines[row + 1][k];
 
-        for (std::size_t k = 2; k < h.size(); ++k)
-            h[k] = lerp (upper[k - 2], lower[k - 2]);
-
+        const auto A = h[1];
         const std::array<double, 8> c { h[4] - h[2] - h[6],
                                         A - 3 * h[3] + 5 * h[5] - 7 * h[7],
                                         2 * h[2] - 8 * h[4] + 18 * h[6],
