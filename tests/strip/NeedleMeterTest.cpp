@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "strip/NeedleMeter.h"
 
+#include "dsp/AnalogBiquad.h"
+#include "dsp/BiquadCascade.h"
+#include "dsp/MZTiCoefs.h"
 #include "strip/ParameterSnapshot.h"
 #include "tests/support/Signals.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <numbers>
 
 namespace tarvik
 {
@@ -89,6 +93,32 @@ TEST (NeedleMeter, TwoChannelsShowTheMagnitudeOfTheirMeanAndBadSamplesAreForgott
         spoilt[100] = bad;
         gap[100] = 0.0f;
         EXPECT_FLOAT_EQ (read (spoilt, up), read (gap, gap)) << "a bad sample counts as silence";
+    }
+}
+
+TEST (NeedleMeter, ItsFilterGivesThePlainOnesValuesHoweverLongTheRows)
+{
+    for (const auto rateHz : { 44100.0, 192000.0 })
+    {
+        const auto plain =
+            AnalogBiquad::make (AnalogBiquad::Type::lowPass, 0.615, 1.0, 1.0, 2.0 * std::numbers::pi * 2.15);
+        MZTiCoefs<double, 2, 2> design;
+        design.numerator = plain.numerator;
+        design.denominator = plain.denominator;
+        design.sampleRate = rateHz;
+        design.design();
+        BiquadCascade cascade;
+        cascade.setTaps (design.taps);
+        NeedleFilter filter;
+        filter.prepare (rateHz);
+
+        for (int n = 1; n <= 300; ++n)
+        {
+            auto row = test::noise (n, static_cast<std::size_t> (n));
+            const auto fast = filter.process (row.data(), n);
+            cascade.processPlain (row.data(), n);
+            ASSERT_NEAR (fast, row.back(), 1e-6f) << n << " at " << rateHz;
+        }
     }
 }
 } // namespace tarvik
