@@ -19,6 +19,20 @@ namespace tarvik
     charge and gives it back later: with "AUTO" release R2 is small, so a long loud passage fills C2 and recovery takes
     longer than after a short peak.
 
+    One sample, with A of the amplifier, D = Rl / (Rl + Ra), and dt the time step:
+
+        rectified  r = |gain x level| x threshold's scale x 11.8
+        memory     p = max (p + min (r - 0.5 - p, 230 / rate), p exp (-1 / (0.264 rate)))
+        amplifier  s = (p + r - 1.5) A + bias - 0.6
+        target     t = (0.25 / (|2 s| + 1) + max (s, 0)) D
+        opening    f = exp (-1 / (t - c)), 0 unless t > c
+        share      k = (1 - f) (1 - exp (-dt / (Rl C1))) + f (1 - exp (-dt / (Ra C1)))
+        charge     c = min (c + k (t - c), ceiling)
+        current    i = (c - b) / R2, then with its last value i':
+        exchange   c = c - (i + i') dt / (2 C1),  b = b + (i + i') dt / (2 C2)
+
+    where c and b are the voltages on C1 and C2. `step` says the same in an order in which less waits for the gain.
+
     The network's time step is that of 44.1 kHz at every sample rate, so its times shrink in proportion at higher ones;
     the peak memory keeps its seconds. One object serves all channels, the state of each is kept outside. Audio thread.
 */
