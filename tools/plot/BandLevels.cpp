@@ -46,7 +46,9 @@ void BandLevels::add (const float* samples, int numSamples)
 
     for (int i = 0; i < numSamples; ++i)
     {
-        piece[length - hop + numPending] = std::isfinite (samples[i]) ? samples[i] : 0.0f;
+        constexpr float highest = 1e6f; // whose powers still fit
+        piece[length - hop + numPending] =
+            std::isfinite (samples[i]) ? std::clamp (samples[i], -highest, highest) : 0.0f;
 
         if (++numPending == hop)
             addPiece();

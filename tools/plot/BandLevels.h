@@ -14,14 +14,15 @@ namespace tarvik::plot
     from 25 Hz up to 20 kHz or what half the rate has room for.
 
     Spectra of overlapping pieces under a Hann window are summed up, in which every sample counts alike, the first and
-    the last too: what the bands add up to is the power of the whole.
+    the last too: what the bands add up to is the power between the lowest and the highest edge.
 */
 class BandLevels
 {
 public:
     explicit BandLevels (double sampleRate);
 
-    /** Takes the next samples of the channel. */
+    /** Takes the next samples of the channel. What is no finite number counts as silence, and what is more than 120 dB
+        above full scale as that. */
     void add (const float* samples, int numSamples);
 
     /** What has been added is all there is. */

@@ -70,6 +70,28 @@ struct PlotArea
                  box.bottom() - chart.y.positionOf (point.y) * box.height };
     }
 
+    /** Points that follow each other without a gap. */
+    std::vector<std::vector<Pixel>> piecesOf (const std::vector<Point>& points) const
+    {
+        std::vector<std::vector<Pixel>> pieces;
+        bool goesOn = false;
+
+        for (const auto& point : points)
+        {
+            const auto isGap = ! std::isfinite (point.x) || ! std::isfinite (point.y);
+
+            if (! isGap && ! goesOn)
+                pieces.emplace_back();
+
+            if (! isGap)
+                pieces.back().push_back (at (point));
+
+            goesOn = ! isGap;
+        }
+
+        return pieces;
+    }
+
     void drawGrid (SvgCanvas& canvas) const
     {
         const TextStyle below { smallText, axisTextColour, Anchor::middle };
@@ -103,19 +125,12 @@ struct PlotArea
         canvas.beginClip (box);
 
         for (const auto& curve : chart.curves)
-        {
-            std::vector<Pixel> pixels;
-
-            for (const auto& point : curve.points)
-                if (std::isfinite (point.x) && std::isfinite (point.y))
-                    pixels.push_back (at (point));
-
-            if (curve.isDots)
-                for (const auto& pixel : pixels)
-                    canvas.dot (pixel, dotRadius, curve.colour);
-            else
-                canvas.polyline (pixels, { curve.colour, curve.width, curve.isDashed });
-        }
+            for (const auto& piece : piecesOf (curve.points))
+                if (curve.isDots || piece.size() == 1)
+                    for (const auto& pixel : piece)
+                        canvas.dot (pixel, dotRadius, curve.colour);
+                else
+                    canvas.polyline (piece, { curve.colour, curve.width, curve.isDashed });
 
         canvas.endClip();
 

@@ -14,8 +14,8 @@ struct Point
 
 struct Curve
 {
-    juce::String label; ///< For the legend; empty for none.
-    std::vector<Point> points;
+    juce::String label;        ///< For the legend; empty for none.
+    std::vector<Point> points; ///< Where one is no finite number the line has a gap.
     juce::String colour;
     bool isDashed = false;
     bool isDots = false; ///< Single values instead of a line.
