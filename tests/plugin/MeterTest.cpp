@@ -37,7 +37,8 @@ TEST (Meters, GainReductionIsWhatTheToneLoses)
     for (const auto ratio : { 1.0f, 3.0f, 5.0f })
         for (const auto levelDb : { -30.0, -18.0, -6.0 })
         {
-            const auto strip = makeNoiselessStrip();
+            const auto strip = makeStripFor (juce::AudioProcessor::wrapperType_AAX); // has it as a parameter too
+            strip->analogSetting().setValue (false);
             setPlain (*strip, { { "equalizer", 0.0f },
                                 { "compThreshold", -20.0f },
                                 { "compRatio", ratio },
@@ -47,6 +48,7 @@ TEST (Meters, GainReductionIsWhatTheToneLoses)
 
             const auto compressed = process (*strip, { tone, tone }, 512);
             const float reading = strip->currentSnapshot().gainReductionDb;
+            EXPECT_FLOAT_EQ (parameter (*strip, "gainReduction").getValue(), 1.0f - std::pow (10.0f, reading / 20.0f));
             setPlain (*strip, "compIn", 0.0f);
             const auto untouched = process (*strip, { tone, tone }, 512);
             const auto lossDb = [&] (std::size_t side)
