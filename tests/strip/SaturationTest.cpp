@@ -182,6 +182,7 @@ TEST (Saturation, EveryInstructionSetAgreesWithThePlainForm)
             auto moving = cosine (0.4841886, 0.001, n);
             std::for_each (moving.begin(), moving.end(), [] (float& scale) { scale += 0.5158114f; });
 
+            // Bounds in samples, of which 8.7 are full scale: 32 bits hold these levels to a few times 1e-7.
             for (const auto& scales : { moving, Row (n, 1.0f) })
                 for (const auto& [level, bound] :
                      { std::pair (1.0, 1e-6f), std::pair (9.0, 2e-6f), std::pair (hot, 5e-6f) })
