@@ -360,6 +360,52 @@ TEST_F (ModuleDoor, LengthsThatLieAndStatesInPieces)
         }
 }
 
+/** A host may set anything between two steps. What it shows of a parameter is what it reads back, at once and after the
+    project was opened again.
+*/
+TEST_F (ModuleDoor, WhatAHostReadsIsWhatTheStripHoldsBeforeAndAfterALoad)
+{
+    constexpr unsigned seed = 7;
+    std::mt19937 random (seed);
+    const auto count = controller->getParameterCount() - 1; // the last one, "Program", is not in the state
+    const auto infoOf = [&] (int32 index)
+    {
+        Vst::ParameterInfo info;
+        controller->getParameterInfo (index, info);
+        return info;
+    };
+    const auto setAll = [&]
+    {
+        for (int32 i = 0; i < count; ++i)
+            controller->setParamNormalized (infoOf (i).id, static_cast<double> (random() % 1001) / 1000.0);
+    };
+
+    for (int round = 0; round < 10; ++round)
+    {
+        setAll();
+        std::vector<double> read;
+
+        for (int32 i = 0; i < count; ++i)
+        {
+            const auto [id, steps] = std::pair (infoOf (i).id, infoOf (i).stepCount);
+            read.push_back (controller->getParamNormalized (id));
+
+            if (steps > 0)
+            {
+                EXPECT_NEAR (read.back() * steps, std::round (read.back() * steps), 1e-6) << i;
+            }
+        }
+
+        const auto project = kept();
+        setAll();
+        load (project);
+
+        for (int32 i = 0; i < count; ++i)
+            EXPECT_NEAR (controller->getParamNormalized (infoOf (i).id), read[static_cast<std::size_t> (i)], 0.017)
+                << i << ": a 32nd of a travel at most, for the channel number, which shows no steps";
+    }
+}
+
 TEST (StateText, GivesItsBytesWhateverIsAroundThem)
 {
     juce::MemoryBlock read;
