@@ -43,13 +43,36 @@ configure()
     cmake --preset "$1" >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
 }
 
-# Builds a preset, or just the targets behind it; prints what the compiler says only if it fails.
+# Builds a preset, or just the targets behind it; prints how far it is, and what the compiler says only if it fails.
 build()
 {
-    local preset=$1
+    local preset=$1 status=0
     shift
-    echo "Building ($preset) ..."
-    cmake --build --preset "$preset" ${1:+--target "$@"} >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
+    NINJA_STATUS='[%f/%t] ' cmake --build --preset "$preset" ${1:+--target "$@"} 2>&1 | tee "$log" |
+        show_progress "Building ($preset) ..." || status=$?
+    [ $status -eq 0 ] || { sed '/^\[[0-9]*\/[0-9]*\] /d' "$log" >&2; exit $status; }
+}
+
+# Reads what ninja prints and shows its counter: on a terminal in one line that renews itself, else in a line every tenth.
+show_progress()
+{
+    local title=$1 line tenths=0
+
+    if [ -t 1 ]; then printf '%s' "$title"; else echo "$title"; fi
+
+    while IFS= read -r line; do
+        [[ $line =~ ^\[([1-9][0-9]*)/([0-9]+)\]\  ]] || continue
+        set -- "${BASH_REMATCH[@]:1}"
+
+        if [ -t 1 ]; then
+            printf '\r%s %-12s' "$title" "$1 of $2"
+        elif [ $(($1 * 10 / $2)) -gt $tenths ]; then
+            tenths=$(($1 * 10 / $2))
+            echo "    $1 of $2"
+        fi
+    done
+
+    [ ! -t 1 ] || echo
 }
 
 log=$(mktemp)
