@@ -3,12 +3,13 @@
 # programs than ours use what is there: check-install.sh BUILD [PACKAGE]. Prints what went wrong; needs the packages that
 # ./test installs.
 set -euo pipefail
+. "$(dirname "$(readlink -f "$0")")/../scripts/common.sh"
 
 build=$(readlink -f "$1")
 package=${2:-}
 uri=$(sed -n 's/^TARVIK_LV2_URI:STRING=//p' "$build/CMakeCache.txt")
 scratch=$(mktemp -d)
-trap 'kill $(jobs -p) 2>/dev/null || true; rm -rf "$scratch"' EXIT
+leftovers+=("$scratch")
 export HOME=$scratch/home XDG_CONFIG_HOME=$scratch/config
 mkdir "$HOME"
 
@@ -86,10 +87,7 @@ DISPLAY=none timeout 20 "$other/bin/tarvik41-channel" >"$scratch/log" 2>"$scratc
 
 # The program opens its window, keeps it, and goes when it is asked to.
 echo 'pcm.!default { type null }' >"$HOME/.asoundrc"
-Xvfb -displayfd 5 -screen 0 1280x1024x24 -nolisten tcp 5>"$scratch/display" 2>/dev/null &
-for _ in {1..100}; do [ -s "$scratch/display" ] && break; sleep 0.1; done
-DISPLAY=:$(cat "$scratch/display")
-export DISPLAY
+open_screen
 "$other/bin/tarvik41-channel" >"$scratch/log" 2>&1 &
 program=$!
 for _ in {1..150}; do xdotool search --name "Tarvik 41 Channel" >/dev/null 2>&1 && break; sleep 0.1; done
