@@ -60,6 +60,7 @@ juce::String parameterRecord (int index)
     juce::StringArray lines;
     lines.add (juce::String ("plug:") + row.id);
     lines.add ("\ta lv2:Parameter ;");
+    lines.add (juce::String ("\tlv2:symbol \"") + row.id + "\" ;");
     lines.add (juce::String ("\trdfs:label \"") + row.name + "\" ;");
     lines.add ("\trdfs:range " + valueType (row) + " ;");
     lines.add ("\tlv2:default " + juce::String (parameter->convertFrom0to1 (parameter->getDefaultValue())) + " ;");
@@ -72,7 +73,7 @@ juce::String parameterRecord (int index)
     // Hosts on JUCE show a choice's names only where it has a property that the vocabulary keeps for ports: so a choice is
     // described as a port as well. It does not become one of the plug-in's, which are those that the plug-in lists.
     if (! row.choices.empty())
-        lines.add (juce::String ("\ta lv2:Port ;\n\tlv2:symbol \"") + row.id + "\" ;\n\tlv2:name \"" + row.name
+        lines.add (juce::String ("\ta lv2:Port ;\n\tlv2:name \"") + row.name
                    + "\" ;\n\tlv2:portProperty lv2:enumeration ;");
 
     for (std::size_t i = 0; i < row.choices.size(); ++i)
