@@ -5,8 +5,8 @@ build_packages="g++ cmake ninja-build pkg-config juce-modules-source libhwy-dev 
     libgfortran-12-dev libflac-dev libvorbis-dev libogg-dev libjack-jackd2-dev"
 
 # What the tests are built from and call.
-test_packages="libgtest-dev libgmock-dev libbenchmark-dev clang-format ngspice binutils lilv-utils sordi lv2-dev xvfb xdotool
-    python3-cairo python3-numpy python3-pil fontconfig fonts-texgyre"
+test_packages="libgtest-dev libgmock-dev libbenchmark-dev clang-format ngspice binutils lilv-utils sordi lv2-dev xvfb openbox
+    xdotool python3-cairo python3-numpy python3-pil fontconfig fonts-texgyre"
 
 # Installs those Debian packages of the arguments that are missing; says what to type where that takes another user.
 ensure_packages()
