@@ -2,7 +2,7 @@
 
 # What the module and the offline host are built from.
 build_packages="g++ cmake ninja-build pkg-config juce-modules-source libhwy-dev libarmadillo-dev liblapack-dev libblas-dev
-    libgfortran-12-dev libflac-dev libvorbis-dev libogg-dev libjack-jackd2-dev"
+    libgfortran-12-dev libexpat1-dev libflac-dev libvorbis-dev libogg-dev libjack-jackd2-dev"
 
 # What the tests are built from and call.
 test_packages="libgtest-dev libgmock-dev libbenchmark-dev clang-format ngspice binutils lilv-utils sordi lv2-dev xvfb openbox
