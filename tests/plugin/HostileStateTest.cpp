@@ -84,26 +84,6 @@ std::size_t peakMemory()
 }
 } // namespace
 
-TEST_F (HostileState, TruncatedAnywhereOrWithAnyByteFlipped)
-{
-    for (std::size_t length = 0; length < good.getSize(); ++length)
-    {
-        // Memory of its own, so that a read beyond the end is seen by the AddressSanitizer.
-        expectSurvival ({ good.getData(), length }, "truncated", length);
-        expectSurvival (blockOfText (textOf (good).substr (0, length)), "cut text", length);
-    }
-
-    load (*strip, good);
-
-    for (std::size_t at = 0; at < good.getSize(); ++at)
-        for (const auto bits : { 0x01, 0x80, 0xff })
-        {
-            auto flipped = good;
-            flipped[at] = static_cast<char> (flipped[at] ^ bits);
-            expectSurvival (flipped, "flipped", at);
-        }
-}
-
 TEST_F (HostileState, DamagedAndForeignBlocksChangeNothing)
 {
     const std::string text (textOf (good));
