@@ -204,6 +204,15 @@ protected:
             std::this_thread::yield();
 
         EXPECT_TRUE (isFinite);
+
+        for (int32 i = 0; i < controller->getParameterCount(); ++i)
+        {
+            Vst::ParameterInfo info;
+            controller->getParameterInfo (i, info);
+            const auto position = controller->getParamNormalized (info.id);
+            EXPECT_TRUE (position >= 0.0 && position <= 1.0) << i;
+        }
+
         return kept();
     }
 
@@ -273,12 +282,11 @@ std::string damaged (std::string state, std::size_t number)
     return state + end;
 }
 
-/** Which of them to try: those around the document, and as many within it as there is time for; all, or a single one,
-    with "all" or its number in TARVIK_DAMAGE of the environment.
+/** Which of them to try: all around the document, one bit of each byte within it, the rest; all, or a single one, with
+    "all" or its number in TARVIK_DAMAGE of the environment.
 */
 std::vector<std::size_t> damagesToTry (const std::string& good)
 {
-    constexpr std::size_t stride = 61;
     const auto* const wish = std::getenv ("TARVIK_DAMAGE");
     const auto wantsAll = wish != nullptr && wish == std::string_view ("all");
 
@@ -289,10 +297,9 @@ std::vector<std::size_t> damagesToTry (const std::string& good)
 
     for (std::size_t n = 0; n < numDamages (good); ++n)
     {
-        const auto isFlip = n < good.size() * 8;
-        const auto at = isFlip ? n / 8 : n - good.size() * 8;
+        const auto byte = n / 8;
 
-        if (wantsAll || at < header || at >= good.size() - tail - 1 || n % stride == 0)
+        if (wantsAll || byte < header || byte >= good.size() - tail - 1 || n % 8 == byte % 8)
             numbers.push_back (n);
     }
 
@@ -322,7 +329,7 @@ TEST_F (ModuleDoor, DamagedStatesWhileItPlays)
         {
             ASSERT_EQ (left.substr (0, left.size() - tail), document);
         }
-        else if (bad == good.substr (0, bad.size()) && bad.size() < document.size() - 100)
+        else if (bad == good.substr (0, bad.size()))
         {
             ASSERT_EQ (left, next) << "cut short, it is none";
         }

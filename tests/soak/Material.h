@@ -56,9 +56,9 @@ inline juce::MemoryBlock randomState (juce::Random& random)
     set (root, "LimiterSensitivity", random.nextInt (3));
     set (root, "MeterMode", random.nextInt (2));
 
-    for (const auto* const slot : stateSchema::slotTags)
+    for (const auto* const tag : stateSchema::slotTags)
     {
-        auto& values = *root.createNewChildElement (slot);
+        auto& values = *root.createNewChildElement (tag);
 
         for (const auto& row : parameterTable())
             set (values, row.id, static_cast<double> (row.start + (row.end - row.start) * randomTravel (random)));
