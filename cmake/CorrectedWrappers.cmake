@@ -46,13 +46,15 @@ function (tarvik_build_from_copies format)
     target_include_directories (juce_audio_plugin_client_${format} INTERFACE ${juce_client_folder}/${format})
 endfunction()
 
-# The bypass switch behind our own bytes is read only where all of it is in order; and a host's stream may give the state
-# in pieces.
+# The bypass switch behind our own bytes is read only where all of it is in order; a host's stream may give the state in
+# pieces; and a host that sets a parameter with steps to anything between two of them reads the step back.
 tarvik_take_over (VST3/juce_VST3_Wrapper.cpp plugin/PrivateState.h
                   "if (magic == kJucePrivateDataIdentifier)"
                   "if (tarvik::endsInPrivateState (data, sizeAsInt))"
                   "state->read (block.getData(), static_cast<int32> (block.getSize()), &bytesRead)"
-                  "state->read (addBytesToPointer (block.getData(), len), static_cast<int32> (block.getSize()) - len, &bytesRead)")
+                  "state->read (addBytesToPointer (block.getData(), len), static_cast<int32> (block.getSize()) - len, &bytesRead)"
+                  "v = jlimit (0.0, 1.0, v)"
+                  "v = info.stepCount > 0 ? std::floor (jlimit (0.0, 1.0, v) * info.stepCount + 0.5) / info.stepCount : jlimit (0.0, 1.0, v)")
 tarvik_build_from_copies (VST3)
 
 # The number of bytes in front of the text is not believed.

@@ -138,6 +138,15 @@ protected:
             std::this_thread::yield();
 
         EXPECT_TRUE (isFinite);
+
+        for (int32 i = 0; i < controller->getParameterCount(); ++i)
+        {
+            Vst::ParameterInfo info;
+            controller->getParameterInfo (i, info);
+            const auto position = controller->getParamNormalized (info.id);
+            EXPECT_TRUE (position >= 0.0 && position <= 1.0) << i;
+        }
+
         return kept();
     }
 
@@ -207,12 +216,11 @@ std::string damaged (std::string state, std::size_t number)
     return state + end;
 }
 
-/** Which of them to try: those around the document, and as many within it as there is time for; all, or a single one,
-    with "all" or its number in TARVIK_DAMAGE of the environment.
+/** Which of them to try: all around the document, one bit of each byte within it, the rest; all, or a single one, with
+    "all" or its number in TARVIK_DAMAGE of the environment.
 */
 std::vector<std::size_t> damagesToTry (const std::string& good)
 {
-    constexpr std::size_t stride = 61;
     const auto* const wish = std::getenv ("TARVIK_DAMAGE");
     const auto wantsAll = wish != nullptr && wish == std::string_view ("all");
 
@@ -223,10 +231,9 @@ std::vector<std::size_t> damagesToTry (const std::string& good)
 
     for (std::size_t n = 0; n < numDamages (good); ++n)
     {
-        const auto isFlip = n < good.size() * 8;
-        const auto at = isFlip ? n / 8 : n - good.size() * 8;
+        const auto byte = n / 8;
 
-        if (wantsAll || at < header || at >= good.size() - tail - 1 || n % stride == 0)
+        if (wantsAll || byte < header || byte >= good.size() - tail - 1 || n % 8 == byte % 8)
             numbers.push_back (n);
     }
 
@@ -256,7 +263,7 @@ TEST_F (ModuleDoor, DamagedStatesWhileItPlays)
         {
             ASSERT_EQ (left.substr (0, left.size() - tail), document);
         }
-        else if (bad == good.substr (0, bad.size()) && bad.size() < document.size() - 100)
+        else if (bad == good.substr (0, bad.size()))
         {
             ASSERT_EQ (left, next) << "cut short, it is none";
         }
@@ -292,6 +299,52 @@ TEST_F (ModuleDoor, LengthsThatLieAndStatesInPieces)
             load (project, piece);
             EXPECT_EQ (kept(), project) << "in pieces of " << piece << " bytes";
         }
+}
+
+/** A host may set anything between two steps. What it shows of a parameter is what it reads back, at once and after the
+    project was opened again.
+*/
+TEST_F (ModuleDoor, WhatAHostReadsIsWhatTheStripHoldsBeforeAndAfterALoad)
+{
+    constexpr unsigned seed = 7;
+    std::mt19937 random (seed);
+    const auto count = controller->getParameterCount() - 1; // the last one, "Program", is not in the state
+    const auto infoOf = [&] (int32 index)
+    {
+        Vst::ParameterInfo info;
+        controller->getParameterInfo (index, info);
+        return info;
+    };
+    const auto setAll = [&]
+    {
+        for (int32 i = 0; i < count; ++i)
+            controller->setParamNormalized (infoOf (i).id, static_cast<double> (random() % 1001) / 1000.0);
+    };
+
+    for (int round = 0; round < 10; ++round)
+    {
+        setAll();
+        std::vector<double> read;
+
+        for (int32 i = 0; i < count; ++i)
+        {
+            const auto [id, steps] = std::pair (infoOf (i).id, infoOf (i).stepCount);
+            read.push_back (controller->getParamNormalized (id));
+
+            if (steps > 0)
+            {
+                EXPECT_NEAR (read.back() * steps, std::round (read.back() * steps), 1e-6) << i;
+            }
+        }
+
+        const auto project = kept();
+        setAll();
+        load (project);
+
+        for (int32 i = 0; i < count; ++i)
+            EXPECT_NEAR (controller->getParamNormalized (infoOf (i).id), read[static_cast<std::size_t> (i)], 0.017)
+                << i << ": a 32nd of a travel at most, for the channel number, which shows no steps";
+    }
 }
 
 TEST (StateText, GivesItsBytesWhateverIsAroundThem)

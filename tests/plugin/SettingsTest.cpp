@@ -73,20 +73,29 @@ TEST_F (Settings, CalibrationReachesBothSlotsAndNonsenseLeavesTheGain)
     }
 }
 
-TEST_F (Settings, AnyCalibrationOfADamagedProjectLeavesTheAudioFinite)
+TEST_F (Settings, AnyCalibrationOfADamagedProjectLeavesTheAudioFiniteAndNothingBehind)
 {
-    const auto strip = makeNoiselessStrip();
-    setPlain (*strip, { { "gain", 48.0f }, { "thd", 30.0f }, { "lowGain", 1.0f }, { "expMode", 2.0f } });
-    strip->prepareToPlay (48000.0, 256);
+    const auto worn = makeNoiselessStrip(), fresh = makeNoiselessStrip();
 
-    for (const auto db : { -99.9, 100.0, 300.0, 700.0, 769.0 })
+    for (auto* const strip : { worn.get(), fresh.get() })
     {
-        strip->calibrationSetting().setValue (db);
+        setPlain (*strip, { { "gain", 12.0f }, { "thd", 6.0f }, { "lowFreq", 2.0f }, { "lowGain", 1.0f } });
+        strip->prepareToPlay (48000.0, 256);
+    }
 
-        for (const auto& channel : process (*strip, { noise (4800, 1, 100.0f), noise (4800, 2) }, 256))
+    for (const auto db : { -99.9, 100.0, 300.0, 700.0, 769.0, 18.0 })
+    {
+        worn->calibrationSetting().setValue (db);
+
+        for (const auto& channel : process (*worn, { noise (4800, 1, 100.0f), noise (4800, 2) }, 256))
             EXPECT_TRUE (std::all_of (channel.begin(), channel.end(), [] (float x) { return std::isfinite (x); }))
                 << db;
     }
+
+    const auto programme = noise (48000, 3, 0.03f);
+    const auto heard = process (*worn, { programme, programme }, 256),
+               usual = process (*fresh, { programme, programme }, 256);
+    EXPECT_NEAR (rmsOfEnd (heard[0], 24000) / rmsOfEnd (usual[0], 24000), 1.0, 0.05);
 }
 
 TEST_F (Settings, BroadcastsReachEveryInstanceAndTheirTypesAreKept)
