@@ -45,6 +45,9 @@ protected:
 
         Vst::ProcessSetup setup { Vst::kRealtime, Vst::kSample32, blockLength, 48000.0 };
         processor->setupProcessing (setup);
+        component->activateBus (Vst::kAudio, Vst::kInput, 0, true);
+        component->activateBus (Vst::kAudio, Vst::kInput, 1, true);
+        component->activateBus (Vst::kAudio, Vst::kOutput, 0, true);
         component->setActive (true);
         processor->setProcessing (true);
         audio = std::thread ([this] { play(); });
@@ -99,6 +102,7 @@ protected:
         {
             processor->process (data);
             isFinite = isFinite && allFinite (samples);
+            isHeard = isHeard || std::abs (samples[0]) > 0.001f;
             ++blocks;
         }
     }
@@ -163,7 +167,7 @@ protected:
         query<Vst::IConnectionPoint> (*controller, INLINE_UID_OF (Vst::IConnectionPoint));
     const Held<Vst::IAudioProcessor> processor =
         query<Vst::IAudioProcessor> (*component, INLINE_UID_OF (Vst::IAudioProcessor));
-    std::atomic<bool> isPlaying { true }, isFinite { true };
+    std::atomic<bool> isPlaying { true }, isFinite { true }, isHeard { false };
     std::atomic<int> blocks { 0 };
     std::thread audio;
     std::string projects[2];
@@ -270,6 +274,8 @@ TEST_F (ModuleDoor, DamagedStatesWhileItPlays)
 
         ASSERT_EQ (keptAfter (next), next);
     }
+
+    EXPECT_TRUE (isHeard);
 
     if (numbers.size() == numDamages (good))
         std::cout << numbers.size() << " damages to " << good.size() << " bytes, " << blocks
