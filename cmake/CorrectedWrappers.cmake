@@ -13,7 +13,7 @@ function (tarvik_take_over file)
 
     if (ARGN)
         list (POP_FRONT ARGN header)
-        string (PREPEND code "#include \"${header}\"\n")
+        string (PREPEND code "// Changed: see cmake/CorrectedWrappers.cmake of Tarvik 41 Channel.\n#include \"${header}\"\n")
     endif()
 
     while (ARGN)
@@ -40,21 +40,27 @@ function (tarvik_build_from_copies format)
     set (source juce_audio_plugin_client_${format}.cpp)
     tarvik_take_over (${source})
     get_target_property (sources juce_audio_plugin_client_${format} INTERFACE_SOURCES)
+    set (whole ${sources})
     list (REMOVE_ITEM sources ${juce_client_folder}/${source})
+
+    if (sources STREQUAL whole)
+        message (FATAL_ERROR "JUCE no longer builds its ${format} wrapper from ${source}: see cmake/CorrectedWrappers.cmake.")
+    endif()
+
     list (APPEND sources ${corrected_folder}/${source})
     set_target_properties (juce_audio_plugin_client_${format} PROPERTIES INTERFACE_SOURCES "${sources}")
     target_include_directories (juce_audio_plugin_client_${format} INTERFACE ${juce_client_folder}/${format})
 endfunction()
 
-# The bypass switch behind our own bytes is read only where all of it is in order; a host's stream may give the state in
+# The bypass switch after our own bytes is read only where all of it is in order; a host's stream may give the state in
 # pieces; and a host that sets a parameter with steps to anything between two of them reads the step back.
-tarvik_take_over (VST3/juce_VST3_Wrapper.cpp plugin/PrivateState.h
+tarvik_take_over (VST3/juce_VST3_Wrapper.cpp plugin/Vst3Corrections.h
                   "if (magic == kJucePrivateDataIdentifier)"
                   "if (tarvik::endsInPrivateState (data, sizeAsInt))"
                   "state->read (block.getData(), static_cast<int32> (block.getSize()), &bytesRead)"
                   "state->read (addBytesToPointer (block.getData(), len), static_cast<int32> (block.getSize()) - len, &bytesRead)"
                   "v = jlimit (0.0, 1.0, v)"
-                  "v = info.stepCount > 0 ? std::floor (jlimit (0.0, 1.0, v) * info.stepCount + 0.5) / info.stepCount : jlimit (0.0, 1.0, v)")
+                  "v = tarvik::heldValue (v, info.stepCount, valueNormalized)")
 tarvik_build_from_copies (VST3)
 
 # The number of bytes in front of the text is not believed.

@@ -1,4 +1,5 @@
-# Sourced by ./run and ./test: what both need before they can begin. Expects the project's root as the current folder.
+# Sourced by ./run, ./test and the scripts: what they need before they can begin. `configure` and `build` expect the project's
+# root as the current folder.
 
 # What the module and the offline host are built from.
 build_packages="g++ cmake ninja-build pkg-config juce-modules-source libhwy-dev libarmadillo-dev liblapack-dev libblas-dev

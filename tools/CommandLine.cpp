@@ -59,7 +59,7 @@ int wholeNumber (const juce::String& option, const juce::String& text, int lowes
     return value;
 }
 
-constexpr int smallestZoomPercent = 80, largestZoomPercent = 150;
+constexpr int smallestZoomPercent = 80, largestZoomPercent = 150; // what the window can be drawn at
 
 /** Takes the values of the options that have one. */
 class OptionReader

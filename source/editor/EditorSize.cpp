@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/EditorSize.h"
 
+#include "plugin/EditorInterface.h"
+
 #include <cmath>
 
 namespace tarvik::editorSize
@@ -9,14 +11,14 @@ namespace tarvik::editorSize
 namespace
 {
 constexpr double shareOfDisplay = 0.9;
-constexpr double wholeHeight = 740.66669;                ///< At a zoom of 1, with the frame.
-constexpr float smallestZoom = 0.8f, largestZoom = 1.5f; ///< What the menu offers, and the pictures are drawn for.
+constexpr double wholeHeight = 740.66669; ///< At a zoom of 1, with the frame.
 constexpr float smallestOnTinyDisplay = 0.1f;
 
 /** A zoom setting may come from a damaged project. */
 float usableZoom (double setting)
 {
-    return std::isfinite (setting) ? juce::jlimit (smallestZoom, largestZoom, static_cast<float> (setting)) : 1.0f;
+    const auto usable = juce::jlimit (ZoomableEditor::lowestZoom, ZoomableEditor::highestZoom, setting);
+    return std::isfinite (setting) ? static_cast<float> (usable) : 1.0f;
 }
 
 float largestZoomOn (juce::Rectangle<int> display)

@@ -20,6 +20,9 @@ juce::AudioProcessorEditor* createStripEditor (KVLProcessor& processor);
 class ZoomableEditor
 {
 public:
+    /** What a window can be drawn at, as a share of its own size. */
+    static constexpr double lowestZoom = 0.8, highestZoom = 1.5;
+
     virtual ~ZoomableEditor() = default;
 
     /** The zoom setting has changed: take it up a little later, on the message thread. Any thread but the audio thread.

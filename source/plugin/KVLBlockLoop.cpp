@@ -15,7 +15,7 @@ namespace
 constexpr float highestSample = 1000.0f;
 
 /** A damaged project may calibrate the strip to any gain. What that makes of samples is held where every stage can
-    still calculate; up to 100 dB of calibration nothing reaches it.
+    still calculate; up to a gain of 100 dB nothing is held.
 */
 constexpr double highestPlainCalibration = 1.0e5;
 constexpr float highestScaledSample = 1.0e8f;

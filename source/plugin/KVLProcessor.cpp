@@ -21,8 +21,8 @@ KVLProcessor::KVLProcessor() : AudioProcessor (makeBuses())
     recordProduct();
 
     settingsFile.setStorageParameters (settingsFileOptions());
+    setLatencySamples (latencyInUse);
     makeSettings();
-    oversamplingChanged();
 
     setReadyForBroadcasts (false); // until the concrete strip is complete
     InstanceBroadcaster::get().addListener (*this);

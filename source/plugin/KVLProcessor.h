@@ -226,8 +226,7 @@ private:
     static BusesProperties makeBuses();
     void makeSettings();
     void calibrationChanged (double decibels);
-    void oversamplingChanged();
-    void reportLatency();
+    void oversamplingChanged (int setting);
     void zoomChanged();
     void tellEditorOfZoom();
 
@@ -266,8 +265,7 @@ private:
     };
 
     std::atomic<bool> ignoreParameterChanges { false };
-    UpdateGate updateGate;  ///< For `updateDsp`.
-    UpdateGate latencyGate; ///< For `reportLatency`.
+    UpdateGate updateGate;
 
     /** Held while the strip is rebuilt or freed, since a host's thread and the message thread may both want to. Comes
         before JUCE's callback lock, and never on the audio thread.

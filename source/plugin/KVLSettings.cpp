@@ -2,6 +2,7 @@
 #include "dsp/Decibels.h"
 #include "plugin/EditorInterface.h"
 #include "plugin/KVLProcessor.h"
+#include "plugin/StateSchema.h"
 
 #include <algorithm>
 #include <array>
@@ -21,26 +22,24 @@ constexpr int defaultOversampling = 2;
 constexpr std::array oversamplingFactors { 1, 2, 4, 8, 16 };
 
 constexpr double defaultZoom = 1.2;
-constexpr double lowestZoom = 0.8;
-constexpr double highestZoom = 1.5;
 } // namespace
 
 void KVLProcessor::makeSettings()
 {
     addSetting<double> (
-        "Calibration", defaultCalibrationDb,
+        stateSchema::settingKeys[settingIndex::calibration], defaultCalibrationDb,
         [] (const double& db) { return db >= lowestCalibrationDb && db <= highestCalibrationDb; },
         [this] (const double& db) { calibrationChanged (db); });
 
     addSetting<int> (
-        "Oversampling", defaultOversampling,
+        stateSchema::settingKeys[settingIndex::oversampling], defaultOversampling,
         [] (const int& factor) {
             return std::find (oversamplingFactors.begin(), oversamplingFactors.end(), factor)
                    != oversamplingFactors.end();
         },
-        [this] (const int&) { oversamplingChanged(); });
+        [this] (const int& factor) { oversamplingChanged (factor); });
 
-    addSetting<bool> ("Analog", true, {},
+    addSetting<bool> (stateSchema::settingKeys[settingIndex::analog], true, {},
                       [this] (const bool& isOn)
                       {
                           analogOn = isOn;
@@ -50,7 +49,8 @@ void KVLProcessor::makeSettings()
                       });
 
     addSetting<double> (
-        "UIZoom", defaultZoom, [] (const double& zoom) { return zoom >= lowestZoom && zoom <= highestZoom; },
+        stateSchema::settingKeys[settingIndex::uiZoom], defaultZoom,
+        [] (const double& zoom) { return zoom >= ZoomableEditor::lowestZoom && zoom <= ZoomableEditor::highestZoom; },
         [this] (const double&) { zoomChanged(); });
 }
 
@@ -72,12 +72,8 @@ void KVLProcessor::calibrationChanged (double decibels)
         requestUpdate();
 }
 
-void KVLProcessor::oversamplingChanged()
+void KVLProcessor::oversamplingChanged (int setting)
 {
-    // The setting's own constructor calls this before the setting can be asked; the processor's looks afterwards.
-    if (settings[settingIndex::oversampling] == nullptr)
-        return;
-
     {
         const juce::ScopedLock lock (preparationLock);
 
@@ -90,30 +86,15 @@ void KVLProcessor::oversamplingChanged()
         }
         else
         {
-            latencyInUse = OversamplerBank::latencyOfFactor (oversamplingFactor());
+            latencyInUse = OversamplerBank::latencyOfFactor (OversamplerBank::usableFactor (setting));
         }
     }
 
-    reportLatency();
-}
+    // Without a lock: a host may answer by restarting the plug-in on another thread, and wait for it.
+    setLatencySamples (latencyInUse);
 
-void KVLProcessor::reportLatency()
-{
-    // No lock is held: a host may answer by restarting the plug-in on another thread and wait for it. The gate has one
-    // thread at a time report, and the newest latency last.
-    const auto report = [this]
-    {
-        setLatencySamples (latencyInUse);
-
-        if (isPrepared())
-            updateHostDisplay();
-    };
-
-    latencyGate.request (report);
-
-    while (latencyGate.catchUp (report))
-    {
-    }
+    if (isPrepared())
+        updateHostDisplay();
 }
 
 void KVLProcessor::zoomChanged()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "plugin/UpdateGate.h"
 #include "strip/RelaxedValue.h"
 
 #include <juce_data_structures/juce_data_structures.h>
@@ -44,12 +45,14 @@ public:
         key          name in the settings file and of the attribute in the state
         fallback     the compiled default
         validator    refuses a stored default; an empty one accepts everything
-        onChange     runs after each change of the value, on the thread of the change; may be empty
+        onChange     runs after a change of the value, on the thread of the change. Where several threads change it at
+                     once, one of them acts for all, and last on the newest value; may be empty
     */
     ProcessorSetting (juce::ApplicationProperties& file, juce::String settingKey, T fallbackValue,
                       Validator acceptsStored, ChangeAction changeAction)
         : properties (file), key (std::move (settingKey)), fallback (fallbackValue),
-          validator (std::move (acceptsStored)), onChange (std::move (changeAction)), value (fallbackValue)
+          validator (std::move (acceptsStored)), onChange (std::move (changeAction)), value (fallbackValue),
+          acted (fallbackValue)
     {
         setValue (storedDefault());
     }
@@ -62,9 +65,18 @@ public:
             return;
 
         value = newValue;
+        const auto act = [this]
+        {
+            const T newest = value;
 
-        if (onChange)
-            onChange (newValue);
+            if (onChange && newest != acted)
+                onChange (acted = newest);
+        };
+        actionGate.request (act);
+
+        while (actionGate.catchUp (act))
+        {
+        }
     }
 
     /** The user's default as the file holds it now, whichever instance wrote it; the compiled one where the file has
@@ -146,6 +158,8 @@ private:
     const Validator validator;
     const ChangeAction onChange;
     RelaxedValue<T> value;
+    UpdateGate actionGate;
+    T acted; ///< What the action last knew; belongs to the gate's owner.
 };
 
 } // namespace tarvik

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/StateBlock.h"
 
+#include "plugin/ParameterTable.h"
 #include "plugin/StateSchema.h"
 
 #include <algorithm>
 #include <expat.h>
+#include <set>
 #include <string_view>
 
 namespace tarvik
@@ -15,13 +17,26 @@ namespace
 constexpr juce::uint32 blockMark = 0x21324356; ///< Of JUCE's binary wrapper around a document.
 constexpr int markBytes = 4, headerBytes = 8;  ///< The mark, and the length of the text after it.
 
-/** A document of ours has 1.5 KB. A hundred times the time that this much takes would be felt as a hang. */
+/** A document of ours has 1.5 KB. This much of anything is read in some hundredths of a second. */
 constexpr std::size_t longestText = 1 << 20;
 
-/** A document of ours has 93. JUCE keeps all names that it has ever seen in a sorted array, so that each new one takes
-    longer than the one before.
+/** Whether the strip reads an attribute of this name. Others do not get into JUCE's list of all names that it has ever
+    seen, which takes longer for each new one.
 */
-constexpr int mostAttributes = 4096;
+bool isKnown (std::string_view name)
+{
+    static const auto names = []
+    {
+        std::set<std::string_view> all (std::begin (stateSchema::settingKeys), std::end (stateSchema::settingKeys));
+        all.insert (stateSchema::currentSlot);
+
+        for (const auto& row : parameterTable())
+            all.insert (row.id);
+
+        return all;
+    }();
+    return names.contains (name);
+}
 
 /** Takes what Expat finds, from one document. */
 class DocumentReader
@@ -29,9 +44,12 @@ class DocumentReader
 public:
     std::unique_ptr<juce::XmlElement> read (std::string_view text)
     {
+        if (parser == nullptr) // out of memory
+            return {};
+
         XML_SetUserData (parser.get(), this);
         XML_SetElementHandler (parser.get(), elementStarts, elementEnds);
-        XML_SetEntityDeclHandler (parser.get(), entityIsDeclared);
+        XML_SetStartDoctypeDeclHandler (parser.get(), doctypeStarts);
         XML_Parse (parser.get(), text.data(), static_cast<int> (text.size()), XML_TRUE);
         return isWhole ? std::move (root) : nullptr;
     }
@@ -44,11 +62,13 @@ private:
 
     static void XMLCALL elementEnds (void* reader, const char*) { static_cast<DocumentReader*> (reader)->end(); }
 
-    /** An entity may stand for others, and so a short text for gigabytes. */
-    static void XMLCALL entityIsDeclared (void* reader, const char*, int, const char*, int, const char*, const char*,
-                                          const char*, const char*)
+    /** Declarations inside the document make short texts long: entities stand for others, and attributes that are only
+        declared come with each element.
+    */
+    static void XMLCALL doctypeStarts (void* reader, const char*, const char*, const char*, int hasDeclarations)
     {
-        static_cast<DocumentReader*> (reader)->stop();
+        if (hasDeclarations != 0)
+            static_cast<DocumentReader*> (reader)->stop();
     }
 
     void start (const char* name, const char** attributes)
@@ -77,16 +97,11 @@ private:
                && root->getChildByName (name.data()) == nullptr;
     }
 
-    void takeAttributes (juce::XmlElement& element, const char** namesAndValues)
+    static void takeAttributes (juce::XmlElement& element, const char** namesAndValues)
     {
         for (auto* const* pair = namesAndValues; *pair != nullptr; pair += 2)
-        {
-            if (++numAttributes > mostAttributes)
-                return stop();
-
-            element.setAttribute (juce::Identifier (juce::String::fromUTF8 (pair[0])),
-                                  juce::String::fromUTF8 (pair[1]));
-        }
+            if (isKnown (pair[0]))
+                element.setAttribute (pair[0], juce::String::fromUTF8 (pair[1]));
     }
 
     void end()
@@ -113,7 +128,6 @@ private:
     std::unique_ptr<std::remove_pointer_t<XML_Parser>, Free> parser { XML_ParserCreate ("UTF-8") };
     std::unique_ptr<juce::XmlElement> root;
     int numOpen = 0;
-    int numAttributes = 0;
     bool isStopped = false;
     bool isWhole = false;
 };

@@ -15,6 +15,9 @@ inline constexpr const char* versionText = "1.0.0";
 inline constexpr const char* buildDate = "BuildDate";
 inline constexpr const char* currentSlot = "currentData";
 
+/** In the order of `settingIndex`. */
+inline constexpr const char* settingKeys[] = { "Calibration", "Oversampling",       "Analog",
+                                               "UIZoom",      "LimiterSensitivity", "MeterMode" };
 inline constexpr const char* slotTags[] = { "data0", "data1" }; ///< Of slot A and slot B.
 
 } // namespace tarvik::stateSchema

@@ -11,11 +11,13 @@ bool readStateText (std::string_view text, juce::MemoryBlock& block)
     constexpr std::string_view digits = ".ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+";
     constexpr unsigned bitsPerDigit = 6, bitsPerByte = 8;
 
+    constexpr std::size_t longest = 1 << 21; // ten times this would be felt, and a state has some thousand
+
     block.reset();
     text = text.substr (0, text.find ('\0'));
     const auto dot = text.find ('.');
 
-    if (dot == std::string_view::npos)
+    if (dot == std::string_view::npos || text.size() > longest)
         return false;
 
     text.remove_prefix (dot + 1);

@@ -3,6 +3,7 @@
 
 #include "dsp/Decibels.h"
 #include "plugin/ParameterTable.h"
+#include "plugin/StateSchema.h"
 
 namespace tarvik
 {
@@ -15,10 +16,11 @@ constexpr int defaultMeterMode = 0;
 Tarvik41Processor::Tarvik41Processor() : readOuts (*this)
 {
     addSetting<int> (
-        "LimiterSensitivity", ParameterSnapshot::defaultLimiterSensitivity,
+        stateSchema::settingKeys[settingIndex::limiterSensitivity], ParameterSnapshot::defaultLimiterSensitivity,
         [] (const int& level) { return level >= 0 && level <= 2; },
         [this] (const int& level) { limiterSensitivityChanged (level); });
-    addSetting<int> ("MeterMode", defaultMeterMode, [] (const int& mode) { return mode == 0 || mode == 1; }, {});
+    addSetting<int> (stateSchema::settingKeys[settingIndex::meterMode], defaultMeterMode,
+                     [] (const int& mode) { return mode == 0 || mode == 1; }, {});
 
     for (int index = 0; index < numParameters; ++index)
         addParameter (createParameter (index).release());

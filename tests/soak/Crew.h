@@ -25,7 +25,7 @@ class Crew final : private juce::Timer
 public:
     Crew (Seats& fleet, int firstSeed) : seats (fleet), seed (firstSeed), random (firstSeed) {}
 
-    /** Two rounds, of a quarter and three quarters of the time. Behind each everything rests for a while, without
+    /** Two rounds, of a quarter and three quarters of the time. After each everything rests for a while, without
         windows, and then `onRest` is called. Message thread; runs its loop.
     */
     void work (double seconds, std::function<void()> onRest)
@@ -53,17 +53,20 @@ public:
 private:
     using Random = juce::Random;
 
-    Seat& anySeat (Random& dice) const { return *seats[static_cast<std::size_t> (dice.nextInt (int (seats.size())))]; }
-
-    void setAnyParameter (Seat& seat, Random& dice, Count& count)
+    Seat& anySeat (Random& chance) const
     {
-        auto& chosen = *seat.instance->getParameters()[dice.nextInt (seat.instance->getParameters().size())];
+        return *seats[static_cast<std::size_t> (chance.nextInt (int (seats.size())))];
+    }
 
-        // The bypass rarely, as behind it there is nothing to wear; and bad audio it rightly passes on.
+    void setAnyParameter (Seat& seat, Random& chance, Count& count)
+    {
+        auto& chosen = *seat.instance->getParameters()[chance.nextInt (seat.instance->getParameters().size())];
+
+        // The bypass rarely, as a bypassed strip does nothing; and bad audio it rightly passes on.
         if (&chosen != seat.instance->getBypassParameter())
-            chosen.setValue (randomTravel (dice));
+            chosen.setValue (randomTravel (chance));
         else if (! seat.getsBadAudio)
-            chosen.setValue (oneIn (8, dice) ? 1.0f : 0.0f);
+            chosen.setValue (oneIn (8, chance) ? 1.0f : 0.0f);
 
         ++count.number;
     }
@@ -75,15 +78,15 @@ private:
         roundsMs.pop_front();
 
         for (int i = 0; i < numAudioThreads; ++i)
-            workers.emplace_back ([this, i, dice = Random (++seed)] (const std::stop_token& stop)
-                                  { playInstances (stop, i, dice); });
+            workers.emplace_back ([this, i, chance = Random (++seed)] (const std::stop_token& stop)
+                                  { playInstances (stop, i, chance); });
 
-        workers.emplace_back ([this, dice = Random (++seed)] (const std::stop_token& stop)
-                              { loadAndSave (stop, dice); });
+        workers.emplace_back ([this, chance = Random (++seed)] (const std::stop_token& stop)
+                              { loadAndSave (stop, chance); });
         startTimer (1);
     }
 
-    void playInstances (const std::stop_token& stop, int first, Random dice)
+    void playInstances (const std::stop_token& stop, int first, Random chance)
     {
         juce::AudioBuffer<float> buffer (Seat::numChannels, 8192);
 
@@ -93,36 +96,36 @@ private:
                 auto& seat = *seats[i];
 
                 if (const std::unique_lock lock (seat.audioLock, std::try_to_lock); lock.owns_lock())
-                    play (seat, buffer, dice);
+                    play (seat, buffer, chance);
             }
     }
 
-    void play (Seat& seat, juce::AudioBuffer<float>& buffer, Random& dice)
+    void play (Seat& seat, juce::AudioBuffer<float>& buffer, Random& chance)
     {
         juce::AudioBuffer<float> part (buffer.getArrayOfWritePointers(), Seat::numChannels,
-                                       1 + dice.nextInt (seat.longestBlock));
-        const auto isBad = seat.getsBadAudio && dice.nextBool();
-        isBad ? fillWithBadAudio (part, dice) : fillWithAudio (part, dice);
+                                       1 + chance.nextInt (seat.longestBlock));
+        const auto isBad = seat.getsBadAudio && chance.nextBool();
+        isBad ? fillWithBadAudio (part, chance) : fillWithAudio (part, chance);
 
-        for (auto changes = dice.nextInt (8) - 4; changes > 0; --changes)
-            setAnyParameter (seat, dice, automations); // which the process call brings along
+        for (auto changes = chance.nextInt (8) - 4; changes > 0; --changes)
+            setAnyParameter (seat, chance, automations); // which the process call brings along
 
         brokenBlocks += seat.process (part) ? 0 : 1;
         samples.number += part.getNumSamples();
         ++(isBad ? badBlocks : blocks).number;
     }
 
-    void loadAndSave (const std::stop_token& stop, Random dice)
+    void loadAndSave (const std::stop_token& stop, Random chance)
     {
         while (! stop.stop_requested())
         {
             // For 500 ms after a load programs are held back, so each instance needs a pause.
             juce::Thread::sleep (10);
-            auto& seat = anySeat (dice);
+            auto& seat = anySeat (chance);
             const std::lock_guard lock (seat.stateLock);
             const auto saved = seat.save();
-            const auto isSlot = dice.nextBool();
-            seat.load (isSlot ? withOtherSlot (saved) : randomState (dice));
+            const auto isSlot = chance.nextBool();
+            seat.load (isSlot ? withOtherSlot (saved) : randomState (chance));
             ++saves.number;
             ++(isSlot ? slots : loads).number;
         }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "plugin/PrivateState.h"
+#include "plugin/Vst3Corrections.h"
 
+#include <algorithm>
+#include <cmath>
 #include <string_view>
 
 namespace tarvik
@@ -30,6 +32,15 @@ bool endsInPrivateState (const void* data, int sizeInBytes) noexcept
     const auto isSwitch = tail[untilSwitch.size()] == on || tail[untilSwitch.size()] == off;
     return isSwitch && tail.substr (0, untilSwitch.size()) == untilSwitch
            && tail.substr (untilSwitch.size() + 1) == afterSwitch;
+}
+
+double heldValue (double sent, int numSteps, double former) noexcept
+{
+    if (! std::isfinite (sent))
+        return former;
+
+    const auto bounded = std::clamp (sent, 0.0, 1.0);
+    return numSteps > 0 ? std::floor (bounded * numSteps + 0.5) / numSteps : bounded;
 }
 
 } // namespace tarvik
