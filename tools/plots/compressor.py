@@ -17,7 +17,7 @@ FIRM = ["compIn=on", "compThreshold=-10", "compRatio=5:1"]
 
 def transfer(strip: Strip, positions):
     ratios = positions["compRatio"]
-    figure, axes = panels(2, 2, 128, gap=10)
+    figure, axes = panels(2, 2, 108, gap=10, row_gap=13)
     for panel, threshold in zip(axes, THRESHOLDS):
         for ratio, colour in zip(ratios, shades(len(ratios))):
             levels, output = transfer_curve(strip, LOWEST_DBFS, "compIn=on", f"compThreshold={threshold}",
@@ -88,7 +88,7 @@ def limiter(strip: Strip, panel):
 
 
 def over_time(strip: Strip, positions):
-    figure, axes = panels(2, 2, 128, gap=14)
+    figure, axes = panels(2, 2, 112, gap=14)
     frame(axes[0], "Attack", "Time since the tone became loud", "Gain / dB", (-14, 0), 2)
     frame(axes[1], "Release, after a second", "Time since the tone became quiet", "Gain / dB", (-14, 0), 2)
     frame(axes[2], "AUTO and 200 ms after peaks of four lengths", "Time since the peak ended", "Reduction left / %",

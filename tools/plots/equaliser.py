@@ -17,7 +17,7 @@ def response_frame(axes, title, lowest_hz, highest_hz, ylim, step=5):
 
 def high(bench: Response, positions):
     gains, colours = positions["highGain"], shades(len(positions["highGain"]))
-    figure, axes = panels(1, 3, 72, below=5)
+    figure, axes = panels(1, 3, 60, below=5)
     for panel, hz in zip(axes, positions["highFreq"]):
         response_frame(panel, f"High section, {hz}", 200, HIGHEST_HZ, (-20, 15))
         for gain, colour in zip(gains, colours):
@@ -32,7 +32,7 @@ def high(bench: Response, positions):
 
 def mid(bench: Response, positions):
     switch, colours, pot_colours = positions["midFreq"], shades(len(positions["midFreq"])), shades(len(PLACES))
-    figure, axes = panels(1, 3, 80, gap=9, below=10)
+    figure, axes = panels(1, 3, 68, gap=9, below=10)
     for panel, mode, ylim in ((axes[0], "Boost", (-5, 20)), (axes[1], "Cut", (-25, 5))):
         response_frame(panel, f"Mid section, {mode.lower()} fully up", 100, HIGHEST_HZ, ylim)
         for hz, colour in zip(switch, colours):
@@ -62,7 +62,7 @@ def mid(bench: Response, positions):
 
 def low(bench: Response, positions):
     places, boosts, cuts = PLACES[1:], positions["lowFreq"][:4], positions["lowFreq"][4:]
-    figure, axes = panels(2, 3, 125, gap=9)
+    figure, axes = panels(2, 3, 94, gap=9, row_gap=12)
     for panel, hz in zip(axes, boosts):
         response_frame(panel, f"Low boost, {hz}", LOWEST_HZ, HIGHEST_OF_LOW_HZ, (-5, 20))
         for place, colour in zip(places, shades(len(places))):
@@ -99,7 +99,7 @@ def channels(bench: Response):
     responses = np.array([bench.measure(*bold, channel=channel) for channel in range(1, 33)])
     report("channels: farthest from channel 1", np.max(np.abs(responses - responses[0])), "dB")
 
-    figure, axes = panels(1, 2, 68, gap=14)
+    figure, axes = panels(1, 2, 60, gap=14)
     response_frame(axes[0], "One setting on 32 channels", LOWEST_HZ, HIGHEST_HZ, (-5, 20))
     response_frame(axes[1], "Difference from channel 1", LOWEST_HZ, HIGHEST_HZ, (-1.5, 1.5), 0.5)
     nominal, others = dict(color="black", linewidth=1.6), dict(color=shades(3)[1], linewidth=0.6)

@@ -37,7 +37,7 @@ def ranges(strip: Strip, panel):
 
 
 def transfer(strip: Strip):
-    figure, axes = panels(1, 3, 72)
+    figure, axes = panels(1, 3, 62)
     thresholds(strip, axes[0], "Expander")
     thresholds(strip, axes[1], "Gate")
     ranges(strip, axes[2])
@@ -78,7 +78,7 @@ def opening(strip: Strip, panel):
 
 
 def over_time(strip: Strip, positions):
-    figure, axes = panels(1, 2, 68, gap=11)
+    figure, axes = panels(1, 2, 58, gap=11)
     frame(axes[0], "Gate closing, by attack", "Time / ms", "Gain / dB", (-20, 5), 5)
     frame(axes[1], "Gate opening, by release", "Time / ms", "Gain / dB", (-20, 5), 5)
     linear(axes[0], -20, 100, 20)

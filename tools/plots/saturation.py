@@ -22,7 +22,7 @@ def measure(strip: Strip, thd: int) -> np.ndarray:
 def plot(host: Host):
     table = host.numbers("list", "harmonics")
     table_levels, wanted = np.round(decibels(table[:, 0])).astype(int), np.abs(table[:, 1:])
-    figure, axes = panels(1, 3, 80, below=5)
+    figure, axes = panels(1, 3, 76, below=5)
 
     with Strip(host, 48000, 2) as strip:
         for panel, thd in zip(axes, (0, -30, 20)):
