@@ -12,8 +12,10 @@ and the module by --module.
 """
 import argparse
 import importlib
+import io
 import os
 import sys
+from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 from host import Failure, Host
@@ -46,10 +48,18 @@ def plot(host: Host, kind: str = "", folder: str = "", *more: str):
     except OSError as error:
         raise Failure(f"cannot make the folder '{folder}': {error.strerror}") from error
 
-    for module in KINDS.values() if kind == "all" else [KINDS[kind]]:
-        for name, figure in importlib.import_module(module).plot(host).items():
-            importlib.import_module("style").write(figure, Path(folder, f"{name}.svg"), name)
-            print(f"{name}.svg", flush=True)
+    style, measure = importlib.import_module("style"), importlib.import_module("measure")
+
+    def draw(module: str):
+        measure.summary.file = io.StringIO()
+        return importlib.import_module(module).plot(host), measure.summary.file
+
+    with ThreadPoolExecutor(2) as pool:
+        for figures, summary in pool.map(draw, KINDS.values() if kind == "all" else [KINDS[kind]]):
+            print(summary.getvalue(), end="")
+            for name, figure in figures.items():
+                style.write(figure, Path(folder, f"{name}.svg"), name)
+                print(f"{name}.svg", flush=True)
 
 
 def compare(host: Host, *files: str):

@@ -1,8 +1,12 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Test tones, and what is measured of the strip with them."""
+import threading
+
 import numpy as np
 
 from host import Strip
+
+summary = threading.local()  # has a file where a thread's reports do not go to the standard output
 
 
 def decibels(gain):
@@ -12,7 +16,7 @@ def decibels(gain):
 
 def report(subject: str, value: float, unit: str, style: str = ".2f"):
     """One line of a summary."""
-    print(f"  {subject:<52} {value:{style}} {unit}", flush=True)
+    print(f"  {subject:<52} {value:{style}} {unit}", file=getattr(summary, "file", None))
 
 
 def spectrum_at(samples: np.ndarray, radians: np.ndarray) -> np.ndarray:
