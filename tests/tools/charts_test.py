@@ -106,6 +106,10 @@ class Comparison(Charts):
         self.assertNotIn("at 1000 Hz", self.printed)  # there is nothing
         self.assertNotIn("nan", Path(self.folder, "x.svg").read_text())
 
+        self.write("half.wav", tones(0.5, 0.25) * [[1], [0]])  # the mean of the channels' powers counts
+        self.draw("compare", "in.wav", "half.wav", "x.svg")
+        self.assertAlmostEqual(self.figure("change at 100 Hz"), -3.01, delta=0.02)
+
 
 class Mistakes(Charts):
     def test_each_is_one_line_status_two_and_no_file(self):
