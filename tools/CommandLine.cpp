@@ -198,7 +198,8 @@ void checkPipes (const CommandLine& line, bool saysOnlyModuleAndBlock)
     const auto isDecoding = line.task == Task::decode;
 
     if (line.inputPath.isNotEmpty() != isDecoding || line.outputPath.isNotEmpty())
-        throw ToolError (isDecoding ? "one recording is wanted (see --help)" : "a stream wants no file (see --help)");
+        throw ToolError (isDecoding ? "decoding takes one recording (see --help)"
+                                    : "a stream takes no file (see --help)");
 
     if (! saysOnlyModuleAndBlock)
         throw ToolError (juce::String (isDecoding ? "decoding" : "a stream")

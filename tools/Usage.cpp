@@ -43,19 +43,22 @@ already is kept, so that a batch that was stopped can be taken up again. When a 
   --jobs N           files that are rendered at the same time, 1 to 256 (one for each core)
   --overwrite        render again what is in FOLDER already
 
-"stream" is for programs that measure the module, such as "./run plot" (see "./run plot --help"). A run on its input is one
-line with the rate in Hz, the number of samples and settings as --set takes them, with tabs in between, and then the samples
-of one channel; as many come out, with the latency taken out. Each run begins with a strip at rest, and with defaults for
-what its line does not set. "decode" writes a recording: a line with rate, channels and length, with tabs in between, and then
-its samples, channel by channel in each frame. Samples are 32-bit floats, the lowest byte first.
+"stream" is for programs that measure the module, such as "./run plot" (see "./run plot --help"; "./run compare" is told
+there, too). A run on its input is one line with the rate in Hz, the number of samples and settings as --set takes them,
+with tabs in between, and then the samples of one channel; as many come out, with the latency taken out. Each run begins
+with a strip at rest, and with defaults for what its line does not set. "decode" writes a recording: a line with rate,
+channels and length, with tabs in between, and then its samples, frame by frame. Samples are 32-bit floats, the lowest byte
+first.
 
 "list layout" prints, as JSON, where each control of the console panel is in the pixels of its picture, with the marks of
 its scale; the picture is printed from it. "list harmonics" prints the console's table: the amplitude of a tone, and of its
 second to seventh harmonic. "list network" reads lines of settings with tabs in between, and prints for each the transfer
-function of the equaliser's circuit: the coefficients of s^5 to s^0, numerator first. "pictures" shows all pictures of the window on one sheet, at their own size and
-at a third, as the window draws them at 100 %. "screenshot" draws the window itself, with --state, --program and --set, at
---zoom PERCENT (100), for a track called --name TEXT, with slot A or B in force if --slot says so (behind --state, in front
-of the others), and with the meters as they stand when INPUT has gone through.
+function of the equaliser's circuit: the coefficients of s^5 to s^0, numerator first.
+
+"pictures" shows all pictures of the window on one sheet, at their own size and at a third, as the window draws them at
+100 %. "screenshot" draws the window itself, with --state, --program and --set, at --zoom PERCENT (100), for a track called
+--name TEXT, with slot A or B in force if --slot says so (behind --state, in front of the others), and with the meters as
+they stand when INPUT has gone through.
 
 However they are ordered: the state is loaded first, then the program, then each --set from left to right. A file whose
 name begins with a dash goes behind "--". Exit status: 0, or 2 after an error, which is told in one line, in a batch in
