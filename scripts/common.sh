@@ -8,9 +8,12 @@ build_packages="g++ cmake ninja-build pkg-config juce-modules-source libhwy-dev 
 # A virtual screen with a window manager: see open_screen.
 screen_packages="xvfb openbox x11-utils"
 
+# What draws the charts. python3-munkres only keeps the font tools from bringing SciPy, of which they need one function.
+chart_packages="python3-matplotlib python3-munkres python3-numpy fonts-texgyre"
+
 # What the tests are built from and call.
 test_packages="libgtest-dev libgmock-dev libbenchmark-dev clang-format ngspice binutils lilv-utils sordi lv2-dev
-    $screen_packages xdotool python3-cairo python3-numpy python3-pil fontconfig fonts-texgyre"
+    $screen_packages xdotool python3-cairo python3-pil fontconfig $chart_packages"
 
 # Installs those Debian packages of the arguments that are missing; says what to type where that takes another user.
 ensure_packages()

@@ -20,13 +20,11 @@ struct TaskWord
 
 /** Words that say, in first place or behind the module's, what is to be done; without one of them a file is
     rendered. */
-constexpr TaskWord taskWords[] = { { "render", Task::render },
-                                   { "batch", Task::batch },
-                                   { "list", Task::list },
-                                   { "plot", Task::plot },
-                                   { "compare", Task::compare },
-                                   { "pictures", Task::pictures },
-                                   { "screenshot", Task::screenshot } };
+constexpr TaskWord taskWords[] = {
+    { "render", Task::render },        { "batch", Task::batch },   { "list", Task::list },
+    { "stream", Task::stream },        { "decode", Task::decode }, { "pictures", Task::pictures },
+    { "screenshot", Task::screenshot }
+};
 
 constexpr const char* moduleOption = "--module";
 
@@ -120,10 +118,14 @@ public:
         return false;
     }
 
-    /** False if there was an option besides the module's. */
-    bool saysOnlyModule() const
+    /** False if there was an option besides the module and the block size. */
+    bool saysOnlyModuleAndBlock() const
     {
-        return line.assignments.isEmpty() && (seen.isEmpty() || (seen.size() == 1 && seen[0] == moduleOption));
+        for (const auto& option : seen)
+            if (option != moduleOption && option != "--block")
+                return false;
+
+        return line.assignments.isEmpty();
     }
 
 private:
@@ -172,8 +174,6 @@ void takePositional (CommandLine& line, const juce::String& argument)
         line.batchInputs.add (argument);
     else if (line.inputPath.isEmpty())
         line.inputPath = argument;
-    else if (line.task == Task::compare && line.comparedPath.isEmpty())
-        line.comparedPath = argument;
     else if (line.outputPath.isEmpty())
         line.outputPath = argument;
     else
@@ -192,26 +192,18 @@ void arrangeBatch (CommandLine& line)
     line.batchInputs.remove (numInputs);
 }
 
-/** A plot's first word is its kind, the second a folder. */
-void arrangePlot (CommandLine& line, bool saysOnlyModule)
+/** What other programs send and get goes through pipes. */
+void checkPipes (const CommandLine& line, bool saysOnlyModuleAndBlock)
 {
-    std::swap (line.plotKind, line.inputPath);
+    const auto isDecoding = line.task == Task::decode;
 
-    if (line.plotKind.isEmpty())
-        throw ToolError ("the kind of plot is wanted (see --help)");
+    if (line.inputPath.isNotEmpty() != isDecoding || line.outputPath.isNotEmpty())
+        throw ToolError (isDecoding ? "decoding takes one recording (see --help)"
+                                    : "a stream takes no file (see --help)");
 
-    if (! saysOnlyModule)
-        throw ToolError ("a plot takes no option but --module");
-}
-
-/** Two recordings and a picture. */
-void checkComparison (const CommandLine& line, bool saysOnlyModule)
-{
-    if (line.outputPath.isEmpty())
-        throw ToolError ("two recordings and a file for the picture are wanted (see --help)");
-
-    if (! saysOnlyModule)
-        throw ToolError ("a comparison takes no option");
+    if (! saysOnlyModuleAndBlock)
+        throw ToolError (juce::String (isDecoding ? "decoding" : "a stream")
+                         + " takes no option but --module and --block");
 }
 
 /** A list's only word is its kind. */
@@ -219,7 +211,8 @@ void arrangeList (CommandLine& line)
 {
     std::swap (line.listKind, line.inputPath);
 
-    if ((line.listKind.isNotEmpty() && line.listKind != "layout") || line.outputPath.isNotEmpty())
+    if (! juce::StringArray { "", "layout", "harmonics", "network" }.contains (line.listKind)
+        || line.outputPath.isNotEmpty())
         throw ToolError ("a list wants no file: '" + (line.outputPath.isEmpty() ? line.listKind : line.outputPath)
                          + "'");
 }
@@ -306,11 +299,8 @@ CommandLine parseCommandLine (const juce::StringArray& arguments)
     else if (line.overwrites || line.numJobs > 0 || line.batchListPath.isNotEmpty())
         throw ToolError ("--overwrite, --jobs and --from are for a batch (see --help)");
 
-    if (line.task == Task::plot)
-        arrangePlot (line, options.saysOnlyModule());
-
-    if (line.task == Task::compare)
-        checkComparison (line, options.saysOnlyModule());
+    if (line.task == Task::stream || line.task == Task::decode)
+        checkPipes (line, options.saysOnlyModuleAndBlock());
 
     if (line.task == Task::list)
         arrangeList (line);

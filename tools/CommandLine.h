@@ -14,8 +14,8 @@ struct CommandLine
         render,
         batch,
         list,
-        plot,
-        compare,
+        stream,
+        decode,
         pictures,
         screenshot,
         help,
@@ -28,13 +28,11 @@ struct CommandLine
 
     Task task = Task::render;
     juce::String inputPath, outputPath; ///< Of a batch the output is a folder.
-    juce::String comparedPath;          ///< The second of two recordings; only for `Task::compare`.
     juce::StringArray batchInputs;      ///< Files and folders, as they were given.
     juce::String batchListPath;         ///< A text file that names more of them, empty for none.
     bool overwrites = false;            ///< A batch makes anew what is already in its folder.
     int numJobs = 0;                    ///< Files of a batch that are rendered at the same time; 0: one for each core.
-    juce::String plotKind;              ///< What is to be drawn, into the folder `outputPath`; only for `Task::plot`.
-    juce::String listKind;   ///< "layout", or empty for a list of what the module has; only for `Task::list`.
+    juce::String listKind; ///< As a word of its own, or empty for a list of what the module has; only for `Task::list`.
     juce::String modulePath; ///< Empty: look in the usual places.
     juce::String sidechainPath;
     juce::String loadStatePath, saveStatePath;

@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/ListCommand.h"
 
+#include "dsp/EqualiserNetwork.h"
 #include "plugin/ParameterTable.h"
+#include "strip/HarmonicTable.h"
 #include "tools/LayoutList.h"
 #include "tools/ModuleHost.h"
 #include "tools/ParameterArguments.h"
 
 #include <iostream>
+#include <limits>
+#include <string>
+#include <utility>
 
 namespace tarvik
 {
@@ -42,15 +47,74 @@ void printPrograms (const ModuleHost& host)
     for (int i = 0; i < names.size(); ++i)
         std::cout << juce::String (i).paddedLeft (' ', numberWidth) << "  " << names[i] << '\n';
 }
+
+void printHarmonics()
+{
+    for (const auto& row : HarmonicTable::rows)
+    {
+        std::cout << row.amplitude;
+
+        for (const auto harmonic : row.harmonics)
+            std::cout << '\t' << harmonic;
+
+        std::cout << '\n';
+    }
+}
+
+/** What the equaliser's circuit is set to by a line of settings, and by the defaults of what the line leaves out. */
+EQControls controlsOf (const juce::String& line)
+{
+    ParameterSnapshot snapshot;
+
+    for (const auto& word : juce::StringArray::fromTokens (line, "\t", {}))
+        if (word.isNotEmpty())
+        {
+            const auto [index, normalised] = parseParameterSetting (word);
+            fieldForParameter (snapshot, index).set (createParameter (index)->convertFrom0to1 (normalised));
+        }
+
+    return { .highFreq = snapshot.highFreq,
+             .highGain = snapshot.highGain,
+             .midFreq = snapshot.midFreq,
+             .midGain = snapshot.midGain,
+             .midMode = snapshot.midMode,
+             .lowFreq = snapshot.lowFreq,
+             .lowGain = snapshot.lowGain,
+             .toleranceChannel = snapshot.tolChannel - 1 };
+}
+
+void printNetworks()
+{
+    ComponentTable components (equaliserComponents);
+
+    for (std::string line; std::getline (std::cin, line);)
+    {
+        const auto controls = controlsOf (juce::String::fromUTF8 (line.c_str()));
+        components.setActiveChannel (controls.toleranceChannel);
+        const auto [numerator, denominator] = solveEqualiserNetwork (selectElements (components, controls));
+        const auto* separator = "";
+        std::cout.precision (std::numeric_limits<double>::max_digits10);
+
+        for (const auto& polynomial : { numerator, denominator })
+            for (const auto coefficient : polynomial)
+                std::cout << std::exchange (separator, "\t") << coefficient;
+
+        std::cout << '\n';
+    }
+}
 } // namespace
 
 void listModule (const CommandLine& line)
 {
     if (line.listKind == "layout")
-    {
         std::cout << layoutAsJson() << '\n';
+    else if (line.listKind == "harmonics")
+        printHarmonics();
+    else if (line.listKind == "network")
+        printNetworks();
+
+    if (line.listKind.isNotEmpty())
         return;
-    }
 
     constexpr double anyRate = 48000.0; // the latency in samples is the same at every rate
     ModuleHost host (ModuleHost::findBundle (line.modulePath));

@@ -141,22 +141,35 @@ float plainValue (const ParameterRow& row, const juce::String& text)
 
     return row.kind == ParameterFieldKind::Choice ? choiceValue (row, text) : numberValue (row, text);
 }
+
+float travel (const juce::String& argument, const juce::String& text)
+{
+    const auto place = asNumber (text);
+
+    if (! place || *place < 0.0 || *place > 1.0)
+        throw ToolError ("a place in a parameter's travel is from 0 to 1, not as in '" + argument + "'");
+
+    return static_cast<float> (*place);
+}
 } // namespace
 
 //==============================================================================
 ParameterSetting parseParameterSetting (const juce::String& argument)
 {
-    const auto equals = argument.indexOfChar ('=');
+    const auto sign = argument.indexOfAnyOf ("=@");
 
-    if (equals <= 0)
+    if (sign <= 0)
         throw ToolError ("--set wants ID=TEXT, not '" + argument + "'");
 
-    const auto id = argument.substring (0, equals).trim();
-    const auto text = argument.substring (equals + 1).trim();
+    const auto id = argument.substring (0, sign).trim();
+    const auto text = argument.substring (sign + 1).trim();
 
     for (int index = 0; index < numParameters; ++index)
     {
         const auto& row = rowAt (index);
+
+        if (id == row.id && argument[sign] == '@')
+            return { index, travel (argument, text) };
 
         if (id == row.id)
         {

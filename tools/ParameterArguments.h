@@ -15,7 +15,7 @@ struct ParameterSetting
 
 /** Reads ID=TEXT, with the text in the parameter's own units: a choice by its words, a switch as on, off, true, false,
     yes, no, 1 or 0, a number with or without its unit, and any text that the parameter itself shows. Words in upper or
-    lower case.
+    lower case. Or ID@PLACE, with the place in the parameter's travel from 0 to 1.
 
     Throws `ToolError` for an unknown ID, a text that says nothing, and a value out of range; nothing is bent to fit.
 */

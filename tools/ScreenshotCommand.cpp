@@ -7,7 +7,7 @@
 #include "tools/ParameterArguments.h"
 #include "tools/PngFile.h"
 #include "tools/PresetFile.h"
-#include "tools/plot/ScratchSettings.h"
+#include "tools/ScratchSettings.h"
 
 #include <iostream>
 #include <optional>
@@ -91,7 +91,7 @@ void writeScreenshot (const CommandLine& line)
         recording.emplace (line.inputPath);
     }
 
-    const plot::ScratchSettings settings (oversampling);
+    const ScratchSettings settings (oversampling);
     Tarvik41Processor strip;
     setUp (strip, line, recording ? recording->numChannels() : 2);
     strip.uiZoomSetting().setValue (line.zoomPercent / percent);

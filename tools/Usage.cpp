@@ -11,18 +11,19 @@ const char* usageText()
   tarvik41-render [render] [OPTIONS] INPUT OUTPUT
   tarvik41-render batch [OPTIONS] INPUT... FOLDER
   tarvik41-render list [--module FILE]
-  tarvik41-render list layout
+  tarvik41-render list layout|harmonics|network
   tarvik41-render pictures OUTPUT.png
   tarvik41-render screenshot [OPTIONS] [INPUT] OUTPUT.png
-  tarvik41-render plot KIND [FOLDER] [--module FILE]
-  tarvik41-render compare BEFORE AFTER OUTPUT.svg
+  tarvik41-render stream [--module FILE] [--block N]
+  tarvik41-render decode INPUT
 
 INPUT is a WAV, FLAC or AIFF file, mono or stereo, of any rate and length. OUTPUT becomes a WAV file of the same length,
 with the module's latency taken out. It appears when it is complete, in place of one that had its name, and not at all
 after an error.
 
   --program NAME     start from a factory program, by its name or its number
-  --set ID=TEXT      set a parameter in its own units, as often as wanted: --set gain=6 --set "compMix=47 %"
+  --set ID=TEXT      set a parameter in its own units, as often as wanted: --set gain=6 --set "compMix=47 %";
+                     or ID@PLACE, a place in its travel from 0 to 1: --set midGain@0.5
   --sidechain FILE   feed the side chain, from a file of the input's rate; silence follows its end
   --state FILE       start from a saved state: a .vstpreset, or the bare state of the component
   --save-state FILE  write the settings that were rendered with: as a .vstpreset if FILE's name ends so, else bare
@@ -42,18 +43,22 @@ already is kept, so that a batch that was stopped can be taken up again. When a 
   --jobs N           files that are rendered at the same time, 1 to 256 (one for each core)
   --overwrite        render again what is in FOLDER already
 
-A plot measures the module, draws what it finds as SVG files into FOLDER, and prints figures. KIND is eq, compressor,
-expander, saturation, or all of them; or errors, a table of the equaliser's deviations, without a folder. It takes no
-settings: noise is off, the user's defaults do not count.
-
-"compare" draws two recordings of one rate, one above the other, with their levels in thirds of an octave and what is
-between them, and prints figures: what went into a rendering and what came out of it, for one.
+"stream" is for programs that measure the module, such as "./run plot" (see "./run plot --help"; "./run compare" is told
+there, too). A run on its input is one line with the rate in Hz, the number of samples and settings as --set takes them,
+with tabs in between, and then the samples of one channel; as many come out, with the latency taken out. Each run begins
+with a strip at rest, and with defaults for what its line does not set. "decode" writes a recording: a line with rate,
+channels and length, with tabs in between, and then its samples, frame by frame. Samples are 32-bit floats, the lowest byte
+first.
 
 "list layout" prints, as JSON, where each control of the console panel is in the pixels of its picture, with the marks of
-its scale; the picture is printed from it. "pictures" shows all pictures of the window on one sheet, at their own size and
-at a third, as the window draws them at 100 %. "screenshot" draws the window itself, with --state, --program and --set, at
---zoom PERCENT (100), for a track called --name TEXT, with slot A or B in force if --slot says so (behind --state, in front
-of the others), and with the meters as they stand when INPUT has gone through.
+its scale; the picture is printed from it. "list harmonics" prints the console's table: the amplitude of a tone, and of its
+second to seventh harmonic. "list network" reads lines of settings with tabs in between, and prints for each the transfer
+function of the equaliser's circuit: the coefficients of s^5 to s^0, numerator first.
+
+"pictures" shows all pictures of the window on one sheet, at their own size and at a third, as the window draws them at
+100 %. "screenshot" draws the window itself, with --state, --program and --set, at --zoom PERCENT (100), for a track called
+--name TEXT, with slot A or B in force if --slot says so (behind --state, in front of the others), and with the meters as
+they stand when INPUT has gone through.
 
 However they are ordered: the state is loaded first, then the program, then each --set from left to right. A file whose
 name begins with a dash goes behind "--". Exit status: 0, or 2 after an error, which is told in one line, in a batch in

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/BatchCommand.h"
 #include "tools/CommandLine.h"
-#include "tools/CompareCommand.h"
 #include "tools/Interruption.h"
 #include "tools/ListCommand.h"
 #include "tools/PicturesCommand.h"
 #include "tools/RenderCommand.h"
 #include "tools/ScreenshotCommand.h"
+#include "tools/StreamCommand.h"
 #include "tools/ToolError.h"
-#include "tools/plot/PlotCommand.h"
 
 #include <juce_events/juce_events.h>
 
@@ -42,11 +41,11 @@ void perform (const tarvik::CommandLine& line)
         case Task::list:
             tarvik::listModule (line);
             break;
-        case Task::plot:
-            tarvik::plotModule (line);
+        case Task::stream:
+            tarvik::streamRuns (line);
             break;
-        case Task::compare:
-            tarvik::compareRecordings (line);
+        case Task::decode:
+            tarvik::decodeRecording (line);
             break;
         case Task::pictures:
             tarvik::writeContactSheet (line);

@@ -3,7 +3,7 @@
 
 #include <juce_core/juce_core.h>
 
-namespace tarvik::plot
+namespace tarvik
 {
 
 /** While this lives, instances of the module that this process makes start with settings from a temporary file: noise
@@ -29,4 +29,4 @@ private:
     const juce::String configBefore;
 };
 
-} // namespace tarvik::plot
+} // namespace tarvik

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tools/plot/ScratchSettings.h"
+#include "tools/ScratchSettings.h"
 
 #include "plugin/SettingsFile.h"
 #include "tools/ToolError.h"
 
 #include <cstdlib>
 
-namespace tarvik::plot
+namespace tarvik
 {
 
 namespace
@@ -15,7 +15,7 @@ constexpr const char* variable = "XDG_CONFIG_HOME";
 } // namespace
 
 ScratchSettings::ScratchSettings (int oversamplingFactor)
-    : folder (juce::File::createTempFile ("tarvik-plot")),
+    : folder (juce::File::createTempFile ("tarvik-settings")),
       configBefore (juce::SystemStats::getEnvironmentVariable (variable, {}))
 {
     ::setenv (variable, folder.getFullPathName().toRawUTF8(), 1);
@@ -38,4 +38,4 @@ ScratchSettings::~ScratchSettings()
     folder.deleteRecursively();
 }
 
-} // namespace tarvik::plot
+} // namespace tarvik

@@ -1,0 +1,201 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Checks of tools/plots. The offline host, with its module beside it, is $TARVIK_RENDER_TOOL."""
+import os
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+import wave
+import xml.etree.ElementTree as xml
+from pathlib import Path
+
+import numpy as np
+
+PLOTS = Path(__file__).resolve().parents[2] / "tools" / "plots"
+TOOL = os.environ["TARVIK_RENDER_TOOL"]
+RATE = 48000
+sys.path.insert(0, str(PLOTS))
+
+import comparison  # noqa: E402
+import measure  # noqa: E402
+from host import Failure, Host, Strip  # noqa: E402
+
+
+class Charts(unittest.TestCase):
+    def setUp(self):
+        scratch = tempfile.TemporaryDirectory()
+        self.addCleanup(scratch.cleanup)
+        self.folder, self.printed = Path(scratch.name), ""
+
+    def draw(self, *words: str, **environment: str) -> subprocess.CompletedProcess:
+        done = subprocess.run(["/usr/bin/python3", "-B", PLOTS, "--tool", TOOL, *words], cwd=self.folder, text=True,
+                              capture_output=True, env={**os.environ, **environment})
+        self.printed = done.stdout
+        return done
+
+    def figure(self, beginning: str) -> float:
+        """The number in the only line that begins with the words; after it stands only its unit."""
+        found = [line for line in self.printed.splitlines() if line.strip().startswith(beginning)]
+        self.assertEqual(len(found), 1, beginning)
+        return float(found[0].split()[-2])
+
+    def write(self, name: str, channels: np.ndarray, rate: int = RATE):
+        with wave.open(str(self.folder / name), "wb") as file:
+            file.setparams((len(channels), 2, rate, 0, "NONE", ""))
+            file.writeframes(np.round(32767 * channels.T).astype("<i2").tobytes())
+
+
+class Measurements(Charts):
+    def test_spectra_tones_and_bands_against_closed_forms(self):
+        radians = np.geomspace(1e-3, 3.0, 50)
+        spectrum = measure.spectrum_at(0.99 ** np.arange(4001), radians)
+        np.testing.assert_allclose(spectrum, 1 / (1 - 0.99 * np.exp(-1j * radians)), rtol=1e-8)
+
+        steps = measure.tone(1000, RATE, (-20, 0.5), (-6, 1.0))
+        ends = measure.tone_amplitude(np.stack([steps[4800:9600], steps[-4800:]]), 1000, RATE)
+        np.testing.assert_allclose(measure.decibels(ends), [-20, -6], atol=1e-9)
+        self.assertEqual(measure.last_time_far(np.array([1, 2, 3]), np.array([5, 3, 1]), 1, 1.5), 2)
+
+        # The mean power of a tone in its band, however the samples come.
+        levels = comparison.BandLevels(44100)
+        samples = measure.tone(1000, 44100, (-6, 2.0))
+        for piece in np.split(samples, [1, 100, 50000]):
+            levels.add(piece)
+        hz, power = levels.finish()
+        self.assertAlmostEqual(measure.decibels(np.sqrt(2 * power[hz == 1000][0])), -6, places=2)
+        self.assertAlmostEqual(np.sum(power) / np.mean(samples ** 2), 1, places=4)
+
+    def test_the_strip_plays_in_time_and_says_what_is_wrong(self):
+        signal = measure.tone(1000, RATE, (-40, 0.1))
+        for rate, factor in ((RATE, 1), (RATE, 2)):
+            with Strip(Host(TOOL), rate, factor) as strip:
+                quiet, loud, again = (strip.run(signal, f"gain={gain}") for gain in (0, 6, 0))
+                self.assertEqual(len(loud), len(signal))
+                np.testing.assert_array_equal(quiet, again)
+                self.assertAlmostEqual(np.dot(loud[960:], quiet[960:]) / np.dot(quiet[960:], quiet[960:]), 10 ** 0.3, 3)
+                lag = np.angle(np.dot(loud[960:], np.exp(-2j * np.pi * np.arange(960, 4800) / 48)) * 1j)
+                self.assertLess(abs(lag), 0.1)  # of a turn of 6.3
+                with self.assertRaisesRegex(Failure, "gian"):
+                    strip.run(signal, "gian=6")
+        for sent, said in ((b"48000\t9\n123", "ends within a run of 9"), (b"48000\n", "a run begins with its rate"),
+                           (b"0\t9\n", "a run begins with its rate")):
+            done = subprocess.run([TOOL, "stream"], input=sent, capture_output=True)
+            self.assertEqual((done.returncode, done.stdout), (2, b""))
+            self.assertIn(said, done.stderr.decode())
+
+
+class Comparison(Charts):
+    def test_levels_and_what_lies_between(self):
+        turns = 2 * np.pi * np.arange(RATE) / RATE
+        swell = np.sin(turns / 2) ** 2  # so that nothing is heard between the tones
+
+        def tones(low: float, high: float) -> np.ndarray:
+            parts = swell * low * np.sin(100 * turns), swell * high * np.sin(10000 * turns)
+            return np.array([parts[0] + parts[1], parts[0] - parts[1]])
+
+        self.write("in.wav", tones(0.5, 0.25))
+        self.write("out.wav", np.hstack([tones(0.25, 0.4), np.zeros((2, RATE))]))  # with silence after it
+        self.assertEqual(self.draw("compare", "in.wav", "out.wav", "x.svg").returncode, 0)
+        share = np.sqrt(3 / 8 / 2)  # RMS of the swell, over the longer time
+        for beginning, gain in (("before: peak", 0.75), ("after: RMS", np.hypot(0.25, 0.4) / np.sqrt(2) * share),
+                                ("before: loudest third of an octave, at 100 Hz", 0.5 * share),
+                                ("after: loudest third of an octave, at 10000 Hz", 0.4 * share),
+                                ("change at 100 Hz", 0.5), ("change at 10000 Hz", 1.6)):
+            self.assertAlmostEqual(self.figure(beginning), measure.decibels(gain), delta=0.03, msg=beginning)
+        self.assertNotIn("at 1000 Hz", self.printed)  # there is nothing
+        self.assertNotIn("nan", Path(self.folder, "x.svg").read_text())
+
+        self.write("half.wav", tones(0.5, 0.25) * [[1], [0]])  # the mean of the channels' powers counts
+        self.draw("compare", "in.wav", "half.wav", "x.svg")
+        self.assertAlmostEqual(self.figure("change at 100 Hz"), -3.01, delta=0.02)
+
+
+class Mistakes(Charts):
+    def test_each_is_one_line_status_two_and_no_file(self):
+        noise = np.random.default_rng(41).uniform(-0.5, 0.5, (2, 5000))
+        self.write("in.wav", noise)
+        self.write("slow.wav", noise, 22050)
+        self.write("two.wav", noise)
+        self.write("silent.wav", noise[:, :0])
+        before = sorted(self.folder.iterdir())
+        for words, said in (
+                ("plot", "kind"), ("plot eqs pictures", "'eqs'"), ("plot eq", "folder"), ("plots eq pictures", "plots"),
+                ("plot errors pictures", "'pictures'"), ("plot eq pictures more", "'more'"),
+                ("plot eq in.wav", "'in.wav'"), ("plot eq pictures --set gain=6", "--set"),
+                ("plot eq . --module none.vst3", "none.vst3"),
+                ("compare in.wav two.wav", "for the picture"), ("compare in.wav two.wav x.svg more", "'more'"),
+                ("compare in.wav none.wav x.svg", "'none.wav'"), ("compare in.wav slow.wav x.svg", "22050"),
+                ("compare in.wav silent.wav x.svg", "no sound in 'silent.wav'"),
+                ("compare in.wav two.wav .", "ordinary file"), ("compare in.wav two.wav two.wav", "second recording"),
+                ("compare in.wav two.wav no/x.svg", "no/x.svg")):
+            with self.subTest(words):
+                done = self.draw(*words.split())
+                self.assertEqual(done.returncode, 2)
+                self.assertRegex(done.stderr, rf"^tarvik41-plots: .*{re.escape(said)}.*\n$")
+                self.assertEqual(sorted(self.folder.iterdir()), before)
+
+
+class Figures(Charts):
+    def test_every_figure_is_what_the_circuits_say(self):
+        self.assertEqual(self.draw("plot", "all", "new/pictures").stderr, "")
+        names = [line for line in self.printed.splitlines() if line.endswith(".svg")]
+        self.assertEqual(names, [f"{name}.svg" for name in (
+            "eq-high", "eq-mid", "eq-low", "eq-channels", "compressor-transfer", "compressor-times",
+            "expander-transfer", "expander-times", "saturation-harmonics")])
+        for name in names:
+            text = Path(self.folder, "new/pictures", name).read_text()
+            self.assertNotIn("nan", text, name)
+            self.assertLess(len(text), 200000, name)
+            curves = [path.get("d", "") for path in xml.fromstring(text).iter("{http://www.w3.org/2000/svg}path")]
+            self.assertGreater(max(curve.count("L") for curve in curves), 8, name)
+
+        # From the circuit: a short-circuited mid pot gives back what the make-up gain makes up for. At rest 25 kilohms
+        # stand over 5.1 for a boost, and 22 over 5.1 beside 25.47 for a cut.
+        shunt = 5.1 * 25.47 / (5.1 + 25.47)
+        boost_over_cut = measure.decibels(5.1 / 30.1 * (shunt + 22) / shunt)
+        for beginning, expected, tolerance in (
+                ("mid boost 2000 Hz", 15.42, 0.02), ("low boost 60 Hz", 15.4, 0.05),
+                ("mid at 0, Boost over Cut", boost_over_cut, 0.01), ("high pass 80 Hz", 84, 1.5),
+                ("channels: farthest", 1.0, 0.7), ("threshold -20 dB, 1:1", 0, 0.1),  # the gain element at rest
+                ("limiter at 0 dBFS: half of that after", 0.7, 0.5),  # ms; the latency would add 1.1
+                ("expander, range 0 dB", 0, 0.1), ("THD 0 dB: farthest from the table", 0, 0.5)):
+            self.assertAlmostEqual(self.figure(beginning), expected, delta=tolerance, msg=beginning)
+
+        for lower, higher, least in (
+                ("threshold -20 dB, 20:1", "threshold -20 dB, 2:1", 6), ("limiter on", "limiter off", 3),
+                ("expander, range -20 dB", "expander, range 0 dB", 10)):
+            self.assertGreater(self.figure(higher) - self.figure(lower), least, lower)
+        for shorter, longer, least, most in (
+                ("attack Fast", "attack Slow", 2, 20), ("gate, release 0.1 s", "gate, release 0.3 s", 2.9, 3.1),
+                ("gate, attack Fast, hold off", "gate, attack Slow, hold off", 1.5, 9),
+                ("AUTO after a peak of 5 ms", "AUTO after a peak of 5000 ms", 4, 50)):
+            ratio = self.figure(longer) / self.figure(shorter)
+            self.assertTrue(least < ratio < most, f"{longer}: {ratio}")
+        self.assertEqual(self.figure("gate, threshold -10 dB") - self.figure("gate, threshold -40 dB"), 30)
+        self.assertEqual(self.figure("expander, threshold -20 dB") - self.figure("gate, threshold -20 dB"), 4)
+
+    def test_the_users_defaults_do_not_count_and_the_picture_is_the_same_each_time(self):
+        own = self.folder / "Tarvik Plugins"
+        own.mkdir()
+        values = "".join(f'<VALUE name="{key}" val="{value}"/>' for key, value in
+                         {"Analog": 1, "Oversampling": 8, "Calibration": 24}.items())
+        (own / "Tarvik 41 Channel.settings").write_text(f"<PROPERTIES>{values}</PROPERTIES>")
+        self.draw("plot", "saturation", "first")
+        self.draw("plot", "saturation", "second", XDG_CONFIG_HOME=str(self.folder))
+        first, second = (Path(self.folder, name, "saturation-harmonics.svg").read_bytes()
+                         for name in ("first", "second"))
+        self.assertEqual(first, second)
+
+    def test_the_table_of_errors_measures_the_circuit(self):
+        import errors
+        host = Host(TOOL)
+        settings = errors.draw_settings(3, host.positions())
+        networks = host.numbers("list", "network", lines=["\t".join(setting) for setting in settings])
+        circuits = [errors.Circuit(setting, row) for setting, row in zip(settings, networks)]
+        cells = [float(cell) for cell in errors.measure_row(host, settings, circuits, 48000.0, 2).split("|")[3:-1]]
+        self.assertTrue(0 < max(cells[:6]) <= 0.015, cells)  # the digital filters
+        self.assertGreater(cells[-1], 0.1)  # a bilinear transform
+
+
+unittest.main(verbosity=2)

@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/StreamCommand.h"
+
+#include "plugin/ParameterTable.h"
+#include "tools/AudioFile.h"
+#include "tools/ModuleHost.h"
+#include "tools/ParameterArguments.h"
+#include "tools/ToolError.h"
+
+#include <algorithm>
+#include <bit>
+#include <iostream>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace tarvik
+{
+
+namespace
+{
+static_assert (std::endian::native == std::endian::little); // as samples are on the pipes
+
+/** What the line in front of a run says. */
+struct Run
+{
+    double sampleRate = 0.0;
+    std::size_t length = 0;
+    std::vector<ParameterSetting> settings;
+
+    explicit Run (const juce::String& header)
+    {
+        constexpr double highestRate = 1e6, longest = 1e9;
+        const auto words = juce::StringArray::fromTokens (header, "\t", {});
+        sampleRate = words[0].getDoubleValue();
+        const auto samples = words[1].getDoubleValue();
+
+        if (! (sampleRate >= 1.0 && sampleRate <= highestRate && samples >= 1.0 && samples <= longest))
+            throw ToolError ("a run begins with its rate, its length and settings, not with '" + header + "'");
+
+        length = static_cast<std::size_t> (samples);
+
+        for (int i = 2; i < words.size(); ++i)
+            settings.push_back (parseParameterSetting (words[i]));
+    }
+};
+
+void readSamples (std::vector<float>& samples)
+{
+    const auto bytes = static_cast<std::streamsize> (samples.size() * sizeof (float));
+
+    if (! std::cin.read (reinterpret_cast<char*> (samples.data()), bytes))
+        throw ToolError ("the input ends within a run of " + juce::String (samples.size()) + " samples");
+}
+
+/** The output, kept free of what the module itself prints while it is loaded: that goes where errors go. */
+class Output
+{
+public:
+    Output() : descriptor (::dup (STDOUT_FILENO)) { ::dup2 (STDERR_FILENO, STDOUT_FILENO); }
+
+    ~Output() { ::close (descriptor); }
+
+    Output (const Output&) = delete;
+    Output& operator= (const Output&) = delete;
+
+    void write (const void* data, std::size_t numBytes) const
+    {
+        for (const auto *next = static_cast<const char*> (data), *const end = next + numBytes; next < end;)
+        {
+            const auto written = ::write (descriptor, next, static_cast<std::size_t> (end - next));
+
+            if (written < 0)
+                throw ToolError ("nobody takes the output");
+
+            next += written;
+        }
+    }
+
+    void write (const std::vector<float>& samples) const { write (samples.data(), samples.size() * sizeof (float)); }
+
+private:
+    const int descriptor;
+};
+
+/** Every parameter to its default, then the settings. */
+void apply (ModuleHost& host, const Run& run, int blockSize)
+{
+    for (int index = 0; index < numParameters; ++index)
+        host.setParameter (index, createParameter (index)->getDefaultValue());
+
+    for (const auto& setting : run.settings)
+        host.setParameter (setting.index, setting.normalised);
+
+    // The module hears of new values with a block, and lets them fade in. Prepared once more, it starts with them.
+    host.prepare (run.sampleRate, blockSize);
+    juce::AudioBuffer<float> silence (1, blockSize);
+    silence.clear();
+    host.process (silence);
+    host.release();
+}
+
+/** As long as the input, with the latency taken out. */
+void process (ModuleHost& host, double sampleRate, int blockSize, std::vector<float>& samples)
+{
+    host.prepare (sampleRate, blockSize);
+    const auto latency = static_cast<std::size_t> (host.latency());
+    const auto step = static_cast<std::size_t> (blockSize);
+    samples.resize (samples.size() + latency);
+
+    for (std::size_t done = 0; done < samples.size(); done += step)
+    {
+        auto* row = samples.data() + done;
+        juce::AudioBuffer<float> block (&row, 1, static_cast<int> (std::min (samples.size() - done, step)));
+        host.process (block);
+    }
+
+    host.release();
+    samples.erase (samples.begin(), samples.begin() + static_cast<std::ptrdiff_t> (latency));
+}
+} // namespace
+
+void streamRuns (const CommandLine& line)
+{
+    const Output output;
+    ModuleHost host (ModuleHost::findBundle (line.modulePath));
+    host.setLayout (1, false);
+    std::string header;
+
+    while (std::getline (std::cin, header))
+    {
+        const Run run (juce::String::fromUTF8 (header.c_str()));
+        std::vector<float> samples (run.length);
+        readSamples (samples);
+        apply (host, run, line.blockSize);
+        process (host, run.sampleRate, line.blockSize, samples);
+        output.write (samples);
+    }
+}
+
+void decodeRecording (const CommandLine& line)
+{
+    AudioFileReader recording (line.inputPath);
+    const auto numChannels = recording.numChannels();
+    const auto header = juce::String (recording.sampleRate()) + "\t" + juce::String (numChannels) + "\t"
+                        + juce::String (recording.length()) + "\n";
+    const Output output;
+    output.write (header.toRawUTF8(), header.getNumBytesAsUTF8());
+    juce::AudioBuffer<float> block (numChannels, line.blockSize);
+    std::vector<float> frames;
+
+    for (juce::int64 position = 0; position < recording.length(); position += line.blockSize)
+    {
+        const auto n = static_cast<int> (std::min<juce::int64> (line.blockSize, recording.length() - position));
+        recording.readNext (block.getArrayOfWritePointers(), n);
+        frames.clear();
+
+        for (int i = 0; i < n; ++i)
+            for (int c = 0; c < numChannels; ++c)
+                frames.push_back (block.getSample (c, i));
+
+        output.write (frames);
+    }
+}
+
+} // namespace tarvik
