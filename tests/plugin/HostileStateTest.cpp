@@ -183,7 +183,7 @@ TEST_F (HostileState, DeepHugeAndSelfExpandingDocuments)
         blockOfText (open + ">" + repeated ("<a>", million / 3)),
         blockOfText (open + ">" + repeated ("<data0 gain=\"9\"/>", million / 20) + "</Other>"),
         blockOfText (open + ">" + names + "</Other>"),
-        blockOfText (open + attributes + "/>"),
+        blockOfText (open + attributes + ">"),
         blockOfText (open + " a=\"" + repeated ("&amp;", million / 6) + "\">"),
         blockOfText (open + " gain=\"" + std::string (50 * million, '9') + "\"/>"),
         blockOfText (laughs + open + " Calibration=\"&y;\"/>"),
@@ -219,7 +219,7 @@ TEST_F (HostileState, DeepHugeAndSelfExpandingDocuments)
     if (! canMeasureMemory)
         GTEST_SKIP() << "the system cannot reset the peak of memory";
 
-    EXPECT_LT (peakMemory() - memoryBefore, std::size_t (32) << 20);
+    EXPECT_LT (peakMemory() - memoryBefore, std::size_t (64) << 20);
 }
 
 } // namespace tarvik
