@@ -231,6 +231,7 @@ private:
     void tellEditorOfZoom();
 
     BlockChannels channelsOf (const juce::AudioBuffer<float>& buffer) const;
+    void noteSidechain (const BlockChannels& layout);
 
     template <typename SliceWork>
     void forEachSlice (juce::AudioBuffer<float>& buffer, const BlockChannels& layout, SliceWork&& work);
@@ -281,6 +282,7 @@ private:
     OversamplerBank oversamplers;
     RelaxedValue<int> maxSliceSize = 0; ///< 256 while prepared, 0 otherwise.
     int preparedMainChannels = 0;
+    int sidechainInUse = 0; ///< Channels of it that the last block heard.
     LatencyDelay latencyDelay;
     RelaxedValue<int> latencyInUse = Polyphase::latencySamples;
     BypassFader bypassFader;
