@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string_view>
 
 namespace tarvik::clicks
 {
@@ -30,7 +31,9 @@ struct Loudness
 /** The parameter moves over its travel as a line, or to its ends in turn, `times` as slowly. */
 Loudness measure (int parameter, bool isSwitched, int times)
 {
-    MovedStrip strip (Settings::everythingAtWork, 1, 1);
+    const auto isExpanders =
+        std::string_view (parameterTable()[static_cast<std::size_t> (parameter)].id).starts_with ("exp");
+    MovedStrip strip (isExpanders ? Settings::closedGate : Settings::everythingAtWork, 1, 1);
     SteepHighPass highPass (edgeHz / rateHz);
     Signal piece;
     strip.set (parameter, 0.0f);
@@ -73,7 +76,8 @@ bool printMoveTable (std::FILE* table)
     std::fprintf (table,
                   "Above 8 kHz under a tone of 100 Hz: energy of the passage, dB of a second at full scale, and the\n"
                   "loudest 10 ms, dBFS, each fast (2 s from end to end, or 4 positions a second) and ten times as\n"
-                  "slowly. Mono, factor 1, everything at work.\n\n"
+                  "slowly. Mono, factor 1, everything at work; the expander's under a tone of -50 dBFS that its\n"
+                  "gate keeps out.\n\n"
                   "%-18s%-8s%9s%9s%8s%12s%9s\n",
                   "", "", "fast", "slow", "by", "fast 10 ms", "slow");
     auto holds = true;

@@ -20,7 +20,8 @@ inline constexpr double rateHz = 48000.0;
 enum class Settings
 {
     defaults,
-    everythingAtWork
+    everythingAtWork,
+    closedGate ///< and a tone of -50 dBFS
 };
 
 /** One strip without noise that hears a tone of 100 Hz at -12 dBFS, and on its side chain one of 170 Hz. Its parameters
@@ -41,6 +42,7 @@ public:
 private:
     std::unique_ptr<Tarvik41Processor> strip;
     int numMain;
+    double level;
     long position = 0;
     juce::AudioBuffer<float> block;
     juce::MidiBuffer midi;
