@@ -3,12 +3,13 @@
 # programs than ours use what is there: check-install.sh BUILD [PACKAGE]. Prints what went wrong; needs the packages that
 # ./test installs.
 set -euo pipefail
+. "$(dirname "$(readlink -f "$0")")/../scripts/common.sh"
 
 build=$(readlink -f "$1")
 package=${2:-}
 uri=$(sed -n 's/^TARVIK_LV2_URI:STRING=//p' "$build/CMakeCache.txt")
 scratch=$(mktemp -d)
-trap 'kill $(jobs -p) 2>/dev/null || true; rm -rf "$scratch"' EXIT
+leftovers+=("$scratch")
 export HOME=$scratch/home XDG_CONFIG_HOME=$scratch/config
 mkdir "$HOME"
 
@@ -66,11 +67,7 @@ shows "$other/bin/tarvik41-channel" ""
 "$build/tools/tarvik41-render" --module "$vst3/Tarvik 41 Channel.vst3" --list >"$scratch/log" || fail "VST3 does not load"
 
 # LV2: the description against the vocabularies, then what a host reads in it, then the sound.
-# One property is there in spite of them, for certain hosts (see tools/lv2).
-mkdir "$scratch/turtle"
-cp "$bundle"/*.ttl "$scratch/turtle"
-sed -i '/lv2:portProperty lv2:enumeration ;/d' "$scratch/turtle/dsp.ttl"
-sord_validate $(dpkg-query --listfiles lv2-dev | grep '\.ttl$') "$scratch"/turtle/*.ttl >"$scratch/log" 2>&1 ||
+(cd "$bundle" && lv2_validate manifest.ttl dsp.ttl ui.ttl) >"$scratch/log" 2>&1 ||
     { cat "$scratch/log" >&2; fail "the LV2 description breaks the vocabularies' rules"; }
 export LV2_PATH=$lv2:/usr/lib/lv2
 lv2ls >"$scratch/found" # read to its end: grep leaves at the first match, which the writer of a pipe dies of
@@ -90,10 +87,7 @@ DISPLAY=none timeout 20 "$other/bin/tarvik41-channel" >"$scratch/log" 2>"$scratc
 
 # The program opens its window, keeps it, and goes when it is asked to.
 echo 'pcm.!default { type null }' >"$HOME/.asoundrc"
-Xvfb -displayfd 5 -screen 0 1280x1024x24 -nolisten tcp 5>"$scratch/display" 2>/dev/null &
-for _ in {1..100}; do [ -s "$scratch/display" ] && break; sleep 0.1; done
-DISPLAY=:$(cat "$scratch/display")
-export DISPLAY
+open_screen
 "$other/bin/tarvik41-channel" >"$scratch/log" 2>&1 &
 program=$!
 for _ in {1..150}; do xdotool search --name "Tarvik 41 Channel" >/dev/null 2>&1 && break; sleep 0.1; done

@@ -2,11 +2,14 @@
 
 # What the module and the offline host are built from.
 build_packages="g++ cmake ninja-build pkg-config juce-modules-source libhwy-dev libarmadillo-dev liblapack-dev libblas-dev
-    libgfortran-12-dev libflac-dev libvorbis-dev libogg-dev libjack-jackd2-dev"
+    libgfortran-12-dev libexpat1-dev libflac-dev libvorbis-dev libogg-dev libjack-jackd2-dev"
+
+# A virtual screen with a window manager: see open_screen.
+screen_packages="xvfb openbox x11-utils"
 
 # What the tests are built from and call.
-test_packages="libgtest-dev libgmock-dev libbenchmark-dev clang-format ngspice binutils lilv-utils sordi lv2-dev xvfb xdotool
-    python3-cairo python3-numpy python3-pil fontconfig fonts-texgyre"
+test_packages="libgtest-dev libgmock-dev libbenchmark-dev clang-format ngspice binutils lilv-utils sordi lv2-dev
+    $screen_packages xdotool python3-cairo python3-numpy python3-pil fontconfig fonts-texgyre"
 
 # Installs those Debian packages of the arguments that are missing; says what to type where that takes another user.
 ensure_packages()
@@ -43,14 +46,75 @@ configure()
     cmake --preset "$1" >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
 }
 
-# Builds a preset, or just the targets behind it; prints what the compiler says only if it fails.
+# Builds a preset, or just the targets behind it; prints how far it is, and what the compiler says only if it fails.
 build()
 {
-    local preset=$1
+    local preset=$1 status=0
     shift
-    echo "Building ($preset) ..."
-    cmake --build --preset "$preset" ${1:+--target "$@"} >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
+    NINJA_STATUS='[%f/%t] ' cmake --build --preset "$preset" ${1:+--target "$@"} 2>&1 | tee "$log" |
+        show_progress "Building ($preset) ..." || status=$?
+    [ $status -eq 0 ] || { sed '/^\[[0-9]*\/[0-9]*\] /d' "$log" >&2; exit $status; }
 }
 
+# Reads what ninja prints and shows its counter: on a terminal in one line that renews itself, else in a line every tenth.
+show_progress()
+{
+    local title=$1 line tenths=0
+
+    if [ -t 1 ]; then printf '%s' "$title"; else echo "$title"; fi
+
+    while IFS= read -r line; do
+        [[ $line =~ ^\[([1-9][0-9]*)/([0-9]+)\]\  ]] || continue
+        set -- "${BASH_REMATCH[@]:1}"
+
+        if [ -t 1 ]; then
+            printf '\r%s %-12s' "$title" "$1 of $2"
+        elif [ $(($1 * 10 / $2)) -gt $tenths ]; then
+            tenths=$(($1 * 10 / $2))
+            echo "    $1 of $2"
+        fi
+    done
+
+    [ ! -t 1 ] || echo
+}
+
+# A virtual screen for what comes after, until the script ends. With a window manager: on a bare screen the atoms are missing
+# that JUCE's windows ask for, and they can die of BadAtom. Needs screen_packages.
+open_screen()
+{
+    local number
+    number=$(mktemp)
+    leftovers+=("$number")
+    Xvfb -displayfd 5 -screen 0 1600x1000x24 -nolisten tcp 5>"$number" 2>/dev/null &
+    wait_until "there is no screen" [ -s "$number" ]
+    DISPLAY=:$(cat "$number")
+    export DISPLAY
+    openbox >/dev/null 2>&1 &
+    wait_until "there is no window manager" has_window_manager
+}
+
+# The property stands once the manager has made its atoms.
+has_window_manager()
+{
+    [[ $(xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null) == *"window id"* ]]
+}
+
+# Tries a command until it succeeds; ends with the complaint if it hasn't after 20 s.
+wait_until()
+{
+    local complaint=$1
+    shift
+
+    for _ in {1..200}; do
+        ! "$@" || return 0
+        sleep 0.1
+    done
+
+    echo "$0: $complaint" >&2
+    exit 1
+}
+
+# What goes when the script ends: its jobs in the background, and its files, to which scripts add their own.
 log=$(mktemp)
-trap 'rm -f "$log"' EXIT
+leftovers=("$log")
+trap 'kill $(jobs -p) 2>/dev/null || true; rm -rf "${leftovers[@]}"' EXIT

@@ -2,7 +2,6 @@
 #include "tools/PresetFile.h"
 
 #include "plugin/StateBlock.h"
-#include "plugin/StateSchema.h"
 #include "tools/ToolError.h"
 
 #include <juce_audio_processors/juce_audio_processors.h>
@@ -76,8 +75,7 @@ std::optional<Chunk> findComponentState (const juce::MemoryBlock& preset)
 bool holdsProject (const juce::MemoryBlock& preset, const Chunk& chunk)
 {
     const auto* const state = static_cast<const char*> (preset.getData()) + chunk.start;
-    const auto xml = parseStateBlock (state, static_cast<int> (chunk.length));
-    return xml != nullptr && xml->hasTagName (stateSchema::root);
+    return parseStateBlock (state, static_cast<int> (chunk.length)) != nullptr;
 }
 
 bool startsWith (const juce::MemoryBlock& block, const char* magic)

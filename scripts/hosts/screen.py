@@ -16,6 +16,17 @@ class Screen:
         with os.fdopen(reading) as number:
             self.environment = dict(environment, DISPLAY=":" + number.readline().strip())
         self.start(["openbox"])
+        self.wait_for_manager()
+
+    def wait_for_manager(self):
+        """Without it JUCE's windows can die of BadAtom: the atoms that they ask for are the manager's."""
+        for _ in range(200):
+            answer = subprocess.run(["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], env=self.environment,
+                                    stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True).stdout
+            if "window id" in answer:
+                return
+            time.sleep(0.1)
+        raise RuntimeError("there is no window manager")
 
     def start(self, command, log=subprocess.DEVNULL):
         self.started.append(subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL, stdout=log,

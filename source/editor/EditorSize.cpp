@@ -9,8 +9,9 @@ namespace tarvik::editorSize
 namespace
 {
 constexpr double shareOfDisplay = 0.9;
-constexpr double wholeHeight = 740.66669; ///< At a zoom of 1, with the frame.
-constexpr float smallestZoom = 0.1f, largestZoom = 10.0f;
+constexpr double wholeHeight = 740.66669;                ///< At a zoom of 1, with the frame.
+constexpr float smallestZoom = 0.8f, largestZoom = 1.5f; ///< What the menu offers, and the pictures are drawn for.
+constexpr float smallestOnTinyDisplay = 0.1f;
 
 /** A zoom setting may come from a damaged project. */
 float usableZoom (double setting)
@@ -22,7 +23,7 @@ float largestZoomOn (juce::Rectangle<int> display)
 {
     const auto byHeight = (display.getHeight() * shareOfDisplay - frameHeight) / wholeHeight;
     const auto byWidth = display.getWidth() * shareOfDisplay / panelWidth;
-    return std::max (smallestZoom, static_cast<float> (std::min (byHeight, byWidth)));
+    return std::max (smallestOnTinyDisplay, static_cast<float> (std::min (byHeight, byWidth)));
 }
 } // namespace
 

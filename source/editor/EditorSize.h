@@ -18,8 +18,8 @@ inline constexpr int frameHeight = 2 * (stripHeight + shadowHeight);
 inline constexpr double panelWidth = 900.0;
 inline constexpr float panelHeight = 676.66669f; ///< A third of the picture's height.
 
-/** The editor's width and height for a zoom setting. A setting that is no number counts as 1, one below 0.1 as 0.1, and
-    the window takes at most nine tenths of the display's width and height, if there is a display with an area.
+/** The editor's width and height for a zoom setting, held within 0.8 to 1.5; one that is not a number counts as 1. The
+    window takes at most nine tenths of the display's width and height, if there is a display with an area.
 */
 juce::Point<int> forZoom (double zoomSetting, std::optional<juce::Rectangle<int>> display);
 } // namespace editorSize

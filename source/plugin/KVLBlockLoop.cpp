@@ -14,6 +14,12 @@ namespace
 /** +60 dBFS. Audio beyond it, or that is no number at all, is held here before any stage can keep it. */
 constexpr float highestSample = 1000.0f;
 
+/** A damaged project may calibrate the strip to any gain. What that makes of samples is held where every stage can
+    still calculate; up to 100 dB of calibration nothing reaches it.
+*/
+constexpr double highestPlainCalibration = 1.0e5;
+constexpr float highestScaledSample = 1.0e8f;
+
 /** A host that announces no rate at all gets filters for the commonest one, rather than unstable ones. */
 double usableRate (double announcedHz) noexcept
 {
@@ -32,7 +38,8 @@ void KVLProcessor::prepareToPlay (double announcedRate, int)
     maxSliceSize = sliceSize;
     preparedSampleRate = sampleRate;
 
-    const auto factor = OversamplerBank::usableFactor (oversamplingSetting().getValue());
+    const auto factor = oversamplingFactor();
+    latencyInUse = OversamplerBank::latencyOfFactor (factor);
     const auto numMain = getChannelCountOfBus (true, 0);
     preparedMainChannels = numMain;
 
@@ -202,6 +209,8 @@ void KVLProcessor::forEachSlice (juce::AudioBuffer<float>& buffer, const BlockCh
 
 void KVLProcessor::processSlice (float** channels, int numMain, int numSide, int n)
 {
+    updateGate.catchUp ([this] { updateDsp (false); });
+
     const auto numChannels = numMain + numSide;
     auto* const inputGain = gainRows.getWritePointer (inputGainRow);
     auto* const outputGain = gainRows.getWritePointer (outputGainRow);
@@ -226,6 +235,9 @@ void KVLProcessor::processSlice (float** channels, int numMain, int numSide, int
         outputGainRamp.fillTaken (outputGain, n);
 
     rows::scale (channels, numChannels, static_cast<float> (calibration), n);
+
+    if (calibration > highestPlainCalibration)
+        rows::clampToFinite (channels, numChannels, highestScaledSample, n);
 
     processPreOversampling (channels, n, numSide);
     processMiddleSection (channels, numMain, numSide, n);

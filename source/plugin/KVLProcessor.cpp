@@ -8,6 +8,7 @@
 #include "plugin/ParameterTable.h"
 #include "plugin/ProductRecord.h"
 #include "plugin/SettingsFile.h"
+#include "plugin/SwitchParameter.h"
 
 #include <cmath>
 
@@ -20,8 +21,8 @@ KVLProcessor::KVLProcessor() : AudioProcessor (makeBuses())
     recordProduct();
 
     settingsFile.setStorageParameters (settingsFileOptions());
-    setLatencySamples (latencyInUse);
     makeSettings();
+    oversamplingChanged();
 
     setReadyForBroadcasts (false); // until the concrete strip is complete
     InstanceBroadcaster::get().addListener (*this);
@@ -132,7 +133,11 @@ void KVLProcessor::applySnapshot (const ParameterSnapshot& snapshot)
             parameter->getNormalisableRange().snapToLegalValue (values[static_cast<std::size_t> (index)]);
         const auto present = parameter->convertFrom0to1 (parameter->getValue());
 
-        if (! std::isfinite (wanted) || wanted == present)
+        // A host that set a switch to 0.4 may still show that.
+        const auto* const asSwitch = dynamic_cast<const SwitchParameter*> (parameter);
+        const auto hostKnows = asSwitch == nullptr || ! asSwitch->wasSnapped();
+
+        if (! std::isfinite (wanted) || (wanted == present && hostKnows))
             continue;
 
         const auto normalised = parameter->convertTo0to1 (wanted);
@@ -160,15 +165,14 @@ void KVLProcessor::onStateRestored() {}
 void KVLProcessor::randomChannel()
 {
     auto* const channel = dynamic_cast<juce::AudioParameterInt*> (getParameters()[parameterIndex::tolChannel]);
-    const auto* const link = dynamic_cast<juce::AudioParameterBool*> (getParameters()[parameterIndex::tolLink]);
 
-    if (channel == nullptr || link == nullptr)
+    if (channel == nullptr)
         return;
 
     const auto range = channel->getRange();
     const auto low = range.getStart();
     const auto high = std::max (low, range.getEnd());
-    const auto spare = link->get() ? 0 : getChannelCountOfBus (true, 0) - 1;
+    const auto spare = currentSnapshot().tolLink ? 0 : getChannelCountOfBus (true, 0) - 1;
 
     juce::Random random;
     random.setSeedRandomly();

@@ -226,9 +226,13 @@ private:
     static BusesProperties makeBuses();
     void makeSettings();
     void calibrationChanged (double decibels);
-    void oversamplingChanged (int setting);
+    void oversamplingChanged();
+    void reportLatency();
     void zoomChanged();
     void tellEditorOfZoom();
+
+    /** Of the setting, held within what there is. */
+    int oversamplingFactor() const { return OversamplerBank::usableFactor (oversamplingSetting().getValue()); }
 
     BlockChannels channelsOf (const juce::AudioBuffer<float>& buffer) const;
     void noteSidechain (const BlockChannels& layout);
@@ -263,7 +267,8 @@ private:
     };
 
     std::atomic<bool> ignoreParameterChanges { false };
-    UpdateGate updateGate;
+    UpdateGate updateGate;  ///< For `updateDsp`.
+    UpdateGate latencyGate; ///< For `reportLatency`.
 
     /** Held while the strip is rebuilt or freed, since a host's thread and the message thread may both want to. Comes
         before JUCE's callback lock, and never on the audio thread.

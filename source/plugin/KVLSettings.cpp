@@ -15,7 +15,6 @@ namespace
 constexpr double defaultCalibrationDb = 18.0;
 constexpr double lowestCalibrationDb = 16.0;
 constexpr double highestCalibrationDb = 24.0;
-constexpr double usableDb = 100.0; ///< To either side: far beyond any console; keeps a damaged project's gain finite.
 constexpr double squareRootOf1Point2 = 1.09544511501033;
 
 constexpr int defaultOversampling = 2;
@@ -39,7 +38,7 @@ void KVLProcessor::makeSettings()
             return std::find (oversamplingFactors.begin(), oversamplingFactors.end(), factor)
                    != oversamplingFactors.end();
         },
-        [this] (const int& factor) { oversamplingChanged (factor); });
+        [this] (const int&) { oversamplingChanged(); });
 
     addSetting<bool> ("Analog", true, {},
                       [this] (const bool& isOn)
@@ -57,11 +56,13 @@ void KVLProcessor::makeSettings()
 
 void KVLProcessor::calibrationChanged (double decibels)
 {
-    // A damaged project may say anything; the strip multiplies by this gain and divides by it again. What is no use
-    // sounds like the default, whatever was there before.
-    const auto isUsable = std::abs (decibels) < usableDb;
-    const auto gain =
-        static_cast<float> (gainFromDb (isUsable ? decibels : defaultCalibrationDb) * squareRootOf1Point2);
+    const auto gain = static_cast<float> (gainFromDb (decibels) * squareRootOf1Point2);
+
+    // The strip multiplies by this gain and divides by it again. A damaged project may say anything: what cannot be
+    // divided by leaves the gain as it was.
+    if (! std::isfinite (gain) || gain <= 0.0f)
+        return;
+
     calibrationGain = gain;
 
     for (auto& slot : slots)
@@ -71,25 +72,48 @@ void KVLProcessor::calibrationChanged (double decibels)
         requestUpdate();
 }
 
-void KVLProcessor::oversamplingChanged (int setting)
+void KVLProcessor::oversamplingChanged()
 {
-    const juce::ScopedLock lock (preparationLock);
-    const auto latency = OversamplerBank::latencyOfFactor (OversamplerBank::usableFactor (setting));
-
-    if (! isPrepared())
-    {
-        setLatencySamples (latency);
-        latencyInUse = latency;
+    // The setting's own constructor calls this before the setting can be asked; the processor's looks afterwards.
+    if (settings[settingIndex::oversampling] == nullptr)
         return;
+
+    {
+        const juce::ScopedLock lock (preparationLock);
+
+        if (isPrepared())
+        {
+            // Both calls take the callback lock only to set the flag: blocks that come meanwhile are silent.
+            suspendProcessing (true);
+            prepareToPlay (preparedSampleRate, maxSliceSize);
+            suspendProcessing (false);
+        }
+        else
+        {
+            latencyInUse = OversamplerBank::latencyOfFactor (oversamplingFactor());
+        }
     }
 
-    // Both calls take the callback lock only to set the flag: blocks that come meanwhile are silent.
-    suspendProcessing (true);
-    prepareToPlay (preparedSampleRate, maxSliceSize);
-    setLatencySamples (latency);
-    updateHostDisplay();
-    latencyInUse = latency;
-    suspendProcessing (false);
+    reportLatency();
+}
+
+void KVLProcessor::reportLatency()
+{
+    // No lock is held: a host may answer by restarting the plug-in on another thread and wait for it. The gate has one
+    // thread at a time report, and the newest latency last.
+    const auto report = [this]
+    {
+        setLatencySamples (latencyInUse);
+
+        if (isPrepared())
+            updateHostDisplay();
+    };
+
+    latencyGate.request (report);
+
+    while (latencyGate.catchUp (report))
+    {
+    }
 }
 
 void KVLProcessor::zoomChanged()

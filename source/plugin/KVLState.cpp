@@ -5,6 +5,7 @@
 #include "plugin/StateSchema.h"
 
 #include <cmath>
+#include <optional>
 
 namespace tarvik
 {
@@ -57,6 +58,15 @@ void forEachField (juce::AudioProcessor& processor, ParameterSnapshot& snapshot,
             if (const auto field = fieldForParameter (snapshot, p->getParameterIndex()))
                 action (*parameter, field);
 }
+
+/** The slot that a text names by the whole part of a number, with space around it or without; none for other text. */
+std::optional<int> slotNumber (const juce::String& text)
+{
+    const auto digits = text.trim();
+    const auto isNumber = juce::CharacterFunctions::isDigit (digits[0]) && digits.containsOnly ("0123456789.");
+    const auto number = digits.getDoubleValue();
+    return isNumber && number < KVLProcessor::numSlots ? std::optional (static_cast<int> (number)) : std::nullopt;
+}
 } // namespace
 
 void KVLProcessor::getStateInformation (juce::MemoryBlock& block)
@@ -65,10 +75,10 @@ void KVLProcessor::getStateInformation (juce::MemoryBlock& block)
     root.setAttribute (stateSchema::version, stateSchema::versionText);
     root.setAttribute (stateSchema::buildDate, juce::Time::getCompilationDate().toISO8601 (true));
 
-    for (int slot = 0; slot < numSlots; ++slot)
+    for (std::size_t slot = 0; slot < slots.size(); ++slot)
     {
-        auto* const xml = root.createNewChildElement (stateSchema::slotTag (slot));
-        forEachField (*this, slots[static_cast<std::size_t> (slot)],
+        auto* const xml = root.createNewChildElement (stateSchema::slotTags[slot]);
+        forEachField (*this, slots[slot],
                       [xml] (const auto& parameter, const auto& field)
                       { writeField (*xml, parameterID (parameter), field); });
     }
@@ -87,21 +97,15 @@ void KVLProcessor::setStateInformation (const void* data, int sizeInBytes)
 {
     isFirstStateSave = false;
 
-    const auto root = parseStateBlock (data, sizeInBytes);
-
-    if (root != nullptr && root->hasTagName (stateSchema::root))
+    if (const auto root = parseStateBlock (data, sizeInBytes))
     {
-        for (int slot = 0; slot < numSlots; ++slot)
-            if (const auto* const xml = root->getChildByName (stateSchema::slotTag (slot)))
-                forEachField (*this, slots[static_cast<std::size_t> (slot)],
+        for (std::size_t slot = 0; slot < slots.size(); ++slot)
+            if (const auto* const xml = root->getChildByName (stateSchema::slotTags[slot]))
+                forEachField (*this, slots[slot],
                               [xml] (const auto& parameter, const auto& field) { readField (*xml, parameter, field); });
 
-        // Anything but the number of a slot leaves the one in force.
-        const auto inForce = root->getStringAttribute (stateSchema::currentSlot);
-
-        for (int slot = 0; slot < numSlots; ++slot)
-            if (inForce == juce::String (slot))
-                currentSlot = slot;
+        if (const auto slot = slotNumber (root->getStringAttribute (stateSchema::currentSlot)))
+            currentSlot = *slot;
 
         for (auto* const setting : settings)
             setting->loadFromXml (*root);

@@ -2,6 +2,7 @@
 #include "plugin/ParameterTable.h"
 
 #include "plugin/ParameterRows.h"
+#include "plugin/SwitchParameter.h"
 
 #include <cmath>
 
@@ -175,7 +176,7 @@ std::unique_ptr<juce::RangedAudioParameter> createParameter (int index)
     switch (row.kind)
     {
         case Kind::Bool:
-            return std::make_unique<juce::AudioParameterBool> (id, row.name, plainDefault >= 0.5f);
+            return std::make_unique<SwitchParameter> (id, row.name, plainDefault >= 0.5f);
 
         case Kind::Int:
             return std::make_unique<juce::AudioParameterInt> (id, row.name, juce::roundToInt (row.start),

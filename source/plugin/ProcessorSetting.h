@@ -5,7 +5,9 @@
 
 #include <juce_data_structures/juce_data_structures.h>
 
+#include <cmath>
 #include <functional>
+#include <limits>
 #include <type_traits>
 
 namespace tarvik
@@ -107,11 +109,18 @@ private:
     T read (const juce::XmlElement& xml) const
     {
         if constexpr (std::is_same_v<T, int>)
-            return xml.getIntAttribute (key);
+            return wholePart (xml.getDoubleAttribute (key));
         else if constexpr (std::is_same_v<T, double>)
             return xml.getDoubleAttribute (key);
         else
             return xml.getBoolAttribute (key);
+    }
+
+    /** The nearest int to the whole part; 0 for what is not a number. */
+    static int wholePart (double number)
+    {
+        constexpr double lowest = std::numeric_limits<int>::min(), highest = std::numeric_limits<int>::max();
+        return std::isnan (number) ? 0 : static_cast<int> (juce::jlimit (lowest, highest, number));
     }
 
     /** Each instance keeps a copy of the file: without reading it again, one would overwrite what another has saved. */

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/StateBlock.h"
 
-#include <juce_audio_processors/juce_audio_processors.h>
+#include "plugin/StateSchema.h"
 
 #include <algorithm>
+#include <expat.h>
 #include <string_view>
 
 namespace tarvik
@@ -11,73 +12,142 @@ namespace tarvik
 
 namespace
 {
-constexpr int headerBytes = 8; ///< A mark and the length of the text, four bytes each.
+constexpr juce::uint32 blockMark = 0x21324356; ///< Of JUCE's binary wrapper around a document.
+constexpr int markBytes = 4, headerBytes = 8;  ///< The mark, and the length of the text after it.
 
-/** A document of ours has 1.5 KB. Beyond this JUCE's pool of attribute names, kept sorted, would take seconds. */
-constexpr std::size_t largestText = 1 << 16;
+/** A document of ours has 1.5 KB. A hundred times the time that this much takes would be felt as a hang. */
+constexpr std::size_t longestText = 1 << 20;
 
-/** A document of ours has five angle brackets and no ampersand. As every element needs a bracket, this bounds how deep
-    they nest, at about half a kilobyte of stack each. For each ampersand the parser may go through all the text behind
-    it.
+/** A document of ours has 93. JUCE keeps all names that it has ever seen in a sorted array, so that each new one takes
+    longer than the one before.
 */
-constexpr std::ptrdiff_t mostMarks = 256;
+constexpr int mostAttributes = 4096;
 
-bool hasFew (std::string_view text, char mark) { return std::count (text.begin(), text.end(), mark) <= mostMarks; }
-
-/** Hexadecimal references without their end take the parser one byte past whatever follows. */
-bool completesHexReferences (std::string_view text)
+/** Takes what Expat finds, from one document. */
+class DocumentReader
 {
-    constexpr std::string_view opening = "&#";
-
-    for (auto at = text.find (opening); at != std::string_view::npos; at = text.find (opening, at))
+public:
+    std::unique_ptr<juce::XmlElement> read (std::string_view text)
     {
-        at += opening.size();
-
-        if (at >= text.size() || (text[at] != 'x' && text[at] != 'X'))
-            continue;
-
-        const auto end = text.find_first_not_of ("0123456789abcdefABCDEF", at + 1);
-
-        if (end == std::string_view::npos || text[end] != ';')
-            return false;
+        XML_SetUserData (parser.get(), this);
+        XML_SetElementHandler (parser.get(), elementStarts, elementEnds);
+        XML_SetEntityDeclHandler (parser.get(), entityIsDeclared);
+        XML_Parse (parser.get(), text.data(), static_cast<int> (text.size()), XML_TRUE);
+        return isWhole ? std::move (root) : nullptr;
     }
 
-    return true;
-}
+private:
+    static void XMLCALL elementStarts (void* reader, const char* name, const char** attributes)
+    {
+        static_cast<DocumentReader*> (reader)->start (name, attributes);
+    }
 
-/** Whether there is nothing but elements behind the XML declaration. JUCE's parser never returns from an instruction
-    with text behind it ("<a><?b?>c"), and a document type may let entities grow without bound. Comments go with them: a
-    host hands back what the strip wrote, and that has none.
-*/
-bool isPlainMarkup (std::string_view text)
-{
-    constexpr auto none = std::string_view::npos;
-    return text.find ("<!") == none && text.find ("<?", 1) == none;
-}
+    static void XMLCALL elementEnds (void* reader, const char*) { static_cast<DocumentReader*> (reader)->end(); }
 
-bool isHarmless (std::string_view text)
+    /** An entity may stand for others, and so a short text for gigabytes. */
+    static void XMLCALL entityIsDeclared (void* reader, const char*, int, const char*, int, const char*, const char*,
+                                          const char*, const char*)
+    {
+        static_cast<DocumentReader*> (reader)->stop();
+    }
+
+    void start (const char* name, const char** attributes)
+    {
+        const auto depth = numOpen++;
+
+        if (depth == 0 && std::string_view (name) == stateSchema::root)
+        {
+            root = std::make_unique<juce::XmlElement> (name);
+            takeAttributes (*root, attributes);
+        }
+        else if (depth == 0)
+        {
+            stop();
+        }
+        else if (depth == 1 && isNewSlot (name))
+        {
+            takeAttributes (*root->createNewChildElement (name), attributes);
+        }
+    }
+
+    bool isNewSlot (std::string_view name) const
+    {
+        const auto& tags = stateSchema::slotTags;
+        return std::find (std::begin (tags), std::end (tags), name) != std::end (tags)
+               && root->getChildByName (name.data()) == nullptr;
+    }
+
+    void takeAttributes (juce::XmlElement& element, const char** namesAndValues)
+    {
+        for (auto* const* pair = namesAndValues; *pair != nullptr; pair += 2)
+        {
+            if (++numAttributes > mostAttributes)
+                return stop();
+
+            element.setAttribute (juce::Identifier (juce::String::fromUTF8 (pair[0])),
+                                  juce::String::fromUTF8 (pair[1]));
+        }
+    }
+
+    void end()
+    {
+        if (--numOpen == 0)
+        {
+            isWhole = ! isStopped;
+            stop();
+        }
+    }
+
+    void stop()
+    {
+        isStopped = true;
+        XML_StopParser (parser.get(), XML_FALSE);
+    }
+
+    struct Free
+    {
+        void operator() (XML_Parser expat) const { XML_ParserFree (expat); }
+    };
+
+    // The encoding that the text itself may name does not count: JUCE writes UTF-8.
+    std::unique_ptr<std::remove_pointer_t<XML_Parser>, Free> parser { XML_ParserCreate ("UTF-8") };
+    std::unique_ptr<juce::XmlElement> root;
+    int numOpen = 0;
+    int numAttributes = 0;
+    bool isStopped = false;
+    bool isWhole = false;
+};
+
+/** XML itself forbids space before its declaration. */
+std::string_view withoutSpaceAtTheStart (std::string_view text)
 {
-    return text.size() <= largestText && hasFew (text, '<') && hasFew (text, '&') && isPlainMarkup (text)
-           && juce::CharPointer_UTF8::isValidString (text.data(), static_cast<int> (text.size()))
-           && completesHexReferences (text);
+    constexpr std::string_view space = " \t\r\n", byteOrderMark = "\xef\xbb\xbf";
+    const auto skipSpace = [&] { text.remove_prefix (std::min (text.find_first_not_of (space), text.size())); };
+    skipSpace();
+
+    if (text.starts_with (byteOrderMark))
+        text.remove_prefix (byteOrderMark.size());
+
+    skipSpace();
+    return text;
 }
 } // namespace
 
 std::unique_ptr<juce::XmlElement> parseStateBlock (const void* data, int sizeInBytes)
 {
-    if (sizeInBytes <= headerBytes)
+    if (sizeInBytes <= headerBytes || juce::ByteOrder::littleEndianInt (data) != blockMark)
         return {};
 
     const auto* const bytes = static_cast<const char*> (data);
-    const auto stated = static_cast<int> (juce::ByteOrder::littleEndianInt (bytes + headerBytes / 2));
-    const auto length = std::clamp (stated, 0, sizeInBytes - headerBytes);
+    const auto statedLength = static_cast<int> (juce::ByteOrder::littleEndianInt (bytes + markBytes));
+    const auto length = std::clamp (statedLength, 0, sizeInBytes - headerBytes);
     const std::string_view whole (bytes + headerBytes, static_cast<std::size_t> (length));
+    const auto text = withoutSpaceAtTheStart (whole.substr (0, whole.find ('\0')));
 
-    // The parser stops at a zero byte.
-    if (! isHarmless (whole.substr (0, whole.find ('\0'))))
+    if (text.empty() || text.size() > longestText)
         return {};
 
-    return juce::AudioProcessor::getXmlFromBinary (data, sizeInBytes);
+    return DocumentReader().read (text);
 }
 
 } // namespace tarvik

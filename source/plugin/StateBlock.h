@@ -8,13 +8,14 @@
 namespace tarvik
 {
 
-/** The document in a block that a host kept for us, or null where there is none. Any bytes may come in.
+/** The document in a block that a host kept for us, as far as it is of use: the root with its attributes, and the first
+    child of each slot with its own. Null where there is no such document: text that is not XML up to the root's end, a
+    root of another name, more than a megabyte of text, or a document type that declares entities. Comments, sections,
+    instructions and elements that the strip does not know are passed over, as is whatever follows the root.
 
-    JUCE's parser trusts its input: it recurses for every nested element, expands entities that the text declares, and
-    reads past the end of text that is cut inside a character or a character reference, and never returns from some
-    instructions. So a block reaches it only if it is small, flat, valid UTF-8, and nothing but elements behind the XML
-    declaration: a comment, an instruction, a CDATA section or a document type in it, none of which the strip writes,
-    and there is no document. Any thread with 256 KiB of stack.
+    Any bytes may come in, and any thread may call it: Expat reads them in time and memory that grow with the text, and
+    does not recurse. (JUCE's parser, which the text does not reach, recurses for every nested element, reads past the
+    end of some texts and never returns from others.)
 
     data           may be null if sizeInBytes is below 9
     sizeInBytes    may be anything; a block of 8 bytes or fewer holds nothing

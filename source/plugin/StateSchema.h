@@ -15,6 +15,6 @@ inline constexpr const char* versionText = "1.0.0";
 inline constexpr const char* buildDate = "BuildDate";
 inline constexpr const char* currentSlot = "currentData";
 
-inline juce::String slotTag (int slot) { return "data" + juce::String (slot); }
+inline constexpr const char* slotTags[] = { "data0", "data1" }; ///< Of slot A and slot B.
 
 } // namespace tarvik::stateSchema

@@ -12,22 +12,39 @@ namespace tarvik
 /** Lets one thread at a time bring the model up to date, without anybody waiting and without losing a change.
 
     Host automation reports a parameter on the audio thread while an editor's drag reports another on the message
-    thread. Whoever comes first does the work; who comes meanwhile leaves a note and goes, and the owner does the work
-    once more.
+    thread. Whoever comes first does the work, once. Who comes meanwhile leaves a note and goes; the note is taken up by
+    `catchUp`, at the latest before the next slice of audio. So no thread ever works for longer than its own request
+    takes, however many others ask.
 */
 class UpdateGate
 {
 public:
-    /** Any thread; never waits. `work` runs here, or again on the thread that is at it. */
+    /** Any thread; never waits. `work` runs here unless another thread is at it. */
     template <typename Work>
     void request (Work&& work) noexcept
     {
-        if (requests.fetch_add (1, std::memory_order_acq_rel) == 0)
-            drain (work);
+        if ((requests.fetch_add (1, std::memory_order_acq_rel) & ~leftOver) == 0)
+            workOnce (work);
+    }
+
+    /** Does the work once if somebody asked for it while it was being done, and says whether it did. Any thread; never
+        waits.
+    */
+    template <typename Work>
+    bool catchUp (Work&& work) noexcept
+    {
+        auto expected = leftOver;
+
+        if (requests.load (std::memory_order_relaxed) != leftOver
+            || ! requests.compare_exchange_strong (expected, 1, std::memory_order_acq_rel))
+            return false;
+
+        workOnce (work);
+        return true;
     }
 
     /** Keeps requests from running while something larger is rebuilt. They are carried out at the end, by `work`, if
-        anybody asked meanwhile. The constructor waits for work in progress, so never on the audio thread.
+        anybody asked meanwhile or before. The constructor waits for work in progress, so never on the audio thread.
     */
     template <typename Work>
     class Hold
@@ -35,12 +52,20 @@ public:
     public:
         Hold (UpdateGate& gateToHold, Work workAtTheEnd) noexcept : gate (gateToHold), work (std::move (workAtTheEnd))
         {
-            std::uint32_t none = 0;
-
-            while (! gate.requests.compare_exchange_weak (none, 1, std::memory_order_acq_rel))
+            // A note from before stands in the count like one that comes during the hold.
+            for (auto seen = gate.requests.load (std::memory_order_relaxed);;)
             {
-                none = 0;
-                std::this_thread::yield();
+                const auto isFree = (seen & ~leftOver) == 0;
+
+                if (isFree
+                    && gate.requests.compare_exchange_weak (seen, seen == leftOver ? 2 : 1, std::memory_order_acq_rel))
+                    return;
+
+                if (! isFree)
+                {
+                    std::this_thread::yield();
+                    seen = gate.requests.load (std::memory_order_relaxed);
+                }
             }
         }
 
@@ -49,7 +74,7 @@ public:
             std::uint32_t own = 1;
 
             if (! gate.requests.compare_exchange_strong (own, 0, std::memory_order_acq_rel))
-                gate.drain (work);
+                gate.workOnce (work);
         }
 
         Hold (const Hold&) = delete;
@@ -61,19 +86,21 @@ public:
     };
 
 private:
-    /** The owner works until nobody has asked since it began. */
+    /** The owner's part: whoever asks from here on leaves a note. */
     template <typename Work>
-    void drain (Work& work) noexcept
+    void workOnce (Work& work) noexcept
     {
-        for (auto seen = requests.load (std::memory_order_acquire);;)
-        {
-            work();
+        auto seen = requests.load (std::memory_order_acquire);
+        work();
 
-            if (requests.compare_exchange_strong (seen, 0, std::memory_order_acq_rel))
-                return;
-        }
+        if (! requests.compare_exchange_strong (seen, 0, std::memory_order_acq_rel))
+            requests.exchange (leftOver, std::memory_order_acq_rel);
     }
 
+    /** Nobody is at work, and the newest change is not in the model yet. */
+    static constexpr std::uint32_t leftOver = 1u << 31;
+
+    /** How many have asked since the owner came, the owner included; 0 or `leftOver` without one. */
     std::atomic<std::uint32_t> requests { 0 };
 };
 

@@ -69,18 +69,18 @@ TEST (EditorSize, FollowsTheZoomAndStaysOnTheDisplay)
     const juce::Rectangle small (1024, 768), nothing (0, 0), large (1920, 1080);
     const auto nan = std::numeric_limits<double>::quiet_NaN();
 
-    // (768 x 0.9 - 64) / 740.67 is 0.8468, less than the width allows. From a damaged project comes a small window, or
-    // the usual one, but a window; a display that says nothing is none.
+    // (768 x 0.9 - 64) / 740.67 is 0.8468, less than the width allows. From a damaged project comes a window of a usable
+    // size; a display that says nothing is none.
     for (const auto& [zoom, display, width, height] : { std::tuple (0.8, nothing, 720, 605),
                                                         { 0.9, nothing, 810, 673 },
                                                         { 1.2, nothing, 1080, 876 },
                                                         { 1.5, nothing, 1350, 1079 },
                                                         { 1.5, small, 762, 637 },
                                                         { 0.8, small, 720, 605 },
-                                                        { 0.0, nothing, 90, 132 },
-                                                        { -3.0, large, 90, 132 },
+                                                        { 0.0, nothing, 720, 605 },
+                                                        { -3.0, large, 720, 605 },
                                                         { nan, large, 900, 741 },
-                                                        { 1e300, large, 1103, 894 } })
+                                                        { 1e300, nothing, 1350, 1079 } })
         EXPECT_EQ (editorSize::forZoom (zoom, display), juce::Point (width, height)) << zoom;
 
     EXPECT_EQ (editorSize::forZoom (1.0, {}), juce::Point (900, 741));

@@ -189,4 +189,78 @@ TEST_F (Lv2Module, StateAndProgramsComeBack)
         EXPECT_NEAR (Hosted (*reopened, id).plain(), plainOf (*strip, id), 1e-3f);
 }
 
+/** Through lilv, which hands on whatever text the project has. A number that lies is harmless, and so is all else. */
+TEST_F (Lv2Module, DamagedStateTextsAndProgramNumbers)
+{
+    const auto stateOf = [&]
+    {
+        juce::MemoryBlock state;
+        plugin->getStateInformation (state);
+        return state.toString().toStdString();
+    };
+    const auto fresh = stateOf();
+    const auto property = fresh.find ("StateString>"), open = fresh.find ('"', property);
+    const auto length = fresh.find ('"', open + 1) - open - 1;
+    ASSERT_LT (open, fresh.size());
+    const auto textOfState = [&] (const std::string& state)
+    { return state.substr (open + 1, state.find ('"', open + 1) - open - 1); };
+    const auto load = [&] (const std::string& text)
+    {
+        std::string escaped;
+
+        for (const auto c : text)
+            escaped += std::isalnum (static_cast<unsigned char> (c)) || c == '.' || c == '+'
+                           ? std::string (1, c)
+                           : juce::String::formatted ("\\u%04X", static_cast<unsigned char> (c)).toStdString();
+
+        auto state = fresh;
+        state.replace (open + 1, length, escaped);
+        plugin->setStateInformation (state.data(), static_cast<int> (state.size()));
+
+        for (const auto& channel : process (*plugin, std::vector<Signal> (4, Signal (blockLength, 0.1f)), blockLength))
+            ASSERT_TRUE (allFinite (channel));
+    };
+
+    const auto good = textOfState (fresh);
+    Hosted (*plugin, "thd").set (7.0f);
+    Hosted (*plugin, "lowFreq").set (2.0f);
+    settle (*plugin);
+    const auto next = textOfState (stateOf());
+    ASSERT_NE (next, good);
+    constexpr std::size_t numberAndMore = 16 * 8, stride = 61;
+
+    for (std::size_t bit = 0; bit < good.size() * 8; bit += bit < numberAndMore ? 1 : stride)
+    {
+        SCOPED_TRACE (bit);
+        auto flipped = good;
+        flipped[bit / 8] = static_cast<char> (flipped[bit / 8] ^ (1 << bit % 8));
+        load (flipped);
+        load (good.substr (0, bit / 8));
+        load (next);
+        ASSERT_EQ (textOfState (stateOf()), next);
+    }
+
+    for (const auto* const number : { "-5", "-2147483648", "2147483647", "99999999999", "1000000000", "0", "x", "" })
+    {
+        load (next);
+        load (number + good.substr (good.find ('.')));
+        EXPECT_EQ (textOfState (stateOf()), good) << number;
+    }
+
+    juce::Thread::sleep (600); // until programs are taken again
+
+    for (const auto& [number, taken] :
+         { std::pair ("2147483647", 25), { "-2147483648", 0 }, { "26", 25 }, { "-1", 0 } })
+    {
+        auto state = fresh;
+        state.replace (open, length + 2, std::string ("\"") + number + "\"^^<http://www.w3.org/2001/XMLSchema#int>");
+        state.replace (property, 11, "Program");
+        plugin->setStateInformation (state.data(), static_cast<int> (state.size()));
+        settle (*plugin);
+        const auto strip = makeStrip();
+        strip->setCurrentProgram (taken);
+        EXPECT_NEAR (Hosted (*plugin, "compThreshold").plain(), plainOf (*strip, "compThreshold"), 1e-3f) << number;
+    }
+}
+
 } // namespace tarvik

@@ -1,93 +1,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/support/BuiltModule.h"
+
 #include <gtest/gtest.h>
 #include <juce_core/juce_core.h>
-#include <pluginterfaces/base/ipluginbase.h>
 #include <pluginterfaces/vst/ivstaudioprocessor.h>
 #include <pluginterfaces/vst/ivstcomponent.h>
 #include <pluginterfaces/vst/ivsteditcontroller.h>
 #include <pluginterfaces/vst/ivstmessage.h>
 #include <pluginterfaces/vst/ivstunits.h>
 
-#include <cstring>
-#include <dlfcn.h>
-#include <memory>
 #include <string>
 
 namespace tarvik
 {
 
-using namespace Steinberg;
+using namespace test;
 
 namespace
 {
-/** The built module, opened as a host opens it. */
-class Module
-{
-public:
-    Module()
-    {
-        if (handle == nullptr || ! entry<bool (*) (void*)> ("ModuleEntry") (handle))
-            throw std::runtime_error ("cannot open the module");
-    }
-
-    ~Module()
-    {
-        entry<bool (*)()> ("ModuleExit")();
-        dlclose (handle);
-    }
-
-    Module (const Module&) = delete;
-    Module& operator= (const Module&) = delete;
-
-    IPluginFactory* getFactory() const { return entry<IPluginFactory* (*) ()> ("GetPluginFactory")(); }
-
-    template <typename Function>
-    Function entry (const char* name) const
-    {
-        return reinterpret_cast<Function> (dlsym (handle, name));
-    }
-
-private:
-    void* const handle = dlopen (TARVIK_MODULE, RTLD_NOW | RTLD_LOCAL);
-};
-
-/** A reference that the host holds and gives back. */
-struct GiveBack
-{
-    void operator() (FUnknown* object) const { object->release(); }
-};
-
-template <typename Interface>
-using Held = std::unique_ptr<Interface, GiveBack>;
-
-template <typename Interface>
-Held<Interface> query (FUnknown& object, const TUID iid)
-{
-    void* result = nullptr;
-    return Held<Interface> (object.queryInterface (iid, &result) == kResultOk ? static_cast<Interface*> (result)
-                                                                              : nullptr);
-}
-
-template <typename Interface>
-Held<Interface> create (IPluginFactory& factory, const TUID cid, const TUID iid)
-{
-    void* result = nullptr;
-    factory.createInstance (cid, iid, &result);
-    return Held<Interface> (static_cast<Interface*> (result));
-}
-
-/** A class identifier from its four words, by the interface's rule for inline identifiers. */
-std::string identifier (uint32 word1, uint32 word2)
-{
-    constexpr uint32 manufacturer = 0x516d7278; // "Qmrx"
-    constexpr uint32 plugin = 0x54564368;       // "TVCh"
-    const TUID uid = INLINE_UID (word1, word2, manufacturer, plugin);
-    return { uid, sizeof (TUID) };
-}
-
-const auto componentId = identifier (0xABCDEF01, 0x9182FAEB);
-const auto controllerId = identifier (0xABCDEF01, 0x1234ABCD);
-
 std::string text (const Vst::String128& wide)
 {
     return juce::String (juce::CharPointer_UTF16 (reinterpret_cast<const juce::CharPointer_UTF16::CharType*> (wide)))

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/BareStrip.h"
 #include "tests/support/Golden.h"
+#include "tests/support/StateTestTools.h"
 
 #include <limits>
 
@@ -72,6 +73,30 @@ TEST (Parameters, EachReachesItsOwnFieldAndNoOther)
     EXPECT_EQ (previous.level.get(), -80.0f) << "its default lies above the middle of the travel";
     EXPECT_EQ (fieldForParameter (strip.currentSnapshot(), 43).kind, ParameterFieldKind::None);
     EXPECT_EQ (fieldForParameter (strip.currentSnapshot(), -1).kind, ParameterFieldKind::None);
+}
+
+/** A host may set a switch to any number, and shows what it reads back. */
+TEST (Parameters, ASwitchHoldsWhatTheStripHearsAndALoadTellsTheHost)
+{
+    Tarvik41Processor strip;
+    const auto project = saved (strip);
+    auto& pad = parameter (strip, "pad");
+
+    for (const auto& [set, held] : { std::pair (0.375f, 0.0f), { 0.5f, 1.0f }, { 0.51f, 1.0f }, { -3.0f, 0.0f } })
+    {
+        pad.setValueNotifyingHost (set);
+        EXPECT_EQ (pad.getValue(), held);
+        EXPECT_EQ (strip.currentSnapshot().pad, held > 0.0f);
+    }
+
+    pad.setValueNotifyingHost (0.375f);
+    HostEars host (strip);
+    load (strip, project);
+    EXPECT_EQ (host.heard(), "v2 ") << "the host may still show 0.375";
+    load (strip, project);
+    EXPECT_EQ (host.heard(), "");
+    EXPECT_EQ (pad.getText (0.4f, 10) + pad.getText (0.6f, 10), "OffOn");
+    EXPECT_EQ (pad.getValueForText ("Yes") + pad.getValueForText ("1") + pad.getValueForText ("off"), 2.0f);
 }
 
 TEST (Parameters, TextRulesReadLikeTheConsoleAndReadBack)
@@ -150,6 +175,7 @@ TEST (Parameters, ApplyingWhatTheyHoldTellsNobodyAndAForeignRecordReachesAll)
     std::mt19937 random (3);
 
     setRandomly (strip, random);
+    strip.applySnapshot (ParameterSnapshot (strip.currentSnapshot())); // tells what the switches made of it
     HostEars host (strip);
     strip.applySnapshot (ParameterSnapshot (strip.currentSnapshot()));
     EXPECT_EQ (host.heard(), "");

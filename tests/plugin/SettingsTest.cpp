@@ -3,6 +3,8 @@
 #include "tests/support/SettingsFileTest.h"
 
 #include <atomic>
+#include <chrono>
+#include <future>
 #include <limits>
 #include <set>
 #include <thread>
@@ -50,24 +52,50 @@ TEST_F (Settings, StoredDefaultsReachNewInstancesAndRefusedOnesDoNot)
     EXPECT_EQ (Tarvik41Processor().calibrationSetting().getValue(), 18.0);
 }
 
-TEST_F (Settings, CalibrationReachesBothSlotsAndNonsenseSoundsLikeTheDefault)
+TEST_F (Settings, CalibrationReachesBothSlotsAndNonsenseLeavesTheGain)
 {
     Tarvik41Processor strip;
-    strip.calibrationSetting().setValue (22.0);
-    const auto gain = std::pow (10.0, 22.0 / 20.0) * std::sqrt (1.2);
-    EXPECT_NEAR (strip.getSlot (0).calibration, gain, 1e-5);
-    EXPECT_NEAR (strip.getSlot (1).calibration, gain, 1e-5);
-
     const auto infinity = std::numeric_limits<double>::infinity();
-    const auto defaultGain = std::pow (10.0, 18.0 / 20.0) * std::sqrt (1.2);
 
-    for (const auto bad : { std::numeric_limits<double>::quiet_NaN(), infinity, -infinity, -200.0, 4000.0 })
+    for (const auto usable : { 22.0, -99.0, 700.0, 18.0 })
     {
-        strip.calibrationSetting().setValue (22.0);
-        strip.calibrationSetting().setValue (bad);
-        EXPECT_NEAR (strip.getSlot (0).calibration, defaultGain, 1e-5) << bad;
-        EXPECT_NEAR (strip.getCalibrationGain(), static_cast<float> (defaultGain), 1e-5f) << bad;
+        const auto gain = static_cast<float> (std::pow (10.0, usable / 20.0) * std::sqrt (1.2));
+        strip.calibrationSetting().setValue (usable);
+
+        for (const auto value :
+             { usable, std::numeric_limits<double>::quiet_NaN(), infinity, -infinity, -100.0, 800.0 })
+        {
+            strip.calibrationSetting().setValue (value);
+            EXPECT_FLOAT_EQ (static_cast<float> (strip.getSlot (0).calibration), gain) << value;
+            EXPECT_FLOAT_EQ (static_cast<float> (strip.getSlot (1).calibration), gain) << value;
+            EXPECT_FLOAT_EQ (strip.getCalibrationGain(), gain) << value;
+        }
     }
+}
+
+TEST_F (Settings, AnyCalibrationOfADamagedProjectLeavesTheAudioFiniteAndNothingBehind)
+{
+    const auto worn = makeNoiselessStrip(), fresh = makeNoiselessStrip();
+
+    for (auto* const strip : { worn.get(), fresh.get() })
+    {
+        setPlain (*strip, { { "gain", 12.0f }, { "thd", 6.0f }, { "lowFreq", 2.0f }, { "lowGain", 1.0f } });
+        strip->prepareToPlay (48000.0, 256);
+    }
+
+    for (const auto db : { -99.9, 100.0, 300.0, 700.0, 769.0, 18.0 })
+    {
+        worn->calibrationSetting().setValue (db);
+
+        for (const auto& channel : process (*worn, { noise (4800, 1, 100.0f), noise (4800, 2) }, 256))
+            EXPECT_TRUE (std::all_of (channel.begin(), channel.end(), [] (float x) { return std::isfinite (x); }))
+                << db;
+    }
+
+    const auto programme = noise (48000, 3, 0.03f);
+    const auto heard = process (*worn, { programme, programme }, 256),
+               usual = process (*fresh, { programme, programme }, 256);
+    EXPECT_NEAR (rmsOfEnd (heard[0], 24000) / rmsOfEnd (usual[0], 24000), 1.0, 0.05);
 }
 
 TEST_F (Settings, BroadcastsReachEveryInstanceAndTheirTypesAreKept)
@@ -133,6 +161,62 @@ TEST_F (Settings, InstancesComeAndGoWhileOthersBroadcastAndHostsRebuild)
     isRunning = false;
     host.join();
     maker.join();
+}
+
+/** Some hosts answer a change of the latency by restarting the plug-in on another thread, and wait for it. */
+TEST_F (Settings, AHostMayRestartTheStripWhileItHearsOfItsLatency)
+{
+    struct RestartingHost final : juce::AudioProcessorListener
+    {
+        void audioProcessorParameterChanged (juce::AudioProcessor*, int, float) override {}
+
+        void audioProcessorChanged (juce::AudioProcessor* strip, const ChangeDetails&) override
+        {
+            restarts.push_back (std::async (std::launch::async, [strip] { strip->prepareToPlay (96000.0, 64); }));
+            isStuck = isStuck || restarts.back().wait_for (std::chrono::seconds (5)) != std::future_status::ready;
+        }
+
+        std::vector<std::future<void>> restarts; // a stuck one is waited for once its way is free
+        bool isStuck = false;
+    };
+
+    const auto strip = makeStrip();
+    strip->prepareToPlay (48000.0, 64);
+    RestartingHost host;
+    strip->addListener (&host);
+    strip->oversamplingSetting().setValue (1);
+    strip->removeListener (&host);
+    EXPECT_FALSE (host.restarts.empty());
+    EXPECT_FALSE (host.isStuck);
+}
+
+TEST_F (Settings, TwoThreadsThatChangeTheFactorLeaveTheLatencyOfTheLastOne)
+{
+    const auto strip = makeBareStrip();
+    strip->prepareToPlay (48000.0, 64);
+
+    for (int run = 0; run < 300; ++run)
+    {
+        strip->oversamplingSetting().setValue (2);
+        std::atomic<int> ready { 0 };
+        const auto change = [&] (int factor)
+        {
+            for (++ready; ready < 2;)
+                std::this_thread::yield();
+
+            strip->oversamplingSetting().setValue (factor);
+        };
+
+        std::thread first (change, 1), second (change, 4);
+        first.join();
+        second.join();
+        const auto latency = strip->oversamplingSetting().getValue() == 1 ? 0 : 52;
+        ASSERT_EQ (strip->getLatencySamples(), latency) << "run " << run;
+        Signal impulse (64);
+        impulse[0] = 0.5f;
+        const auto heard = process (*strip, { impulse, impulse }, 64)[0];
+        ASSERT_EQ (std::max_element (heard.begin(), heard.end()) - heard.begin(), latency) << "run " << run;
+    }
 }
 
 TEST_F (Settings, AnInstanceMayLeaveDuringABroadcast)

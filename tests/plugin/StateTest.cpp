@@ -174,19 +174,80 @@ TEST (State, SlotsAreSelectedCopiedAndNamedTogether)
     }
 }
 
-TEST (State, OnlyTheNumberOfASlotSwitchesToIt)
+TEST (State, NumbersAreReadByTheirWholePart)
 {
     Tarvik41Processor strip;
     strip.selectSlot (1);
 
-    for (const auto* const text : { "7", "-1", "2", "nan", "", "one" })
+    for (const auto& [text, slot] : { std::pair ("7", 1),
+                                      { "-1", 1 },
+                                      { "2", 1 },
+                                      { "nan", 1 },
+                                      { "", 1 },
+                                      { "one", 1 },
+                                      { " 0 ", 0 },
+                                      { "1.9", 1 },
+                                      { "4294967296", 1 },
+                                      { "0.5", 0 },
+                                      { "\n1\t", 1 },
+                                      { "1 apple", 1 } })
     {
-        loadChanged (strip, [text] (juce::XmlElement& xml) { xml.setAttribute ("currentData", text); });
-        EXPECT_EQ (strip.getCurrentSlot(), 1) << text;
+        loadChanged (strip, [text = text] (juce::XmlElement& xml) { xml.setAttribute ("currentData", text); });
+        EXPECT_EQ (strip.getCurrentSlot(), slot) << text;
     }
 
-    loadChanged (strip, [] (juce::XmlElement& xml) { xml.setAttribute ("currentData", 0); });
-    EXPECT_EQ (strip.getCurrentSlot(), 0);
+    loadChanged (strip,
+                 [] (juce::XmlElement& xml)
+                 {
+                     xml.setAttribute ("Oversampling", "4.9");
+                     xml.setAttribute ("LimiterSensitivity", " 1.5e0 ");
+                     xml.setAttribute ("MeterMode", "nan");
+                     xml.getChildByName ("data1")->setAttribute ("highGain", "7.9");
+                     xml.getChildByName ("data1")->setAttribute ("pad", " 1 ");
+                 });
+    EXPECT_EQ (strip.oversamplingSetting().getValue(), 4);
+    EXPECT_EQ (strip.limiterSensitivitySetting().getValue(), 1);
+    EXPECT_EQ (strip.meterModeSetting().getValue(), 0);
+    EXPECT_EQ (strip.getSlot (1).highGain.get(), 7);
+    EXPECT_TRUE (strip.getSlot (1).pad);
+}
+
+/** What a person or a program may do to the text without changing what it says; and what is not the strip's at all. */
+TEST (State, AnyTextOfTheSameDocumentLoads)
+{
+    std::string references, elements;
+
+    for (int i = 0; i < 300; ++i)
+        references += "&amp;&#65;";
+
+    for (int i = 0; i < 2000; ++i)
+        elements += "<other><data0 gain=\"1\"/></other>";
+
+    const auto inside = [] (const std::string& text)
+    { return "<Tarvik41Channel>" + text + "<data0 gain=\"9\"/></Tarvik41Channel>"; };
+    const auto plain = inside ("");
+
+    for (const auto& text :
+         { plain, inside ("<!-- a comment -->"), inside ("<![CDATA[ <data0/> ]]>"), inside (references),
+           inside (elements), inside ("<?an instruction?>text"), "<!DOCTYPE x>" + plain,
+           " \n<?xml version=\"1.0\"?>\n" + plain, "\xef\xbb\xbf<?xml version=\"1.0\"?>" + plain,
+           "<?xml version=\"1.0\" encoding=\"UTF-16\"?><!-- before -->" + plain, plain + "and more <",
+           "<Tarvik41Channel note=\"" + references + "\"><data0 gain='9'  ></data0></Tarvik41Channel>" })
+    {
+        Tarvik41Processor strip;
+        load (strip, blockOfText (text));
+        EXPECT_EQ (strip.getSlot (0).gain.get(), 9.0f) << text.substr (0, 200);
+    }
+
+    for (const auto& text :
+         { "<tarvik41channel><data0 gain=\"9\"/></tarvik41channel>", "<Tarvik41Channel><data0 gain=\"9\"/>",
+           "<Other><Tarvik41Channel><data0 gain=\"9\"/></Tarvik41Channel></Other>", "text",
+           "<Tarvik41Channel><Data0 gain=\"9\"/></Tarvik41Channel>" })
+    {
+        Tarvik41Processor strip;
+        load (strip, blockOfText (text));
+        EXPECT_EQ (strip.getSlot (0).gain.get(), 0.0f) << text;
+    }
 }
 
 /** Every preset file under tests/plugin/states, saved by some build of ours, still says what it said then. */

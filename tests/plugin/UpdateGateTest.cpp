@@ -10,20 +10,39 @@
 namespace tarvik
 {
 
-TEST (UpdateGate, ARequestDuringTheWorkIsDoneByTheOneAtWork)
+TEST (UpdateGate, ARequestDuringTheWorkIsDoneOnceByWhoeverCatchesUp)
 {
     UpdateGate gate;
     int runs = 0;
+    bool isAsking = true;
     const auto work = [&]
     {
-        if (++runs < 3)
-            gate.request ([&] { ADD_FAILURE() << "whoever asks meanwhile goes without working"; });
+        ++runs;
+
+        if (isAsking)
+            for (int i = 0; i < 3; ++i)
+                gate.request ([&] { ADD_FAILURE() << "whoever asks meanwhile goes without working"; });
     };
 
     gate.request (work);
+    EXPECT_EQ (runs, 1) << "nobody works for others without end";
+    EXPECT_TRUE (gate.catchUp (work));
+    EXPECT_EQ (runs, 2);
+    isAsking = false;
+    gate.request (work); // takes up the note as well
     EXPECT_EQ (runs, 3);
+    EXPECT_FALSE (gate.catchUp (work));
+    EXPECT_EQ (runs, 3);
+
+    isAsking = true;
     gate.request (work);
-    EXPECT_EQ (runs, 4);
+    isAsking = false;
+    {
+        const UpdateGate::Hold hold (gate, work);
+        EXPECT_FALSE (gate.catchUp (work));
+        EXPECT_EQ (runs, 4);
+    }
+    EXPECT_EQ (runs, 5) << "a note from before the hold is taken up at its end";
 }
 
 TEST (UpdateGate, WhatIsAskedDuringAHoldComesAtItsEndAndOnlyThen)
@@ -65,6 +84,8 @@ TEST (UpdateGate, NoChangeOfManyThreadsIsLost)
 
     for (auto& thread : threads)
         thread.join();
+
+    gate.catchUp ([&] { std::copy (std::begin (newest), std::end (newest), seen); });
 
     for (const auto value : seen)
         EXPECT_EQ (value, changesPerThread);

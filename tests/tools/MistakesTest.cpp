@@ -39,10 +39,10 @@ protected:
         std::memset (&preset[preset.getSize() / 2], 0, 16); // within the saved document
         write ("broken.vstpreset", preset);
 
-        // The one breaks JUCE's parser, the other is longer than what the module takes.
+        // The one never ends its elements, the other is longer than what the module takes.
         const std::string open = "<Tarvik41Channel>", close = "</Tarvik41Channel>";
         write ("deep.state", test::blockOfText (juce::String::repeatedString (open, 400000).toStdString()));
-        write ("long.state", test::blockOfText (open + std::string (70000, ' ') + close));
+        write ("long.state", test::blockOfText (open + std::string (1 << 20, ' ') + close));
     }
 
     void write (const char* name, const juce::MemoryBlock& bytes) const

@@ -60,6 +60,7 @@ juce::String parameterRecord (int index)
     juce::StringArray lines;
     lines.add (juce::String ("plug:") + row.id);
     lines.add ("\ta lv2:Parameter ;");
+    lines.add (juce::String ("\tlv2:symbol \"") + row.id + "\" ;");
     lines.add (juce::String ("\trdfs:label \"") + row.name + "\" ;");
     lines.add ("\trdfs:range " + valueType (row) + " ;");
     lines.add ("\tlv2:default " + juce::String (parameter->convertFrom0to1 (parameter->getDefaultValue())) + " ;");
@@ -69,9 +70,11 @@ juce::String parameterRecord (int index)
     if (const auto unit = unitOf (row); unit.isNotEmpty())
         lines.add ("\tunits:unit " + unit + " ;");
 
-    // The vocabulary keeps this property for ports, but hosts on JUCE show a choice's names only where it stands.
+    // Hosts on JUCE show a choice's names only where it has a property that the vocabulary keeps for ports: so a choice is
+    // described as a port as well. It does not become one of the plug-in's, which are those that the plug-in lists.
     if (! row.choices.empty())
-        lines.add ("\tlv2:portProperty lv2:enumeration ;");
+        lines.add (juce::String ("\ta lv2:Port ;\n\tlv2:name \"") + row.name
+                   + "\" ;\n\tlv2:portProperty lv2:enumeration ;");
 
     for (std::size_t i = 0; i < row.choices.size(); ++i)
         lines.add (juce::String ("\tlv2:scalePoint [ rdfs:label \"") + row.choices[i] + "\" ; rdf:value "

@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "tests/soak/Material.h"
+#include "tests/soak/Seat.h"
+
+#include <juce_gui_basics/juce_gui_basics.h>
+
+#include <atomic>
+#include <deque>
+#include <functional>
+#include <thread>
+#include <vector>
+
+namespace tarvik::soak
+{
+
+using Seats = std::vector<std::unique_ptr<Seat>>;
+
+/** The threads of a host at their work: four for audio, each with its share of the instances, one that loads and saves,
+    and by a timer the message thread.
+*/
+class Crew final : private juce::Timer
+{
+public:
+    Crew (Seats& fleet, int firstSeed) : seats (fleet), seed (firstSeed), random (firstSeed) {}
+
+    /** Two rounds, of a quarter and three quarters of the time. Behind each everything rests for a while, without
+        windows, and then `onRest` is called. Message thread; runs its loop.
+    */
+    void work (double seconds, std::function<void()> onRest)
+    {
+        rest = std::move (onRest);
+        roundsMs = { 250.0 * seconds, 750.0 * seconds };
+        startRound();
+        juce::MessageManager::getInstance()->runDispatchLoop();
+    }
+
+    /** How often something was done to an instance. */
+    struct Count
+    {
+        const char* name;
+        std::atomic<juce::int64> number { 0 };
+    };
+
+    Count samples { "samples" }, blocks { "blocks" }, badBlocks { "blocks of bad audio" },
+        automations { "parameters by automation" }, parameters { "parameters by the user" }, programs { "programs" },
+        slots { "slots" }, loads { "loads" }, saves { "saves" }, preparations { "preparations" },
+        openings { "windows" };
+
+    std::atomic<juce::int64> brokenBlocks { 0 }; ///< With a sample that came out and is not a number.
+
+private:
+    using Random = juce::Random;
+
+    Seat& anySeat (Random& dice) const { return *seats[static_cast<std::size_t> (dice.nextInt (int (seats.size())))]; }
+
+    void setAnyParameter (Seat& seat, Random& dice, Count& count)
+    {
+        auto& chosen = *seat.instance->getParameters()[dice.nextInt (seat.instance->getParameters().size())];
+
+        // The bypass rarely, as behind it there is nothing to wear; and bad audio it rightly passes on.
+        if (&chosen != seat.instance->getBypassParameter())
+            chosen.setValue (randomTravel (dice));
+        else if (! seat.getsBadAudio)
+            chosen.setValue (oneIn (8, dice) ? 1.0f : 0.0f);
+
+        ++count.number;
+    }
+
+    //==============================================================================
+    void startRound()
+    {
+        endMs = juce::Time::getMillisecondCounterHiRes() + roundsMs.front();
+        roundsMs.pop_front();
+
+        for (int i = 0; i < numAudioThreads; ++i)
+            workers.emplace_back ([this, i, dice = Random (++seed)] (const std::stop_token& stop)
+                                  { playInstances (stop, i, dice); });
+
+        workers.emplace_back ([this, dice = Random (++seed)] (const std::stop_token& stop)
+                              { loadAndSave (stop, dice); });
+        startTimer (1);
+    }
+
+    void playInstances (const std::stop_token& stop, int first, Random dice)
+    {
+        juce::AudioBuffer<float> buffer (Seat::numChannels, 8192);
+
+        while (! stop.stop_requested())
+            for (auto i = static_cast<std::size_t> (first); i < seats.size(); i += numAudioThreads)
+            {
+                auto& seat = *seats[i];
+
+                if (const std::unique_lock lock (seat.audioLock, std::try_to_lock); lock.owns_lock())
+                    play (seat, buffer, dice);
+            }
+    }
+
+    void play (Seat& seat, juce::AudioBuffer<float>& buffer, Random& dice)
+    {
+        juce::AudioBuffer<float> part (buffer.getArrayOfWritePointers(), Seat::numChannels,
+                                       1 + dice.nextInt (seat.longestBlock));
+        const auto isBad = seat.getsBadAudio && dice.nextBool();
+        isBad ? fillWithBadAudio (part, dice) : fillWithAudio (part, dice);
+
+        for (auto changes = dice.nextInt (8) - 4; changes > 0; --changes)
+            setAnyParameter (seat, dice, automations); // which the process call brings along
+
+        brokenBlocks += seat.process (part) ? 0 : 1;
+        samples.number += part.getNumSamples();
+        ++(isBad ? badBlocks : blocks).number;
+    }
+
+    void loadAndSave (const std::stop_token& stop, Random dice)
+    {
+        while (! stop.stop_requested())
+        {
+            // For 500 ms after a load programs are held back, so each instance needs a pause.
+            juce::Thread::sleep (10);
+            auto& seat = anySeat (dice);
+            const std::lock_guard lock (seat.stateLock);
+            const auto saved = seat.save();
+            const auto isSlot = dice.nextBool();
+            seat.load (isSlot ? withOtherSlot (saved) : randomState (dice));
+            ++saves.number;
+            ++(isSlot ? slots : loads).number;
+        }
+    }
+
+    //==============================================================================
+    void timerCallback() override
+    {
+        if (juce::Time::getMillisecondCounterHiRes() < endMs)
+        {
+            actAsUser();
+        }
+        else if (! workers.empty())
+        {
+            windows.clear();
+            workers.clear();
+            startTimer (1000); // meanwhile arrives what is on its way between the threads
+        }
+        else
+        {
+            rest();
+
+            if (roundsMs.empty())
+                juce::MessageManager::getInstance()->stopDispatchLoop();
+            else
+                startRound();
+        }
+    }
+
+    void actAsUser()
+    {
+        for (int i = 0; i < 4; ++i)
+            setAnyParameter (anySeat (random), random, parameters);
+
+        auto& seat = anySeat (random);
+        const auto choice = random.nextInt (16);
+
+        if (choice == 0)
+        {
+            openWindow (seat);
+        }
+        else if (choice < 3)
+        {
+            seat.prepare (oneOf ({ 8000.0, 11025.0, 16000.0, 22050.0, 32000.0, 44100.0, 48000.0, 88200.0, 96000.0,
+                                   176400.0, 192000.0, 384000.0 },
+                                 random),
+                          randomLength (random));
+            ++preparations.number;
+        }
+        else if (choice == 3)
+        {
+            loadOrSave (seat);
+        }
+        else
+        {
+            seat.instance->setCurrentProgram (random.nextInt (seat.instance->getNumPrograms()));
+            ++programs.number;
+        }
+    }
+
+    /** Up to four are open, of which the oldest closes. */
+    void openWindow (Seat& seat)
+    {
+        if (seat.instance->getActiveEditor() != nullptr)
+            return;
+
+        windows.emplace_back (seat.instance->createEditorIfNeeded())->addToDesktop (0);
+        windows.back()->setVisible (true);
+        ++openings.number;
+
+        if (windows.size() > 4)
+            windows.pop_front();
+    }
+
+    /** The whole instance. The message thread does not wait for the host's other one. */
+    void loadOrSave (Seat& seat)
+    {
+        const std::unique_lock lock (seat.stateLock, std::try_to_lock);
+
+        if (! lock.owns_lock())
+            return;
+
+        const auto isLoad = random.nextBool() && ! seat.project.isEmpty();
+
+        if (isLoad)
+            seat.instance->setStateInformation (seat.project.getData(), static_cast<int> (seat.project.getSize()));
+        else
+            seat.instance->getStateInformation (seat.project);
+
+        ++(isLoad ? loads : saves).number;
+    }
+
+    static constexpr int numAudioThreads = 4;
+
+    Seats& seats;
+    int seed;      ///< The one given out last.
+    Random random; ///< The message thread's.
+    std::function<void()> rest;
+    std::deque<double> roundsMs;
+    double endMs = 0.0;
+    std::deque<std::unique_ptr<juce::AudioProcessorEditor>> windows;
+    std::vector<std::jthread> workers;
+};
+
+} // namespace tarvik::soak
