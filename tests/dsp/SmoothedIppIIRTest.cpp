@@ -98,22 +98,6 @@ TEST_F (SmoothedIppIIRTest, ChangesBeforePrepareLeaveNeitherCrossfadeNorTimerBeh
     EXPECT_FALSE (filter.isTimerRunning());
 }
 
-TEST_F (SmoothedIppIIRTest, CrossfadeTakesATenthOfASecondForAnyCuttingIntoBlocks)
-{
-    for (const auto block : { 1, 100, 256, 1000 })
-    {
-        changeGain (filter, 0.5);
-        prepare();
-        changeGain (filter, 1.0);
-        const auto row = processOnes (filter, rampLength + 100, block);
-        EXPECT_LT (row[rampLength - 2], 1.0f);
-        EXPECT_EQ (row[rampLength - 1], 1.0f) << block;
-
-        for (std::size_t i = 0; i < rampLength; ++i)
-            ASSERT_NEAR (row[i], 0.5 + 0.5 * shareAt (i), 1e-6) << block;
-    }
-}
-
 TEST_F (SmoothedIppIIRTest, CrossfadeScalesTheInputsStartsFromRestAndFadesTheOldTail)
 {
     changeLowPass (filter, 1000.0);
