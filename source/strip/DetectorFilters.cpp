@@ -72,14 +72,15 @@ void DetectorFilters::process (float* const* rows, int n) noexcept
     {
         const auto highPassRests = highPass.beginSlice();
         const auto niveauRests = niveau.beginSlice();
-        length = niveau.getPieceLength (highPass.getPieceLength (n));
 
         if (highPassRests && niveauRests)
         {
+            length = n;
             processInTurn (highPass.getActiveCascades(), niveau.getCascades(), pieces.data(), length);
         }
         else
         {
+            length = niveau.getPieceLength (highPass.getPieceLength (n));
             highPass.process (pieces.data(), length);
             niveau.process (pieces.data(), length);
         }

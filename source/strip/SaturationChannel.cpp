@@ -160,8 +160,11 @@ void SaturationChannel::filter (std::span<SaturationChannel* const> channels, fl
             auto& high = *(highPassFilters[c] = &channels[c]->highPass);
             auto& low = *(lowPassFilters[c] = &channels[c]->lowPass);
             const auto highRests = high.beginSlice(), lowRests = low.beginSlice();
-            length = low.getPieceLength (high.getPieceLength (length));
             rests[c] = highRests && lowRests;
+
+            if (! rests[c])
+                length = low.getPieceLength (high.getPieceLength (length));
+
             allRest = allRest && rests[c];
             noneRests = noneRests && ! rests[c];
             highPasses[c] = high.getActiveCascades().front();
