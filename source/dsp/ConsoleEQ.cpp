@@ -89,38 +89,49 @@ bool ConsoleEQ::beginSlice() noexcept
     return highPassRests && networkRests && ! network.getActiveCascades().empty();
 }
 
+// At rest the samples between the two filters keep their 64 bits, in a move they don't. So what rests goes by itself,
+// and it rests from the sample at which the last move ends.
+
 void ConsoleEQ::process (float* row, int n) noexcept
 {
-    if (beginSlice())
-        return processInTurn (highPass.getActiveCascades(), network.getActiveCascades(), &row, n);
+    for (int length = 0; n > 0; row += length, n -= length)
+    {
+        if (beginSlice())
+            return processInTurn (highPass.getActiveCascades(), network.getActiveCascades(), &row, n);
 
-    highPass.process (&row, n);
-    network.process (&row, n);
+        length = getPieceLength (n);
+        highPass.process (&row, length);
+        network.process (&row, length);
+    }
 }
 
 void ConsoleEQ::processPair (ConsoleEQ& left, ConsoleEQ& right, float* leftRow, float* rightRow, int n) noexcept
 {
-    const std::array<float*, 2> rows { leftRow, rightRow };
-    const auto leftRests = left.beginSlice(), rightRests = right.beginSlice();
-
-    if (leftRests && rightRests)
+    for (int length = 0; n > 0; leftRow += length, rightRow += length, n -= length)
     {
-        const auto first = [] (auto& filter) { return filter.getActiveCascades().front(); };
-        return processInTurn (std::array { first (left.highPass), first (right.highPass) },
-                              std::array { first (left.network), first (right.network) }, rows.data(), n);
-    }
+        const std::array<float*, 2> rows { leftRow, rightRow };
+        const auto leftRests = left.beginSlice(), rightRests = right.beginSlice();
 
-    // At rest the samples between the two filters keep their 64 bits, in a move they don't; so what rests goes by
-    // itself.
-    if (leftRests || rightRests)
-    {
-        left.process (leftRow, n);
-        return right.process (rightRow, n);
-    }
+        if (leftRests && rightRests)
+        {
+            const auto first = [] (auto& filter) { return filter.getActiveCascades().front(); };
+            return processInTurn (std::array { first (left.highPass), first (right.highPass) },
+                                  std::array { first (left.network), first (right.network) }, rows.data(), n);
+        }
 
-    using HighPass = decltype (left.highPass);
-    using Network = decltype (left.network);
-    HighPass::processTogether (std::array { &left.highPass, &right.highPass }, rows.data(), n);
-    Network::processTogether (std::array { &left.network, &right.network }, rows.data(), n);
+        length = right.getPieceLength (left.getPieceLength (n));
+
+        if (leftRests || rightRests)
+        {
+            left.process (leftRow, length);
+            right.process (rightRow, length);
+            continue;
+        }
+
+        using HighPass = decltype (left.highPass);
+        using Network = decltype (left.network);
+        HighPass::processTogether (std::array { &left.highPass, &right.highPass }, rows.data(), length);
+        Network::processTogether (std::array { &left.network, &right.network }, rows.data(), length);
+    }
 }
 } // namespace tarvik

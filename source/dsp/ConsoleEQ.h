@@ -47,8 +47,11 @@ public:
     static void processPair (ConsoleEQ& left, ConsoleEQ& right, float* leftRow, float* rightRow, int n) noexcept;
 
 private:
-    /** Whether both filters are prepared and neither moves in the coming slice. */
+    /** Whether both filters are prepared and neither moves in the coming samples. */
     bool beginSlice() noexcept;
+
+    /** After that: of the next n samples, how many come before a move in either ends. */
+    int getPieceLength (int n) const noexcept { return network.getPieceLength (highPass.getPieceLength (n)); }
 
     void updateHighPass (int position) noexcept;
 

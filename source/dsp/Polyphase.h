@@ -56,6 +56,9 @@ public:
     /** Clears the history of every channel. */
     void reset() noexcept;
 
+    /** Clears that of one, which is below getNumChannels(). */
+    void reset (int channel) noexcept { records[static_cast<std::size_t> (channel)].reset(); }
+
     int getFactor() const noexcept { return factor; }
 
     int getNumChannels() const noexcept { return static_cast<int> (records.size()); }

@@ -13,9 +13,8 @@ namespace
 {
 constexpr auto rampSeconds = 0.1;
 constexpr auto retryMilliseconds = 10;
-
-// Within the time for which a waiting change would wait for the timer anyway.
-constexpr auto tailSeconds = 0.01;
+constexpr auto tailSeconds = 0.1;
+constexpr auto hurriedTailSeconds = 0.01;
 
 std::uint32_t getRampLength (double seconds, double sampleRate) noexcept
 {
@@ -72,7 +71,7 @@ void SmoothedIppIIR<Sample, Coefs>::timerCallback()
 {
     work();
 
-    if (! hasWork() && ! (isCrossfading.load() && published.hasNews()))
+    if (! hasWork() && ! (isCrossfading.load() && (published.hasNews() || isWaiting.load())))
     {
         stopTimer();
         isRetrying = false;
@@ -151,7 +150,8 @@ void SmoothedIppIIR<Sample, Coefs>::prepare (double sampleRate, int channels, in
     const auto steps = getRampLength (rampSeconds, sampleRate);
     onRamp.prepare (steps);
     bankRamp.steps = steps;
-    tailRamp.steps = getRampLength (tailSeconds, sampleRate);
+    tailSteps = getRampLength (tailSeconds, sampleRate);
+    hurrySteps = getRampLength (hurriedTailSeconds, sampleRate);
 
     {
         const std::lock_guard lock (coefs.designLock);
@@ -189,16 +189,20 @@ template <typename Sample, typename Coefs>
 void SmoothedIppIIR<Sample, Coefs>::settle() noexcept
 {
     bankRamp.snap();
-    tailRamp.snap();
+    endTail();
     isCrossfading = false;
     isAtRest = false;
 
-    const auto isNew = published.takeNewest();
+    const auto isNew = published.takeNewest() || isWaiting.load();
+    isWaiting = false;
+
+    if (isNew)
+        currentTaps = published.getReadSlot();
 
     for (auto& filter : filters)
     {
         if (isNew)
-            filter.setTaps (published.getReadSlot());
+            filter.setTaps (currentTaps);
         else
             filter.clear();
     }
@@ -227,23 +231,56 @@ bool SmoothedIppIIR<Sample, Coefs>::beginDisturbedSlice() noexcept
     const auto wasOff = isOff();
     onRamp.takeRequest();
 
-    if (isOff() ? published.hasNews() : wasOff) // nothing is heard of it: no crossfade is needed
+    takePublished();
+
+    if (isOff() ? isWaiting.load() : wasOff) // nothing is heard of it: no crossfade is needed
         settle();
-
-    if (! isChanging() && published.takeNewest())
-    {
-        const auto idleBank = 1 - static_cast<int> (bankRamp.target);
-
-        for (auto* const filter : getBank (static_cast<std::size_t> (idleBank)))
-            filter->setTaps (published.getReadSlot());
-
-        bankRamp.set (idleBank);
-    }
+    else if (isWaiting.load() && ! isChanging())
+        beginCrossfade();
+    else if (isWaiting.load() && ! tail.isIdle() && hurry.isIdle())
+        hurry.begin (hurrySteps);
 
     noteCrossfading();
     const auto rests = ! isChanging() && onRamp.get().isIdle() && ! isOff();
     isAtRest = rests && ! hasWork(); // else the lock was taken, and the next slice looks again
     return rests;
+}
+
+/** A design that is what the input goes to already takes the place of one that waited, and is done with. */
+template <typename Sample, typename Coefs>
+void SmoothedIppIIR<Sample, Coefs>::takePublished() noexcept
+{
+    if (published.takeNewest())
+        isWaiting = published.getReadSlot() != currentTaps;
+}
+
+template <typename Sample, typename Coefs>
+void SmoothedIppIIR<Sample, Coefs>::beginCrossfade() noexcept
+{
+    const auto idleBank = 1 - static_cast<int> (bankRamp.target);
+    currentTaps = published.getReadSlot();
+    isWaiting = false;
+
+    for (auto* const filter : getBank (static_cast<std::size_t> (idleBank)))
+        filter->setTaps (currentTaps);
+
+    bankRamp.set (idleBank);
+}
+
+template <typename Sample, typename Coefs>
+int SmoothedIppIIR<Sample, Coefs>::getPieceLength (int n) const noexcept
+{
+    if (isOff())
+        return n;
+
+    auto length = static_cast<std::uint32_t> (n);
+
+    for (const auto remaining :
+         { onRamp.get().remaining, bankRamp.remaining, tail.getRemaining(), hurry.getRemaining() })
+        if (remaining > 0)
+            length = std::min (length, remaining);
+
+    return static_cast<int> (length);
 }
 
 template <typename Sample, typename Coefs>
@@ -264,15 +301,19 @@ template <typename Sample, typename Coefs>
 void SmoothedIppIIR<Sample, Coefs>::processTogether (std::span<SmoothedIppIIR* const> filters, Sample* const* rows,
                                                      int n) noexcept
 {
-    auto longest = n;
-
-    for (const auto* const filter : filters)
-        if (filter->numChannels > 0)
-            longest = std::min (longest, static_cast<int> (filter->bankRow.size()));
-
-    for (int done = 0; done < n; done += longest)
+    for (int done = 0, length = 0; done < n; done += length)
     {
-        const auto length = std::min (n - done, longest);
+        length = n - done;
+
+        for (auto* const filter : filters)
+        {
+            filter->beginSlice();
+            length = filter->getPieceLength (length);
+
+            if (filter->numChannels > 0)
+                length = std::min (length, static_cast<int> (filter->bankRow.size()));
+        }
+
         CascadePass pass (length);
 
         for (std::size_t f = 0, row = 0; f < filters.size(); row += filters[f++]->numChannels)
@@ -285,24 +326,24 @@ void SmoothedIppIIR<Sample, Coefs>::processTogether (std::span<SmoothedIppIIR* c
     }
 }
 
-/** Begins a slice: gives the pass what the cascades have to filter. Where nothing moves, that is the rows
+/** Begins a piece: gives the pass what the cascades have to filter. Where nothing moves, that is the rows
     themselves. */
 template <typename Sample, typename Coefs>
 void SmoothedIppIIR<Sample, Coefs>::feed (Sample* const* rows, int begin, CascadePass& pass) noexcept
 {
     const auto n = pass.n;
 
-    if (numChannels == 0 || (! beginSlice() && isOff()))
+    if (numChannels == 0 || isOff())
     {
         moves = {};
         return;
     }
 
-    // A ramp that ends within these samples rests at its target for the others, and both filters finish the slice.
     moves = { .isFading = ! onRamp.get().isIdle(),
               .isChangingBanks = ! bankRamp.isIdle(),
-              .hasTail = ! tailRamp.isIdle() };
-    const auto [isFading, isChangingBanks, hasTail] = moves;
+              .hasTail = ! tail.isIdle(),
+              .isHurried = ! hurry.isIdle() };
+    const auto [isFading, isChangingBanks, hasTail, isHurried] = moves;
 
     if (isFading)
         onRamp.fillTaken (onRow.data(), n);
@@ -311,7 +352,13 @@ void SmoothedIppIIR<Sample, Coefs>::feed (Sample* const* rows, int begin, Cascad
         bankRamp.fill (bankRow.data(), n);
 
     if (hasTail)
-        tailRamp.fill (tailRow.data(), n);
+    {
+        std::fill_n (tailRow.data(), n, Sample (1));
+        tail.multiply (tailRow.data(), n);
+
+        if (isHurried)
+            hurry.multiply (tailRow.data(), n);
+    }
 
     if (hasTail && isFading)
         std::transform (tailRow.data(), tailRow.data() + n, onRow.data(), tailRow.data(), std::multiplies<>());
@@ -343,17 +390,17 @@ void SmoothedIppIIR<Sample, Coefs>::feed (Sample* const* rows, int begin, Cascad
     }
 }
 
-/** Ends a slice: puts together what the cascades have made of it. */
+/** Ends a piece: puts together what the cascades have made of it. */
 template <typename Sample, typename Coefs>
 void SmoothedIppIIR<Sample, Coefs>::finish (Sample* const* rows, int begin, int n) noexcept
 {
-    const auto [isFading, isChangingBanks, hasTail] = moves;
+    const auto [isFading, isChangingBanks, hasTail, isHurried] = moves;
 
     if (! isFading && ! isChangingBanks && ! hasTail)
         return;
 
     const auto* const on = onRow.data();
-    const auto* const tail = tailRow.data();
+    const auto* const tailShare = tailRow.data();
 
     for (std::size_t c = 0; c < numChannels; ++c)
     {
@@ -365,7 +412,7 @@ void SmoothedIppIIR<Sample, Coefs>::finish (Sample* const* rows, int begin, int 
             std::transform (wet, wet + n, second, isFading ? wet : x, std::plus<>());
         else if (hasTail)
             for (int i = 0; i < n; ++i)
-                wet[i] += tail[i] * second[i];
+                wet[i] += tailShare[i] * second[i];
 
         if (isFading && isChangingBanks)
             for (int i = 0; i < n; ++i)
@@ -376,10 +423,10 @@ void SmoothedIppIIR<Sample, Coefs>::finish (Sample* const* rows, int begin, int 
     }
 
     if (isChangingBanks && bankRamp.isIdle())
-    {
-        tailRamp.current = tailRamp.target = 1.0;
-        tailRamp.set (0.0);
-    }
+        tail.begin (tailSteps);
+
+    if (hasTail && (tail.isIdle() || (isHurried && hurry.isIdle())))
+        endTail();
 
     noteCrossfading();
 }

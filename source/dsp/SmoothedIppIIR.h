@@ -3,6 +3,7 @@
 
 #include "dsp/BiquadCascade.h"
 #include "dsp/CascadePass.h"
+#include "dsp/CosineFade.h"
 #include "dsp/MZTiCoefs.h"
 #include "dsp/Ramps.h"
 #include "dsp/TripleBuffer.h"
@@ -20,8 +21,13 @@ namespace tarvik
 /** A filter that takes new coefficients by a crossfade. It keeps two banks of filter states; a new design goes into
     the idle bank with a clear delay line, and the input moves over to it within 0.1 s. It is the inputs of the two
     filters that are scaled, not their outputs: the new one sees its input rise from nothing, the old one rings out.
-    What a low resonance or a corner far below the music still holds when the inputs have changed places is faded out
-    over another 10 ms; cutting it off there would be heard as a click under a bass note.
+    What a low resonance or a corner far below the music still holds when the inputs have changed places, the tail, is
+    faded out as half a cosine: over 0.1 s, or within 10 ms from when a further design waits. A shorter or straighter
+    fade would be heard as a click under a bass note.
+
+    Crossfades and tails end at their sample, and there the next design is taken: process() cuts its rows at these
+    places, so that what is heard depends on when a change came and not on how the host cuts its blocks. A design equal
+    to the current one changes nothing.
 
     Who owns what. There is a control side and an audio side, and between them only hand-overs.
 
@@ -31,9 +37,9 @@ namespace tarvik
       again when it gives it back. Should even that miss, the next process() designs what is left.
     - Audio side: process(), beginSlice(), getActiveCascades(), reset(), prepare(). One call at a time, and prepare()
       and reset() never during process(). Banks and ramps belong to this side alone. bringInCoefficients() only
-      publishes the finished taps; the audio side takes them at the start of a slice, if no crossfade or tail runs. So there
-      are never two crossfades at once, and of the designs published during one only the newest is ever heard, from
-      the first slice after its tail. That needs no message loop, however much faster than real time the audio runs.
+      publishes the finished taps; the audio side takes them when a slice begins, and begins a crossfade at the first
+      sample at which none runs, nor a tail. So there are never two crossfades at once, and of the designs published
+      during one only the newest is ever heard. That needs no message loop, however fast the audio runs.
     - The timer is a second chance: while a change waits behind a crossfade, every 10 ms the message thread looks
       whether a design was left over, and stops the timer when nothing waits any more. Starting it takes a lock, so
       only changes on the message thread do, and not where that thread runs process() itself. As with every
@@ -85,7 +91,8 @@ public:
     static void processTogether (std::span<SmoothedIppIIR* const> filters, Sample* const* rows, int n) noexcept;
 
     /** Audio side, for callers that run several filters in one pass: takes what the control side has published, and
-        says whether nothing moves, so that getActiveCascades() on the rows does exactly what process() would do. */
+        says whether nothing moves, so that getActiveCascades() on the rows does exactly what process() would do. Where
+        something moves, such a caller goes no further than getPieceLength() before it asks again. */
     bool beginSlice() noexcept
     {
         // Every slice of every filter comes here, and nearly always nothing has happened since the last one.
@@ -94,7 +101,10 @@ public:
         return (isAtRest && isSameThread && ! isDisturbed.load (std::memory_order_acquire)) || beginDisturbedSlice();
     }
 
-    /** Audio side: the cascades of the bank in force, one per channel. */
+    /** Audio side, after beginSlice(): of the next n samples, how many come before a move ends. */
+    int getPieceLength (int n) const noexcept;
+
+    /** Audio side: the cascades of the current bank, one per channel. */
     std::span<BiquadCascade* const> getActiveCascades() const noexcept
     {
         return getBank (static_cast<std::size_t> (bankRamp.target));
@@ -120,11 +130,19 @@ private:
     bool isOff() const noexcept;
     void settle() noexcept;
     bool beginDisturbedSlice() noexcept;
+    void takePublished() noexcept;
+    void beginCrossfade() noexcept;
     void noteCrossfading() noexcept;
     void feed (Sample* const* rows, int begin, CascadePass& pass) noexcept;
     void finish (Sample* const* rows, int begin, int n) noexcept;
 
-    bool isChanging() const noexcept { return ! (bankRamp.isIdle() && tailRamp.isIdle()); }
+    bool isChanging() const noexcept { return ! (bankRamp.isIdle() && tail.isIdle()); }
+
+    void endTail() noexcept
+    {
+        tail.end();
+        hurry.end();
+    }
 
     std::span<BiquadCascade* const> getBank (std::size_t bank) const noexcept
     {
@@ -139,6 +157,7 @@ private:
     TripleBuffer<typename Coefs::Taps> published;
     std::atomic<bool> isDisturbed { true };                           ///< one of the above, or onRamp, has news
     std::atomic<bool> isCrossfading { false };                        ///< tail included; written by the audio side
+    std::atomic<bool> isWaiting { false };                            ///< a design, and the audio side has it
     std::atomic<bool> isRetrying { false };                           ///< the timer runs
     std::atomic<juce::Thread::ThreadID> processingThread { nullptr }; ///< the last one in process()
 
@@ -147,18 +166,22 @@ private:
     std::vector<BiquadCascade> filters;         ///< bank 0 of every channel, then bank 1 of every channel
     std::vector<BiquadCascade*> filterPointers; ///< to each of `filters`
     SharedRamp<LinearRamp> onRamp { 1.0 };
-    LinearRamp bankRamp { 0.0 }; ///< how much of the input goes to bank 1
-    LinearRamp tailRamp { 0.0 }; ///< behind a crossfade: how much is heard of the bank that gets no input any more
+    LinearRamp bankRamp { 0.0 };         ///< how much of the input goes to bank 1
+    typename Coefs::Taps currentTaps {}; ///< of the bank that bankRamp goes to
+    CosineFade tail;                     ///< after a crossfade: what is heard of the bank that gets no input any more
+    CosineFade hurry;                    ///< a second factor of it while a design waits
+    std::uint32_t tailSteps = 1, hurrySteps = 1;
     std::size_t numChannels = 0;
     Row bankRow, onRow, tailRow;
     std::vector<Row> workRows; ///< two for each channel: what a bank gets and makes of it
 
-    /** What the slice under way does; finish() has to know it. */
+    /** What the piece under way does; finish() has to know it. */
     struct Moves
     {
         bool isFading = false;
         bool isChangingBanks = false;
         bool hasTail = false;
+        bool isHurried = false;
     };
 
     Moves moves;

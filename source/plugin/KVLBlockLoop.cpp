@@ -89,6 +89,7 @@ void KVLProcessor::processBlock (juce::AudioBuffer<float>& buffer, juce::MidiBuf
         return;
 
     const auto layout = channelsOf (buffer);
+    noteSidechain (layout);
 
     forEachSlice (buffer, layout,
                   [&] (float** channels, int, int n)
@@ -121,12 +122,14 @@ void KVLProcessor::processBlockBypassed (juce::AudioBuffer<float>& buffer, juce:
 
     if (isFading)
     {
+        noteSidechain (layout);
         forEachSlice (buffer, layout,
                       [&] (float** channels, int, int n)
                       { processSlice (channels, layout.numMain, layout.numSidechain, n); });
         return;
     }
 
+    sidechainInUse = 0;
     const auto numDelayed = std::min (latencyDelay.getNumChannels(), buffer.getNumChannels());
 
     forEachSlice (buffer, layout,
@@ -161,6 +164,15 @@ KVLProcessor::BlockChannels KVLProcessor::channelsOf (const juce::AudioBuffer<fl
     }
 
     return layout;
+}
+
+/** A side chain that begins to be heard begins with silence, not with what its samplers kept from the last time. */
+void KVLProcessor::noteSidechain (const BlockChannels& layout)
+{
+    for (int c = sidechainInUse; c < layout.numSidechain; ++c)
+        oversamplers.clear (layout.numMain + c);
+
+    sidechainInUse = layout.numSidechain;
 }
 
 template <typename SliceWork>

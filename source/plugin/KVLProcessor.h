@@ -234,6 +234,7 @@ private:
     int oversamplingFactor() const { return OversamplerBank::usableFactor (oversamplingSetting().getValue()); }
 
     BlockChannels channelsOf (const juce::AudioBuffer<float>& buffer) const;
+    void noteSidechain (const BlockChannels& layout);
 
     template <typename SliceWork>
     void forEachSlice (juce::AudioBuffer<float>& buffer, const BlockChannels& layout, SliceWork&& work);
@@ -284,6 +285,7 @@ private:
     OversamplerBank oversamplers;
     RelaxedValue<int> maxSliceSize = 0; ///< 256 while prepared, 0 otherwise.
     int preparedMainChannels = 0;
+    int sidechainInUse = 0; ///< Channels of it that the last block heard.
     LatencyDelay latencyDelay;
     RelaxedValue<int> latencyInUse = Polyphase::latencySamples;
     BypassFader bypassFader;

@@ -33,6 +33,9 @@ public:
 
     int getNumChannels() const noexcept { return samplers.getNumChannels(); }
 
+    /** Forgets what the channel has heard. */
+    void clear (int channel) noexcept { samplers.reset (channel); }
+
     /** Takes n samples of a channel up to the processing rate, at their level; the factor must be above 1. */
     void upsample (int channel, const float* row, int n) noexcept;
 

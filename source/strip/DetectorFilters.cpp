@@ -41,6 +41,7 @@ void DetectorFilters::prepare (double rateHz, int numChannels, int maxSamples)
 {
     highPass.prepare (rateHz, numChannels, maxSamples);
     niveau.prepare (rateHz, numChannels, maxSamples);
+    pieces.assign (static_cast<std::size_t> (std::max (numChannels, 0)), nullptr);
 }
 
 void DetectorFilters::reset() noexcept
@@ -63,17 +64,29 @@ void DetectorFilters::setHighPass (float cutoffHz) noexcept
 
 void DetectorFilters::process (float* const* rows, int n) noexcept
 {
-    const auto highPassRests = highPass.beginSlice();
-    const auto niveauRests = niveau.beginSlice();
+    std::copy_n (rows, pieces.size(), pieces.begin());
 
-    if (highPassRests && niveauRests)
+    // Cut where a fade ends: at rest the samples between the filters keep 64 bits, and a filter that has faded out is
+    // not heard any more.
+    for (int length = 0; n > 0; n -= length)
     {
-        processInTurn (highPass.getActiveCascades(), niveau.getCascades(), rows, n);
-    }
-    else
-    {
-        highPass.process (rows, n);
-        niveau.process (rows, n);
+        const auto highPassRests = highPass.beginSlice();
+        const auto niveauRests = niveau.beginSlice();
+
+        if (highPassRests && niveauRests)
+        {
+            length = n;
+            processInTurn (highPass.getActiveCascades(), niveau.getCascades(), pieces.data(), length);
+        }
+        else
+        {
+            length = niveau.getPieceLength (highPass.getPieceLength (n));
+            highPass.process (pieces.data(), length);
+            niveau.process (pieces.data(), length);
+        }
+
+        for (auto& piece : pieces)
+            piece += length;
     }
 
     settle (highPass.getActiveCascades());

@@ -5,6 +5,8 @@
 #include "dsp/SmoothedIppIIR.h"
 #include "strip/NiveauFilter.h"
 
+#include <vector>
+
 namespace tarvik
 {
 
@@ -36,6 +38,7 @@ public:
 private:
     SmoothedIppIIR<float, MZTiCoefs<double, 2, 2>> highPass;
     NiveauFilter niveau;
+    std::vector<float*> pieces; ///< where the rows go on
 };
 
 } // namespace tarvik

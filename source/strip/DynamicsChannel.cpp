@@ -25,7 +25,16 @@ namespace tarvik::dynamics::HWY_NAMESPACE
 {
 namespace
 {
-template <Expander::Mode mode>
+/** What becomes of the expander's voltage. */
+enum class Expansion
+{
+    none,
+    falling, ///< switched off, and the capacitor isn't empty yet
+    expander,
+    gate
+};
+
+template <Expansion expansion>
 HWY_INLINE double step (const DynamicsCircuits& circuits, DynamicsChannel& channel, const DynamicsRows& rows, int i)
 {
     const auto& [compressor, limiter, expander] = circuits;
@@ -34,10 +43,13 @@ HWY_INLINE double step (const DynamicsCircuits& circuits, DynamicsChannel& chann
     // What expander or gate, limiter and compressor want; the largest voltage wins.
     auto expanderVolts = 0.0;
 
-    if constexpr (mode == Expander::Mode::expander)
+    if constexpr (expansion == Expansion::falling)
+        expanderVolts = 0.5 * Expander::fall (channel.expander);
+
+    if constexpr (expansion == Expansion::expander)
         expanderVolts = 0.5 * expander.charge (channel.expander, rows.attenuationsDb[i]);
 
-    if constexpr (mode == Expander::Mode::gate)
+    if constexpr (expansion == Expansion::gate)
     {
         const auto key = static_cast<double> (rows.gateKey[i]);
         const auto attenuationDb = expander.gateAttenuation (channel.expander, channel.gain, key);
@@ -66,7 +78,7 @@ HWY_INLINE double step (const DynamicsCircuits& circuits, DynamicsChannel& chann
     return std::max (gain, 0.0); // the first argument is kept if it is a NaN
 }
 
-template <Expander::Mode mode, std::size_t numChannels>
+template <Expansion expansion, std::size_t numChannels>
 HWY_NOINLINE void run (const DynamicsCircuits& circuits, DynamicsChannel* const* channels, const DynamicsRows* rows,
                        int n)
 {
@@ -78,12 +90,12 @@ HWY_NOINLINE void run (const DynamicsCircuits& circuits, DynamicsChannel* const*
 
     for (int i = 0; i < n; ++i)
     {
-        first.gain = step<mode> (localCircuits, first, firstRows, i);
+        first.gain = step<expansion> (localCircuits, first, firstRows, i);
         firstRows.gains[i] = static_cast<float> (first.gain);
 
         if constexpr (last > 0)
         {
-            lastChannel.gain = step<mode> (localCircuits, lastChannel, lastRows, i);
+            lastChannel.gain = step<expansion> (localCircuits, lastChannel, lastRows, i);
             lastRows.gains[i] = static_cast<float> (lastChannel.gain);
         }
     }
@@ -100,12 +112,18 @@ void runInMode (const DynamicsCircuits& circuits, DynamicsChannel* const* channe
     switch (circuits.expander.getMode())
     {
         case Expander::Mode::expander:
-            return run<Expander::Mode::expander, numChannels> (circuits, channels, rows, n);
+            return run<Expansion::expander, numChannels> (circuits, channels, rows, n);
         case Expander::Mode::gate:
-            return run<Expander::Mode::gate, numChannels> (circuits, channels, rows, n);
+            return run<Expansion::gate, numChannels> (circuits, channels, rows, n);
         case Expander::Mode::off:
-            return run<Expander::Mode::off, numChannels> (circuits, channels, rows, n);
+            break;
     }
+
+    // Where the capacitor is empty both of these do the same, the second with less work.
+    if (channels[0]->expander.volts > 0.0 || channels[numChannels - 1]->expander.volts > 0.0)
+        run<Expansion::falling, numChannels> (circuits, channels, rows, n);
+    else
+        run<Expansion::none, numChannels> (circuits, channels, rows, n);
 }
 
 void process (const DynamicsCircuits& circuits, DynamicsChannel* const* channels, const DynamicsRows* rows,

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 
 namespace tarvik
 {
@@ -134,9 +135,15 @@ void DynamicsSection::applySettings (const DynamicsSettings& newest) noexcept
     circuits.limiter.setOn (settings.isLimiterOn);
     circuits.expander.set (settings.expander);
 
-    if (wasOff)
-        for (auto& channel : channels)
+    const auto isOff = circuits.expander.getMode() == Expander::Mode::off;
+
+    for (auto& channel : channels)
+    {
+        if (wasOff)
             Expander::restDetector (channel.loop.expander);
+        else if (isOff)
+            circuits.expander.beginFall (channel.loop.expander);
+    }
 }
 
 bool DynamicsSection::isResting() const noexcept
@@ -145,23 +152,38 @@ bool DynamicsSection::isResting() const noexcept
 }
 
 //==============================================================================
+/** Of the next n samples, how many the section is in circuit for: all, while it is in or fades; up to the end of the
+    moves, where they take it out; none. */
+int DynamicsSection::countInCircuit (int n) const noexcept
+{
+    if (settings.isIn || mixRamp.get().target != 0.0)
+        return n;
+
+    const auto remaining =
+        std::max ({ mixRamp.get().remaining, inputRamp.get().remaining, outputRamp.get().remaining });
+    return static_cast<int> (std::min (static_cast<std::uint32_t> (n), remaining));
+}
+
 void DynamicsSection::process (float* const* audio, int n, int numSidechain) noexcept
 {
     takeSettings();
-    isInCircuit = settings.isIn || ! isResting() || mixRamp.get().current != 0.0;
 
-    if (isInCircuit)
+    if (const auto length = countInCircuit (n); length > 0)
     {
-        fillCurves (n);
-        const auto* const sidechain = chooseSidechain (audio, n, numSidechain);
-        makeDetectorRows (audio, sidechain, n);
-        makeKeys (audio, sidechain, n);
-        runLoops (n);
-        feedNeedles (n);
-        applyGains (audio, n);
+        isHeard = settings.isIn || ! mixRamp.get().isIdle() || mixRamp.get().current != 0.0;
+        fillCurves (length);
+        const auto* const sidechain = chooseSidechain (audio, length, numSidechain);
+        makeDetectorRows (audio, sidechain, length);
+        makeKeys (audio, sidechain, length);
+        runLoops (length);
+        feedNeedles (length);
+        applyGains (audio, length);
+        n -= length;
     }
-    else
+
+    if (n > 0)
     {
+        isHeard = false;
         feedNeedles (n);
     }
 }
@@ -278,14 +300,15 @@ void DynamicsSection::runLoops (int n) noexcept
     }
 }
 
-/** Out of circuit the reading is that of the gain element at rest. */
+/** Out of circuit the reading is that of the gain element at rest; also while the loop only runs along, unheard, because
+    another control's ramp moves. */
 void DynamicsSection::feedNeedles (int n) noexcept
 {
-    if (! isInCircuit)
+    if (! isHeard)
         rows::fill (scratch.data(), meteredRest, n);
 
     for (auto& channel : channels)
-        channel.meteredGain = channel.needle.process (isInCircuit ? channel.gains.data() : scratch.data(), n);
+        channel.meteredGain = channel.needle.process (isHeard ? channel.gains.data() : scratch.data(), n);
 }
 
 /** audio x ((1 - mix) + input x mix x output x gain): dry and wet share one multiplication, so no delay can come
@@ -313,7 +336,7 @@ void DynamicsSection::writeReadOuts (ParameterSnapshot& snapshot) const noexcept
 
     snapshot.gainReductionDb = dbFromGain (smallestGain / meteredRest);
     snapshot.limiterActive = settings.isIn && limiterVolts > lampVolts;
-    snapshot.expanderAmount = isInCircuit ? static_cast<float> (circuits.expander.getActivity (expanderVolts)) : 0.0f;
+    snapshot.expanderAmount = isHeard ? static_cast<float> (circuits.expander.getActivity (expanderVolts)) : 0.0f;
 }
 
 } // namespace tarvik

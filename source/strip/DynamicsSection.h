@@ -84,6 +84,7 @@ private:
     void takeSettings() noexcept;
     void applySettings (const DynamicsSettings& settings) noexcept;
     bool isResting() const noexcept;
+    int countInCircuit (int n) const noexcept;
     void fillCurves (int n) noexcept;
     const float* const* chooseSidechain (const float* const* channels, int n, int numSidechain) noexcept;
     void makeDetectorRows (const float* const* channels, const float* const* sidechain, int n) noexcept;
@@ -98,7 +99,7 @@ private:
 
     // Audio side.
     DynamicsSettings settings;
-    bool isInCircuit = false; ///< as of the last slice
+    bool isHeard = false; ///< the gain element, as of the last slice: in, or fading in or out
     SharedRamp<LinearRamp> mixRamp;
     SharedRamp<LinearRamp> inputRamp;
     SharedRamp<LinearRamp> outputRamp;

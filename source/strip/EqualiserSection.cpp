@@ -55,10 +55,10 @@ void EqualiserSection::update (const ParameterSnapshot& snapshot, bool force) no
     for (std::size_t c = 0; c < numInUse; ++c)
     {
         auto& equaliser = *equalisers[c];
-        const auto wanted = wantedToleranceChannel (snapshot, static_cast<int> (c));
+        const auto wanted = toleranceChannelOf (snapshot, static_cast<int> (c));
         const auto isChanged = wanted != equaliser.getToleranceChannel();
 
-        equaliser.update (controlsOf (snapshot, usableToleranceChannel (wanted)), force || isChanged);
+        equaliser.update (controlsOf (snapshot, wanted), force || isChanged);
         isAnotherChannel = isAnotherChannel || isChanged;
     }
 

@@ -49,6 +49,7 @@ public:
         double heldDb = 0.0;
         double holdSeconds = 0.0; ///< left of the present hold
         double volts = 0.0;
+        double fallVolts = 0.0; ///< per sample, once the mode is off
     };
 
     /** Takes the sample rate in Hz, above 0. */
@@ -124,6 +125,17 @@ public:
         return state.volts;
     }
 
+    /** Off, the capacitor is emptied in a straight line within 10 ms, so that nothing jumps: this takes note of the
+        voltage that it falls from. */
+    void beginFall (State& state) const noexcept { state.fallVolts = state.volts * (stepSeconds / fallSeconds); }
+
+    /** One sample of that; returns the voltage. */
+    static double fall (State& state) noexcept
+    {
+        state.volts = std::max (state.volts - state.fallVolts, 0.0);
+        return state.volts;
+    }
+
     /** The lamp's brightness for a capacitor voltage: 1 at the full range, and not limited to it. */
     double getActivity (double volts) const noexcept;
 
@@ -163,6 +175,7 @@ private:
         return state.heldDb;
     }
 
+    static constexpr double fallSeconds = 0.01;
     static constexpr double gateKeyGain = 0.5;
     static constexpr double lowestLevelDb = -100.0;
     static constexpr double referenceDb = -20.0 - 2.2184875;

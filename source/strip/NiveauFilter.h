@@ -4,6 +4,8 @@
 #include "dsp/BiquadCascade.h"
 #include "dsp/Ramps.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -29,10 +31,18 @@ public:
         getCascades() over the rows is all that process() would do. */
     bool beginSlice() noexcept;
 
+    /** Audio thread, after beginSlice(): of the next n samples, how many come before a fade ends. */
+    int getPieceLength (int n) const noexcept
+    {
+        const auto remaining = onRamp.get().remaining;
+        return remaining > 0 ? static_cast<int> (std::min (static_cast<std::uint32_t> (n), remaining)) : n;
+    }
+
     /** Audio thread: the filters, one per channel. */
     std::span<BiquadCascade* const> getCascades() const noexcept { return cascadePointers; }
 
-    /** Audio thread: one row of n samples per channel, in place; n is at most maxSamples. */
+    /** Audio thread: one row of n samples per channel, in place; n is at most maxSamples and no more than
+        getPieceLength(). */
     void process (float* const* rows, int n) noexcept;
 
 private:

@@ -139,42 +139,57 @@ void SaturationChannel::overdrive (float* row, int n) noexcept
     rows::add (row, bent.data(), n);
 }
 
+/** In pieces, up to the sample at which the next move of a filter ends: what rests keeps 64 bits between its two filters,
+    what moves doesn't. */
 void SaturationChannel::filter (std::span<SaturationChannel* const> channels, float* const* rows, int n) noexcept
 {
     std::array<BiquadCascade*, maxTogether> highPasses {};
     std::array<BiquadCascade*, maxTogether> lowPasses {};
     std::array<Filter*, maxTogether> highPassFilters {};
     std::array<Filter*, maxTogether> lowPassFilters {};
+    std::array<float*, maxTogether> pieces {};
     std::array<bool, maxTogether> rests {};
-    auto allRest = true, noneRests = true;
 
-    for (std::size_t c = 0; c < channels.size(); ++c)
+    for (int done = 0, length = 0; done < n; done += length)
     {
-        auto& high = *(highPassFilters[c] = &channels[c]->highPass);
-        auto& low = *(lowPassFilters[c] = &channels[c]->lowPass);
-        const auto highRests = high.beginSlice(), lowRests = low.beginSlice();
-        rests[c] = highRests && lowRests;
-        allRest = allRest && rests[c];
-        noneRests = noneRests && ! rests[c];
-        highPasses[c] = high.getActiveCascades().front();
-        lowPasses[c] = low.getActiveCascades().front();
+        auto allRest = true, noneRests = true;
+        length = n - done;
+
+        for (std::size_t c = 0; c < channels.size(); ++c)
+        {
+            auto& high = *(highPassFilters[c] = &channels[c]->highPass);
+            auto& low = *(lowPassFilters[c] = &channels[c]->lowPass);
+            const auto highRests = high.beginSlice(), lowRests = low.beginSlice();
+            rests[c] = highRests && lowRests;
+
+            if (! rests[c])
+                length = low.getPieceLength (high.getPieceLength (length));
+
+            allRest = allRest && rests[c];
+            noneRests = noneRests && ! rests[c];
+            highPasses[c] = high.getActiveCascades().front();
+            lowPasses[c] = low.getActiveCascades().front();
+            pieces[c] = rows[c] + done;
+        }
+
+        const auto run = [&] (std::size_t first, std::size_t count)
+        {
+            auto* const* const piece = pieces.data() + first;
+
+            if (rests[first])
+                return processInTurn (std::span (highPasses).subspan (first, count),
+                                      std::span (lowPasses).subspan (first, count), piece, length);
+
+            Filter::processTogether (std::span (highPassFilters).subspan (first, count), piece, length);
+            Filter::processTogether (std::span (lowPassFilters).subspan (first, count), piece, length);
+        };
+
+        if (allRest || noneRests)
+            run (0, channels.size());
+        else
+            for (std::size_t c = 0; c < channels.size(); ++c)
+                run (c, 1);
     }
-
-    const auto run = [&] (std::size_t first, std::size_t count)
-    {
-        if (rests[first])
-            return processInTurn (std::span (highPasses).subspan (first, count),
-                                  std::span (lowPasses).subspan (first, count), rows + first, n);
-
-        Filter::processTogether (std::span (highPassFilters).subspan (first, count), rows + first, n);
-        Filter::processTogether (std::span (lowPassFilters).subspan (first, count), rows + first, n);
-    };
-
-    if (allRest || noneRests)
-        return run (0, channels.size());
-
-    for (std::size_t c = 0; c < channels.size(); ++c)
-        run (c, 1);
 }
 
 //==============================================================================

@@ -28,7 +28,7 @@ public:
     void setThd (double thdDb) noexcept;
 
     /** The console channel, from 0; numbers that don't exist become the nearest. Designs the filters anew, unless the
-        number as it comes is the one in force. */
+        number as it comes is the current one. */
     void setVariant (int variant) noexcept;
 
     int getVariant() const noexcept { return components.getActiveChannel(); }

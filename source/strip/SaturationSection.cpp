@@ -46,7 +46,7 @@ void SaturationSection::update (const ParameterSnapshot& snapshot, bool force) n
 
     for (std::size_t c = 0; c < inUse.size(); ++c)
     {
-        inUse[c]->setVariant (wantedToleranceChannel (snapshot, static_cast<int> (c)));
+        inUse[c]->setVariant (toleranceChannelOf (snapshot, static_cast<int> (c)));
 
         if (thdChanges)
             inUse[c]->setThd (static_cast<double> (thdDb));

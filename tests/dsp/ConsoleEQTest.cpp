@@ -104,7 +104,7 @@ TEST_F (ConsoleEQTest, SoundsAsTheNetworkAndTheHighPassDemand)
     }
 }
 
-TEST_F (ConsoleEQTest, OnlyAChangeOfItsControlsSetsOffACrossfade)
+TEST_F (ConsoleEQTest, OnlyAChangeThatMakesAnotherFilterSetsOffACrossfade)
 {
     const auto isFading = [this] (bool force, auto change)
     {
@@ -116,8 +116,9 @@ TEST_F (ConsoleEQTest, OnlyAChangeOfItsControlsSetsOffACrossfade)
     };
 
     EXPECT_FALSE (isFading (false, [] (auto&) {}));
-    EXPECT_TRUE (isFading (true, [] (auto&) {}));
-    EXPECT_TRUE (isFading (false, [] (auto& c) { c.lowGain = 0.7f; })); // without effect beside a low cut, yet a change
+    EXPECT_FALSE (isFading (true, [] (auto&) {}));
+    EXPECT_FALSE (isFading (false, [] (auto& c) { c.lowGain = 0.7f; })); // without effect beside a low cut
+    EXPECT_TRUE (isFading (false, [] (auto& c) { c.midGain = 0.7f; }));
     EXPECT_TRUE (isFading (false, [] (auto& c) { c.highPass = 2; }));
     EXPECT_FALSE (isFading (false, [] (auto& c) { c.toleranceChannel = 31; })); // asks for force
     EXPECT_TRUE (isFading (true, [] (auto& c) { c.toleranceChannel = 31; }));

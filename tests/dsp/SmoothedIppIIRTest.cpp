@@ -9,6 +9,7 @@
 #include <atomic>
 #include <chrono>
 #include <future>
+#include <numbers>
 #include <semaphore>
 #include <thread>
 
@@ -23,7 +24,8 @@ using test::noise;
 
 constexpr double rate = 44100.0;
 constexpr int rampLength = 4410;
-constexpr int tailLength = 441;
+constexpr int tailLength = 4410;
+constexpr int hurriedTailLength = 441; ///< while the next design waits
 constexpr int blockSize = 256;
 
 /** A change of control as the equaliser makes it. A gain has no memory, so that the crossfade itself can be seen. */
@@ -96,36 +98,20 @@ TEST_F (SmoothedIppIIRTest, ChangesBeforePrepareLeaveNeitherCrossfadeNorTimerBeh
     EXPECT_FALSE (filter.isTimerRunning());
 }
 
-TEST_F (SmoothedIppIIRTest, CrossfadeTakesATenthOfASecondForAnyCuttingIntoBlocks)
-{
-    for (const auto block : { 1, 100, 256, 1000 })
-    {
-        changeGain (filter, 0.5);
-        prepare();
-        changeGain (filter, 1.0);
-        const auto row = processOnes (filter, rampLength + 100, block);
-        EXPECT_LT (row[rampLength - 2], 1.0f);
-        EXPECT_EQ (row[rampLength - 1], 1.0f) << block;
-
-        for (std::size_t i = 0; i < rampLength; ++i)
-            ASSERT_NEAR (row[i], 0.5 + 0.5 * shareAt (i), 1e-6) << block;
-    }
-}
-
 TEST_F (SmoothedIppIIRTest, CrossfadeScalesTheInputsStartsFromRestAndFadesTheOldTail)
 {
     changeLowPass (filter, 1000.0);
     prepare();
-    auto old = makeCascade (1000.0), changed = makeCascade (9000.0), last = makeCascade (300.0);
-    const auto before = noise (1000, 1), row = noise (rampLength, 2), behind = noise (tailLength, 4),
-               next = noise (rampLength, 3);
+    auto old = makeCascade (1000.0), changed = makeCascade (500.0), last = makeCascade (300.0);
+    auto seed = 0u;
     const auto filtered = [] (Row input, BiquadCascade& cascade)
     {
         cascade.processPlain (input.data(), static_cast<int> (input.size()));
         return input;
     };
-    const auto crossfade = [&] (const Row& input, BiquadCascade& from, BiquadCascade& to)
+    const auto expectCrossfade = [&] (BiquadCascade& from, BiquadCascade& to)
     {
+        const auto input = noise (rampLength, ++seed);
         Row fading (input), rising (input);
 
         for (std::size_t i = 0; i < input.size(); ++i)
@@ -136,29 +122,87 @@ TEST_F (SmoothedIppIIRTest, CrossfadeScalesTheInputsStartsFromRestAndFadesTheOld
 
         fading = filtered (fading, from);
         rising = filtered (rising, to);
-        std::transform (fading.begin(), fading.end(), rising.begin(), rising.begin(), std::plus<>());
-        return rising;
+        const auto got = processed (filter, input);
+
+        for (std::size_t i = 0; i < input.size(); ++i)
+            ASSERT_NEAR (got[i], fading[i] + rising[i], 1e-6f) << i;
     };
-    const auto expectNear = [] (const Row& got, const Row& expected)
+    const auto halfCosine = [] (std::size_t i, int length)
+    { return 0.5 + 0.5 * std::cos (std::numbers::pi * static_cast<double> (i + 1) / length); };
+    const auto expectTail = [&] (BiquadCascade& from, BiquadCascade& to, bool isHurried)
     {
-        for (std::size_t i = 0; i < got.size(); ++i)
-            ASSERT_NEAR (got[i], expected[i], 1e-6f) << i;
+        const auto length = isHurried ? hurriedTailLength : tailLength;
+        const auto input = noise (length, ++seed), tail = filtered (Row (input.size(), 0.0f), from);
+        const auto got = processed (filter, input), expected = filtered (input, to);
+        EXPECT_GT (std::abs (tail.front()), 1e-4f);
+
+        for (std::size_t i = 0; i < input.size(); ++i)
+        {
+            const auto share = halfCosine (i, tailLength) * (isHurried ? halfCosine (i, hurriedTailLength) : 1.0);
+            ASSERT_NEAR (got[i], expected[i] + static_cast<float> (share) * tail[i], 1e-6f) << i;
+        }
     };
 
-    EXPECT_EQ (processed (filter, before), filtered (before, old));
-    changeLowPass (filter, 9000.0);
-    expectNear (processed (filter, row), crossfade (row, old, changed));
+    EXPECT_EQ (processed (filter, noise (1000, 9)), filtered (noise (1000, 9), old));
+    changeLowPass (filter, 500.0);
+    expectCrossfade (old, changed);
+    changeLowPass (filter, 300.0); // waits for the tail, and shortens it
+    expectTail (old, changed, true);
+    expectCrossfade (changed, last);
+    expectTail (changed, last, false);
+    EXPECT_EQ (processed (filter, noise (1000, 9)), filtered (noise (1000, 9), last));
+}
 
-    changeLowPass (filter, 300.0); // waits for the tail
-    const auto tail = filtered (Row (tailLength, 0.0f), old);
-    EXPECT_GT (std::abs (tail.front()), 1e-3f);
-    auto expected = filtered (behind, changed);
+TEST_F (SmoothedIppIIRTest, TheSameChangesSoundTheSameHoweverTheStreamIsCut)
+{
+    const auto run = [] (int block)
+    {
+        Filter fresh;
+        changeLowPass (fresh, 100.0);
+        fresh.prepare (rate, 1, blockSize);
+        Row heard;
 
-    for (std::size_t i = 0; i < tail.size(); ++i)
-        expected[i] += tail[i] * (1.0f - static_cast<float> (i + 1) / tailLength);
+        // Changes at rest, in a crossfade, in a tail and in a fade of the whole.
+        for (unsigned i = 0; i < 24; ++i)
+        {
+            changeLowPass (fresh, 50.0 + 30.0 * i);
 
-    expectNear (processed (filter, behind), expected);
-    expectNear (processed (filter, next), crossfade (next, changed, last));
+            if (i % 5 == 3)
+                fresh.setOn (i % 10 != 3);
+
+            const auto more = processed (fresh, noise (i % 3 == 0 ? 1000 : 6001, i), block);
+            heard.insert (heard.end(), more.begin(), more.end());
+        }
+
+        return heard;
+    };
+
+    const auto expected = run (1);
+
+    for (const auto block : { 37, 256, 441, 4096 })
+        EXPECT_EQ (run (block), expected) << block;
+}
+
+TEST_F (SmoothedIppIIRTest, ADesignEqualToTheCurrentOneChangesNothing)
+{
+    Filter untouched;
+
+    for (auto* const each : { &filter, &untouched })
+    {
+        changeLowPass (*each, 100.0);
+        each->prepare (rate, 1, blockSize);
+    }
+
+    changeLowPass (filter, 100.0);
+    EXPECT_EQ (processed (filter, noise (1000, 1)), processed (untouched, noise (1000, 1)));
+
+    for (auto* const each : { &filter, &untouched })
+        changeLowPass (*each, 200.0);
+
+    EXPECT_EQ (processed (filter, noise (1000, 2)), processed (untouched, noise (1000, 2)));
+    changeLowPass (filter, 300.0);
+    changeLowPass (filter, 200.0); // where the crossfade goes to already
+    EXPECT_EQ (processed (filter, noise (20000, 3)), processed (untouched, noise (20000, 3)));
 }
 
 TEST_F (SmoothedIppIIRTest, OnlyTheNewestChangeFollowsARunningCrossfade)
@@ -184,7 +228,7 @@ TEST_F (SmoothedIppIIRTest, OnlyTheNewestChangeFollowsARunningCrossfade)
 
     // No message loop runs here: the audio side alone goes on, at the first call after the crossfade's end.
     processMore (rampLength - 2000);
-    EXPECT_EQ (processOnes (filter, tailLength), Row (tailLength, 1.0f)); // gains have no tail, but its time passes
+    EXPECT_EQ (processOnes (filter, hurriedTailLength), Row (hurriedTailLength, 1.0f)); // no tail, but its time passes
     const auto second = processOnes (filter, rampLength);
 
     for (std::size_t i = 0; i < rampLength; ++i)
@@ -287,7 +331,7 @@ struct HeldCoefs : Coefs
 TEST (SmoothedIppIIRHandOver, ADesignUnderWayHoldsUpNobodyAndLosesNothing)
 {
     using HeldFilter = SmoothedIppIIR<float, HeldCoefs>;
-    const auto lastOf = [] (HeldFilter& filter) { return processOnes (filter, rampLength + tailLength).back(); };
+    const auto lastOf = [] (HeldFilter& filter) { return processOnes (filter, rampLength + hurriedTailLength).back(); };
     HeldFilter filter;
     HeldCoefs::mayEnd.release();
     filter.prepare (rate, 1, blockSize);

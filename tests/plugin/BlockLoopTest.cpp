@@ -62,6 +62,20 @@ TEST (BlockLoop, SidechainReachesTheStripOnlyWhileSomethingListensAndNeverTheHos
     EXPECT_EQ (strip.sidechainSeen, 0.0f);
     process (strip, std::vector<Signal> (4, Signal (10, 0.3f)), 10);
     EXPECT_FLOAT_EQ (strip.sidechainSeen, 0.3f * 0.50118723f * 8.70143032f);
+
+    // Switched on again, it begins with what comes in and not with what its sampler heard last.
+    strip.oversamplingSetting().setValue (2);
+    process (strip, std::vector<Signal> (4, Signal (100, 0.3f)), 100);
+
+    EXPECT_NE (strip.sidechainSeen, 0.0f);
+
+    for (const auto isListening : { false, true })
+    {
+        strip.isListening = isListening;
+        process (strip, std::vector<Signal> (4, Signal (20)), 20);
+    }
+
+    EXPECT_EQ (strip.sidechainSeen, 0.0f);
 }
 
 TEST (BlockLoop, EitherSidechainSwitchAloneLetsEachSideHearItsOwnChannel)
@@ -168,33 +182,49 @@ TEST (BlockLoop, GainOnlyStripMultipliesAndNothingElse)
         }
 }
 
-TEST (BlockLoop, AStreamCutAnywhereSoundsTheSame)
+TEST (BlockLoop, AStreamCutAnywhereSoundsTheSameWhileAParameterMoves)
 {
     constexpr unsigned seed = 4;
     std::mt19937 random (seed);
 
+    // From change to change: steady automation, and gaps that end in a crossfade, in its tail, at its end, and at rest.
+    constexpr std::array gaps { 1024, 1024, 6000, 4800, 5300, 14000 };
+
     for (const auto factor : { 1, 2, 4 })
-    {
-        const auto whole = makeNoiselessStrip (2, factor), cut = makeNoiselessStrip (2, factor);
-
-        for (auto* const strip : { whole.get(), cut.get() })
+        for (int index = 0; index < numParameters; ++index)
         {
-            // Everything that the strip has, at work.
-            setPlain (*strip, { { "thd", 10.0f },      { "gain", 6.0f },           { "pad", 1.0f },
-                                { "unity", 1.0f },     { "highGain", 8.0f },       { "midGain", 0.7f },
-                                { "lowFreq", 2.0f },   { "lowGain", 0.6f },        { "highPass", 1.0f },
-                                { "compHPF", 120.0f }, { "compLimit", 1.0f },      { "compNiveau", 1.0f },
-                                { "compNuke", 1.0f },  { "compThreshold", -9.0f }, { "expMode", 2.0f },
-                                { "expHold", 1.0f },   { "expThreshold", 0.0f },   { "compMix", 0.8f },
-                                { "phase", 1.0f },     { "level", -3.0f } });
-            strip->prepareToPlay (sampleRate, 512);
-        }
+            const auto width = 1 + index % 2;
+            const auto whole = makeNoiselessStrip (width, factor, true), cut = makeNoiselessStrip (width, factor, true);
 
-        const std::vector<Signal> input { noise (9000, 5), noise (9000, 6) };
-        EXPECT_EQ (process (*cut, input, [&] { return static_cast<int> (random() % 700); }),
-                   process (*whole, input, 9000))
-            << "factor " << factor << ", seed " << seed;
-    }
+            for (auto* const strip : { whole.get(), cut.get() })
+            {
+                // Everything that the strip has, at work.
+                setPlain (*strip, { { "thd", 10.0f },      { "gain", 6.0f },           { "pad", 1.0f },
+                                    { "unity", 1.0f },     { "highGain", 8.0f },       { "midGain", 0.7f },
+                                    { "lowFreq", 2.0f },   { "lowGain", 0.6f },        { "highPass", 1.0f },
+                                    { "compHPF", 120.0f }, { "compLimit", 1.0f },      { "compNiveau", 1.0f },
+                                    { "compNuke", 1.0f },  { "compThreshold", -9.0f }, { "expMode", 2.0f },
+                                    { "expHold", 1.0f },   { "expThreshold", 0.0f },   { "compMix", 0.8f },
+                                    { "phase", 1.0f },     { "level", -3.0f },         { "compExtSideChain", 1.0f } });
+                strip->prepareToPlay (sampleRate, 512);
+            }
+
+            for (const auto gap : gaps)
+            {
+                const auto place = static_cast<float> (random() % 1001) / 1000.0f;
+                whole->getParameters()[index]->setValueNotifyingHost (place);
+                cut->getParameters()[index]->setValueNotifyingHost (place);
+                std::vector<Signal> input;
+
+                for (int c = 0; c < 2 * width; ++c)
+                    input.push_back (noise (gap, random()));
+
+                ASSERT_EQ (process (*cut, input, [&] { return static_cast<int> (random() % 700); }),
+                           process (*whole, input, gap))
+                    << parameterTable()[static_cast<std::size_t> (index)].id << " to " << place << ", factor " << factor
+                    << ", " << width << " wide, seed " << seed;
+            }
+        }
 }
 
 TEST (BlockLoop, BadAudioIsHeldAtTheEntryAndForgotten)

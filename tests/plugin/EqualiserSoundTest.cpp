@@ -140,7 +140,7 @@ TEST (EqualiserSound, NoControlClicksUnderASine)
 {
     constexpr double rate = 48000.0;
     constexpr float level = 0.1f;
-    constexpr int stretch = 12000; // a crossfade and what rings on behind it
+    constexpr int stretch = 12000; // a crossfade and what rings on after it
 
     // A constant, and frequencies of which a crossfade is no whole number of cycles, so that nothing cancels by luck.
     for (const auto hz : { 0.0, 37.3, 211.7, 1003.1 })
@@ -181,13 +181,38 @@ TEST (EqualiserSound, NoControlClicksUnderASine)
                 }
 
                 // Two filters whose inputs change places in 4800 steps: the steepest slope of the sine at the loudest
-                // that is heard, what one step of the fade moves of it, and one of the 480 steps in which the old
-                // filter's tail is faded out, which is never louder than the tone.
+                // that is heard, what one step of the fade moves of it, and the steepest of the 4800 steps in which the
+                // old filter's tail is faded out, which is less than twice as loud as the tone.
                 const auto slope = 2.0f * static_cast<float> (std::sin (juce::MathConstants<double>::pi * hz / rate));
-                EXPECT_LT (step, peak * (1.05f * slope + 2.0f / 4800.0f) + level / 480.0f)
+                EXPECT_LT (step, peak * (1.05f * slope + 2.0f / 4800.0f) + 2.0f * 1.58f * level / 4800.0f)
                     << id << " to " << value << ", " << hz << " Hz";
             }
     }
+}
+
+// Unlinked, the right side of the last console channel shares it with the left one: the one place where a channel that is
+// asked for does not exist.
+TEST (EqualiserSound, AutomationOfAnotherControlDoesNotModulateTheBass)
+{
+    const auto run = [] (bool isAutomated)
+    {
+        const auto strip = makeEqualiserStrip (1);
+        setPlain (*strip, { { "TolChannel", 32.0f }, { "lowFreq", 3.0f }, { "lowGain", 1.0f }, { "highPass", 1.0f } });
+        strip->prepareToPlay (48000.0, 256);
+        const auto tone = sine (61.0, 0.1, 48000.0, 1.0);
+        auto threshold = 0.0f;
+
+        return process (*strip, { tone, tone },
+                        [&]
+                        {
+                            if (isAutomated)
+                                setPlain (*strip, "compThreshold", threshold -= 0.1f);
+
+                            return 512;
+                        });
+    };
+
+    EXPECT_EQ (run (true), run (false));
 }
 
 TEST (EqualiserSound, PreparingAgainStartsAtRestOnTheNewestSettings)

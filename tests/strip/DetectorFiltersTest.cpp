@@ -101,7 +101,7 @@ TEST (DetectorFilters, FadesLastATenthOfASecondAndOutMeansUntouched)
     moving.setNiveau (false);
     const auto out = run (moving, in);
     EXPECT_FALSE (std::equal (out.begin(), out.begin() + 4000, in.begin()));
-    EXPECT_TRUE (std::equal (out.begin() + 4864, out.end(), in.begin() + 4864));
+    EXPECT_TRUE (std::equal (out.begin() + 4800, out.end(), in.begin() + 4800));
 
     moving.setNiveau (true);
     EXPECT_EQ (run (moving, in), faded); // it comes back without a memory of the last time
