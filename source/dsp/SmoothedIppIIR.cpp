@@ -246,7 +246,7 @@ bool SmoothedIppIIR<Sample, Coefs>::beginDisturbedSlice() noexcept
     return rests;
 }
 
-/** A design that is what the input goes to already takes the place of one that waited, and is done with. */
+/** A design equal to the current one replaces one that waited, and nothing is left to do. */
 template <typename Sample, typename Coefs>
 void SmoothedIppIIR<Sample, Coefs>::takePublished() noexcept
 {

@@ -22,7 +22,7 @@ namespace tarvik
     the idle bank with a clear delay line, and the input moves over to it within 0.1 s. It is the inputs of the two
     filters that are scaled, not their outputs: the new one sees its input rise from nothing, the old one rings out.
     What a low resonance or a corner far below the music still holds when the inputs have changed places, the tail, is
-    faded out as half a cosine: over 0.1 s, or within 10 ms from when a further design waits. A shorter or straighter
+    faded out as half a cosine: over 0.1 s, or within 10 ms once another design waits. A shorter or straighter
     fade would be heard as a click under a bass note.
 
     Crossfades and tails end at their sample, and there the next design is taken: process() cuts its rows at these

@@ -73,7 +73,8 @@ void KVLProcessor::getStateInformation (juce::MemoryBlock& block)
 {
     juce::XmlElement root (stateSchema::root);
     root.setAttribute (stateSchema::version, stateSchema::versionText);
-    root.setAttribute (stateSchema::buildDate, juce::Time::getCompilationDate().toISO8601 (true));
+    static const auto buildDate = juce::Time::getCompilationDate().toISO8601 (true);
+    root.setAttribute (stateSchema::buildDate, buildDate);
 
     for (std::size_t slot = 0; slot < slots.size(); ++slot)
     {

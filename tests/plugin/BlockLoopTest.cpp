@@ -193,7 +193,7 @@ TEST (BlockLoop, AStreamCutAnywhereSoundsTheSameWhileAParameterMoves)
     for (const auto factor : { 1, 2, 4 })
         for (int index = 0; index < numParameters; ++index)
         {
-            const auto width = 1 + index % 2;
+            const auto width = 1 + (index + factor / 2) % 2;
             const auto whole = makeNoiselessStrip (width, factor, true), cut = makeNoiselessStrip (width, factor, true);
 
             for (auto* const strip : { whole.get(), cut.get() })

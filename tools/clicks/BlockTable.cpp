@@ -15,7 +15,7 @@ namespace
 constexpr std::array blockSizes { 32, 1, 64, 256, 441, 4096 }; ///< The first is what the others are compared with.
 
 /** Samples from change to change: a stretch of steady automation, then gaps that end within a crossfade, within what
-    rings on behind it, at its very end, and long after. */
+    rings on after it, at its very end, and long after. */
 constexpr std::array gaps { 1024, 1024, 1024,  1024, 1024, 1024, 1024, 1024, 1024, 1024, 1024, 1024, 3333,
                             4800, 5300, 12000, 7001, 9600, 2000, 1,    4799, 5280, 9601, 4000, 14000 };
 

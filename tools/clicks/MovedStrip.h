@@ -35,7 +35,7 @@ public:
     /** Parameter `index` goes to a place from 0 to 1 on its travel. */
     void set (int index, float place);
 
-    /** The next numSamples samples of all main channels, one channel behind the other, in blocks of at most blockSize.
+    /** The next numSamples samples of all main channels, one channel after the other, in blocks of at most blockSize.
     */
     void run (int numSamples, int blockSize, Signal& output);
 

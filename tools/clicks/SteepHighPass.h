@@ -9,8 +9,8 @@
 namespace tarvik::clicks
 {
 
-/** A Butterworth high pass of the 12th order, by the bilinear transform: -150 dB an octave and a half below its edge's
-    half, so that of a bass tone nothing is left but what was added to it. 64-bit. */
+/** A Butterworth high pass of the 12th order, by the bilinear transform: 72 dB an octave, so that two octaves below its
+    edge nothing is left of a tone but what was added to it. 64-bit. */
 class SteepHighPass
 {
 public:

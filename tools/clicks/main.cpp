@@ -4,6 +4,7 @@
 
 #include <juce_events/juce_events.h>
 
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -43,13 +44,13 @@ int main (int argc, char** argv)
             status = table.print (output) ? 0 : 1;
 
     if (status == 2)
-        std::fprintf (stderr,
-                      "tarvik41-clicks TABLE, one of:\n"
-                      "  blocks     each parameter automated: whether the size of the host's blocks can be heard\n"
-                      "  moves      each parameter moved fast and slowly: what is heard above 8 kHz under a low tone\n"
-                      "  tails      what a crossfade leaves above 300 Hz of a full-scale bass tone\n"
-                      "  harmonics  the saturation's harmonics against their table, for each oversampling factor\n"
-                      "Exit status: 0, 1 if something in the table does not hold, or 2 after a mistake.\n");
+        std::fprintf (
+            stderr, "tarvik41-clicks TABLE, one of:\n"
+                    "  blocks     each parameter automated: whether the size of the host's blocks can be heard\n"
+                    "  moves      each parameter moved fast and slowly: what is heard above 8 kHz under a low tone\n"
+                    "  tails      what a crossfade leaves above 300 Hz of a full-scale bass tone\n"
+                    "  harmonics  the saturation's harmonics against their table, for each oversampling factor\n"
+                    "Exit status: 0, 1 if \"blocks\" or \"moves\" finds more than it should, or 2 after a mistake.\n");
 
     std::fclose (output);
     scratch.deleteRecursively();
