@@ -140,9 +140,12 @@ private:
         }
         else if (! workers.empty())
         {
-            windows.clear();
             workers.clear();
-            startTimer (1000); // meanwhile arrives what is on its way between the threads
+            startTimer (leastWindowMs); // meanwhile arrives what is on its way between the threads
+        }
+        else if (! windows.empty())
+        {
+            windows.clear();
         }
         else
         {
@@ -189,15 +192,22 @@ private:
     /** Up to four are open, of which the oldest closes. */
     void openWindow (Seat& seat)
     {
-        if (seat.instance->getActiveEditor() != nullptr)
+        const auto nowMs = juce::Time::getMillisecondCounterHiRes();
+
+        if (seat.instance->getActiveEditor() != nullptr
+            || (! openedMs.empty() && nowMs - openedMs.front() < leastWindowMs))
             return;
 
+        openedMs.push_back (nowMs);
         windows.emplace_back (seat.instance->createEditorIfNeeded())->addToDesktop (0);
         windows.back()->setVisible (true);
         ++openings.number;
 
-        if (windows.size() > 4)
+        if (windows.size() > mostWindows)
             windows.pop_front();
+
+        if (openedMs.size() >= mostWindows)
+            openedMs.pop_front();
     }
 
     /** The whole instance. The message thread does not wait for the host's other one. */
@@ -219,6 +229,12 @@ private:
     }
 
     static constexpr int numAudioThreads = 4;
+    static constexpr std::size_t mostWindows = 4;
+
+    /** For so long at least a window stays open: a message that JUCE's host posts while the plug-in's window finds its size
+        does not look whether its own window is still there.
+    */
+    static constexpr int leastWindowMs = 1500;
 
     Seats& seats;
     int seed;      ///< The one given out last.
@@ -227,6 +243,7 @@ private:
     std::deque<double> roundsMs;
     double endMs = 0.0;
     std::deque<std::unique_ptr<juce::AudioProcessorEditor>> windows;
+    std::deque<double> openedMs; ///< When the newest of them were opened.
     std::vector<std::jthread> workers;
 };
 
