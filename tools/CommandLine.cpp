@@ -57,7 +57,7 @@ int wholeNumber (const juce::String& option, const juce::String& text, int lowes
     return value;
 }
 
-constexpr int smallestZoomPercent = 80, largestZoomPercent = 150; // what the window can be drawn at
+constexpr int smallestZoomPercent = 50, largestZoomPercent = 300;
 
 /** Takes the values of the options that have one. */
 class OptionReader

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/ScreenshotCommand.h"
 
+#include "editor/EditorSize.h"
 #include "editor/KVLEditor.h"
 #include "tools/AudioFile.h"
 #include "tools/Interruption.h"
@@ -80,7 +81,7 @@ void setUp (Tarvik41Processor& strip, const CommandLine& line, int numChannels)
 void writeScreenshot (const CommandLine& line)
 {
     constexpr int oversampling = 1;
-    constexpr double percent = 100.0;
+    constexpr float percent = 100.0f;
 
     OutputFile file (line.outputPath);
     std::optional<AudioFileReader> recording;
@@ -94,12 +95,13 @@ void writeScreenshot (const CommandLine& line)
     const ScratchSettings settings (oversampling);
     Tarvik41Processor strip;
     setUp (strip, line, recording ? recording->numChannels() : 2);
-    strip.uiZoomSetting().setValue (line.zoomPercent / percent);
 
     if (recording)
         play (strip, *recording, line.blockSize);
 
     KVLEditor editor (strip);
+    const auto size = editorSize::atZoom (static_cast<float> (line.zoomPercent) / percent);
+    editor.setSize (size.x, size.y);
     editor.setVisible (true);
 
     // No timer runs here, so the bar is told to look at its status.

@@ -36,6 +36,11 @@ juce::Point<int> forZoom (double zoomSetting, std::optional<juce::Rectangle<int>
     if (display && ! display->isEmpty())
         zoom = std::min (zoom, largestZoomOn (*display));
 
+    return atZoom (zoom);
+}
+
+juce::Point<int> atZoom (float zoom)
+{
     return { static_cast<int> (zoom * static_cast<float> (panelWidth) + 0.5f),
              static_cast<int> (zoom * panelHeight + 0.5f) + frameHeight };
 }

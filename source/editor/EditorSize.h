@@ -23,6 +23,9 @@ inline constexpr float panelHeight = 676.66669f; ///< A third of the picture's h
     area, however small that makes it.
 */
 juce::Point<int> forZoom (double zoomSetting, std::optional<juce::Rectangle<int>> display);
+
+/** The same for exactly this zoom, for pictures of the window. */
+juce::Point<int> atZoom (float zoom);
 } // namespace editorSize
 
 } // namespace tarvik
