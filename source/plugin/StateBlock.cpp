@@ -18,7 +18,7 @@ constexpr juce::uint32 blockMark = 0x21324356; ///< Of JUCE's binary wrapper aro
 constexpr int markBytes = 4, headerBytes = 8;  ///< The mark, and the length of the text after it.
 
 /** A document of ours has 1.5 KB. This much of anything is read in some hundredths of a second. */
-constexpr std::size_t longestText = 1 << 20;
+constexpr std::size_t longestText = 1 << 18;
 
 /** Whether the strip reads an attribute of this name. Others do not get into JUCE's list of all names that it has ever
     seen, which takes longer for each new one.

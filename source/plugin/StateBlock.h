@@ -10,8 +10,8 @@ namespace tarvik
 
 /** The document in a block that a host kept for us, as far as the strip reads it: the root, the first child of each
     slot, and of both the attributes that the strip knows. Null where there is no such document: text that is not
-    well-formed XML up to the root's end, a root of another name, a document type with declarations in it, or more than a
-    megabyte of text. Comments, sections, instructions and all that the strip does not know are passed over, and so are
+    well-formed XML up to the root's end, a root of another name, a document type with declarations in it, or more than
+    256 KiB of text. Comments, sections, instructions and all that the strip does not know are passed over, and so are
     space in front of the document and whatever follows the root.
 
     Any bytes may come in, and any thread may call it: Expat reads them in time and memory that grow with the text, and
