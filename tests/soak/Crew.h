@@ -4,7 +4,7 @@
 #include "tests/soak/Material.h"
 #include "tests/soak/Seat.h"
 
-#include <juce_gui_basics/juce_gui_basics.h>
+#include <juce_gui_extra/juce_gui_extra.h>
 
 #include <atomic>
 #include <deque>
@@ -145,7 +145,8 @@ private:
         }
         else if (! windows.empty())
         {
-            windows.clear();
+            while (! windows.empty())
+                closeOldestWindow();
         }
         else
         {
@@ -204,10 +205,24 @@ private:
         ++openings.number;
 
         if (windows.size() > mostWindows)
-            windows.pop_front();
+            closeOldestWindow();
 
         if (openedMs.size() >= mostWindows)
             openedMs.pop_front();
+    }
+
+    /** JUCE's host posts a message at each size that the plug-in's window takes, and does not look on its arrival whether
+        its own window is still there. So first the plug-in's window is taken away from it, and it goes after the last of
+        those messages.
+    */
+    void closeOldestWindow()
+    {
+        for (auto* const child : windows.front()->getChildren())
+            if (auto* const embedded = dynamic_cast<juce::XEmbedComponent*> (child))
+                embedded->removeClient();
+
+        juce::MessageManager::callAsync ([window = std::shared_ptr (std::move (windows.front()))] {});
+        windows.pop_front();
     }
 
     /** The whole instance. The message thread does not wait for the host's other one. */
@@ -231,10 +246,7 @@ private:
     static constexpr int numAudioThreads = 4;
     static constexpr std::size_t mostWindows = 4;
 
-    /** For so long at least a window stays open: a message that JUCE's host posts while the plug-in's window finds its size
-        does not look whether its own window is still there.
-    */
-    static constexpr int leastWindowMs = 1500;
+    static constexpr int leastWindowMs = 500; ///< For so long at least a window stays open.
 
     Seats& seats;
     int seed;      ///< The one given out last.
