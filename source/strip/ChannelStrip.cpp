@@ -2,8 +2,8 @@
 #include "strip/ChannelStrip.h"
 
 #include "dsp/Decibels.h"
+#include "dsp/RampTimes.h"
 #include "dsp/RowOperations.h"
-#include "strip/RampTimes.h"
 
 namespace tarvik
 {

@@ -5,6 +5,7 @@
 #include "strip/DynamicsChannel.h"
 
 #include "dsp/Dispatch.h"
+#include "dsp/StateFloor.h"
 
 // foreach_target.h comes before highway.h.
 // clang-format off
@@ -155,12 +156,11 @@ void processDynamics (const DynamicsCircuits& circuits, DynamicsChannel* const* 
 
     for (int c = 0; c < numChannels; ++c)
     {
-        constexpr double unfelt = 1e-60;
         auto& channel = *channels[c];
         CompressorCircuit::settle (channel.compressor);
         Expander::settle (channel.expander);
 
-        if (channel.limiterVolts < unfelt)
+        if (channel.limiterVolts < stateFloor)
             channel.limiterVolts = 0.0;
     }
 }

@@ -3,9 +3,9 @@
 
 #include "dsp/AnalogBiquad.h"
 #include "dsp/Decibels.h"
+#include "dsp/RampTimes.h"
 #include "dsp/RowMaths.h"
 #include "dsp/RowOperations.h"
-#include "strip/RampTimes.h"
 
 #include <algorithm>
 #include <array>
