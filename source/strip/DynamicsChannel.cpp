@@ -5,6 +5,7 @@
 #include "strip/DynamicsChannel.h"
 
 #include "dsp/Dispatch.h"
+#include "dsp/StateFloor.h"
 
 // foreach_target.h comes before highway.h.
 // clang-format off
@@ -172,11 +173,10 @@ void processDynamics (const DynamicsCircuits& circuits, std::span<DynamicsChanne
 
     for (auto& channel : channels)
     {
-        constexpr double unfelt = 1e-60;
         CompressorCircuit::settle (channel.compressor);
         Expander::settle (channel.expander);
 
-        if (channel.limiterVolts < unfelt)
+        if (channel.limiterVolts < stateFloor)
             channel.limiterVolts = 0.0;
     }
 }

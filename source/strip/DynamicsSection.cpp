@@ -2,8 +2,8 @@
 #include "strip/DynamicsSection.h"
 
 #include "dsp/Decibels.h"
+#include "dsp/RampTimes.h"
 #include "dsp/RowOperations.h"
-#include "strip/RampTimes.h"
 
 #include <algorithm>
 #include <cstddef>

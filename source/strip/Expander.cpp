@@ -3,6 +3,7 @@
 
 #include "dsp/Decibels.h"
 #include "dsp/RowMaths.h"
+#include "dsp/StateFloor.h"
 
 #include <array>
 #include <cstddef>
@@ -108,9 +109,7 @@ void Expander::restDetector (State& state) noexcept
 
 void Expander::settle (State& state) noexcept
 {
-    constexpr double unfelt = 1e-60;
-
-    if (std::abs (state.volts) < unfelt)
+    if (std::abs (state.volts) < stateFloor)
         state.volts = 0.0;
 }
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "dsp/RampTimes.h"
 #include "dsp/Ramps.h"
-#include "strip/RampTimes.h"
 #include "strip/WetDryRows.h"
 
 namespace tarvik
