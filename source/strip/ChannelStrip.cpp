@@ -138,7 +138,7 @@ void ChannelStrip::processPost (float* const* channels, int n, bool isNoiseOn, P
 template <typename RampType>
 void ChannelStrip::applyRamp (SharedRamp<RampType>& ramp, float* const* channels, int n) noexcept
 {
-    if (ramp.restsAtOne())
+    if (ramp.isIdleAtOne())
         return;
 
     if (ramp.get().isIdle())
@@ -155,7 +155,7 @@ void ChannelStrip::applyRamp (SharedRamp<RampType>& ramp, float* const* channels
 
 void ChannelStrip::applyGainAndPhase (float* const* channels, int n) noexcept
 {
-    if (phaseRamp.restsAtOne())
+    if (phaseRamp.isIdleAtOne())
     {
         applyRamp (gainRamp, channels, n);
         return;

@@ -59,8 +59,8 @@ void SaturationChannel::setVariant (int variant) noexcept
 
     components.setActiveChannel (variant);
     designFilters();
-    highPass.bringInCoefficients();
-    lowPass.bringInCoefficients();
+    filters.first.bringInCoefficients();
+    filters.second.bringInCoefficients();
 }
 
 /** H(s) = s^2 / (s^2 + s w0 / Q + w0^2), then H(s) = gain w0^2 / (s^2 + s w0 / Q + w0^2). */
@@ -79,15 +79,14 @@ void SaturationChannel::designFilters() noexcept
     for (auto& coefficient : low.numerator)
         coefficient *= components.getActive (outputGain);
 
-    highPass.setAnalogue (high.numerator, high.denominator);
-    lowPass.setAnalogue (low.numerator, low.denominator);
+    filters.first.setAnalogue (high.numerator, high.denominator);
+    filters.second.setAnalogue (low.numerator, low.denominator);
 }
 
 void SaturationChannel::prepare (double rateHz, int maxSamples)
 {
     designFilters();
-    highPass.prepare (rateHz, 1, maxSamples);
-    lowPass.prepare (rateHz, 1, maxSamples);
+    filters.prepare (rateHz, 1, maxSamples);
     harmonicScale.prepare (rateHz, maxSamples);
     overdriveMix.prepare (rateHz, maxSamples);
     bent.assign (static_cast<std::size_t> (std::max (maxSamples, 0)), 0.0f);
@@ -99,8 +98,7 @@ void SaturationChannel::reset() noexcept
     harmonicScale.snap();
     overdriveMix.snap();
     shaper.reset();
-    highPass.reset();
-    lowPass.reset();
+    filters.reset();
 }
 
 //==============================================================================
@@ -121,7 +119,8 @@ void SaturationChannel::process (std::span<SaturationChannel* const> channels, f
     for (std::size_t c = 0; c < together.size(); ++c)
         together[c]->overdrive (rows[c], n);
 
-    filter (together, rows, n);
+    decltype (filters)::process (
+        together, [](auto& channel) -> auto& { return channel.filters; }, rows, n);
 }
 
 /** out (1 - k) - tanh (0.5 - out) k, as out + k (tanh (out - 0.5) - out). */
@@ -137,59 +136,6 @@ void SaturationChannel::overdrive (float* row, int n) noexcept
     rows::subtract (bent.data(), row, n);
     rows::multiply (bent.data(), mix, n);
     rows::add (row, bent.data(), n);
-}
-
-/** In pieces, up to the sample at which the next move of a filter ends: what rests keeps 64 bits between its two filters,
-    what moves doesn't. */
-void SaturationChannel::filter (std::span<SaturationChannel* const> channels, float* const* rows, int n) noexcept
-{
-    std::array<BiquadCascade*, maxTogether> highPasses {};
-    std::array<BiquadCascade*, maxTogether> lowPasses {};
-    std::array<Filter*, maxTogether> highPassFilters {};
-    std::array<Filter*, maxTogether> lowPassFilters {};
-    std::array<float*, maxTogether> pieces {};
-    std::array<bool, maxTogether> rests {};
-
-    for (int done = 0, length = 0; done < n; done += length)
-    {
-        auto allRest = true, noneRests = true;
-        length = n - done;
-
-        for (std::size_t c = 0; c < channels.size(); ++c)
-        {
-            auto& high = *(highPassFilters[c] = &channels[c]->highPass);
-            auto& low = *(lowPassFilters[c] = &channels[c]->lowPass);
-            const auto highRests = high.beginSlice(), lowRests = low.beginSlice();
-            rests[c] = highRests && lowRests;
-
-            if (! rests[c])
-                length = low.getPieceLength (high.getPieceLength (length));
-
-            allRest = allRest && rests[c];
-            noneRests = noneRests && ! rests[c];
-            highPasses[c] = high.getActiveCascades().front();
-            lowPasses[c] = low.getActiveCascades().front();
-            pieces[c] = rows[c] + done;
-        }
-
-        const auto run = [&] (std::size_t first, std::size_t count)
-        {
-            auto* const* const piece = pieces.data() + first;
-
-            if (rests[first])
-                return processInTurn (std::span (highPasses).subspan (first, count),
-                                      std::span (lowPasses).subspan (first, count), piece, length);
-
-            Filter::processTogether (std::span (highPassFilters).subspan (first, count), piece, length);
-            Filter::processTogether (std::span (lowPassFilters).subspan (first, count), piece, length);
-        };
-
-        if (allRest || noneRests)
-            run (0, channels.size());
-        else
-            for (std::size_t c = 0; c < channels.size(); ++c)
-                run (c, 1);
-    }
 }
 
 //==============================================================================

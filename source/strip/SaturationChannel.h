@@ -2,6 +2,7 @@
 #pragma once
 
 #include "dsp/ComponentTable.h"
+#include "dsp/FilterSeries.h"
 #include "dsp/MZTiCoefs.h"
 #include "dsp/Ramps.h"
 #include "dsp/SmoothedIppIIR.h"
@@ -64,7 +65,7 @@ private:
         }
 
         /** The next n values. */
-        const float* advance (int n) noexcept { return isConstant && ramp.rests() ? row.data() : write (n); }
+        const float* advance (int n) noexcept { return isConstant && ramp.isIdle() ? row.data() : write (n); }
 
         /** Whether the last row was 0 throughout. */
         bool restsAtZero() const noexcept { return isConstant && row.front() == 0.0f; }
@@ -79,14 +80,12 @@ private:
 
     void designFilters() noexcept;
     void overdrive (float* row, int n) noexcept;
-    static void filter (std::span<SaturationChannel* const> channels, float* const* rows, int n) noexcept;
 
     ComponentTable components;
     SaturationShaper shaper;
     RampRow harmonicScale { 1.0 };
     RampRow overdriveMix { 0.0 };
-    std::vector<float> bent; ///< work row of the overdrive
-    Filter highPass;
-    Filter lowPass;
+    std::vector<float> bent;              ///< work row of the overdrive
+    FilterSeries<Filter, Filter> filters; ///< high pass, low pass
 };
 } // namespace tarvik
