@@ -20,7 +20,7 @@ std::optional<double> asNumber (const juce::String& text)
     const auto* first = trimmed.data();
     const auto* const last = first + trimmed.size();
 
-    // The library's reader takes no plus sign.
+    // from_chars takes no plus sign.
     if (trimmed.size() > 1 && *first == '+' && first[1] != '-')
         ++first;
 
@@ -58,18 +58,15 @@ juce::String rangeText (const ParameterRow& row)
            + withoutUnit (shownText (row, row.range.end), unit).trim() + (unit.isEmpty() ? "" : " " + unit);
 }
 
-juce::String choicesText (const ParameterRow& row)
-{
-    juce::StringArray texts (row.choices.data(), static_cast<int> (row.choices.size()));
-    return texts.joinIntoString (", ");
-}
-
 juce::String valuesText (const ParameterRow& row)
 {
     if (row.kind == ParameterFieldKind::Bool)
         return "on, off";
 
-    return row.kind == ParameterFieldKind::Choice ? choicesText (row) : rangeText (row);
+    if (row.kind == ParameterFieldKind::Choice)
+        return juce::StringArray (row.choices.data(), static_cast<int> (row.choices.size())).joinIntoString (", ");
+
+    return rangeText (row);
 }
 
 [[noreturn]] void refuse (const ParameterRow& row, const juce::String& text)
@@ -123,10 +120,9 @@ float numberValue (const ParameterRow& row, const juce::String& text)
 
 float plainValue (const ParameterRow& row, const juce::String& text)
 {
-    if (row.kind == ParameterFieldKind::Bool)
-        return boolValue (row, text);
-
-    return row.kind == ParameterFieldKind::Choice ? choiceValue (row, text) : numberValue (row, text);
+    return row.kind == ParameterFieldKind::Bool     ? boolValue (row, text)
+           : row.kind == ParameterFieldKind::Choice ? choiceValue (row, text)
+                                                    : numberValue (row, text);
 }
 
 float travel (const juce::String& argument, const juce::String& text)
@@ -138,34 +134,35 @@ float travel (const juce::String& argument, const juce::String& text)
 
     return static_cast<float> (*place);
 }
-} // namespace
 
-//==============================================================================
 ParameterSetting parseParameterSetting (const juce::String& argument)
 {
     const auto sign = argument.indexOfAnyOf ("=@");
 
     if (sign <= 0)
-        throw ToolError ("--set wants ID=TEXT, not '" + argument + "'");
+        throw ToolError ("--set needs ID=TEXT, not '" + argument + "'");
 
     const auto id = argument.substring (0, sign).trim();
     const auto text = argument.substring (sign + 1).trim();
 
     for (int index = 0; index < numParameters; ++index)
-    {
-        const auto& row = parameterRow (index);
-
-        if (id == row.id && argument[sign] == '@')
-            return { index, travel (argument, text) };
-
-        if (id == row.id)
-        {
-            const auto parameter = createParameter (index);
-            return { index, parameter->convertTo0to1 (plainValue (row, text)) };
-        }
-    }
+        if (const auto& row = parameterRow (index); id == row.id)
+            return { index, argument[sign] == '@' ? travel (argument, text)
+                                                  : createParameter (index)->convertTo0to1 (plainValue (row, text)) };
 
     throw ToolError ("there is no parameter '" + id + "' (see --list)");
+}
+} // namespace
+
+//==============================================================================
+std::vector<ParameterSetting> parseParameterSettings (const juce::StringArray& arguments)
+{
+    std::vector<ParameterSetting> settings;
+
+    for (const auto& argument : arguments)
+        settings.push_back (parseParameterSetting (argument));
+
+    return settings;
 }
 
 int programNamed (const juce::StringArray& names, const juce::String& nameOrNumber)
