@@ -75,7 +75,7 @@ void ConsoleEQ::reset() noexcept { filters.reset(); }
 
 void ConsoleEQ::process (std::span<const std::unique_ptr<ConsoleEQ>> channels, float* const* rows, int n) noexcept
 {
-    decltype (filters)::process (
-        channels, [](auto& equaliser) -> auto& { return equaliser.filters; }, rows, n);
+    const auto filtersOf = [](auto& equaliser) -> auto& { return equaliser.filters; };
+    decltype (filters)::process (channels, filtersOf, rows, n);
 }
 } // namespace tarvik
