@@ -75,7 +75,6 @@ void ConsoleEQ::reset() noexcept { filters.reset(); }
 
 void ConsoleEQ::process (std::span<const std::unique_ptr<ConsoleEQ>> channels, float* const* rows, int n) noexcept
 {
-    const auto filtersOf = [](auto& equaliser) -> auto& { return equaliser.filters; };
-    decltype (filters)::process (channels, filtersOf, rows, n);
+    decltype (filters)::process (channels, &ConsoleEQ::filters, rows, n);
 }
 } // namespace tarvik

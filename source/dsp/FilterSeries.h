@@ -4,6 +4,7 @@
 #include "dsp/BiquadCascade.h"
 
 #include <array>
+#include <functional>
 
 namespace tarvik
 {
@@ -35,19 +36,18 @@ public:
     /** Filters n samples of each channel, in place. */
     void process (float* const* channelRows, int n) noexcept
     {
-        process (
-            std::array { this }, [](auto& series) -> auto& { return series; }, channelRows, n);
+        process (std::array { this }, std::identity(), channelRows, n);
     }
 
-    /** The same for the objects that `seriesOf (*owner)` finds in several owners: a row for each channel of the first
-        one, then of the next. Same bits as one by one. */
+    /** The same for several objects: a row for each channel of the first one, then of the next. Same bits as one by one.
+        `owners` are pointers to objects of which `seriesOf`, say a pointer to a member, is the series. */
     template <typename Owners, typename SeriesOf>
     static void process (const Owners& owners, SeriesOf seriesOf, float* const* channelRows, int n) noexcept
     {
         const auto forEach = [&] (auto function)
         {
             for (const auto& owner : owners)
-                function (seriesOf (*owner));
+                function (std::invoke (seriesOf, *owner));
         };
 
         forEach (

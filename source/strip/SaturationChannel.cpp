@@ -79,7 +79,6 @@ void SaturationChannel::reset() noexcept
 //==============================================================================
 void SaturationChannel::filter (std::span<SaturationChannel* const> channels, float* const* rows, int n) noexcept
 {
-    const auto filtersOf = [](auto& channel) -> auto& { return channel.filters; };
-    decltype (filters)::process (channels, filtersOf, rows, n);
+    decltype (filters)::process (channels, &SaturationChannel::filters, rows, n);
 }
 } // namespace tarvik

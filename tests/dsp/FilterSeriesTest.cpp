@@ -64,9 +64,7 @@ TEST (FilterSeries, ChannelsTogetherGiveTheBitsOfEachAloneCutAnywhere)
         const auto n = static_cast<int> (random() % (longestBlock + 1));
         std::array rows { noise (n, random()), noise (n, random()) };
         auto expected = rows, wideRows = rows;
-        Series::process (
-            pointers, [](auto& series) -> auto& { return series; },
-            std::array { rows[0].data(), rows[1].data() }.data(), n);
+        Series::process (pointers, std::identity(), std::array { rows[0].data(), rows[1].data() }.data(), n);
         wide.process (std::array { wideRows[0].data(), wideRows[1].data() }.data(), n);
 
         // One after the other and cut elsewhere: what is heard depends on when a change comes, not on the blocks.
