@@ -23,15 +23,13 @@ public:
 
     juce::int64 length() const { return reader->lengthInSamples; }
 
-    /** Fills the start of `numChannels()` rows with the next samples, from -1 to 1 for files of whole numbers; behind
-        the end of the file follows silence. Throws `ToolError` if the file fails.
+    /** Fills the start of `numChannels()` rows with the next samples, from -1 to 1 for files of whole numbers; after
+        the end of the file comes silence. Throws `ToolError` if the file fails.
     */
     void readNext (float* const* rows, int numSamples);
 
 private:
     [[noreturn]] void throwReadError (const juce::String& reason) const;
-    void refuseIfDamaged (const juce::File& flacFile) const;
-    void refuseIfCutOff (juce::int64 bytesInFile) const;
 
     const juce::String path;
     std::unique_ptr<juce::AudioFormatReader> reader;

@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tools/BatchCommand.h"
-
-#include "tools/AudioFile.h"
 #include "tools/BatchPlan.h"
+#include "tools/Commands.h"
 #include "tools/Interruption.h"
-#include "tools/PresetFile.h"
+#include "tools/OutputFile.h"
+#include "tools/ParameterArguments.h"
 #include "tools/RenderCommand.h"
-#include "tools/RenderSettings.h"
 #include "tools/ToolError.h"
 #include "tools/WorkerProcess.h"
 
-#include <algorithm>
 #include <iostream>
 #include <list>
 #include <memory>
@@ -23,55 +20,6 @@ namespace tarvik
 
 namespace
 {
-constexpr int pollMilliseconds = 200; ///< A signal that comes in the wrong moment waits so long.
-
-/** Until one of the processes has something to say, or a signal comes. Throws `Interrupted`. */
-template <typename Workers>
-void waitForNews (const Workers& workers)
-{
-    std::vector<pollfd> descriptors;
-
-    for (const auto& worker : workers)
-        descriptors.push_back ({ worker.process->descriptor(), POLLIN, 0 });
-
-    ::poll (descriptors.data(), descriptors.size(), pollMilliseconds);
-    throwIfInterrupted();
-}
-
-bool hasNews (const WorkerProcess& process)
-{
-    pollfd descriptor { process.descriptor(), POLLIN, 0 };
-    return ::poll (&descriptor, 1, 0) > 0;
-}
-
-/** Applies the settings to a module that renders nothing, and saves its state if that is wanted: what is wrong with
-    them is told once, and before a file is rendered. Returns the report.
-*/
-juce::String trySettings (const CommandLine& line)
-{
-    std::unique_ptr<OutputFile> stateFile;
-
-    if (line.saveStatePath.isNotEmpty())
-        stateFile = std::make_unique<OutputFile> (line.saveStatePath);
-
-    std::ostringstream report;
-    const auto bundle = ModuleHost::findBundle (line.modulePath);
-    ModuleHost host (bundle);
-    reportLine (report, "module", host.versionText() + ", " + bundle.getFullPathName());
-    host.setLayout (2, line.sidechainPath.isNotEmpty());
-    RenderSettings (line).apply (host, report);
-
-    if (stateFile != nullptr)
-    {
-        writeStateFile (*stateFile, host.savePreset());
-        throwIfInterrupted();
-        stateFile->commit();
-        reportLine (report, "state", stateFile->path());
-    }
-
-    return report.str();
-}
-
 juce::String describe (const BatchItem& item, const RenderFigures& figures)
 {
     const auto peak = std::isfinite (figures.peakDbfs) ? juce::String (figures.peakDbfs, 2) : juce::String ("-inf");
@@ -82,7 +30,7 @@ juce::String describe (const BatchItem& item, const RenderFigures& figures)
         text += ", " + juce::String (figures.clippedSamples) + " samples clipped";
 
     if (figures.badSamples > 0)
-        text += ", " + juce::String (figures.badSamples) + " samples are no numbers";
+        text += ", " + juce::String (figures.badSamples) + " samples are not numbers";
 
     return text;
 }
@@ -113,8 +61,7 @@ public:
                 start (plan.items[next++]);
 
             showProgress();
-            waitForNews (workers);
-            takeNews();
+            receive();
         }
 
         bar.erase();
@@ -134,7 +81,7 @@ private:
     /** What can go wrong before the first file. Leaves no new folder if it does. */
     void prepare()
     {
-        const RenderSettings justRead (line); // mistakes in them need no module
+        parseParameterSettings (line.assignments); // mistakes in them need no module
         const auto folder = fileAt (line.outputPath);
         const auto isNew = ! folder.exists();
 
@@ -159,7 +106,13 @@ private:
     */
     juce::String tryOut() const
     {
-        WorkerProcess trial ([this] (const ShowProgress&) { return trySettings (line); });
+        WorkerProcess trial (
+            [this] (const ShowProgress&)
+            {
+                std::ostringstream report;
+                trySettings (line, report);
+                return juce::String (report.str());
+            });
 
         while (trial.receive())
             throwIfInterrupted();
@@ -192,11 +145,22 @@ private:
                                        }) });
     }
 
-    void takeNews()
+    /** Waits until a process has written something, or a signal comes, and takes what there is. */
+    void receive()
     {
-        for (auto worker = workers.begin(); worker != workers.end();)
+        constexpr int pollMilliseconds = 200; // a signal that comes in the wrong moment waits so long
+        std::vector<pollfd> pipes;
+
+        for (const auto& worker : workers)
+            pipes.push_back ({ worker.process->descriptor(), POLLIN, 0 });
+
+        ::poll (pipes.data(), pipes.size(), pollMilliseconds);
+        throwIfInterrupted();
+        auto worker = workers.begin();
+
+        for (const auto& pipe : pipes)
         {
-            const auto isAtWork = ! hasNews (*worker->process) || worker->process->receive();
+            const auto isAtWork = pipe.revents == 0 || worker->process->receive();
 
             if (! isAtWork)
                 tell (*worker);

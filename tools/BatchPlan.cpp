@@ -59,7 +59,7 @@ juce::StringArray linesOf (const juce::String& listPath)
 
 juce::StringArray findInputs (const CommandLine& line)
 {
-    auto named = line.batchInputs;
+    auto named = line.inputs;
 
     if (line.batchListPath.isNotEmpty())
         named.addArray (linesOf (line.batchListPath));
@@ -72,52 +72,34 @@ juce::StringArray findInputs (const CommandLine& line)
     return inputs;
 }
 
-/** Files by what they are, over links, with the path that each was given by. */
-class FileSet
+/** Paths by what they lead to, over links. */
+using FileMap = std::map<juce::String, juce::String>;
+
+void refuseOverwriting (const juce::String& output, const FileMap& read)
 {
-public:
-    /** The path that the same file has been added by before; empty if this is the first. */
-    juce::String add (const juce::String& path)
-    {
-        const auto [entry, isNew] = paths.insert ({ identityOf (fileAt (path)), path });
-        return isNew ? juce::String() : entry->second;
-    }
-
-    juce::String find (const juce::String& path) const
-    {
-        const auto entry = paths.find (identityOf (fileAt (path)));
-        return entry == paths.end() ? juce::String() : entry->second;
-    }
-
-private:
-    std::map<juce::String, juce::String> paths;
-};
-
-void refuseOverwriting (const juce::String& output, const FileSet& read)
-{
-    if (const auto path = read.find (output); path.isNotEmpty())
-        throw ToolError ("'" + output + "' would be written over '" + path + "', which is read");
+    if (const auto found = read.find (identityOf (fileAt (output))); found != read.end())
+        throw ToolError ("'" + output + "' would be written over '" + found->second + "', which is read");
 }
 } // namespace
 
 BatchPlan planBatch (const CommandLine& line)
 {
     const auto inputs = findInputs (line);
-    FileSet read, written;
+    FileMap read, written; // with the paths as given, and with the inputs' paths
+    const auto identity = [] (const juce::String& path) { return identityOf (fileAt (path)); };
 
     for (const auto& path : inputs)
-        read.add (path);
+        read.insert ({ identity (path), path });
 
     if (line.sidechainPath.isNotEmpty())
-        read.add (line.sidechainPath);
+        read.insert ({ identity (line.sidechainPath), line.sidechainPath });
 
     if (line.saveStatePath.isNotEmpty())
         refuseOverwriting (line.saveStatePath, read);
 
     if (line.loadStatePath.isNotEmpty())
-        read.add (line.loadStatePath); // a state may be written over itself, but no recording over it
+        read.insert ({ identity (line.loadStatePath), line.loadStatePath }); // may become the saved state, no recording
 
-    std::map<juce::String, juce::String> inputOf;
     BatchPlan plan;
 
     for (const auto& input : inputs)
@@ -125,10 +107,8 @@ BatchPlan planBatch (const CommandLine& line)
         const auto output = pathIn (line.outputPath, fileAt (input).getFileNameWithoutExtension() + ".wav");
         refuseOverwriting (output, read);
 
-        if (const auto same = written.add (output); same.isNotEmpty())
-            throw ToolError ("'" + inputOf[same] + "' and '" + input + "' would both become '" + output + "'");
-
-        inputOf[output] = input;
+        if (const auto [same, isNew] = written.insert ({ identity (output), input }); ! isNew)
+            throw ToolError ("'" + same->second + "' and '" + input + "' would both become '" + output + "'");
 
         if (! line.overwrites && fileAt (output).existsAsFile())
             plan.kept.add (output);
@@ -136,7 +116,7 @@ BatchPlan planBatch (const CommandLine& line)
             plan.items.push_back ({ input, output, fileAt (input).getSize() });
     }
 
-    if (line.saveStatePath.isNotEmpty() && written.find (line.saveStatePath).isNotEmpty())
+    if (line.saveStatePath.isNotEmpty() && written.count (identity (line.saveStatePath)) > 0)
         throw ToolError ("the state and a recording would both become '" + line.saveStatePath + "'");
 
     std::stable_sort (plan.items.begin(), plan.items.end(),

@@ -1,318 +1,203 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/CommandLine.h"
 
+#include "tools/Commands.h"
 #include "tools/ToolError.h"
-
-#include <functional>
 
 namespace tarvik
 {
 
 namespace
 {
-using Task = CommandLine::Task;
+using juce::String;
 
-struct TaskWord
+/** Bits for what an option is about. */
+enum About : unsigned
+{
+    blocks = 1,
+    module = 2,
+    settings = 4,
+    files = 8,
+    batches = 16,
+    drawing = 32,
+    everyRender = blocks | module | settings | files
+};
+
+struct Task
 {
     const char* word;
-    Task task;
+    void (*perform) (const CommandLine&);
+    unsigned options;
+    const char* name;
+    const char* words; ///< What it needs besides options.
+    int fewestWords, mostWords;
+    bool writes = true; ///< Into what its last word names.
 };
 
-/** Words that say, in first place or behind the module's, what is to be done; without one of them a file is
-    rendered. */
-constexpr TaskWord taskWords[] = {
-    { "render", Task::render },        { "batch", Task::batch },   { "list", Task::list },
-    { "stream", Task::stream },        { "decode", Task::decode }, { "pictures", Task::pictures },
-    { "screenshot", Task::screenshot }
+constexpr int anyNumber = std::numeric_limits<int>::max();
+
+/** The first is done where none is named; those with dashes may be named anywhere. */
+constexpr Task tasks[] = {
+    { "render", renderOneFile, everyRender, "a rendering", "an input and an output file", 2, 2 },
+    { "batch", renderBatch, everyRender | batches, "a batch", "input files, or folders of them, and an output folder",
+      2, anyNumber },
+    { "list", listModule, everyRender, "a list", "nothing", 0, 1, false },
+    { "stream", streamRuns, blocks | module, "a stream", "nothing", 0, 0, false },
+    { "decode", decodeRecording, blocks | module, "decoding", "one recording", 1, 1, false },
+    { "pictures", writeContactSheet, everyRender, "a sheet of pictures", "one file to write", 1, 1 },
+    { "screenshot", writeScreenshot, blocks | settings | drawing, "a screenshot", "a file to write", 1, 2 },
+    { "--list", listModule, everyRender, "a list", "nothing", 0, 1, false },
+    { "--help", printUsage, everyRender, "the help", "nothing", 0, anyNumber, false },
+    { "-h", printUsage, everyRender, "the help", "nothing", 0, anyNumber, false },
+    { "--version", printVersion, everyRender, "the version", "nothing", 0, anyNumber, false },
 };
 
-constexpr const char* moduleOption = "--module";
-
-/** The same as options, which may stand anywhere. */
-constexpr TaskWord taskOptions[] = {
-    { "--list", Task::list }, { "--help", Task::help }, { "-h", Task::help }, { "--version", Task::version }
-};
-
-template <std::size_t N>
-const TaskWord* findTask (const TaskWord (&words)[N], const juce::String& argument)
+const Task* findTask (const String& word)
 {
-    for (const auto& entry : words)
-        if (argument == entry.word)
-            return &entry;
-
-    return nullptr;
+    const auto* const found =
+        std::find_if (std::begin (tasks), std::end (tasks), [&word] (const auto& task) { return word == task.word; });
+    return found == std::end (tasks) ? nullptr : found;
 }
 
-int wholeNumber (const juce::String& option, const juce::String& text, int lowest, int highest)
+[[noreturn]] void refuse (const String& option, const String& wanted, const String& text)
+{
+    throw ToolError (option + " needs " + wanted + ", not '" + text + "'");
+}
+
+int wholeNumber (const char* option, const String& text, int lowest, int highest)
 {
     constexpr int mostDigits = 9; // always fits an int
 
-    const auto isWhole = text.isNotEmpty() && text.containsOnly ("0123456789") && text.length() <= mostDigits;
+    const auto isWhole = text.containsOnly ("0123456789") && text.length() <= mostDigits;
     const auto value = isWhole ? text.getIntValue() : lowest - 1;
 
     if (value < lowest || value > highest)
-        throw ToolError (option + " wants a whole number from " + juce::String (lowest) + " to "
-                         + juce::String (highest) + ", not '" + text + "'");
+        refuse (option, "a whole number from " + String (lowest) + " to " + String (highest), text);
 
     return value;
 }
 
-constexpr int smallestZoomPercent = 50, largestZoomPercent = 300;
-
-/** Takes the values of the options that have one. */
-class OptionReader
+struct Option
 {
-public:
-    explicit OptionReader (CommandLine& target) : line (target) {}
-
-    /** True if the argument is an option with a value. */
-    bool takesValue (const juce::String& option) const
-    {
-        return option == "--set" || option == "--block" || option == "--bits" || option == "--jobs"
-               || option == "--zoom" || option == "--slot" || textOf (option) != nullptr;
-    }
-
-    void take (const juce::String& option, const juce::String& value)
-    {
-        if (value.isEmpty())
-            throw ToolError (option + " wants a value that is not empty");
-
-        if (option == "--set")
-        {
-            line.assignments.add (value);
-            return;
-        }
-
-        if (seen.contains (option))
-            throw ToolError (option + " is given twice");
-
-        seen.add (option);
-
-        if (option == "--block")
-            line.blockSize = wholeNumber (option, value, 1, CommandLine::largestBlockSize);
-        else if (option == "--zoom")
-            line.zoomPercent = wholeNumber (option, value, smallestZoomPercent, largestZoomPercent);
-        else if (option == "--slot")
-            line.slot = slot (value);
-        else if (option == "--bits")
-            line.bitDepth = bits (value);
-        else if (option == "--jobs")
-            line.numJobs = wholeNumber (option, value, 1, CommandLine::mostJobs);
-        else
-            *textOf (option) = value;
-    }
-
-    /** True if there was one that says how the window is drawn. */
-    bool saysHowToDraw() const
-    {
-        return seen.contains ("--zoom") || seen.contains ("--name") || seen.contains ("--slot");
-    }
-
-    /** True if there was one that only a rendering has a use for. */
-    bool saysHowToRender() const
-    {
-        for (const auto* const option : { moduleOption, "--sidechain", "--save-state", "--bits" })
-            if (seen.contains (option))
-                return true;
-
-        return false;
-    }
-
-    /** False if there was an option besides the module and the block size. */
-    bool saysOnlyModuleAndBlock() const
-    {
-        for (const auto& option : seen)
-            if (option != moduleOption && option != "--block")
-                return false;
-
-        return line.assignments.isEmpty();
-    }
-
-private:
-    juce::String* textOf (const juce::String& option) const
-    {
-        const std::pair<const char*, juce::String*> texts[] = {
-            { moduleOption, &line.modulePath }, { "--sidechain", &line.sidechainPath },
-            { "--state", &line.loadStatePath }, { "--save-state", &line.saveStatePath },
-            { "--program", &line.program },     { "--from", &line.batchListPath },
-            { "--name", &line.trackName },
-        };
-
-        for (const auto& [name, text] : texts)
-            if (option == name)
-                return text;
-
-        return nullptr;
-    }
-
-    static int slot (const juce::String& value)
-    {
-        if (value != "A" && value != "B")
-            throw ToolError ("--slot wants A or B, not '" + value + "'");
-
-        return value == "A" ? 0 : 1;
-    }
-
-    static int bits (const juce::String& value)
-    {
-        if (value != "24" && value != "32")
-            throw ToolError ("--bits wants 24 or 32, not '" + value + "'");
-
-        return value.getIntValue();
-    }
-
-    CommandLine& line;
-    juce::StringArray seen;
+    const char* name;
+    unsigned about;
+    void (*take) (CommandLine&, const char* name, const String& value);
+    bool hasValue = true;
 };
 
-void takePositional (CommandLine& line, const juce::String& argument)
+constexpr Option options[] = {
+    { "--set", settings, [] (auto& line, auto*, auto& text) { line.assignments.add (text); } },
+    { "--module", module, [] (auto& line, auto*, auto& text) { line.modulePath = text; } },
+    { "--sidechain", files, [] (auto& line, auto*, auto& text) { line.sidechainPath = text; } },
+    { "--state", settings, [] (auto& line, auto*, auto& text) { line.loadStatePath = text; } },
+    { "--save-state", files, [] (auto& line, auto*, auto& text) { line.saveStatePath = text; } },
+    { "--program", settings, [] (auto& line, auto*, auto& text) { line.program = text; } },
+    { "--from", batches, [] (auto& line, auto*, auto& text) { line.batchListPath = text; } },
+    { "--overwrite", batches, [] (auto& line, auto*, auto&) { line.overwrites = true; }, false },
+    { "--name", drawing, [] (auto& line, auto*, auto& text) { line.trackName = text; } },
+    { "--jobs", batches, [] (auto& line, auto* name, auto& text) { line.numJobs = wholeNumber (name, text, 1, 256); } },
+    { "--block", blocks,
+      [] (auto& line, auto* name, auto& text) { line.blockSize = wholeNumber (name, text, 1, 65536); } },
+    { "--zoom", drawing,
+      [] (auto& line, auto* name, auto& text) { line.zoomPercent = wholeNumber (name, text, 50, 300); } },
+    { "--slot", drawing,
+      [] (auto& line, auto* name, auto& text)
+      {
+          line.slot = text == "A" ? 0 : text == "B" ? 1 : -1;
+
+          if (line.slot < 0)
+              refuse (name, "A or B", text);
+      } },
+    { "--bits", files,
+      [] (auto& line, auto* name, auto& text)
+      {
+          line.bitDepth = text.getIntValue();
+
+          if (text != "24" && text != "32")
+              refuse (name, "24 or 32", text);
+      } },
+};
+
+const Option& findOption (const String& word)
 {
-    if (argument.isEmpty())
+    for (const auto& option : options)
+        if (word == option.name)
+            return option;
+
+    throw ToolError ("there is no option '" + word + "' (see --help)");
+}
+
+/** The words besides options go to where the task looks for them. */
+void arrange (CommandLine& line, const Task& task)
+{
+    if (line.inputs.size() < task.fewestWords - (line.batchListPath.isEmpty() ? 0 : 1)) // the list stands for inputs
+        throw ToolError (String (task.name) + " needs " + task.words + " (see --help)");
+
+    if (line.inputs.size() > task.mostWords)
+        throw ToolError ("there is one file too many: '" + line.inputs[task.mostWords] + "'");
+
+    if (line.inputs.contains (String()))
         throw ToolError ("a file name is empty");
 
-    if (line.task == Task::batch)
-        line.batchInputs.add (argument);
-    else if (line.inputPath.isEmpty())
-        line.inputPath = argument;
-    else if (line.outputPath.isEmpty())
-        line.outputPath = argument;
-    else
-        throw ToolError ("there is one file too many: '" + argument + "'");
-}
+    if (task.writes)
+    {
+        line.outputPath = line.inputs[line.inputs.size() - 1];
+        line.inputs.remove (line.inputs.size() - 1);
+    }
 
-/** A batch's last word is its folder. */
-void arrangeBatch (CommandLine& line)
-{
-    const auto numInputs = line.batchInputs.size() - 1;
-
-    if (numInputs < 0 || (numInputs == 0 && line.batchListPath.isEmpty()))
-        throw ToolError ("input files, or folders of them, and an output folder are wanted (see --help)");
-
-    line.outputPath = line.batchInputs[numInputs];
-    line.batchInputs.remove (numInputs);
-}
-
-/** What other programs send and get goes through pipes. */
-void checkPipes (const CommandLine& line, bool saysOnlyModuleAndBlock)
-{
-    const auto isDecoding = line.task == Task::decode;
-
-    if (line.inputPath.isNotEmpty() != isDecoding || line.outputPath.isNotEmpty())
-        throw ToolError (isDecoding ? "decoding takes one recording (see --help)"
-                                    : "a stream takes no file (see --help)");
-
-    if (! saysOnlyModuleAndBlock)
-        throw ToolError (juce::String (isDecoding ? "decoding" : "a stream")
-                         + " takes no option but --module and --block");
-}
-
-/** A list's only word is its kind. */
-void arrangeList (CommandLine& line)
-{
-    std::swap (line.listKind, line.inputPath);
-
-    if (! juce::StringArray { "", "layout", "harmonics", "network" }.contains (line.listKind)
-        || line.outputPath.isNotEmpty())
-        throw ToolError ("a list wants no file: '" + (line.outputPath.isEmpty() ? line.listKind : line.outputPath)
-                         + "'");
-}
-
-/** The only word behind it is the file to write. */
-void arrangePictures (CommandLine& line)
-{
-    if (line.inputPath.isEmpty() || line.outputPath.isNotEmpty())
-        throw ToolError ("one file is wanted, for the sheet of pictures");
-
-    std::swap (line.inputPath, line.outputPath);
-}
-
-/** The last word is the file to write, one before it a recording. */
-void arrangeScreenshot (CommandLine& line, bool saysHowToRender)
-{
-    if (line.inputPath.isEmpty())
-        throw ToolError ("a file is wanted, for the picture of the window");
-
-    if (saysHowToRender)
-        throw ToolError (
-            "a screenshot takes no option but --zoom, --name, --state, --slot, --program, --set and --block");
-
-    if (line.outputPath.isEmpty())
-        std::swap (line.inputPath, line.outputPath);
+    line.perform = task.perform;
+    line.inputPath = line.inputs[0];
 }
 } // namespace
 
 CommandLine parseCommandLine (const juce::StringArray& arguments)
 {
     CommandLine line;
-    OptionReader options (line);
+    juce::Array<const Option*> given;
     bool onlyFiles = false;
 
     // ./run puts the module in front of the user's words.
-    const auto wordPlace = arguments[0] == moduleOption ? 2 : 0;
-    const auto* const word = findTask (taskWords, arguments[wordPlace]);
-
-    if (word != nullptr)
-        line.task = word->task;
+    const auto wordPlace = arguments[0] == "--module" ? 2 : 0;
+    const auto* task = &tasks[0];
 
     for (int i = 0; i < arguments.size(); ++i)
     {
         const auto& argument = arguments[i];
+        const auto* const named = findTask (argument);
+        const auto isDashed = argument.startsWithChar ('-') && ! onlyFiles;
 
-        if (i == wordPlace && word != nullptr)
-            continue;
-
-        if (onlyFiles || ! argument.startsWithChar ('-'))
+        if (named != nullptr && (isDashed || (i == wordPlace && ! argument.startsWithChar ('-'))))
         {
-            takePositional (line, argument);
+            task = named;
+        }
+        else if (! isDashed)
+        {
+            line.inputs.add (argument);
         }
         else if (argument == "--")
         {
             onlyFiles = true;
         }
-        else if (argument == "--overwrite")
-        {
-            line.overwrites = true;
-        }
-        else if (const auto* const task = findTask (taskOptions, argument))
-        {
-            line.task = task->task;
-        }
-        else if (options.takesValue (argument))
-        {
-            if (i + 1 >= arguments.size())
-                throw ToolError (argument + " wants a value behind it");
-
-            options.take (argument, arguments[++i]);
-        }
         else
         {
-            throw ToolError ("there is no option '" + argument + "' (see --help)");
+            const auto& option = findOption (argument);
+
+            if (option.hasValue && arguments[++i].isEmpty())
+                throw ToolError (argument + " needs a value after it");
+
+            if (given.contains (&option) && argument != "--set")
+                throw ToolError (argument + " is given twice");
+
+            given.add (&option);
+            option.take (line, option.name, arguments[i]);
         }
     }
 
-    if (line.task == Task::render && line.outputPath.isEmpty())
-        throw ToolError (line.inputPath.isEmpty() ? "an input and an output file are wanted (see --help)"
-                                                  : "an output file is wanted behind the input (see --help)");
+    for (const auto* const option : given)
+        if ((option->about & task->options) == 0)
+            throw ToolError (String (task->name) + " takes no " + option->name + " (see --help)");
 
-    if (line.task == Task::batch)
-        arrangeBatch (line);
-    else if (line.overwrites || line.numJobs > 0 || line.batchListPath.isNotEmpty())
-        throw ToolError ("--overwrite, --jobs and --from are for a batch (see --help)");
-
-    if (line.task == Task::stream || line.task == Task::decode)
-        checkPipes (line, options.saysOnlyModuleAndBlock());
-
-    if (line.task == Task::list)
-        arrangeList (line);
-
-    if (line.task == Task::pictures)
-        arrangePictures (line);
-
-    if (line.task == Task::screenshot)
-        arrangeScreenshot (line, options.saysHowToRender());
-    else if (options.saysHowToDraw())
-        throw ToolError ("--zoom, --name and --slot are for screenshots");
-
+    arrange (line, *task);
     return line;
 }
 

@@ -9,30 +9,15 @@ namespace tarvik
 /** The words of the command line, sorted by what they mean. What they name is not looked at yet. */
 struct CommandLine
 {
-    enum class Task
-    {
-        render,
-        batch,
-        list,
-        stream,
-        decode,
-        pictures,
-        screenshot,
-        help,
-        version
-    };
-
     static constexpr int defaultBlockSize = 512;
-    static constexpr int largestBlockSize = 65536;
-    static constexpr int mostJobs = 256;
 
-    Task task = Task::render;
-    juce::String inputPath, outputPath; ///< Of a batch the output is a folder.
-    juce::StringArray batchInputs;      ///< Files and folders, as they were given.
-    juce::String batchListPath;         ///< A text file that names more of them, empty for none.
-    bool overwrites = false;            ///< A batch makes anew what is already in its folder.
-    int numJobs = 0;                    ///< Files of a batch that are rendered at the same time; 0: one for each core.
-    juce::String listKind; ///< As a word of its own, or empty for a list of what the module has; only for `Task::list`.
+    void (*perform) (const CommandLine&) = nullptr; ///< The command, one of Commands.h.
+    juce::StringArray inputs;                       ///< Files and folders, or a list's kind.
+    juce::String inputPath;                         ///< The first of them.
+    juce::String outputPath;                        ///< The last file; of a batch a folder.
+    juce::String batchListPath;                     ///< A text file that names more inputs, empty for none.
+    bool overwrites = false;                        ///< A batch makes anew what is already in its folder.
+    int numJobs = 0;         ///< Files of a batch that are rendered at the same time; 0: one for each core.
     juce::String modulePath; ///< Empty: look in the usual places.
     juce::String sidechainPath;
     juce::String loadStatePath, saveStatePath;
@@ -40,7 +25,7 @@ struct CommandLine
     juce::StringArray assignments; ///< Each ID=TEXT, in the order given.
     juce::String trackName;        ///< What a screenshot's channel is called.
     int zoomPercent = 100;         ///< Of a screenshot.
-    int slot = -1;                 ///< The one that a screenshot shows, 0 for A; -1 for the one in force.
+    int slot = -1;                 ///< The one that a screenshot shows, 0 for A; -1 for the current one.
     int blockSize = defaultBlockSize;
     int bitDepth = 32; ///< 24, or 32 for floating point.
 };
@@ -49,8 +34,5 @@ struct CommandLine
     its value.
 */
 CommandLine parseCommandLine (const juce::StringArray& arguments);
-
-/** The explanation for `--help`, several lines. */
-const char* usageText();
 
 } // namespace tarvik

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tools/ListCommand.h"
-
+#include "dsp/EqualiserComponents.h"
 #include "dsp/EqualiserNetwork.h"
 #include "plugin/ParameterTable.h"
 #include "strip/HarmonicTable.h"
+#include "tools/Commands.h"
 #include "tools/LayoutList.h"
 #include "tools/ModuleHost.h"
 #include "tools/ParameterArguments.h"
+#include "tools/ToolError.h"
 
 #include <iostream>
 #include <limits>
@@ -29,12 +30,12 @@ void printParameters (const ModuleHost& host)
 
     for (int index = 0; index < numParameters; ++index)
     {
-        const auto& row = parameterTable()[static_cast<std::size_t> (index)];
+        const auto& row = parameterRow (index);
 
         // Nothing has been set, so the present value is the default.
         std::cout << column (row.id, idWidth) << column (row.name, nameWidth)
-                  << column (withUnit (index, host.parameterText (index)), defaultWidth)
-                  << column (unitOf (index), unitWidth) << describeValues (index) << '\n';
+                  << column (withUnit (index, host.parameterText (index)), defaultWidth) << column (row.unit, unitWidth)
+                  << describeValues (index) << '\n';
     }
 }
 
@@ -66,12 +67,11 @@ EQControls controlsOf (const juce::String& line)
 {
     ParameterSnapshot snapshot;
 
-    for (const auto& word : juce::StringArray::fromTokens (line, "\t", {}))
-        if (word.isNotEmpty())
-        {
-            const auto [index, normalised] = parseParameterSetting (word);
-            fieldForParameter (snapshot, index).set (createParameter (index)->convertFrom0to1 (normalised));
-        }
+    auto words = juce::StringArray::fromTokens (line, "\t", {});
+    words.removeEmptyStrings();
+
+    for (const auto& [index, normalised] : parseParameterSettings (words))
+        fieldForParameter (snapshot, index).set (createParameter (index)->convertFrom0to1 (normalised));
 
     return { .highFreq = snapshot.highFreq,
              .highGain = snapshot.highGain,
@@ -91,7 +91,7 @@ void printNetworks()
     {
         const auto controls = controlsOf (juce::String::fromUTF8 (line.c_str()));
         components.setActiveChannel (controls.toleranceChannel);
-        const auto [numerator, denominator] = solveEqualiserNetwork (selectElements (components, controls));
+        const auto [numerator, denominator] = solveEqualiserNetwork (components, controls);
         const auto* separator = "";
         std::cout.precision (std::numeric_limits<double>::max_digits10);
 
@@ -102,20 +102,9 @@ void printNetworks()
         std::cout << '\n';
     }
 }
-} // namespace
 
-void listModule (const CommandLine& line)
+void printModule (const CommandLine& line)
 {
-    if (line.listKind == "layout")
-        std::cout << layoutAsJson() << '\n';
-    else if (line.listKind == "harmonics")
-        printHarmonics();
-    else if (line.listKind == "network")
-        printNetworks();
-
-    if (line.listKind.isNotEmpty())
-        return;
-
     constexpr double anyRate = 48000.0; // the latency in samples is the same at every rate
     ModuleHost host (ModuleHost::findBundle (line.modulePath));
     host.prepare (anyRate, line.blockSize);
@@ -129,6 +118,23 @@ void listModule (const CommandLine& line)
         std::cout << "  " << bus << '\n';
 
     std::cout << "\nLatency: " << host.latency() << " samples\nVersion: " << host.versionText() << '\n';
+}
+} // namespace
+
+void listModule (const CommandLine& line)
+{
+    const auto& kind = line.inputPath;
+
+    if (kind.isEmpty())
+        printModule (line);
+    else if (kind == "layout")
+        std::cout << layoutAsJson() << '\n';
+    else if (kind == "harmonics")
+        printHarmonics();
+    else if (kind == "network")
+        printNetworks();
+    else
+        throw ToolError ("there is no list '" + kind + "', only layout, harmonics and network");
 }
 
 } // namespace tarvik

@@ -41,7 +41,7 @@ OutputFile::OutputFile (const juce::String& path) : wantedPath (path), target (r
     const auto status = std::filesystem::status (pathOf (target), error);
 
     if (std::filesystem::exists (status) && ! std::filesystem::is_regular_file (status))
-        throwWriteError ("it is no ordinary file");
+        throwWriteError ("it is not an ordinary file");
 
     const auto folder = target.getParentDirectory();
 
@@ -77,6 +77,24 @@ std::unique_ptr<juce::FileOutputStream> OutputFile::open()
     return stream;
 }
 
+void OutputFile::finish (juce::FileOutputStream& stream, juce::int64 fewestBytes) const
+{
+    stream.flush();
+
+    if (stream.getStatus().failed() || stream.getFile().getSize() < fewestBytes)
+        throwDiskError (stream);
+}
+
+void OutputFile::write (const void* data, std::size_t numBytes)
+{
+    const auto stream = open();
+
+    if (! stream->write (data, numBytes))
+        throwDiskError (*stream);
+
+    finish (*stream, static_cast<juce::int64> (numBytes));
+}
+
 void OutputFile::commit()
 {
     std::error_code error;
@@ -84,6 +102,13 @@ void OutputFile::commit()
 
     if (error)
         throwWriteError (juce::String (error.message()));
+}
+
+void OutputFile::throwDiskError (const juce::FileOutputStream& stream) const
+{
+    // A piece that was taken only in part is not an error to the system yet, so it has no words for it.
+    const auto status = stream.getStatus();
+    throwWriteError (status.failed() ? status.getErrorMessage() : juce::String ("the disk is full"));
 }
 
 void OutputFile::throwWriteError (const juce::String& reason) const

@@ -26,6 +26,12 @@ public:
     /** A stream into the hidden file. Throws `ToolError` if the folder cannot be written to. */
     std::unique_ptr<juce::FileOutputStream> open();
 
+    /** Ends what was written to that stream. Throws `ToolError` if the disk failed or took less than it should. */
+    void finish (juce::FileOutputStream& stream, juce::int64 fewestBytes) const;
+
+    /** Writes the whole content of the hidden file. Throws `ToolError` if that fails. */
+    void write (const void* data, std::size_t numBytes);
+
     /** Gives the file its name, in place of one that had it before. Throws `ToolError` if that fails. */
     void commit();
 
@@ -37,6 +43,8 @@ public:
     /** For any step of the writing that failed. */
     [[noreturn]] void throwWriteError (const juce::String& reason) const;
 
+    [[noreturn]] void throwDiskError (const juce::FileOutputStream& stream) const;
+
 private:
     juce::File hiddenFor (int processID) const;
 
@@ -44,7 +52,7 @@ private:
     juce::File target, hidden;
 };
 
-/** The file that a user's path means, seen from the present folder. */
+/** The file that a user's path means, seen from the current folder. */
 juce::File fileAt (const juce::String& path);
 
 /** A text that two paths have in common if they lead to the same file, over links of either kind. */

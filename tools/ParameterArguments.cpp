@@ -13,19 +13,6 @@ namespace tarvik
 
 namespace
 {
-const ParameterRow& rowAt (int index) { return parameterTable()[static_cast<std::size_t> (index)]; }
-
-juce::String unitOf (const ParameterRow& row)
-{
-    if (row.textRule == &textRules::midGain || row.textRule == &textRules::lowGain)
-        return "dB";
-
-    if (row.textRule == &textRules::percent)
-        return "%";
-
-    return row.textRule == &textRules::highPassHz ? "Hz" : row.label;
-}
-
 /** The number that a text consists of; nothing else may stand beside it. */
 std::optional<double> asNumber (const juce::String& text)
 {
@@ -33,7 +20,7 @@ std::optional<double> asNumber (const juce::String& text)
     const auto* first = trimmed.data();
     const auto* const last = first + trimmed.size();
 
-    // The library's reader takes no plus sign.
+    // from_chars takes no plus sign.
     if (trimmed.size() > 1 && *first == '+' && first[1] != '-')
         ++first;
 
@@ -55,26 +42,20 @@ juce::String shownText (const ParameterRow& row, float plain)
     if (row.textRule != nullptr)
         return row.textRule->toText (plain);
 
-    return decimalText (plain, decimalsOfStep (row.step));
+    return decimalText (plain, decimalsOfStep (row.range.step));
 }
 
 /** One end of the range as the user counts, which is not always as the parameter does. */
 double shownNumber (const ParameterRow& row, float plain)
 {
-    return asNumber (withoutUnit (shownText (row, plain), unitOf (row))).value_or (static_cast<double> (plain));
+    return asNumber (withoutUnit (shownText (row, plain), row.unit)).value_or (static_cast<double> (plain));
 }
 
 juce::String rangeText (const ParameterRow& row)
 {
-    const auto unit = unitOf (row);
-    return withoutUnit (shownText (row, row.start), unit).trim() + " to "
-           + withoutUnit (shownText (row, row.end), unit).trim() + (unit.isEmpty() ? "" : " " + unit);
-}
-
-juce::String choicesText (const ParameterRow& row)
-{
-    juce::StringArray texts (row.choices.data(), static_cast<int> (row.choices.size()));
-    return texts.joinIntoString (", ");
+    const juce::String unit (row.unit);
+    return withoutUnit (shownText (row, row.range.start), unit).trim() + " to "
+           + withoutUnit (shownText (row, row.range.end), unit).trim() + (unit.isEmpty() ? "" : " " + unit);
 }
 
 juce::String valuesText (const ParameterRow& row)
@@ -82,7 +63,10 @@ juce::String valuesText (const ParameterRow& row)
     if (row.kind == ParameterFieldKind::Bool)
         return "on, off";
 
-    return row.kind == ParameterFieldKind::Choice ? choicesText (row) : rangeText (row);
+    if (row.kind == ParameterFieldKind::Choice)
+        return juce::StringArray (row.choices.data(), static_cast<int> (row.choices.size())).joinIntoString (", ");
+
+    return rangeText (row);
 }
 
 [[noreturn]] void refuse (const ParameterRow& row, const juce::String& text)
@@ -116,30 +100,29 @@ float choiceValue (const ParameterRow& row, const juce::String& text)
 float numberValue (const ParameterRow& row, const juce::String& text)
 {
     // A word for an end of the range, as a switched-off filter has.
-    for (const auto plain : { row.start, row.end })
+    for (const auto plain : { row.range.start, row.range.end })
         if (text.equalsIgnoreCase (shownText (row, plain)))
             return plain;
 
-    const auto number = asNumber (withoutUnit (text, unitOf (row)));
+    const auto number = asNumber (withoutUnit (text, row.unit));
 
-    if (! number || *number < shownNumber (row, row.start) || *number > shownNumber (row, row.end))
+    if (! number || *number < shownNumber (row, row.range.start) || *number > shownNumber (row, row.range.end))
         refuse (row, text);
 
     if (row.kind == ParameterFieldKind::Int && std::trunc (*number) != *number)
         refuse (row, text);
 
     if (row.textRule != nullptr)
-        return juce::jlimit (row.start, row.end, row.textRule->fromText (juce::String (*number)));
+        return juce::jlimit (row.range.start, row.range.end, row.textRule->fromText (juce::String (*number)));
 
     return static_cast<float> (*number);
 }
 
 float plainValue (const ParameterRow& row, const juce::String& text)
 {
-    if (row.kind == ParameterFieldKind::Bool)
-        return boolValue (row, text);
-
-    return row.kind == ParameterFieldKind::Choice ? choiceValue (row, text) : numberValue (row, text);
+    return row.kind == ParameterFieldKind::Bool     ? boolValue (row, text)
+           : row.kind == ParameterFieldKind::Choice ? choiceValue (row, text)
+                                                    : numberValue (row, text);
 }
 
 float travel (const juce::String& argument, const juce::String& text)
@@ -151,34 +134,35 @@ float travel (const juce::String& argument, const juce::String& text)
 
     return static_cast<float> (*place);
 }
-} // namespace
 
-//==============================================================================
 ParameterSetting parseParameterSetting (const juce::String& argument)
 {
     const auto sign = argument.indexOfAnyOf ("=@");
 
     if (sign <= 0)
-        throw ToolError ("--set wants ID=TEXT, not '" + argument + "'");
+        throw ToolError ("--set needs ID=TEXT, not '" + argument + "'");
 
     const auto id = argument.substring (0, sign).trim();
     const auto text = argument.substring (sign + 1).trim();
 
     for (int index = 0; index < numParameters; ++index)
-    {
-        const auto& row = rowAt (index);
-
-        if (id == row.id && argument[sign] == '@')
-            return { index, travel (argument, text) };
-
-        if (id == row.id)
-        {
-            const auto parameter = createParameter (index);
-            return { index, parameter->convertTo0to1 (plainValue (row, text)) };
-        }
-    }
+        if (const auto& row = parameterRow (index); id == row.id)
+            return { index, argument[sign] == '@' ? travel (argument, text)
+                                                  : createParameter (index)->convertTo0to1 (plainValue (row, text)) };
 
     throw ToolError ("there is no parameter '" + id + "' (see --list)");
+}
+} // namespace
+
+//==============================================================================
+std::vector<ParameterSetting> parseParameterSettings (const juce::StringArray& arguments)
+{
+    std::vector<ParameterSetting> settings;
+
+    for (const auto& argument : arguments)
+        settings.push_back (parseParameterSetting (argument));
+
+    return settings;
 }
 
 int programNamed (const juce::StringArray& names, const juce::String& nameOrNumber)
@@ -194,13 +178,11 @@ int programNamed (const juce::StringArray& names, const juce::String& nameOrNumb
     throw ToolError ("there is no program '" + nameOrNumber + "' (see --list)");
 }
 
-juce::String describeValues (int index) { return valuesText (rowAt (index)); }
-
-juce::String unitOf (int index) { return unitOf (rowAt (index)); }
+juce::String describeValues (int index) { return valuesText (parameterRow (index)); }
 
 juce::String withUnit (int index, const juce::String& shown)
 {
-    return asNumber (shown) ? (shown + " " + unitOf (index)).trim() : shown;
+    return asNumber (shown) ? (shown + " " + parameterRow (index).unit).trim() : shown;
 }
 
 } // namespace tarvik

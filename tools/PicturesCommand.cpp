@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tools/PicturesCommand.h"
-
 #include "editor/EmbeddedResources.h"
 #include "editor/ImageResampling.h"
 #include "editor/ScaledPictures.h"
+#include "tools/Commands.h"
 #include "tools/PngFile.h"
 
 #include <iostream>
@@ -37,34 +36,26 @@ juce::Image sampleOf (const juce::Image& picture, int numFrames)
     return sample;
 }
 
-/** One picture at both sizes with its caption. */
+/** One picture with its caption above it, and the small one below. */
 struct Entry
 {
     juce::Image large, small;
     juce::String caption;
 
-    int width() const
-    {
-        const auto sideBySide = large.getWidth() + margin + small.getWidth();
-        return standsAlone() ? large.getWidth() : std::max (sideBySide, captionWidth());
-    }
+    static juce::Font font() { return { captionHeight * 0.7f }; }
 
-    int height() const { return large.getHeight() + (standsAlone() ? margin + small.getHeight() : 0) + captionHeight; }
+    int width() const { return std::max (large.getWidth(), font().getStringWidth (caption)); }
 
-    /** Wide pictures have the small one below. */
-    bool standsAlone() const { return large.getWidth() + margin + small.getWidth() > sheetWidth - 2 * margin; }
-
-    int captionWidth() const { return juce::Font (captionHeight * 0.7f).getStringWidth (caption); }
+    int height() const { return captionHeight + large.getHeight() + margin + small.getHeight(); }
 
     void draw (juce::Graphics& g, int x, int y) const
     {
         g.setColour (juce::Colour (captionColour));
-        g.setFont (juce::Font (captionHeight * 0.7f));
-        g.drawText (caption, x, y, std::max (width(), captionWidth()), captionHeight, juce::Justification::centredLeft);
+        g.setFont (font());
+        g.drawText (caption, x, y, width(), captionHeight, juce::Justification::centredLeft);
         g.setOpacity (1.0f);
         g.drawImageAt (large, x, y + captionHeight);
-        g.drawImageAt (small, standsAlone() ? x : x + large.getWidth() + margin,
-                       y + captionHeight + (standsAlone() ? large.getHeight() + margin : 0));
+        g.drawImageAt (small, x, y + captionHeight + large.getHeight() + margin);
     }
 };
 

@@ -8,7 +8,13 @@
 namespace tarvik
 {
 
-/** Writes a picture. Throws `ToolError` if the disk fails. */
-void writePng (OutputFile& file, const juce::Image& image);
+/** Writes a picture and gives it its name. Throws `ToolError` if the disk fails. */
+inline void writePng (OutputFile& file, const juce::Image& image)
+{
+    juce::MemoryOutputStream bytes;
+    juce::PNGImageFormat().writeImageToStream (image, bytes);
+    file.write (bytes.getData(), bytes.getDataSize());
+    file.commit();
+}
 
 } // namespace tarvik

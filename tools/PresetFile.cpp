@@ -7,23 +7,19 @@
 #include <juce_audio_processors/juce_audio_processors.h>
 
 #include <optional>
+#include <public.sdk/source/common/memorystream.h>
+#include <public.sdk/source/vst/vstpresetfile.h>
 
 namespace tarvik
 {
 
 namespace
 {
-// The frame, all numbers little-endian: "VST3", an int32 version, the class ID in 32 digits, and the place of the list
-// as an int64. The list: "List", an int32 count, and for each chunk its name of four letters, place and size (int64).
-// Documented in the VST3 SDK's vstpresetfile.h.
-constexpr int idLength = 4;
-constexpr int classIDStart = 8;
-constexpr int classIDLength = 32;
-constexpr int headerLength = 48;
-constexpr const char* presetMagic = "VST3";
-constexpr const char* bareMagic = "VC2!"; ///< In front of every document that JUCE keeps as a component's state.
-constexpr const char* listName = "List";
-constexpr const char* componentName = "Comp";
+namespace vst = Steinberg::Vst;
+
+constexpr int headerLength = 48; ///< Magic, version, class ID, place of the list: see the SDK's vstpresetfile.h.
+constexpr int classIDStart = 8, classIDLength = 32;
+constexpr const char* bareMagic = "VC2!";    ///< In front of every document that JUCE keeps as a component's state.
 constexpr juce::int64 largestFile = 1 << 24; ///< Far above any real one.
 
 struct Chunk
@@ -34,41 +30,16 @@ struct Chunk
 /** The part that holds the component's state, if the frame is in order up to there. */
 std::optional<Chunk> findComponentState (const juce::MemoryBlock& preset)
 {
-    juce::MemoryInputStream stream (preset, false);
-    const auto readID = [&stream]
-    {
-        char id[idLength + 1] = {};
-        stream.read (id, idLength);
-        return juce::String (id);
-    };
+    const auto total = static_cast<juce::int64> (preset.getSize());
+    Steinberg::MemoryStream stream (const_cast<void*> (preset.getData()), total);
+    vst::PresetFile file (&stream);
+    const auto* const entry = file.readChunkList() ? file.getEntry (vst::kComponentState) : nullptr;
 
-    const auto total = stream.getTotalLength();
-
-    if (total < headerLength || readID() != presetMagic)
+    if (entry == nullptr || entry->offset < headerLength || entry->size <= 0 || entry->offset > total
+        || entry->size > total - entry->offset)
         return {};
 
-    stream.setPosition (classIDStart + classIDLength);
-    const auto listStart = stream.readInt64();
-
-    if (listStart < headerLength || listStart >= total)
-        return {};
-
-    stream.setPosition (listStart);
-
-    if (readID() != listName)
-        return {};
-
-    for (auto count = stream.readInt(); count > 0 && ! stream.isExhausted(); --count)
-    {
-        const auto id = readID();
-        const auto start = stream.readInt64();
-        const auto length = stream.readInt64();
-
-        if (id == componentName && start >= headerLength && length > 0 && start <= total && length <= total - start)
-            return Chunk { start, length };
-    }
-
-    return {};
+    return Chunk { entry->offset, entry->size };
 }
 
 /** The component's state is a document of ours, complete, and one that the module itself would take. */
@@ -80,25 +51,21 @@ bool holdsProject (const juce::MemoryBlock& preset, const Chunk& chunk)
 
 bool startsWith (const juce::MemoryBlock& block, const char* magic)
 {
-    return block.getSize() >= idLength && std::memcmp (block.getData(), magic, idLength) == 0;
+    return block.getSize() >= headerLength && std::memcmp (block.getData(), magic, std::strlen (magic)) == 0;
 }
 
 /** A .vstpreset with nothing in it but a component's state. */
 juce::MemoryBlock framed (const juce::MemoryBlock& state, const juce::String& classID)
 {
-    const auto length = static_cast<juce::int64> (state.getSize());
-    juce::MemoryOutputStream stream;
-    stream.write (presetMagic, idLength);
-    stream.writeInt (1);
-    stream.write (classID.toRawUTF8(), classIDLength);
-    stream.writeInt64 (headerLength + length);
-    stream.write (state.getData(), state.getSize());
-    stream.write (listName, idLength);
-    stream.writeInt (1);
-    stream.write (componentName, idLength);
-    stream.writeInt64 (headerLength);
-    stream.writeInt64 (length);
-    return stream.getMemoryBlock();
+    Steinberg::FUID id;
+    id.fromString (classID.toRawUTF8());
+    Steinberg::MemoryStream stream;
+    vst::PresetFile file (&stream);
+    file.setClassID (id);
+    file.writeHeader();
+    file.writeChunk (state.getData(), static_cast<Steinberg::int32> (state.getSize()));
+    file.writeChunkList();
+    return { stream.getData(), static_cast<std::size_t> (stream.getSize()) };
 }
 } // namespace
 
@@ -136,8 +103,8 @@ juce::MemoryBlock readStateFile (const juce::String& path, const juce::String& c
     if (startsWith (preset, bareMagic))
         preset = framed (preset, classID.isNotEmpty() ? classID : juce::String::repeatedString ("0", classIDLength));
 
-    if (preset.getSize() < headerLength || ! startsWith (preset, presetMagic))
-        fail ("it is no .vstpreset and no component's state");
+    if (! startsWith (preset, "VST3"))
+        fail ("it is neither a .vstpreset nor a component's state");
 
     if (classID.isNotEmpty() && ! classIDOfPreset (preset).equalsIgnoreCase (classID))
         fail ("it was saved from another plug-in");
@@ -159,13 +126,7 @@ void writeStateFile (OutputFile& file, const juce::MemoryBlock& preset)
         file.throwWriteError ("the module gives no state");
 
     const auto part = isPreset ? Chunk { 0, static_cast<juce::int64> (preset.getSize()) } : *bare;
-    const auto stream = file.open();
-    const auto isWritten = stream->write (static_cast<const char*> (preset.getData()) + part.start,
-                                          static_cast<std::size_t> (part.length));
-    stream->flush();
-
-    if (! isWritten || stream->getStatus().failed() || stream->getFile().getSize() != part.length)
-        file.throwWriteError ("the disk fails");
+    file.write (static_cast<const char*> (preset.getData()) + part.start, static_cast<std::size_t> (part.length));
 }
 
 } // namespace tarvik

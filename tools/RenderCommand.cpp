@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/RenderCommand.h"
 
+#include "plugin/ParameterTable.h"
 #include "tools/AudioFile.h"
+#include "tools/Commands.h"
 #include "tools/Interruption.h"
+#include "tools/ParameterArguments.h"
 #include "tools/PresetFile.h"
 #include "tools/RenderRun.h"
-#include "tools/RenderSettings.h"
 #include "tools/ToolError.h"
 
 #include <iostream>
@@ -17,6 +19,13 @@ namespace tarvik
 
 namespace
 {
+/** One line of a report, its subject in a column of its own. */
+void reportLine (std::ostream& report, const char* subject, const juce::String& text)
+{
+    constexpr int subjectWidth = 16;
+    report << juce::String (subject).paddedRight (' ', subjectWidth) << text << '\n';
+}
+
 juce::String decibels (double value, const char* unit)
 {
     return (std::isfinite (value) ? juce::String (value, 2) : juce::String ("-inf")).paddedLeft (' ', 7) + " " + unit;
@@ -32,7 +41,7 @@ void reportLevels (std::ostream& report, const char* subject, const std::vector<
         reportLine (report, c == 0 ? subject : "",
                     juce::String (name).paddedRight (' ', 7) + "peak " + decibels (channels[c].peakDbfs(), "dBFS")
                         + ", RMS " + decibels (channels[c].rmsDbfs(), "dBFS")
-                        + (bad > 0 ? ", " + juce::String (bad) + " samples are no numbers" : juce::String()));
+                        + (bad > 0 ? ", " + juce::String (bad) + " samples are not numbers" : juce::String()));
     }
 }
 
@@ -43,24 +52,88 @@ juce::String describeAudio (const AudioFileReader& audio)
            + juce::String (static_cast<double> (audio.length()) / audio.sampleRate(), 3) + " s)";
 }
 
-/** The file to write the state to; every other file of the run must be another one. */
-std::unique_ptr<OutputFile> stateOutput (const CommandLine& line)
+/** A module with the command line's settings, and the file that keeps them. */
+class PreparedModule
 {
-    if (line.saveStatePath.isEmpty())
-        return nullptr;
+public:
+    /** The paths are those of the run's other files. Throws at the first mistake, as far as possible before it loads
+        the module.
+    */
+    PreparedModule (const CommandLine& commandLine, std::ostream& output)
+        : line (commandLine), report (output), settings (parseParameterSettings (line.assignments))
+    {
+        if (line.saveStatePath.isNotEmpty())
+            stateFile = std::make_unique<OutputFile> (line.saveStatePath);
+    }
 
-    auto file = std::make_unique<OutputFile> (line.saveStatePath);
-    file->refuseSameFileAs (line.inputPath, "the input file");
-    file->refuseSameFileAs (line.outputPath, "the output file");
-    file->refuseSameFileAs (line.sidechainPath, "the side chain's file");
-    return file;
-}
+    OutputFile* state() const { return stateFile.get(); }
+
+    void load()
+    {
+        const auto bundle = ModuleHost::findBundle (line.modulePath);
+        noteTerminationSignals();
+        host = std::make_unique<ModuleHost> (bundle);
+        reportLine (report, "module", host->versionText() + ", " + bundle.getFullPathName());
+    }
+
+    /** State, then program, then parameters; the last two are reported as the module shows them. */
+    ModuleHost& apply (int numChannels)
+    {
+        host->setLayout (numChannels, line.sidechainPath.isNotEmpty());
+        const auto program = line.program.isEmpty() ? -1 : host->findProgram (line.program);
+
+        if (line.loadStatePath.isNotEmpty())
+            host->loadPreset (readStateFile (line.loadStatePath, classIDOfPreset (host->savePreset())));
+
+        if (program >= 0)
+        {
+            host->selectProgram (program);
+            reportLine (report, "program", host->programNames()[program]);
+        }
+
+        for (const auto& [index, normalised] : settings)
+        {
+            host->setParameter (index, normalised);
+            reportLine (report, "set",
+                        juce::String (parameterRow (index).id) + " = " + withUnit (index, host->parameterText (index)));
+        }
+
+        if (stateFile != nullptr)
+            writeStateFile (*stateFile, host->savePreset());
+
+        return *host;
+    }
+
+    void commitState()
+    {
+        if (stateFile == nullptr)
+            return;
+
+        stateFile->commit();
+        reportLine (report, "state", stateFile->path());
+    }
+
+private:
+    const CommandLine& line;
+    std::ostream& report;
+    const std::vector<ParameterSetting> settings;
+    std::unique_ptr<OutputFile> stateFile;
+    std::unique_ptr<ModuleHost> host;
+};
 } // namespace
+
+void trySettings (const CommandLine& line, std::ostream& report)
+{
+    PreparedModule module (line, report);
+    module.load();
+    module.apply (2);
+    throwIfInterrupted();
+    module.commitState();
+}
 
 RenderFigures renderFile (const CommandLine& line, std::ostream& report, const ShowProgress& showProgress)
 {
-    const RenderSettings settings (line);
-
+    PreparedModule module (line, report);
     AudioFileReader input (line.inputPath);
     std::optional<AudioFileReader> sidechain;
 
@@ -78,24 +151,21 @@ RenderFigures renderFile (const CommandLine& line, std::ostream& report, const S
     output.refuseSameFileAs (line.inputPath, "the input file");
     output.refuseSameFileAs (line.sidechainPath, "the side chain's file");
     output.refuseSameFileAs (line.loadStatePath, "the state to load");
-    const auto stateFile = stateOutput (line);
 
-    const auto bundle = ModuleHost::findBundle (line.modulePath);
-    noteTerminationSignals();
+    if (const auto* const state = module.state())
+    {
+        state->refuseSameFileAs (line.inputPath, "the input file");
+        state->refuseSameFileAs (line.outputPath, "the output file");
+        state->refuseSameFileAs (line.sidechainPath, "the side chain's file");
+    }
 
-    ModuleHost host (bundle);
-    reportLine (report, "module", host.versionText() + ", " + bundle.getFullPathName());
+    module.load();
     reportLine (report, "input", line.inputPath + ", " + describeAudio (input));
 
     if (sidechain)
         reportLine (report, "side chain", line.sidechainPath + ", " + describeAudio (*sidechain));
 
-    host.setLayout (input.numChannels(), sidechain.has_value());
-    settings.apply (host, report);
-
-    if (stateFile != nullptr)
-        writeStateFile (*stateFile, host.savePreset());
-
+    auto& host = module.apply (input.numChannels());
     AudioFileWriter writer (output, input.sampleRate(), input.numChannels(), line.bitDepth);
     RenderRun run (host, input, sidechain ? &*sidechain : nullptr, writer);
     run.perform (line.blockSize, showProgress);
@@ -103,13 +173,7 @@ RenderFigures renderFile (const CommandLine& line, std::ostream& report, const S
     throwIfInterrupted();
 
     output.commit();
-
-    if (stateFile != nullptr)
-    {
-        stateFile->commit();
-        reportLine (report, "state", stateFile->path());
-    }
-
+    module.commitState();
     reportLine (report, "output", output.path() + ", " + (line.bitDepth == 24 ? "24-bit" : "32-bit float") + " WAV");
     reportLevels (report, "level in", run.inputLevels());
     reportLevels (report, "level out", run.outputLevels());

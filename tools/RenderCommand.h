@@ -15,7 +15,7 @@ struct RenderFigures
     double peakDbfs = 0.0; ///< Of the louder channel.
     double timesRealTime = 0.0;
     juce::int64 clippedSamples = 0; ///< Held at full scale, at 24 bits.
-    juce::int64 badSamples = 0;     ///< No numbers.
+    juce::int64 badSamples = 0;     ///< Not numbers.
 };
 
 /** Sends the input file through the module into the output file, and reports what was done. On JUCE's message thread,
@@ -23,7 +23,7 @@ struct RenderFigures
 */
 RenderFigures renderFile (const CommandLine& line, std::ostream& report, const ShowProgress& showProgress);
 
-/** The same for the only file of a command, with the report on the output and a bar on a terminal. */
-void renderOneFile (const CommandLine& line);
+/** Applies the settings to a module that renders nothing, and saves its state if that is asked for. Throws as above. */
+void trySettings (const CommandLine& line, std::ostream& report);
 
 } // namespace tarvik

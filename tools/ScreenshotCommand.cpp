@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tools/ScreenshotCommand.h"
-
 #include "editor/EditorSize.h"
 #include "editor/KVLEditor.h"
 #include "tools/AudioFile.h"
+#include "tools/Commands.h"
 #include "tools/Interruption.h"
 #include "tools/ParameterArguments.h"
 #include "tools/PngFile.h"
@@ -67,11 +66,8 @@ void setUp (Tarvik41Processor& strip, const CommandLine& line, int numChannels)
         strip.setCurrentProgram (programNamed (names, line.program));
     }
 
-    for (const auto& assignment : line.assignments)
-    {
-        const auto setting = parseParameterSetting (assignment);
-        strip.getParameters()[setting.index]->setValueNotifyingHost (setting.normalised);
-    }
+    for (const auto& [index, normalised] : parseParameterSettings (line.assignments))
+        strip.getParameters()[index]->setValueNotifyingHost (normalised);
 
     if (line.trackName.isNotEmpty())
         strip.updateTrackProperties ({ line.trackName, {} });

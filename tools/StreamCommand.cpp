@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tools/StreamCommand.h"
-
 #include "plugin/ParameterTable.h"
 #include "tools/AudioFile.h"
+#include "tools/Commands.h"
 #include "tools/ModuleHost.h"
 #include "tools/ParameterArguments.h"
 #include "tools/ToolError.h"
@@ -24,26 +23,22 @@ static_assert (std::endian::native == std::endian::little); // as samples are on
 /** What the line in front of a run says. */
 struct Run
 {
-    double sampleRate = 0.0;
-    std::size_t length = 0;
+    double sampleRate = 0.0, length = 0.0;
     std::vector<ParameterSetting> settings;
-
-    explicit Run (const juce::String& header)
-    {
-        constexpr double highestRate = 1e6, longest = 1e9;
-        const auto words = juce::StringArray::fromTokens (header, "\t", {});
-        sampleRate = words[0].getDoubleValue();
-        const auto samples = words[1].getDoubleValue();
-
-        if (! (sampleRate >= 1.0 && sampleRate <= highestRate && samples >= 1.0 && samples <= longest))
-            throw ToolError ("a run begins with its rate, its length and settings, not with '" + header + "'");
-
-        length = static_cast<std::size_t> (samples);
-
-        for (int i = 2; i < words.size(); ++i)
-            settings.push_back (parseParameterSetting (words[i]));
-    }
 };
+
+Run parseRun (const juce::String& header)
+{
+    constexpr double highestRate = 1e6, longest = 1e9;
+    auto words = juce::StringArray::fromTokens (header, "\t", {});
+    const auto rate = words[0].getDoubleValue(), length = words[1].getDoubleValue();
+
+    if (! (rate >= 1.0 && rate <= highestRate && length >= 1.0 && length <= longest))
+        throw ToolError ("a run begins with its rate, its length and settings, not with '" + header + "'");
+
+    words.removeRange (0, 2);
+    return { rate, length, parseParameterSettings (words) };
+}
 
 void readSamples (std::vector<float>& samples)
 {
@@ -129,8 +124,8 @@ void streamRuns (const CommandLine& line)
 
     while (std::getline (std::cin, header))
     {
-        const Run run (juce::String::fromUTF8 (header.c_str()));
-        std::vector<float> samples (run.length);
+        const auto run = parseRun (juce::String::fromUTF8 (header.c_str()));
+        std::vector<float> samples (static_cast<std::size_t> (run.length));
         readSamples (samples);
         apply (host, run, line.blockSize);
         process (host, run.sampleRate, line.blockSize, samples);

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tools/CommandLine.h"
+#include "tools/Commands.h"
+
+#include <iostream>
 
 namespace tarvik
 {
@@ -22,7 +24,7 @@ with the module's latency taken out. It appears when it is complete, in place of
 after an error.
 
   --program NAME     start from a factory program, by its name or its number
-  --set ID=TEXT      set a parameter in its own units, as often as wanted: --set gain=6 --set "compMix=47 %";
+  --set ID=TEXT      set a parameter in its own units, as often as needed: --set gain=6 --set "compMix=47 %";
                      or ID@PLACE, a place in its travel from 0 to 1: --set midGain@0.5
   --sidechain FILE   feed the side chain, from a file of the input's rate; silence follows its end
   --state FILE       start from a saved state: a .vstpreset, or the bare state of the component
@@ -57,13 +59,17 @@ function of the equaliser's circuit: the coefficients of s^5 to s^0, numerator f
 
 "pictures" shows all pictures of the window on one sheet, at their own size and at a third, as the window draws them at
 100 %. "screenshot" draws the window itself, with --state, --program and --set, at --zoom PERCENT (100), for a track called
---name TEXT, with slot A or B in force if --slot says so (behind --state, in front of the others), and with the meters as
+--name TEXT, with slot A or B chosen by --slot (after --state, before the others), and with the meters as
 they stand when INPUT has gone through.
 
 However they are ordered: the state is loaded first, then the program, then each --set from left to right. A file whose
-name begins with a dash goes behind "--". Exit status: 0, or 2 after an error, which is told in one line, in a batch in
+name begins with a dash goes after "--". Exit status: 0, or 2 after an error, which is told in one line, in a batch in
 one for each file.
 )";
 }
+
+void printUsage (const CommandLine&) { std::cout << usageText(); }
+
+void printVersion (const CommandLine&) { std::cout << "tarvik41-render " TARVIK_VERSION "\n"; }
 
 } // namespace tarvik

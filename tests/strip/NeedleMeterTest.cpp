@@ -86,7 +86,7 @@ TEST (NeedleFilter, GivesThePlainFiltersValuesForRowsOfAnyLength)
         {
             auto row = noise (n, static_cast<std::size_t> (n));
             const auto fast = filter.process (row.data(), n);
-            cascade.processPlain (row.data(), n);
+            filterPlainly ({ row.data(), &cascade }, n);
             ASSERT_NEAR (fast, row.back(), 1e-6f) << n << " at " << rateHz;
         }
     }
