@@ -40,11 +40,6 @@ void withVST3Client (const juce::AudioPluginInstance& instance, Action&& action)
     Visitor visitor (action);
     instance.getExtensions (visitor);
 }
-
-juce::AudioChannelSet channelSet (int numChannels)
-{
-    return numChannels == 1 ? juce::AudioChannelSet::mono() : juce::AudioChannelSet::stereo();
-}
 } // namespace
 
 //==============================================================================
@@ -157,7 +152,7 @@ juce::StringArray ModuleHost::describeBuses() const
 //==============================================================================
 void ModuleHost::setLayout (int numMainChannels, bool withSidechain)
 {
-    const auto width = channelSet (numMainChannels);
+    const auto width = juce::AudioChannelSet::canonicalChannelSet (numMainChannels);
     juce::AudioProcessor::BusesLayout layout;
     layout.inputBuses = { width, width };
     layout.outputBuses = { width };
@@ -205,7 +200,7 @@ void ModuleHost::selectProgram (int index)
     if (hasLoadedPreset)
         juce::Thread::sleep (millisecondsAfterLoading);
 
-    // Asked for the program that it takes for the present one, the module would do nothing, although the settings may
+    // Asked for the program that it takes for the current one, the module would do nothing, although the settings may
     // have changed since.
     if (instance->getCurrentProgram() == index)
         instance->setCurrentProgram (index == 0 ? 1 : index - 1);

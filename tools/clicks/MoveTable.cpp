@@ -37,7 +37,7 @@ Loudness measure (int parameter, bool isSwitched, int times)
 {
     const auto isExpanders =
         std::string_view (parameterTable()[static_cast<std::size_t> (parameter)].id).starts_with ("exp");
-    MovedStrip strip (isExpanders ? Settings::closedGate : Settings::everythingAtWork, 1, 1);
+    MovedStrip strip (isExpanders ? closedGate : everythingAtWork, 1, 1);
     SteepHighPass highPass (edgeHz / rateHz);
     Signal piece;
     strip.set (parameter, 0.0f);
