@@ -80,7 +80,7 @@ ModuleHost::ModuleHost (const juce::File& bundle)
     format.findAllTypesForFile (found, bundle.getFullPathName());
 
     if (found.isEmpty())
-        fail ("it is no VST3 module for this system");
+        fail ("it is not a VST3 module for this system");
 
     if (found[0]->name != productName)
         fail ("it is '" + found[0]->name + "'");
@@ -211,7 +211,7 @@ void ModuleHost::selectProgram (int index)
 
 void ModuleHost::passOnChanges()
 {
-    // A program changes the strip's values behind the edit controller's back. The module tells them with its next
+    // A program changes the strip's values without the edit controller's knowledge. The module tells them with its next
     // block: left until the first one of the audio, they would undo what was set in between, and a controller that has
     // not heard of them does not pass on a value that it believes to be there. A block without samples brings them out.
     constexpr double anyRate = 48000.0;
@@ -224,7 +224,7 @@ void ModuleHost::passOnChanges()
 
 juce::AudioProcessorParameter& ModuleHost::parameterAt (int index) const
 {
-    const auto* const id = parameterTable()[static_cast<std::size_t> (index)].id;
+    const auto* const id = parameterRow (index).id;
 
     for (auto* const parameter : instance->getParameters())
         if (const auto* const hosted = dynamic_cast<juce::HostedAudioProcessorParameter*> (parameter))

@@ -8,7 +8,7 @@
 namespace tarvik
 {
 
-/** One parameter, by its place in the table, and where its travel is wanted, from 0 to 1. */
+/** One parameter, by its place in the table, and the place in its travel, from 0 to 1. */
 struct ParameterSetting
 {
     int index = 0;
@@ -30,9 +30,6 @@ int programNamed (const juce::StringArray& names, const juce::String& nameOrNumb
 
 /** What a parameter of the table can be set to, in words: its choices, or its range with the unit. */
 juce::String describeValues (int index);
-
-/** The unit that a parameter's text carries or may carry; empty if it has none. */
-juce::String unitOf (int index);
 
 /** The text that a parameter shows for a value, with the unit added where the text is a bare number. */
 juce::String withUnit (int index, const juce::String& shownText);

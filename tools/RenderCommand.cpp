@@ -95,8 +95,7 @@ public:
         {
             host->setParameter (index, normalised);
             reportLine (report, "set",
-                        juce::String (parameterTable()[static_cast<std::size_t> (index)].id) + " = "
-                            + withUnit (index, host->parameterText (index)));
+                        juce::String (parameterRow (index).id) + " = " + withUnit (index, host->parameterText (index)));
         }
 
         if (stateFile != nullptr)

@@ -39,8 +39,9 @@ RenderMeasurements renderThrough (ModuleHost& host, AudioFileReader& input, Audi
 
     const auto startMs = juce::Time::getMillisecondCounterHiRes();
     const auto numMain = input.numChannels();
-    RenderMeasurements measured { std::vector<ChannelLevels> (static_cast<std::size_t> (numMain)),
-                                  std::vector<ChannelLevels> (static_cast<std::size_t> (numMain)) };
+    RenderMeasurements measured;
+    measured.levelsIn.resize (static_cast<std::size_t> (numMain));
+    measured.levelsOut.resize (static_cast<std::size_t> (numMain));
     juce::AudioBuffer<float> block (sidechain != nullptr ? 2 * numMain : numMain, blockSize), sideBlock;
     std::vector<const float*> rows (static_cast<std::size_t> (numMain));
 

@@ -32,17 +32,7 @@ namespace consoleLayout
 inline constexpr int designWidth = 2700, designHeight = 2030;
 inline constexpr int width = 900, height = 677;
 
-inline constexpr int noParameter = -1;
-
-/** The host's index of a parameter. A name that no parameter has does not compile. */
-consteval int parameter (std::string_view id)
-{
-    for (std::size_t i = 0; i < parameterRows.size(); ++i)
-        if (id == parameterRows[i].id)
-            return static_cast<int> (i);
-
-    throw "no such parameter";
-}
+consteval int parameter (std::string_view id) { return parameterNamed (id); }
 
 struct KnobRow
 {
@@ -50,7 +40,6 @@ struct KnobRow
     Box box;
     float startDegrees, endDegrees; ///< Where values 0 and 1 point, clockwise from straight up.
     float step;                     ///< On the travel of 0 to 1; 0 is continuous.
-    const char* unit;               ///< Behind the value in its popup.
     int style;                      ///< 0 standard, 1 large.
 };
 
@@ -60,7 +49,6 @@ struct SliderRow
     int parameter;
     Box box;
     const char* name;
-    const char* unit;
 };
 
 struct SwitchRow
@@ -101,26 +89,26 @@ struct LabelRow
 // clang-format off
 inline constexpr std::array<KnobRow, 16> knobs
 { {
-    { parameter ("gain"),          { 0.0444f, 0.6685f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        "dB", 1 },
-    { parameter ("highGain"),      { 0.2889f, 0.0606f, 0.1111f, 0.1478f }, 210, 510, 0.1f,        "",   0 },
-    { parameter ("midGain"),       { 0.2889f, 0.2749f, 0.1111f, 0.1478f }, 120, 410, 0.0f,        "dB", 0 },
-    { parameter ("midFreq"),       { 0.2041f, 0.3892f, 0.1111f, 0.1478f }, 240, 450, 1.0f / 7.0f, "",   0 },
-    { parameter ("lowGain"),       { 0.2889f, 0.5443f, 0.1111f, 0.1478f }, 120, 410, 0.0f,        "dB", 0 },
-    { parameter ("lowFreq"),       { 0.2022f, 0.6685f, 0.1111f, 0.1478f }, 393, 523, 1.0f / 9.0f, "",   0 },
-    { parameter ("compHPF"),       { 0.41f,   0.0754f, 0.0889f, 0.1182f }, 210, 510, 0.0f,        "",   0 },
-    { parameter ("compMix"),       { 0.5f,    0.0739f, 0.0889f, 0.1182f }, 210, 510, 0.0f,        "",   0 },
-    { parameter ("compRatio"),     { 0.4889f, 0.3015f, 0.1111f, 0.1478f }, 285, 435, 0.2f,        "",   0 },
-    { parameter ("compRelease"),   { 0.4f,    0.4177f, 0.1111f, 0.1478f }, 240, 480, 0.125f,      "",   0 },
-    { parameter ("compThreshold"), { 0.4889f, 0.5443f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        "dB", 0 },
-    { parameter ("compInput"),     { 0.4f,    0.6685f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        "",   1 },
-    { parameter ("expRange"),      { 0.6889f, 0.3015f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        "dB", 0 },
-    { parameter ("expRelease"),    { 0.6f,    0.4177f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        "s",  0 },
-    { parameter ("expThreshold"),  { 0.6889f, 0.5443f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        "dB", 0 },
-    { parameter ("compOutput"),    { 0.6f,    0.6685f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        "",   1 },
+    { parameter ("gain"),          { 0.0444f, 0.6685f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        1 },
+    { parameter ("highGain"),      { 0.2889f, 0.0606f, 0.1111f, 0.1478f }, 210, 510, 0.1f,        0 },
+    { parameter ("midGain"),       { 0.2889f, 0.2749f, 0.1111f, 0.1478f }, 120, 410, 0.0f,        0 },
+    { parameter ("midFreq"),       { 0.2041f, 0.3892f, 0.1111f, 0.1478f }, 240, 450, 1.0f / 7.0f, 0 },
+    { parameter ("lowGain"),       { 0.2889f, 0.5443f, 0.1111f, 0.1478f }, 120, 410, 0.0f,        0 },
+    { parameter ("lowFreq"),       { 0.2022f, 0.6685f, 0.1111f, 0.1478f }, 393, 523, 1.0f / 9.0f, 0 },
+    { parameter ("compHPF"),       { 0.41f,   0.0754f, 0.0889f, 0.1182f }, 210, 510, 0.0f,        0 },
+    { parameter ("compMix"),       { 0.5f,    0.0739f, 0.0889f, 0.1182f }, 210, 510, 0.0f,        0 },
+    { parameter ("compRatio"),     { 0.4889f, 0.3015f, 0.1111f, 0.1478f }, 285, 435, 0.2f,        0 },
+    { parameter ("compRelease"),   { 0.4f,    0.4177f, 0.1111f, 0.1478f }, 240, 480, 0.125f,      0 },
+    { parameter ("compThreshold"), { 0.4889f, 0.5443f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        0 },
+    { parameter ("compInput"),     { 0.4f,    0.6685f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        1 },
+    { parameter ("expRange"),      { 0.6889f, 0.3015f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        0 },
+    { parameter ("expRelease"),    { 0.6f,    0.4177f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        0 },
+    { parameter ("expThreshold"),  { 0.6889f, 0.5443f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        0 },
+    { parameter ("compOutput"),    { 0.6f,    0.6685f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        1 },
 } };
 
-inline constexpr SliderRow levelFader { parameter ("level"), { 0.8437f, 0.1552f, 0.1111f, 0.8404f }, "sldLevel", "dB" };
-inline constexpr SliderRow trim       { parameter ("thd"),   { 0.09f,   0.5906f, 0.02f,   0.0266f }, "sldTHD",   "dB" };
+inline constexpr SliderRow levelFader { parameter ("level"), { 0.8437f, 0.1552f, 0.1111f, 0.8404f }, "sldLevel" };
+inline constexpr SliderRow trim       { parameter ("thd"),   { 0.09f,   0.5906f, 0.02f,   0.0266f }, "sldTHD" };
 
 inline constexpr std::array<SwitchRow, 5> switches
 { {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/KVLEditor.h"
 
-#include "editor/ControlHelp.h"
 #include "editor/EditorSize.h"
 #include "editor/SettingsMenu.h"
 
@@ -126,12 +125,12 @@ void KVLEditor::setUpLevelPot (KVLSlider& pot, int parameterIndex)
     pot.setColour (juce::Slider::textBoxBackgroundColourId, juce::Colours::black);
     pot.setDoubleClickReturnValue (true, middle, juce::ModifierKeys::altModifier);
     pot.setTitle (parameter.getName (100));
-    pot.setTooltip (helpFor (parameterID (parameter)));
+    pot.setTooltip (parameterRow (parameterIndex).help);
     pot.setDescription (pot.getTooltip());
     pot.setWantsKeyboardFocus (true);
     pot.addListener (this);
     addAndMakeVisible (pot);
-    OrvaneConsoleUI::attachSlider (parameter, pot, "dB");
+    OrvaneConsoleUI::attachSlider (parameter, pot);
 }
 
 /** A place for programs, which hosts have boxes of their own for: it exists and is never shown. */

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "plugin/KVLProcessor.h"
+#include "plugin/ParameterRows.h"
 
 #include <juce_gui_basics/juce_gui_basics.h>
 
@@ -18,8 +19,6 @@ class KVLUI : public juce::Component
 {
 public:
     explicit KVLUI (KVLProcessor& processorToShow) : processor (processorToShow) {}
-
-    static constexpr int noParameter = -1;
 
     /** The host's index of what a control stands for, or `noParameter`. */
     int parameterOf (const juce::Component& control) const;

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "editor/ControlHelp.h"
 #include "editor/OrvaneConsoleUI.h"
 
 namespace tarvik
@@ -27,7 +26,7 @@ void OrvaneConsoleUI::setUpSliders()
         knobs[i].setFilmstripRange (juce::degreesToRadians (row.startDegrees), juce::degreesToRadians (row.endDegrees));
         knobs[i].setRange (0.0, 1.0, static_cast<double> (row.step));
         knobs[i].setKnobStyle (row.style);
-        attachSlider (parameterAt (row.parameter), knobs[i], row.unit);
+        attachSlider (parameterAt (row.parameter), knobs[i]);
     }
 
     constexpr double leverStep = 0.5;
@@ -37,18 +36,18 @@ void OrvaneConsoleUI::setUpSliders()
         const auto& row = layout::switches[i];
         switches[i].setRange (0.0, 1.0, leverStep);
         switches[i].setPositions (row.plate);
-        attachSlider (parameterAt (row.parameter), switches[i], {});
+        attachSlider (parameterAt (row.parameter), switches[i]);
     }
 
-    attachSlider (parameterAt (layout::levelFader.parameter), fader, layout::levelFader.unit);
-    attachSlider (parameterAt (layout::trim.parameter), trim, layout::trim.unit);
+    attachSlider (parameterAt (layout::levelFader.parameter), fader);
+    attachSlider (parameterAt (layout::trim.parameter), trim);
 }
 
-void OrvaneConsoleUI::attachSlider (juce::AudioProcessorParameter& parameter, juce::Slider& slider,
-                                    const juce::String& unit)
+void OrvaneConsoleUI::attachSlider (juce::AudioProcessorParameter& parameter, juce::Slider& slider)
 {
     constexpr int longestText = 5, hoverMilliseconds = 2000;
     slider.setPopupDisplayEnabled (true, false, slider.getTopLevelComponent(), hoverMilliseconds);
+    const juce::String unit (parameterRow (parameter.getParameterIndex()).unitAfterText());
     slider.textFromValueFunction = [&parameter, unit] (double value)
     { return parameter.getText (static_cast<float> (value), longestText) + " " + unit; };
     slider.valueFromTextFunction = [&parameter] (const juce::String& text)
@@ -68,11 +67,11 @@ void OrvaneConsoleUI::registerControls()
         registerControl (index, control);
         const auto& parameter = parameterAt (index);
         control.setTitle (parameter.getName (100));
-        control.setDescription (helpFor (parameter.paramID));
+        control.setDescription (parameterRow (index).help);
         control.setExplicitFocusOrder (focusOrderOf (index));
 
         if (control.getTooltip().isEmpty())
-            control.setTooltip (helpFor (parameter.paramID));
+            control.setTooltip (parameterRow (index).help);
     };
 
     const auto connectAll = [&connect] (const auto& rows, auto& controls)
@@ -93,7 +92,7 @@ void OrvaneConsoleUI::registerControls()
 
     for (std::size_t i = 0; i < pushButtons.size(); ++i)
     {
-        if (const auto index = layout::pushButtons[i].parameter; index != layout::noParameter)
+        if (const auto index = layout::pushButtons[i].parameter; index != noParameter)
         {
             connect (index, *pushButtons[i]);
             continue;

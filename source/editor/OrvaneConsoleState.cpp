@@ -106,7 +106,7 @@ void OrvaneConsoleUI::updateState (const ParameterSnapshot& snapshot)
                            juce::dontSendNotification);
 
     for (std::size_t i = 0; i < pushButtons.size(); ++i)
-        if (layout::pushButtons[i].parameter == layout::noParameter)
+        if (layout::pushButtons[i].parameter == noParameter)
             pushButtons[i]->setToggleState (meterMode.getValue() == meterShowsInput, juce::dontSendNotification);
 
     outputLegend.setVisible (meterMode.getValue() == meterShowsOutput);

@@ -36,8 +36,8 @@ public:
     /** Makes every control show its parameter; tells neither the host nor the processor. */
     void updateState (const ParameterSnapshot& snapshot);
 
-    /** Gives a slider the value popup in a parameter's own words, with a unit behind them. */
-    static void attachSlider (juce::AudioProcessorParameter& parameter, juce::Slider& slider, const juce::String& unit);
+    /** Gives a slider the value popup in its parameter's own words and unit. */
+    static void attachSlider (juce::AudioProcessorParameter& parameter, juce::Slider& slider);
 
     void paint (juce::Graphics& g) override;
     void resized() override;

@@ -20,7 +20,7 @@ inline constexpr double rateHz = 48000.0;
 /** From what a parameter is moved: plain values, and the level of the tone, 1 for full scale. */
 struct Settings
 {
-    std::vector<std::pair<const char*, float>> values;
+    std::vector<std::pair<int, float>> values; ///< Parameters by index.
     double level = 0.25;
 };
 
