@@ -63,7 +63,7 @@ void runSaturation (benchmark::State& state, InstructionSet set, Way way)
     {
         std::copy (source.begin(), source.end(), rows[0].begin());
         std::copy (source.begin(), source.end(), rows[1].begin());
-        section.process (pointers.data(), channels, n);
+        section.process (pointers.data(), n);
         benchmark::ClobberMemory();
     };
 
@@ -106,11 +106,11 @@ void runNoise (benchmark::State& state)
     auto row = music (n);
     auto* const pointer = row.data();
     AnalogNoise noise (AnalogNoise::outputRange, 1);
-    noise.prepare (1, n);
+    noise.prepare (rateHz, 1, n);
 
     for (auto _ : state)
     {
-        noise.process (&pointer, 1, n);
+        noise.process (&pointer, n);
         benchmark::ClobberMemory();
     }
 
@@ -123,11 +123,11 @@ void runMeter (benchmark::State& state)
     const auto row = music (n);
     const auto* const channel = row.data();
     NeedleMeter meter;
-    meter.prepare (rateHz);
+    meter.prepare (rateHz, 1, n);
 
     for (auto _ : state)
     {
-        meter.process (&channel, 1, n);
+        meter.process (&channel, n);
         benchmark::DoNotOptimize (meter.getReading());
     }
 

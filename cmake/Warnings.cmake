@@ -6,11 +6,8 @@ set (TARVIK_WARNINGS
      -Wmissing-declarations -Wredundant-decls -Wunused -Wzero-as-null-pointer-constant -Wno-unknown-pragmas -Wno-restrict)
 
 # JUCE's headers are not ours to mend. A folder given both ways counts as a system folder.
-get_target_property (juce_folders juce::juce_core INTERFACE_INCLUDE_DIRECTORIES)
-foreach (folder IN LISTS juce_folders)
-    list (APPEND TARVIK_WARNINGS "-isystem${folder}"
-                 "-isystem${folder}/juce_audio_processors/format_types/VST3_SDK")
-endforeach()
+get_target_property (juce_folder juce::juce_core INTERFACE_INCLUDE_DIRECTORIES)
+set (TARVIK_JUCE_FOLDERS ${juce_folder} ${juce_folder}/juce_audio_processors/format_types/VST3_SDK)
 
 # Adds source files to a target and compiles just those with warnings as errors.
 function (tarvik_add_sources target)
@@ -18,4 +15,5 @@ function (tarvik_add_sources target)
     set (own_files ${ARGN})
     list (FILTER own_files INCLUDE REGEX "\\.cpp$")
     set_source_files_properties (${own_files} TARGET_DIRECTORY ${target} PROPERTIES COMPILE_OPTIONS "${TARVIK_WARNINGS}")
+    target_include_directories (${target} SYSTEM PRIVATE ${TARVIK_JUCE_FOLDERS})
 endfunction()

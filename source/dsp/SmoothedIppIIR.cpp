@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dsp/SmoothedIppIIR.h"
 
+#include "dsp/RampTimes.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -11,17 +13,8 @@ namespace tarvik
 {
 namespace
 {
-constexpr auto rampSeconds = 0.1;
 constexpr auto retryMilliseconds = 10;
-constexpr auto tailSeconds = 0.1;
 constexpr auto hurriedTailSeconds = 0.01;
-
-std::uint32_t getRampLength (double seconds, double sampleRate) noexcept
-{
-    constexpr auto longest = 1e9; // samples; keeps a rate that makes no sense within the integer's range
-    const auto samples = std::trunc (seconds * sampleRate);
-    return samples >= 1.0 ? static_cast<std::uint32_t> (std::min (samples, longest)) : 1;
-}
 } // namespace
 
 template <typename Sample, typename Coefs>
@@ -147,11 +140,10 @@ void SmoothedIppIIR<Sample, Coefs>::prepare (double sampleRate, int channels, in
     for (auto& row : workRows)
         row.resize (rowLength);
 
-    const auto steps = getRampLength (rampSeconds, sampleRate);
+    const auto steps = rampSteps (sampleRate);
     onRamp.prepare (steps);
-    bankRamp.steps = steps;
-    tailSteps = getRampLength (tailSeconds, sampleRate);
-    hurrySteps = getRampLength (hurriedTailSeconds, sampleRate);
+    bankRamp.steps = tailSteps = steps;
+    hurrySteps = rampSteps (sampleRate, hurriedTailSeconds);
 
     {
         const std::lock_guard lock (coefs.designLock);

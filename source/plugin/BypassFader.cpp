@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/BypassFader.h"
 
+#include "dsp/RampTimes.h"
 #include "plugin/LatencyDelay.h"
-#include "strip/RampTimes.h"
 
 namespace tarvik
 {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "dsp/RampTimes.h"
 #include "dsp/RowOperations.h"
 #include "plugin/KVLProcessor.h"
-#include "strip/RampTimes.h"
 
 #include <algorithm>
 #include <cmath>

@@ -94,10 +94,10 @@ private:
 };
 } // namespace
 
-void AnalogNoise::prepare (int numChannels, int)
+void AnalogNoise::prepare (double, int numChannels, int)
 {
-    // The clock's tick may be longer than the time between two channels, or two instances, and the same tick taken
-    // twice would cancel. The count keeps them apart.
+    // The clock's tick may be longer than the time between two channels or two instances, and the same tick taken
+    // twice cancels. The count keeps them apart.
     static std::atomic<std::uint64_t> generatorsSeeded { 0 };
 
     generators.clear();
@@ -113,14 +113,10 @@ void AnalogNoise::prepare (int numChannels, int)
     }
 }
 
-void AnalogNoise::release() { generators = {}; }
-
-void AnalogNoise::process (float* const* channels, int numChannels, int n) noexcept
+void AnalogNoise::process (float* const* channels, int numSamples) noexcept
 {
-    const auto count = std::min (static_cast<std::size_t> (std::max (numChannels, 0)), generators.size());
-
-    for (std::size_t c = 0; c < count; ++c)
-        generators[c].add (channels[c], range, n);
+    for (std::size_t c = 0; c < generators.size(); ++c)
+        generators[c].add (channels[c], range, numSamples);
 }
 
 //==============================================================================
@@ -134,7 +130,7 @@ AnalogNoise::Generator::Generator (std::uint64_t seed) noexcept
             state[word][lane] = static_cast<std::uint32_t> (mixer.next() >> bitsPerWord);
 
     for (auto& word : state.back())
-        word |= 1; // a state of nothing but zeros would stay there
+        word |= 1; // a state of zeros alone would stay there
 }
 
 void AnalogNoise::Generator::add (float* row, float range, int n) noexcept

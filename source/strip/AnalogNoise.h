@@ -12,12 +12,12 @@ namespace tarvik
 /** The console's noise floor at one place of the chain: white, uniform from -range to +range, different on every
     channel and after every start.
 
-    The generator is Marsaglia's xorshift with 128 bits of state ("Xorshift RNGs", 2003), eight of them side by side for
-    each channel, which take turns sample by sample: a vector's lanes. */
+    The generator is Marsaglia's xorshift with 128 bits of state ("Xorshift RNGs", 2003), eight of them in parallel for
+    each channel, a vector's lanes, which give a sample each in turn. */
 class AnalogNoise
 {
 public:
-    /** The two places of the strip: ahead of the gain, and ahead of the fader. In sample values. */
+    /** The two places of the strip: before the gain, and before the fader. In sample values. */
     static constexpr float inputRange = 6.0e-07f;
     static constexpr float outputRange = 4.0e-05f;
 
@@ -27,19 +27,19 @@ public:
     using Outputs = std::array<std::uint32_t, generatorsPerChannel>;
 
     /** Without a seed the clock gives one at each prepare(). A fixed one makes every start the same, for tests. */
-    explicit AnalogNoise (float rangeToUse = 0.0f, std::optional<std::uint64_t> fixedSeedToUse = std::nullopt) noexcept
+    explicit AnalogNoise (float rangeToUse, std::optional<std::uint64_t> fixedSeedToUse = std::nullopt) noexcept
         : range (rangeToUse), fixedSeed (fixedSeedToUse)
     {
     }
 
-    /** New generators. Allocates; while no audio runs. The length of a call doesn't matter. */
-    void prepare (int numChannels, int maxSamples);
+    // A Stage. There is nothing to reset; released, it adds nothing.
+    void prepare (double rateHz, int numChannels, int maxSamples);
 
-    /** Frees the generators; until the next prepare() nothing is added. While no audio runs. */
-    void release();
+    void reset() noexcept {}
 
-    /** Audio thread: adds noise to numChannels channels of n samples. */
-    void process (float* const* channels, int numChannels, int n) noexcept;
+    void release() { generators = {}; }
+
+    void process (float* const* channels, int numSamples) noexcept;
 
 private:
     class Generator

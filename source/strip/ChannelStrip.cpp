@@ -3,74 +3,75 @@
 
 #include "dsp/Decibels.h"
 #include "dsp/RowOperations.h"
-#include "strip/RampTimes.h"
+#include "strip/Stage.h"
 
 namespace tarvik
 {
 
-namespace
-{
-constexpr double padDb = -20.0;
-
-/** What "Mute" turns the gain and the fader down to; silence is left to the two of them together. */
-constexpr double muteDb = -80.0;
-} // namespace
+static_assert (Stage<NeedleMeter> && Stage<AnalogNoise>);
+static_assert (
+    ControlledStage<EqualiserSection> && ControlledStage<SaturationSection> && ControlledStage<DynamicsSection>);
 
 void ChannelStrip::prepare (double hostRateHz, int oversamplingFactor, int numChannels, int maxSamples)
 {
     const auto processingRateHz = hostRateHz * oversamplingFactor;
     numMain = numChannels;
 
-    padRamp.prepare (rampSteps (hostRateHz));
-    phaseRamp.prepare (rampSteps (hostRateHz));
-    gainRamp.prepare (rampSteps (hostRateHz));
-    levelRamp.prepare (rampSteps (hostRateHz));
-    unityRamp.prepare (rampSteps (processingRateHz));
+    padGain.prepare (hostRateHz, maxSamples);
+    inputMeter.prepare (hostRateHz, numChannels, maxSamples);
+    inputNoise.prepare (hostRateHz, numChannels, maxSamples);
+    inputGain.prepare (hostRateHz, maxSamples);
+    phase.prepare (hostRateHz, maxSamples);
+    gainTimesPhase.assign (static_cast<std::size_t> (maxSamples), 0.0f);
 
-    inputMeter.prepare (hostRateHz);
-    inputNoise.prepare (numChannels, maxSamples);
     equaliser.prepare (processingRateHz, numChannels, maxSamples);
     saturation.prepare (processingRateHz, numChannels, maxSamples);
+    unityGain.prepare (processingRateHz, maxSamples);
     dynamics.prepare (processingRateHz, numChannels, maxSamples);
-    outputNoise.prepare (numChannels, maxSamples);
-    outputMeter.prepare (hostRateHz);
 
-    curve.assign (static_cast<std::size_t> (maxSamples), 0.0f);
-    phaseCurve.assign (static_cast<std::size_t> (maxSamples), 0.0f);
+    outputNoise.prepare (hostRateHz, numChannels, maxSamples);
+    level.prepare (hostRateHz, maxSamples);
+    outputMeter.prepare (hostRateHz, numChannels, maxSamples);
 }
 
 void ChannelStrip::reset() noexcept
 {
-    padRamp.snap();
-    phaseRamp.snap();
-    gainRamp.snap();
-    unityRamp.snap();
-    levelRamp.snap();
+    padGain.reset();
+    inputMeter.reset();
+    inputNoise.reset();
+    inputGain.reset();
+    phase.reset();
     equaliser.reset();
     saturation.reset();
+    unityGain.reset();
     dynamics.reset();
+    outputNoise.reset();
+    level.reset();
+    outputMeter.reset();
 }
 
 void ChannelStrip::release()
 {
+    padGain.release();
+    inputMeter.release();
     inputNoise.release();
+    inputGain.release();
+    phase.release();
+    gainTimesPhase = {};
     equaliser.release();
+    saturation.release();
+    unityGain.release();
     dynamics.release();
     outputNoise.release();
+    level.release();
+    outputMeter.release();
 }
 
 //==============================================================================
 void ChannelStrip::update (const ParameterSnapshot& snapshot, bool force) noexcept
 {
-    const bool pad = snapshot.pad;
-
-    if (force || pad != lastPad)
-    {
-        lastPad = pad;
-        padRamp.request (pad ? gainFromDb (padDb) : 1.0);
-    }
-
-    const GainSettings settings { snapshot.gain, snapshot.level, pad, snapshot.unity, snapshot.mute, snapshot.phase };
+    const GainSettings settings { snapshot.gain,  snapshot.level, snapshot.pad,
+                                  snapshot.unity, snapshot.mute,  snapshot.phase };
 
     if (force || settings != lastGainSettings)
     {
@@ -85,49 +86,51 @@ void ChannelStrip::update (const ParameterSnapshot& snapshot, bool force) noexce
 
 void ChannelStrip::requestGains (const GainSettings& settings) noexcept
 {
+    constexpr double muteDb = -80.0; // twice: gain and fader
+    const auto padDb = settings.pad ? -20.0 : 0.0;
     const auto gainDb = static_cast<double> (settings.gainDb);
     const auto levelDb = static_cast<double> (settings.levelDb);
-    const auto compensatedDb = gainDb + (settings.pad ? padDb : 0.0);
 
-    phaseRamp.request (settings.phase ? -1.0 : 1.0);
-    gainRamp.request (gainFromDb (settings.mute ? muteDb : gainDb));
-    unityRamp.request (settings.unity ? gainFromDb (-compensatedDb) : 1.0);
-    levelRamp.request (gainFromDb (settings.mute ? muteDb : levelDb));
+    padGain.request (gainFromDb (padDb));
+    inputGain.request (gainFromDb (settings.mute ? muteDb : gainDb));
+    phase.request (settings.phase ? -1.0 : 1.0);
+    unityGain.request (settings.unity ? gainFromDb (-(gainDb + padDb)) : 1.0);
+    level.request (gainFromDb (settings.mute ? muteDb : levelDb));
 }
 
 //==============================================================================
-void ChannelStrip::processPre (float* const* channels, int n, bool isNoiseOn) noexcept
+void ChannelStrip::processPre (float* const* channels, int numSamples, bool isNoiseOn) noexcept
 {
-    applyRamp (padRamp, channels, n);
-    inputMeter.process (channels, numMain, n);
+    apply (padGain, channels, numSamples);
+    inputMeter.process (channels, numSamples);
 
     if (isNoiseOn)
-        inputNoise.process (channels, numMain, n);
+        inputNoise.process (channels, numSamples);
 
-    applyGainAndPhase (channels, n);
+    applyGainAndPhase (channels, numSamples);
 }
 
-void ChannelStrip::processMiddle (float* const* channels, int n, int numSidechain, bool isEqPost) noexcept
+void ChannelStrip::processMiddle (float* const* channels, int numSamples, int numSidechain, bool isEqPost) noexcept
 {
     if (isEqPost)
-        dynamics.process (channels, n, numSidechain);
+        dynamics.process (channels, numSamples, numSidechain);
 
-    equaliser.process (channels, n);
-    saturation.process (channels, numMain, n);
-
-    applyRamp (unityRamp, channels, n);
+    equaliser.process (channels, numSamples);
+    saturation.process (channels, numSamples);
+    apply (unityGain, channels, numSamples);
 
     if (! isEqPost)
-        dynamics.process (channels, n, numSidechain);
+        dynamics.process (channels, numSamples, numSidechain);
 }
 
-void ChannelStrip::processPost (float* const* channels, int n, bool isNoiseOn, ParameterSnapshot& readOuts) noexcept
+void ChannelStrip::processPost (float* const* channels, int numSamples, bool isNoiseOn,
+                                ParameterSnapshot& readOuts) noexcept
 {
     if (isNoiseOn)
-        outputNoise.process (channels, numMain, n);
+        outputNoise.process (channels, numSamples);
 
-    applyRamp (levelRamp, channels, n);
-    outputMeter.process (channels, numMain, n);
+    apply (level, channels, numSamples);
+    outputMeter.process (channels, numSamples);
 
     readOuts.inputMeter = inputMeter.getReading();
     readOuts.outputMeter = outputMeter.getReading();
@@ -135,38 +138,29 @@ void ChannelStrip::processPost (float* const* channels, int n, bool isNoiseOn, P
 }
 
 //==============================================================================
-template <typename RampType>
-void ChannelStrip::applyRamp (SharedRamp<RampType>& ramp, float* const* channels, int n) noexcept
+void ChannelStrip::apply (Gain& gain, float* const* channels, int numSamples) noexcept
 {
-    if (ramp.restsAtOne())
-        return;
+    const auto* const row = gain.advance (numSamples);
 
-    if (ramp.get().isIdle())
-    {
-        rows::scale (channels, numMain, static_cast<float> (ramp.get().current), n);
-        return;
-    }
-
-    ramp.fillTaken (curve.data(), n);
-
-    for (int c = 0; c < numMain; ++c)
-        rows::multiply (channels[c], curve.data(), n);
+    if (! gain.isConstantly (1.0f))
+        multiply (channels, row, numSamples);
 }
 
-void ChannelStrip::applyGainAndPhase (float* const* channels, int n) noexcept
+void ChannelStrip::applyGainAndPhase (float* const* channels, int numSamples) noexcept
 {
-    if (phaseRamp.restsAtOne())
-    {
-        applyRamp (gainRamp, channels, n);
-        return;
-    }
+    const auto* const phaseRow = phase.advance (numSamples);
 
-    gainRamp.fill (curve.data(), n);
-    phaseRamp.fill (phaseCurve.data(), n);
-    rows::multiply (curve.data(), phaseCurve.data(), n);
+    if (phase.isConstantly (1.0f))
+        return apply (inputGain, channels, numSamples);
 
+    rows::multiply (gainTimesPhase.data(), inputGain.advance (numSamples), phaseRow, numSamples);
+    multiply (channels, gainTimesPhase.data(), numSamples);
+}
+
+void ChannelStrip::multiply (float* const* channels, const float* row, int numSamples) noexcept
+{
     for (int c = 0; c < numMain; ++c)
-        rows::multiply (channels[c], curve.data(), n);
+        rows::multiply (channels[c], row, numSamples);
 }
 
 } // namespace tarvik

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "strip/CompressorCircuit.h"
 
+#include "dsp/StateFloor.h"
 #include "strip/VcaCurve.h"
 
 #include <array>
@@ -116,9 +117,7 @@ void CompressorCircuit::set (const Controls& controls) noexcept
 
 void CompressorCircuit::settle (State& state) noexcept
 {
-    constexpr double unfelt = 1e-60;
-
-    if (std::abs (state.peak) < unfelt)
+    if (std::abs (state.peak) < stateFloor)
         state.peak = 0.0;
 }
 

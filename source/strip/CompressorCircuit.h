@@ -9,13 +9,13 @@
 namespace tarvik
 {
 
-/** The compressor's side chain: from the rectified signal behind the gain element to the voltage that controls it.
+/** The compressor's side chain: from the rectified signal after the gain element to the voltage that controls it.
 
          rectifier --> peak memory --> amplifier (ratio) --> Ra --+-- R2 --+
                                                                   |        |
                                                              C1 = Rl       C2
 
-    C1 charges through Ra, faster the larger the error, and discharges through Rl. C2 behind R2 takes a share of its
+    C1 charges through Ra, faster the larger the error, and discharges through Rl. C2, after R2, takes a share of its
     charge and gives it back later: with "AUTO" release R2 is small, so a long loud passage fills C2 and recovery takes
     longer than after a short peak.
 
@@ -42,10 +42,10 @@ public:
     /** What the front panel sets. Indices beyond a list count as its nearest end, thresholds too. */
     struct Controls
     {
-        float thresholdDb = -4.0f; ///< -20 to 0
-        int ratio = 2;             ///< 0 "1:1" to 5 "20:1"
-        int attack = 1;            ///< 0 slow to 2 fast
-        int release = 8;           ///< 0 "25 ms" to 7 "3.2 s", 8 "AUTO"
+        float thresholdDb; ///< -20 to 0
+        int ratio;         ///< 0 "1:1" to 5 "20:1"
+        int attack;        ///< 0 slow to 2 fast
+        int release;       ///< 0 "25 ms" to 7 "3.2 s", 8 "AUTO"
 
         bool operator== (const Controls&) const = default;
     };
@@ -58,9 +58,7 @@ public:
         double peak = 0.0;
     };
 
-    CompressorCircuit() noexcept { set ({}); }
-
-    /** Takes the sample rate in Hz, above 0. */
+    /** The rate is in Hz, above 0. */
     void prepare (double rateHz) noexcept;
 
     void set (const Controls& controls) noexcept;

@@ -2,6 +2,7 @@
 #include "strip/DetectorFilters.h"
 
 #include "dsp/AnalogBiquad.h"
+#include "dsp/StateFloor.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,13 +18,11 @@ namespace
     smallness, and long after a float has stopped showing it. */
 void settle (std::span<BiquadCascade* const> cascades) noexcept
 {
-    constexpr double unfelt = 1e-60;
-
     for (auto* const cascade : cascades)
     {
         const auto& sections = cascade->getSections();
 
-        if (std::abs (sections.s1.front()) >= unfelt)
+        if (std::abs (sections.s1.front()) >= stateFloor)
             continue; // while there is sound: nearly always
 
         auto sum = 0.0;
@@ -31,7 +30,7 @@ void settle (std::span<BiquadCascade* const> cascades) noexcept
         for (std::size_t s = 0; s < sections.s1.size(); ++s)
             sum += std::abs (sections.s1[s]) + std::abs (sections.s2[s]);
 
-        if (sum < unfelt && sum != 0.0)
+        if (sum < stateFloor && sum != 0.0)
             cascade->clear();
     }
 }

@@ -5,6 +5,7 @@
 #include "strip/DynamicsChannel.h"
 
 #include "dsp/Dispatch.h"
+#include "dsp/StateFloor.h"
 
 // foreach_target.h comes before highway.h.
 // clang-format off
@@ -16,6 +17,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <span>
 
 HWY_BEFORE_NAMESPACE();
 
@@ -40,7 +42,7 @@ HWY_INLINE double step (const DynamicsCircuits& circuits, DynamicsChannel& chann
     const auto& [compressor, limiter, expander] = circuits;
     const auto level = std::abs (static_cast<double> (rows.detector[i]));
 
-    // What expander or gate, limiter and compressor want; the largest voltage wins.
+    // Expander or gate, limiter, compressor: the largest voltage wins.
     auto expanderVolts = 0.0;
 
     if constexpr (expansion == Expansion::falling)
@@ -51,14 +53,14 @@ HWY_INLINE double step (const DynamicsCircuits& circuits, DynamicsChannel& chann
 
     if constexpr (expansion == Expansion::gate)
     {
-        const auto key = static_cast<double> (rows.gateKey[i]);
+        const auto key = static_cast<double> (rows.key[i]);
         const auto attenuationDb = expander.gateAttenuation (channel.expander, channel.gain, key);
         expanderVolts = 0.5 * expander.charge (channel.expander, attenuationDb);
     }
 
     const auto limiterVolts = limiter.step (channel.limiterVolts, channel.gain * level);
-    constexpr double offsetVolts = 1.288849;
-    constexpr double voltsPerVolt = 1.0 / 0.95376545;
+    constexpr double offsetVolts = 1.288849;          // the two are fitted: they match expander and limiter
+    constexpr double voltsPerVolt = 1.0 / 0.95376545; // to the control voltage of the gain element
     const auto otherVolts = (std::max (expanderVolts, limiterVolts) - offsetVolts) * voltsPerVolt;
     auto volts = compressor.step (channel.compressor, channel.gain, level);
 
@@ -79,14 +81,13 @@ HWY_INLINE double step (const DynamicsCircuits& circuits, DynamicsChannel& chann
 }
 
 template <Expansion expansion, std::size_t numChannels>
-HWY_NOINLINE void run (const DynamicsCircuits& circuits, DynamicsChannel* const* channels, const DynamicsRows* rows,
-                       int n)
+HWY_NOINLINE void run (const DynamicsCircuits& circuits, DynamicsChannel* channels, const DynamicsRows* rows, int n)
 {
     // Copies whose address nobody takes, and no array of them, so that they stay in registers.
     const auto localCircuits = circuits;
     constexpr auto last = numChannels - 1;
     const auto firstRows = rows[0], lastRows = rows[last];
-    auto first = *channels[0], lastChannel = *channels[last];
+    auto first = channels[0], lastChannel = channels[last];
 
     for (int i = 0; i < n; ++i)
     {
@@ -100,14 +101,14 @@ HWY_NOINLINE void run (const DynamicsCircuits& circuits, DynamicsChannel* const*
         }
     }
 
-    *channels[0] = first;
+    channels[0] = first;
 
     if constexpr (last > 0)
-        *channels[last] = lastChannel;
+        channels[last] = lastChannel;
 }
 
 template <std::size_t numChannels>
-void runInMode (const DynamicsCircuits& circuits, DynamicsChannel* const* channels, const DynamicsRows* rows, int n)
+void runInMode (const DynamicsCircuits& circuits, DynamicsChannel* channels, const DynamicsRows* rows, int n)
 {
     switch (circuits.expander.getMode())
     {
@@ -120,19 +121,18 @@ void runInMode (const DynamicsCircuits& circuits, DynamicsChannel* const* channe
     }
 
     // Where the capacitor is empty both of these do the same, the second with less work.
-    if (channels[0]->expander.volts > 0.0 || channels[numChannels - 1]->expander.volts > 0.0)
+    if (channels[0].expander.volts > 0.0 || channels[numChannels - 1].expander.volts > 0.0)
         run<Expansion::falling, numChannels> (circuits, channels, rows, n);
     else
         run<Expansion::none, numChannels> (circuits, channels, rows, n);
 }
 
-void process (const DynamicsCircuits& circuits, DynamicsChannel* const* channels, const DynamicsRows* rows,
-              int numChannels, int n)
+void process (const DynamicsCircuits& circuits, std::span<DynamicsChannel> channels, const DynamicsRows* rows, int n)
 {
-    if (numChannels == 2)
-        runInMode<2> (circuits, channels, rows, n);
+    if (channels.size() == 2)
+        runInMode<2> (circuits, channels.data(), rows, n);
     else
-        runInMode<1> (circuits, channels, rows, n);
+        runInMode<1> (circuits, channels.data(), rows, n);
 }
 } // namespace
 } // namespace tarvik::dynamics::HWY_NAMESPACE
@@ -148,19 +148,35 @@ namespace dynamics
 HWY_EXPORT (process);
 }
 
-void processDynamics (const DynamicsCircuits& circuits, DynamicsChannel* const* channels, const DynamicsRows* rows,
-                      int numChannels, int n) noexcept
+void processDynamics (const DynamicsCircuits& circuits, std::span<DynamicsChannel> channels,
+                      std::span<const DynamicsRows> rows, int n) noexcept
 {
-    TARVIK_DISPATCH (dynamics::process) (circuits, channels, rows, numChannels, n);
+    constexpr std::size_t together = 2;
 
-    for (int c = 0; c < numChannels; ++c)
+    for (std::size_t first = 0; first < channels.size(); first += together)
     {
-        constexpr double unfelt = 1e-60;
-        auto& channel = *channels[c];
+        const auto pair = channels.subspan (first, std::min (together, channels.size() - first));
+        const auto* const pairRows = rows.data() + first;
+
+        if (circuits.expander.getMode() == Expander::Mode::expander)
+        {
+            std::array<Expander::Rows, together> expanderRows;
+
+            for (std::size_t c = 0; c < pair.size(); ++c)
+                expanderRows[c] = { &pair[c].expander, pairRows[c].key, pairRows[c].attenuationsDb };
+
+            circuits.expander.makeAttenuations (std::span (expanderRows).first (pair.size()), n);
+        }
+
+        TARVIK_DISPATCH (dynamics::process) (circuits, pair, pairRows, n);
+    }
+
+    for (auto& channel : channels)
+    {
         CompressorCircuit::settle (channel.compressor);
         Expander::settle (channel.expander);
 
-        if (channel.limiterVolts < unfelt)
+        if (channel.limiterVolts < stateFloor)
             channel.limiterVolts = 0.0;
     }
 }

@@ -6,10 +6,12 @@
 #include "strip/Limiter.h"
 #include "strip/VcaCurve.h"
 
+#include <span>
+
 namespace tarvik
 {
 
-/** The parts that all channels have in common: coefficients only. */
+/** What all channels have in common: coefficients only. */
 struct DynamicsCircuits
 {
     CompressorCircuit compressor;
@@ -27,18 +29,18 @@ struct DynamicsChannel
     const VcaCurve::Segment* segment = &VcaCurve::getSegment (0.0); ///< where the last voltage fell
 };
 
-/** One channel's rows of a slice, all but `gains` only read and finite. */
+/** One channel's rows of a slice, finite. */
 struct DynamicsRows
 {
-    const float* detector = nullptr;        ///< what compressor and limiter hear, before the gain element
-    const float* gateKey = nullptr;         ///< read in gate mode: what the gate hears, before the gain element
-    const double* attenuationsDb = nullptr; ///< read in expander mode: what the expander wants
-    float* gains = nullptr;                 ///< goes out: the gain element's gain, about 31.6 at rest
+    float* detector = nullptr;        ///< what compressor and limiter hear, before the gain element
+    float* key = nullptr;             ///< what expander or gate hears, the latter before the gain element
+    double* attenuationsDb = nullptr; ///< work row of the expander
+    float* gains = nullptr;           ///< goes out: the gain element's gain, about 31.6 without signal
 };
 
-/** Audio thread: runs the feedback loops of one or two channels over n samples, sample by sample. Two channels take
+/** Audio thread: runs each channel's feedback loop over its rows of n samples, sample by sample. Two channels take
     little longer than one, since each waits for its own gain most of the time. */
-void processDynamics (const DynamicsCircuits& circuits, DynamicsChannel* const* channels, const DynamicsRows* rows,
-                      int numChannels, int n) noexcept;
+void processDynamics (const DynamicsCircuits& circuits, std::span<DynamicsChannel> channels,
+                      std::span<const DynamicsRows> rows, int n) noexcept;
 
 } // namespace tarvik

@@ -2,11 +2,10 @@
 #include "strip/DynamicsSection.h"
 
 #include "dsp/Decibels.h"
+#include "dsp/RampTimes.h"
 #include "dsp/RowOperations.h"
-#include "strip/RampTimes.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -23,35 +22,38 @@ constexpr float loudestKey = 2e5f;
 /** Leaves room in a float for every gain of the section. Keys have a limit of their own. */
 constexpr float loudestAudio = 1e30f;
 
-/** What the needles' reading is divided by: 10^1.5, close to the gain element's rest. */
-constexpr float meteredRest = 31.6227766f;
-
-constexpr std::size_t loopsSideBySide = 2;
-
-std::size_t toSize (int n) noexcept { return static_cast<std::size_t> (std::max (n, 0)); }
+/** What the needles' reading is divided by: 10^1.5, close to the gain element's gain without signal. */
+constexpr float idleGain = 31.6227766f;
 } // namespace
 
-DynamicsSection::DynamicsSection() noexcept { applySettings (lastSettings); }
+DynamicsSection::DynamicsSection() noexcept
+{
+    update ({}, true);
+    takeSettings();
+}
 
 void DynamicsSection::prepare (double rateHz, int numChannels, int maxSamples)
 {
-    const auto length = toSize (maxSamples);
+    const auto count = static_cast<std::size_t> (numChannels);
+    const auto length = static_cast<std::size_t> (maxSamples);
 
     circuits.compressor.prepare (rateHz);
     circuits.limiter.prepare (rateHz);
     circuits.expander.prepare (rateHz);
     detectorFilters.prepare (rateHz, numChannels, maxSamples);
 
-    for (auto* const ramp : { &mixRamp, &inputRamp, &outputRamp })
+    for (auto* const ramp : getRamps())
         ramp->prepare (rampSteps (rateHz));
 
-    for (auto* const row : { &inputCurve, &detectorCurve, &wetCurve, &dryCurve, &scratch })
+    for (auto* const row : getRows())
         row->assign (length, 0.0f);
 
-    restingCurves.reset();
-    channels.assign (toSize (numChannels), {});
+    areCurvesKept = false;
+    loops.assign (count, {});
+    channels.assign (count, {});
+    sidechainRows.assign (count, nullptr);
+    loopRows.clear();
     detectorRows.clear();
-    sidechainRows.assign (channels.size(), nullptr);
 
     for (auto& channel : channels)
     {
@@ -61,6 +63,8 @@ void DynamicsSection::prepare (double rateHz, int numChannels, int maxSamples)
         for (auto* const row : { &channel.detector, &channel.key, &channel.gains })
             row->assign (length, 0.0f);
 
+        loopRows.push_back (
+            { channel.detector.data(), channel.key.data(), channel.attenuationsDb.data(), channel.gains.data() });
         detectorRows.push_back (channel.detector.data());
     }
 
@@ -69,9 +73,11 @@ void DynamicsSection::prepare (double rateHz, int numChannels, int maxSamples)
 
 void DynamicsSection::release()
 {
-    for (auto* const row : { &inputCurve, &detectorCurve, &wetCurve, &dryCurve, &scratch })
+    for (auto* const row : getRows())
         *row = {};
 
+    loops = {};
+    loopRows = {};
     channels = {};
     detectorRows = {};
     sidechainRows = {};
@@ -81,14 +87,14 @@ void DynamicsSection::reset() noexcept
 {
     takeSettings();
 
-    for (auto* const ramp : { &mixRamp, &inputRamp, &outputRamp })
+    for (auto* const ramp : getRamps())
         ramp->snap();
 
     detectorFilters.reset();
+    std::fill (loops.begin(), loops.end(), DynamicsChannel {});
 
     for (auto& channel : channels)
     {
-        channel.loop = {};
         channel.needle.reset();
         channel.meteredGain = 0.0f;
     }
@@ -121,32 +127,37 @@ void DynamicsSection::takeSettings() noexcept
     if (published.takeNewest())
         applySettings (published.getReadSlot());
 
-    for (auto* const ramp : { &mixRamp, &inputRamp, &outputRamp })
+    for (auto* const ramp : getRamps())
+    {
+        areCurvesKept = areCurvesKept && ramp->rests();
         ramp->takeRequest();
+    }
 }
 
 void DynamicsSection::applySettings (const DynamicsSettings& newest) noexcept
 {
-    // While the expander is off its detector hears nothing and falls to rest; here it is put there when it comes back.
+    // While the expander is off its detector hears nothing and falls to its floor; here it is put there when it comes
+    // back.
     const auto wasOff = circuits.expander.getMode() == Expander::Mode::off;
 
     settings = newest;
+    areCurvesKept = false;
     circuits.compressor.set (settings.compressor);
     circuits.limiter.setOn (settings.isLimiterOn);
     circuits.expander.set (settings.expander);
 
     const auto isOff = circuits.expander.getMode() == Expander::Mode::off;
 
-    for (auto& channel : channels)
+    for (auto& loop : loops)
     {
         if (wasOff)
-            Expander::restDetector (channel.loop.expander);
+            Expander::restDetector (loop.expander);
         else if (isOff)
-            circuits.expander.beginFall (channel.loop.expander);
+            circuits.expander.beginFall (loop.expander);
     }
 }
 
-bool DynamicsSection::isResting() const noexcept
+bool DynamicsSection::isIdle() const noexcept
 {
     return mixRamp.get().isIdle() && inputRamp.get().isIdle() && outputRamp.get().isIdle();
 }
@@ -164,7 +175,7 @@ int DynamicsSection::countInCircuit (int n) const noexcept
     return static_cast<int> (std::min (static_cast<std::uint32_t> (n), remaining));
 }
 
-void DynamicsSection::process (float* const* audio, int n, int numSidechain) noexcept
+void DynamicsSection::process (float* const* main, int n, int numSidechain) noexcept
 {
     takeSettings();
 
@@ -172,12 +183,18 @@ void DynamicsSection::process (float* const* audio, int n, int numSidechain) noe
     {
         isHeard = settings.isIn || ! mixRamp.get().isIdle() || mixRamp.get().current != 0.0;
         fillCurves (length);
-        const auto* const sidechain = chooseSidechain (audio, length, numSidechain);
-        makeDetectorRows (audio, sidechain, length);
-        makeKeys (audio, sidechain, length);
-        runLoops (length);
+        const auto* const sidechain = chooseSidechain (main, length, numSidechain);
+        makeDetectorRows (main, sidechain, length);
+        makeKeys (main, sidechain, length);
+        processDynamics (circuits, loops, loopRows, length);
         feedNeedles (length);
-        applyGains (audio, length);
+
+        // audio x ((1 - mix) + input x mix x output x gain): dry and wet share one multiplication, so no delay can come
+        // between them.
+        for (std::size_t c = 0; c < channels.size(); ++c)
+            rows::scaleByMix (main[c], loudestAudio, dryCurve.data(), wetCurve.data(), channels[c].gains.data(),
+                              length);
+
         n -= length;
     }
 
@@ -188,21 +205,16 @@ void DynamicsSection::process (float* const* audio, int n, int numSidechain) noe
     }
 }
 
-/** The factors that the slice's samples meet. At rest the rows keep them from slice to slice. What has been asked of
-    the ramps since takeSettings() waits: a ramp that began to move here would run for the whole row at once. */
+/** The factors that the slice's samples meet; while the ramps are idle the rows keep them from slice to slice. What has
+    been asked of the ramps since takeSettings() waits: a ramp that began to move here would run for the whole row at
+    once. */
 void DynamicsSection::fillCurves (int n) noexcept
 {
-    const RestingCurves resting { inputRamp.get().current, mixRamp.get().current, outputRamp.get().current,
-                                  settings.sensitivity };
-
-    if (! isResting())
-        restingCurves.reset();
-    else if (restingCurves == resting)
+    if (areCurvesKept)
         return;
-    else
-        restingCurves = resting;
 
-    const auto length = isResting() ? static_cast<int> (inputCurve.size()) : n;
+    areCurvesKept = isIdle();
+    const auto length = areCurvesKept ? static_cast<int> (inputCurve.size()) : n;
     inputRamp.fillTaken (inputCurve.data(), length);
     mixRamp.fillTaken (dryCurve.data(), length);
     outputRamp.fillTaken (wetCurve.data(), length);
@@ -214,14 +226,14 @@ void DynamicsSection::fillCurves (int n) noexcept
 }
 
 /** One row for each main channel. */
-const float* const* DynamicsSection::chooseSidechain (const float* const* audio, int n, int numSidechain) noexcept
+const float* const* DynamicsSection::chooseSidechain (const float* const* main, int n, int numSidechain) noexcept
 {
-    const auto* const* const sidechain = audio + channels.size();
+    const auto* const* const sidechain = main + channels.size();
 
     if (numSidechain <= 0)
-        return audio;
+        return main;
 
-    if (toSize (numSidechain) == channels.size())
+    if (static_cast<std::size_t> (numSidechain) == channels.size())
         return sidechain;
 
     const auto share = 1.0f / static_cast<float> (numSidechain);
@@ -234,25 +246,20 @@ const float* const* DynamicsSection::chooseSidechain (const float* const* audio,
     return sidechainRows.data();
 }
 
-void DynamicsSection::makeDetectorRows (const float* const* audio, const float* const* sidechain, int n) noexcept
+void DynamicsSection::makeDetectorRows (const float* const* main, const float* const* sidechain, int n) noexcept
 {
-    const auto* const* const source = settings.hearsSidechain ? sidechain : audio;
+    const auto* const* const source = settings.hearsSidechain ? sidechain : main;
 
     for (std::size_t c = 0; c < channels.size(); ++c)
-    {
         rows::clampedProduct (detectorRows[c], source[c], detectorCurve.data(), loudestKey, n);
-    }
 
     detectorFilters.process (detectorRows.data(), n);
 }
 
 /** The gate's key has the input gain but neither sensitivity nor filters; the expander's is the bare audio. */
-void DynamicsSection::makeKeys (const float* const* audio, const float* const* sidechain, int n) noexcept
+void DynamicsSection::makeKeys (const float* const* main, const float* const* sidechain, int n) noexcept
 {
     const auto mode = circuits.expander.getMode();
-
-    if (mode == Expander::Mode::off)
-        return;
 
     for (std::size_t c = 0; c < channels.size(); ++c)
     {
@@ -260,81 +267,44 @@ void DynamicsSection::makeKeys (const float* const* audio, const float* const* s
 
         if (mode == Expander::Mode::gate)
         {
-            const auto* const heard = settings.gateHearsSidechain ? sidechain[c] : audio[c];
+            const auto* const heard = settings.gateHearsSidechain ? sidechain[c] : main[c];
             rows::clampedProduct (key, heard, inputCurve.data(), loudestKey, n);
         }
-        else
+        else if (mode == Expander::Mode::expander)
         {
-            rows::copy (key, audio[c], n);
+            rows::copy (key, main[c], n);
             rows::clampToFinite (key, loudestKey, n);
         }
     }
 }
 
-void DynamicsSection::runLoops (int n) noexcept
-{
-    for (std::size_t first = 0; first < channels.size(); first += loopsSideBySide)
-    {
-        const auto count = std::min (channels.size() - first, loopsSideBySide);
-        std::array<DynamicsChannel*, loopsSideBySide> loops {};
-        std::array<Expander::State*, loopsSideBySide> expanders {};
-        std::array<const float*, loopsSideBySide> keys {};
-        std::array<double*, loopsSideBySide> attenuationsDb {};
-        std::array<DynamicsRows, loopsSideBySide> loopRows;
-
-        for (std::size_t c = 0; c < count; ++c)
-        {
-            auto& channel = channels[first + c];
-            loops[c] = &channel.loop;
-            expanders[c] = &channel.loop.expander;
-            keys[c] = channel.key.data();
-            attenuationsDb[c] = channel.attenuationsDb.data();
-            loopRows[c] = { channel.detector.data(), keys[c], attenuationsDb[c], channel.gains.data() };
-        }
-
-        if (circuits.expander.getMode() == Expander::Mode::expander)
-            circuits.expander.makeAttenuations (expanders.data(), keys.data(), attenuationsDb.data(),
-                                                static_cast<int> (count), n);
-
-        processDynamics (circuits, loops.data(), loopRows.data(), static_cast<int> (count), n);
-    }
-}
-
-/** Out of circuit the reading is that of the gain element at rest; also while the loop only runs along, unheard, because
-    another control's ramp moves. */
+/** Out of circuit the reading is that of the gain element without signal; also while the loop only runs along, unheard,
+    because another control's ramp moves. */
 void DynamicsSection::feedNeedles (int n) noexcept
 {
     if (! isHeard)
-        rows::fill (scratch.data(), meteredRest, n);
+        rows::fill (scratch.data(), idleGain, n);
 
     for (auto& channel : channels)
         channel.meteredGain = channel.needle.process (isHeard ? channel.gains.data() : scratch.data(), n);
-}
-
-/** audio x ((1 - mix) + input x mix x output x gain): dry and wet share one multiplication, so no delay can come
-    between them. */
-void DynamicsSection::applyGains (float* const* audio, int n) noexcept
-{
-    for (std::size_t c = 0; c < channels.size(); ++c)
-        rows::scaleByMix (audio[c], loudestAudio, dryCurve.data(), wetCurve.data(), channels[c].gains.data(), n);
 }
 
 //==============================================================================
 void DynamicsSection::writeReadOuts (ParameterSnapshot& snapshot) const noexcept
 {
     constexpr double lampVolts = 0.1;
-    auto smallestGain = meteredRest;
+    auto smallestGain = idleGain;
     auto limiterVolts = 0.0;
     auto expanderVolts = 0.0;
 
-    for (const auto& channel : channels)
+    for (std::size_t c = 0; c < channels.size(); ++c)
     {
-        smallestGain = std::min (smallestGain, channel.meteredGain);
-        limiterVolts = std::max (limiterVolts, channel.loop.limiterVolts);
-        expanderVolts = std::max (expanderVolts, channel.loop.expander.volts);
+        smallestGain = std::min (smallestGain, channels[c].meteredGain);
+        limiterVolts = std::max (limiterVolts, loops[c].limiterVolts);
+        expanderVolts = std::max (expanderVolts, loops[c].expander.volts);
     }
 
-    snapshot.gainReductionDb = dbFromGain (smallestGain / meteredRest);
+    snapshot.gainReductionDb = dbFromGain (smallestGain / idleGain);
     snapshot.limiterActive = settings.isIn && limiterVolts > lampVolts;
     snapshot.expanderAmount = isHeard ? static_cast<float> (circuits.expander.getActivity (expanderVolts)) : 0.0f;
 }

@@ -9,7 +9,7 @@
 #include "strip/NeedleFilter.h"
 #include "strip/ParameterSnapshot.h"
 
-#include <optional>
+#include <array>
 #include <vector>
 
 namespace tarvik
@@ -26,33 +26,25 @@ namespace tarvik
     The detector hears what the gain element left of the last sample: feedback, so the loop goes sample by sample. A
     side chain may stand in for the main signal on the way to the detector and to the gate.
 
-    `update` may come from any thread while audio runs, one call at a time. Ramps and filters take requests, everything
-    else goes through a hand-over that `process` looks into once per slice. The other functions are the audio thread's,
-    or are called while no audio runs.
+    Between update() and process() ramps and filters take requests; everything else goes through a hand-over that
+    process() looks into once per slice.
 */
 class DynamicsSection
 {
 public:
     DynamicsSection() noexcept;
 
-    /** While no audio runs, allocates: for numChannels main channels and slices of at most maxSamples. The channels are
-        new, and everything rests on the newest settings. The rate is in Hz and above 0. */
+    // A ControlledStage.
     void prepare (double rateHz, int numChannels, int maxSamples);
-
-    /** While no audio runs: frees the work rows; prepare() must come before audio again. */
-    void release();
-
-    /** While no audio runs: ends all moves and makes the channels new. */
     void reset() noexcept;
-
-    /** Any thread, one at a time: takes over what differs from the settings seen last, or all when forced. */
+    void release();
     void update (const ParameterSnapshot& snapshot, bool force) noexcept;
 
-    /** Audio thread: main channels first, numSidechain side chain channels behind them, n samples each, at most
-        maxSamples; the main channels are changed in place. As many side chain channels as main ones go channel to
-        channel, else their mean goes to all. Samples that are not finite count as 0 while the section is in circuit.
+    /** The main channels come first, then numSidechain side chain channels, which are only read. As many of these as
+        main ones go channel to channel, else their mean goes to all. Samples that are not finite count as 0 while the
+        section is in circuit.
     */
-    void process (float* const* channels, int n, int numSidechain) noexcept;
+    void process (float* const* main, int n, int numSidechain = 0) noexcept;
 
     /** Audio thread: the section's read-outs go into their fields. */
     void writeReadOuts (ParameterSnapshot& snapshot) const noexcept;
@@ -60,38 +52,28 @@ public:
 private:
     using Row = std::vector<float>;
 
-    /** One main channel: the loop's memory, its meter and its work rows. */
+    /** One main channel's meter and work rows. */
     struct Channel
     {
-        DynamicsChannel loop;
         NeedleFilter needle;
         float meteredGain = 0.0f; ///< where the needle stands, in units of the gain element's gain
-        Row detector;
-        Row key;
-        Row gains;
+        Row detector, key, gains;
         std::vector<double> attenuationsDb;
     };
 
-    /** What the curves are filled with while no ramp moves. */
-    struct RestingCurves
-    {
-        double input, mix, output;
-        float sensitivity;
+    std::array<SharedRamp<LinearRamp>*, 3> getRamps() noexcept { return { &mixRamp, &inputRamp, &outputRamp }; }
 
-        bool operator== (const RestingCurves&) const = default;
-    };
+    std::array<Row*, 5> getRows() noexcept { return { &inputCurve, &detectorCurve, &wetCurve, &dryCurve, &scratch }; }
 
     void takeSettings() noexcept;
-    void applySettings (const DynamicsSettings& settings) noexcept;
-    bool isResting() const noexcept;
+    void applySettings (const DynamicsSettings& newest) noexcept;
+    bool isIdle() const noexcept;
     int countInCircuit (int n) const noexcept;
     void fillCurves (int n) noexcept;
-    const float* const* chooseSidechain (const float* const* channels, int n, int numSidechain) noexcept;
-    void makeDetectorRows (const float* const* channels, const float* const* sidechain, int n) noexcept;
-    void makeKeys (const float* const* channels, const float* const* sidechain, int n) noexcept;
-    void runLoops (int n) noexcept;
+    const float* const* chooseSidechain (const float* const* main, int n, int numSidechain) noexcept;
+    void makeDetectorRows (const float* const* main, const float* const* sidechain, int n) noexcept;
+    void makeKeys (const float* const* main, const float* const* sidechain, int n) noexcept;
     void feedNeedles (int n) noexcept;
-    void applyGains (float* const* channels, int n) noexcept;
 
     // Control side.
     DynamicsSettings lastSettings;
@@ -105,14 +87,16 @@ private:
     SharedRamp<LinearRamp> outputRamp;
     DetectorFilters detectorFilters;
     DynamicsCircuits circuits;
+    std::vector<DynamicsChannel> loops; ///< of every channel, with its rows:
+    std::vector<DynamicsRows> loopRows;
     std::vector<Channel> channels;
     std::vector<float*> detectorRows;
     std::vector<const float*> sidechainRows;
-    std::optional<RestingCurves> restingCurves; ///< none while a ramp moves
-    Row inputCurve;                             ///< input
-    Row detectorCurve;                          ///< input x sensitivity
-    Row wetCurve;                               ///< input x mix x output
-    Row dryCurve;                               ///< 1 - mix
+    bool areCurvesKept = false; ///< whether the curves hold what idle ramps make of them
+    Row inputCurve;             ///< input
+    Row detectorCurve;          ///< input x sensitivity
+    Row wetCurve;               ///< input x mix x output
+    Row dryCurve;               ///< 1 - mix
     Row scratch;
 };
 

@@ -11,18 +11,18 @@ namespace tarvik
 /** What the dynamics are told, read from the snapshot in one go; independent of the sample rate. */
 struct DynamicsSettings
 {
-    bool isIn = true;
+    bool isIn = false;
     bool hearsSidechain = false;     ///< compressor and limiter
     bool gateHearsSidechain = false; ///< the gate; the expander never does
     bool isLimiterOn = false;
     bool isNiveauOn = false;
-    float highPassHz = 20.0f;
-    float sensitivity = 0.17782794f; ///< linear gain in front of the detector
-    double mix = 1.0;                ///< 0 dry to 1 compressed; 0 while not in
-    double inputGain = 0.0;          ///< linear
-    double outputGain = 0.0;         ///< linear
-    CompressorCircuit::Controls compressor;
-    Expander::Controls expander;
+    float highPassHz = 0.0f;
+    float sensitivity = 0.0f; ///< linear gain before the detector
+    double mix = 0.0;         ///< 0 dry to 1 compressed; 0 while not in
+    double inputGain = 0.0;   ///< linear
+    double outputGain = 0.0;  ///< linear
+    CompressorCircuit::Controls compressor {};
+    Expander::Controls expander {};
 
     bool operator== (const DynamicsSettings&) const = default;
 };

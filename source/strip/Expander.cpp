@@ -3,6 +3,7 @@
 
 #include "dsp/Decibels.h"
 #include "dsp/RowMaths.h"
+#include "dsp/StateFloor.h"
 
 #include <array>
 #include <cstddef>
@@ -14,34 +15,25 @@ namespace
 {
 constexpr double c1Farads = 0.47e-6;
 
-/** 47 k alone, beside 4.7 k, and beside 470. */
+/** 47 k alone, in parallel with 4.7 k, and with 470; anything else is 47 k in parallel with 1 k. */
 constexpr std::array attackOhmsByIndex { 47e3, 4272.727272727273, 465.34653465346537 };
-
-/** 47 k beside 1 k, for anything else. */
 constexpr double otherAttackOhms = 979.1666666666666;
 
-double attackOhmsFor (int attack) noexcept
-{
-    const auto isListed = attack >= 0 && attack < static_cast<int> (attackOhmsByIndex.size());
-    return isListed ? attackOhmsByIndex[static_cast<std::size_t> (attack)] : otherAttackOhms;
-}
-
-template <int numChannels>
-void followLevels (const Expander& expander, Expander::State* const* states, const float* const* keys,
-                   double* const* levels, int n) noexcept
+template <std::size_t numChannels>
+void followLevels (const Expander& expander, const Expander::Rows* channels, int n) noexcept
 {
     // The states in locals, so that both channels' divisions overlap.
-    std::array<Expander::State, static_cast<std::size_t> (numChannels)> local;
+    std::array<Expander::State, numChannels> states;
 
-    for (std::size_t c = 0; c < local.size(); ++c)
-        local[c] = *states[c];
+    for (std::size_t c = 0; c < numChannels; ++c)
+        states[c] = *channels[c].state;
 
     for (int i = 0; i < n; ++i)
-        for (std::size_t c = 0; c < local.size(); ++c)
-            levels[c][i] = expander.followLevel (local[c], expander.scaleKey (static_cast<double> (keys[c][i])));
+        for (std::size_t c = 0; c < numChannels; ++c)
+            channels[c].attenuationsDb[i] = expander.followLevel (states[c], static_cast<double> (channels[c].keys[i]));
 
-    for (std::size_t c = 0; c < local.size(); ++c)
-        *states[c] = local[c];
+    for (std::size_t c = 0; c < numChannels; ++c)
+        *channels[c].state = states[c];
 }
 } // namespace
 
@@ -51,6 +43,11 @@ void Expander::prepare (double rateHz) noexcept
     stepSeconds = 1.0 / rateHz;
     rmsShare = -std::expm1 (-1.0 / (rmsSeconds * rateHz)) * 0.5; // half, since y^2 moves twice as fast as y
     rmsKeep = 1.0 - rmsShare;
+    updateShares();
+}
+
+void Expander::updateShares() noexcept
+{
     chargeShare = stepSeconds / (attackOhms * c1Farads + stepSeconds);
     leakShare = stepSeconds / (stepSeconds + releaseSeconds);
 }
@@ -67,25 +64,23 @@ void Expander::set (const Controls& controls) noexcept
     isInverted = controls.isInverted;
     keyScale = gainFromDb (keyReferenceDb - static_cast<double> (controls.thresholdDb));
     rangeDb = std::clamp (-static_cast<double> (controls.rangeDb), 0.0, deepestRangeDb);
-    attackOhms = attackOhmsFor (controls.attack);
+    const auto attack = static_cast<std::size_t> (controls.attack); // huge below 0
+    attackOhms = attack < attackOhmsByIndex.size() ? attackOhmsByIndex[attack] : otherAttackOhms;
     releaseSeconds = std::max (static_cast<double> (controls.releaseSeconds), 0.0);
-    chargeShare = stepSeconds / (attackOhms * c1Farads + stepSeconds);
-    leakShare = stepSeconds / (stepSeconds + releaseSeconds);
+    updateShares();
 }
 
-void Expander::makeAttenuations (State* const* states, const float* const* keys, double* const* attenuationsDb,
-                                 int numChannels, int n) const noexcept
+void Expander::makeAttenuations (std::span<const Rows> channels, int n) const noexcept
 {
     constexpr double dbPerDecade = 20.0;
 
-    if (numChannels == 2)
-        followLevels<2> (*this, states, keys, attenuationsDb, n);
+    if (channels.size() == 2)
+        followLevels<2> (*this, channels.data(), n);
     else
-        followLevels<1> (*this, states, keys, attenuationsDb, n);
+        followLevels<1> (*this, channels.data(), n);
 
-    for (int c = 0; c < numChannels; ++c)
+    for (const auto& [state, keys, row] : channels)
     {
-        auto* const row = attenuationsDb[c];
         rows::log10 (row, row, n);
 
         for (int i = 0; i < n; ++i)
@@ -93,7 +88,7 @@ void Expander::makeAttenuations (State* const* states, const float* const* keys,
 
         if (isHolding || isInverted)
             for (int i = 0; i < n; ++i)
-                row[i] = holdAndInvert (*states[c], row[i]);
+                row[i] = holdAndInvert (*state, row[i]);
     }
 }
 
@@ -114,9 +109,7 @@ void Expander::restDetector (State& state) noexcept
 
 void Expander::settle (State& state) noexcept
 {
-    constexpr double unfelt = 1e-60;
-
-    if (std::abs (state.volts) < unfelt)
+    if (std::abs (state.volts) < stateFloor)
         state.volts = 0.0;
 }
 

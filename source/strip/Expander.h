@@ -3,16 +3,17 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 
 namespace tarvik
 {
 
 /** Turns the level of a key into a voltage for the gain element: nothing while the key is loud, up to the range when it
-    is quiet. As an expander its key is the audio as it comes in; as a gate, a signal behind the gain element.
+    is quiet. As an expander its key is the audio as it comes in; as a gate, a signal after the gain element.
 
     Per sample: key --> square and mean (RMS) --> dB --> soft knee --> hold --> inversion --> capacitor. All but the
-    last step make the attenuation that is wanted, in dB; `charge` follows it. One object serves all channels, the state
-    of each is kept outside. Audio thread.
+    last step make the attenuation in dB; `charge` follows it. One object serves all channels, the state of each is kept
+    outside. Audio thread.
 */
 class Expander
 {
@@ -27,13 +28,13 @@ public:
     /** What the front panel sets. */
     struct Controls
     {
-        float thresholdDb = -30.0f;
-        float rangeDb = -20.0f; ///< -20 to 0
-        int attack = 1;         ///< 0 slow to 2 fast; others lie between slow and medium
-        float releaseSeconds = 0.3f;
-        int mode = 1; ///< as in Mode; others count as off
-        bool isHolding = false;
-        bool isInverted = false;
+        float thresholdDb;
+        float rangeDb; ///< -20 to 0
+        int attack;    ///< 0 slow to 2 fast; others lie between slow and medium
+        float releaseSeconds;
+        int mode; ///< as in Mode; others count as off
+        bool isHolding;
+        bool isInverted;
 
         bool operator== (const Controls&) const = default;
     };
@@ -47,27 +48,28 @@ public:
         double anchorDb = -100.0;           ///< of an earlier rms of the gate
         double perAnchor = 1 / floorSquare; ///< one over that rms
         double heldDb = 0.0;
-        double holdSeconds = 0.0; ///< left of the present hold
+        double holdSeconds = 0.0; ///< left of the current hold
         double volts = 0.0;
         double fallVolts = 0.0; ///< per sample, once the mode is off
     };
 
-    /** Takes the sample rate in Hz, above 0. */
+    /** The rate is in Hz, above 0. */
     void prepare (double rateHz) noexcept;
 
     void set (const Controls& controls) noexcept;
 
     Mode getMode() const noexcept { return mode; }
 
-    /** RMS without a square root: y = y + q (x^2 / y - y) rests where y^2 = x^2. */
-    double followLevel (State& state, double scaledKey) const noexcept
+    /** RMS without a square root: y = y + q (x^2 / y - y) stays where y^2 = x^2. */
+    double followLevel (State& state, double key) const noexcept
     {
+        const auto scaledKey = key * keyScale;
         const auto square = std::max (scaledKey * scaledKey, floorSquare);
         state.rms = rmsKeep * state.rms + square * (rmsShare / state.rms); // the division needn't wait for the key
         return state.rms;
     }
 
-    /** Attenuation in dB, 0 or above, that the static curve wants for a level in dB. */
+    /** The static curve: attenuation in dB, 0 or above, for a level in dB. */
     double attenuationFor (double levelDb) const noexcept
     {
         const auto belowDb = referenceDb - std::max (levelDb, lowestLevelDb);
@@ -75,16 +77,7 @@ public:
         return std::max (std::min (rangeDb, belowDb) - kneeDb, 0.0);
     }
 
-    /** What "Hold" and "Inverted" make of it. A hold keeps the lowest attenuation for 10 ms, then looks again. */
-    double holdAndInvert (State& state, double attenuationDb) const noexcept
-    {
-        if (isHolding)
-            attenuationDb = hold (state, attenuationDb);
-
-        return isInverted ? rangeDb - attenuationDb : attenuationDb;
-    }
-
-    /** All of the above for one sample of the gate: the gain element's last gain, and the key before it.
+    /** All steps up to the attenuation for one sample of the gate: the gain element's last gain, and the key before it.
 
         From gain to gain the loop waits for this. So the logarithm is taken of an RMS that lies a little back, the
         anchor, with a short series for the way from there; only where that grows long is a new anchor dropped. */
@@ -110,12 +103,16 @@ public:
         return holdAndInvert (state, attenuationFor (state.anchorDb + dbPerNeper * smallLog1p (growth)));
     }
 
-    double scaleKey (double key) const noexcept { return key * keyScale; }
+    /** A channel's row of keys, and where its attenuations in dB go. */
+    struct Rows
+    {
+        State* state = nullptr;
+        const float* keys = nullptr;
+        double* attenuationsDb = nullptr;
+    };
 
-    /** The expander's keys of one or two channels, n samples each, to attenuations in dB. The same arithmetic as sample
-        by sample, but for the logarithm, which is taken a row at a time. */
-    void makeAttenuations (State* const* states, const float* const* keys, double* const* attenuationsDb,
-                           int numChannels, int n) const noexcept;
+    /** The same for one or two channels of the expander, n samples each: with the logarithm taken a row at a time. */
+    void makeAttenuations (std::span<const Rows> channels, int n) const noexcept;
 
     /** The capacitor: charges through the attack's resistor, always leaks; returns the voltage on it. */
     double charge (State& state, double attenuationDb) const noexcept
@@ -139,7 +136,7 @@ public:
     /** The lamp's brightness for a capacitor voltage: 1 at the full range, and not limited to it. */
     double getActivity (double volts) const noexcept;
 
-    /** Where the detector comes to rest without a key. The capacitor keeps its voltage. */
+    /** Puts the detector where it ends without a key. The capacitor keeps its voltage. */
     static void restDetector (State& state) noexcept;
 
     /** Takes a voltage to 0 before it is small enough to slow the processor down. */
@@ -151,6 +148,15 @@ private:
     {
         const auto square = x * x;
         return (x + square * ((1.0 / 3.0) * x - 0.5)) + (square * square) * (0.2 * x - 0.25);
+    }
+
+    /** A hold keeps the lowest attenuation for 10 ms, then looks again. */
+    double holdAndInvert (State& state, double attenuationDb) const noexcept
+    {
+        if (isHolding)
+            attenuationDb = hold (state, attenuationDb);
+
+        return isInverted ? rangeDb - attenuationDb : attenuationDb;
     }
 
     double hold (State& state, double attenuationDb) const noexcept
@@ -175,10 +181,12 @@ private:
         return state.heldDb;
     }
 
+    void updateShares() noexcept;
+
     static constexpr double fallSeconds = 0.01;
     static constexpr double gateKeyGain = 0.5;
     static constexpr double lowestLevelDb = -100.0;
-    static constexpr double referenceDb = -20.0 - 2.2184875;
+    static constexpr double referenceDb = -20.0 - 2.2184875; ///< fitted, as is the knee
     static constexpr double kneeWidthDb = 8.0;
     static constexpr double kneeArea = 4.0 * kneeWidthDb; ///< 4 dB high: 4 / (|x| / 8 + 1)
     static constexpr double largestGrowth = 1.0 / 32.0;

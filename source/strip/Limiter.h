@@ -15,7 +15,7 @@ namespace tarvik
 class Limiter
 {
 public:
-    /** Takes the sample rate in Hz, above 0. */
+    /** The rate is in Hz, above 0. */
     void prepare (double rateHz) noexcept
     {
         constexpr double chargeSeconds = 0.004;
@@ -28,7 +28,7 @@ public:
     /** Off, the voltage only leaks away. */
     void setOn (bool isOn) noexcept { amplification = isOn ? amplificationWhenOn : 0.0; }
 
-    /** One sample: `level` is the absolute value of what the detector hears behind the gain element; updates and
+    /** One sample: `level` is the absolute value of what the detector hears after the gain element; updates and
         returns the channel's voltage, 0 or above. */
     double step (double& volts, double level) const noexcept
     {
@@ -38,7 +38,7 @@ public:
     }
 
 private:
-    static constexpr double thresholdLevel = 3.37;
+    static constexpr double thresholdLevel = 3.37; ///< fitted, as the other is
     static constexpr double amplificationWhenOn = 50.0;
 
     double amplification = 0.0;

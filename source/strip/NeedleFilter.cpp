@@ -3,6 +3,7 @@
 
 #include "dsp/AnalogBiquad.h"
 #include "dsp/MZTiCoefs.h"
+#include "dsp/StateFloor.h"
 
 #include <algorithm>
 #include <cmath>
@@ -96,9 +97,7 @@ float NeedleFilter::process (const float* row, int n) noexcept
     reading = static_cast<float> (feedForward * newest + beforeLast);
 
     // A needle at rest stays at rest instead of creeping through numbers that slow the processor down.
-    constexpr double unfelt = 1e-60;
-
-    if (std::abs (state.first) < unfelt && std::abs (state.second) < unfelt)
+    if (std::abs (state.first) < stateFloor && std::abs (state.second) < stateFloor)
         state = {};
 
     return reading;

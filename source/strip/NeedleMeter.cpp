@@ -3,41 +3,30 @@
 
 #include "dsp/RowOperations.h"
 
-#include <algorithm>
-#include <array>
 #include <cstddef>
 
 namespace tarvik
 {
-namespace
-{
-/** (pi / 2) / sqrt (1.2): from a sine's mean to its amplitude, and from the sample value of 0 VU to 1. */
-constexpr auto scale = static_cast<float> (1.5707964 / 1.0954451150103321);
-} // namespace
-
-void NeedleMeter::prepare (double rateHz)
+void NeedleMeter::prepare (double rateHz, int numChannels, int maxSamples)
 {
     needle.prepare (rateHz);
-    reading = restingReading;
+    numMain = numChannels;
+    magnitude.assign (static_cast<std::size_t> (maxSamples), 0.0f);
+    reset();
 }
 
-void NeedleMeter::process (const float* const* channels, int numChannels, int n) noexcept
+void NeedleMeter::reset() noexcept
 {
-    constexpr int pieceLength = 256;
-    constexpr std::size_t mostChannels = 2;
-    std::array<float, pieceLength> magnitude;
-    std::array<const float*, mostChannels> piece {};
-    const auto count = std::min (static_cast<std::size_t> (numChannels), mostChannels);
+    needle.reset();
+    reading = unmeasured;
+}
 
-    for (int done = 0; done < n; done += pieceLength)
-    {
-        const auto length = std::min (n - done, pieceLength);
+void NeedleMeter::process (const float* const* channels, int numSamples) noexcept
+{
+    // (pi / 2) / sqrt (1.2): from a sine's mean to its amplitude, and from the sample value of 0 VU to 1.
+    constexpr auto scale = static_cast<float> (1.5707964 / 1.0954451150103321);
 
-        for (std::size_t c = 0; c < count; ++c)
-            piece[c] = channels[c] + done;
-
-        rows::meanMagnitude (magnitude.data(), piece.data(), static_cast<int> (count), length);
-        reading = scale * needle.process (magnitude.data(), length);
-    }
+    rows::meanMagnitude (magnitude.data(), channels, numMain, numSamples);
+    reading = scale * needle.process (magnitude.data(), numSamples);
 }
 } // namespace tarvik

@@ -3,27 +3,32 @@
 
 #include "strip/NeedleFilter.h"
 
+#include <vector>
+
 namespace tarvik
 {
-/** A moving needle that shows how large a signal is on average, of two channels their mean. A sine at 18 dB below the
-    largest sample value, with the calibration at 18, rests at 1, which is 0 VU. */
+/** A moving needle that shows how large the mean of the channels is on average. A sine at 18 dB below the largest
+    sample value, with the calibration at 18, reads 1, which is 0 VU. */
 class NeedleMeter
 {
 public:
-    /** While no audio runs: a needle at rest. */
-    void prepare (double rateHz);
+    // A Stage that changes nothing. NaN and infinity count as 0, because the needle would never recover from them.
+    void prepare (double rateHz, int numChannels, int maxSamples);
+    void reset() noexcept;
 
-    /** Audio thread: n samples of one or two channels. NaN and infinity count as nothing, since the needle would never
-        recover from them. */
-    void process (const float* const* channels, int numChannels, int n) noexcept;
+    void release() { magnitude = {}; }
 
-    /** Linear, 1 is 0 VU, as at the end of the last row; below zero while nothing has been measured. Audio thread. */
+    void process (const float* const* channels, int numSamples) noexcept;
+
+    /** Linear, 1 is 0 VU, at the end of the last row; below zero while nothing has been measured. Audio thread. */
     float getReading() const noexcept { return reading; }
 
 private:
-    static constexpr float restingReading = -50.0f;
+    static constexpr float unmeasured = -50.0f;
 
     NeedleFilter needle;
-    float reading = restingReading;
+    int numMain = 0;
+    std::vector<float> magnitude;
+    float reading = unmeasured;
 };
 } // namespace tarvik

@@ -3,8 +3,8 @@
 
 #include "dsp/AnalogBiquad.h"
 #include "dsp/MZTiCoefs.h"
+#include "dsp/RampTimes.h"
 #include "dsp/RowOperations.h"
-#include "strip/RampTimes.h"
 
 #include <algorithm>
 #include <array>

@@ -20,7 +20,8 @@ namespace
 {
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Coefficients k of the two chains, section by section, as the lanes of a channel want them.
+// Coefficients k of the two chains, section by section, for the lanes of a channel. Fitted to the phase; close to the
+// poles, alternating between the chains, of an elliptic half-band filter of order 33.
 constexpr QuadraturePair::Lanes lanesOf (float chainOne, float chainTwo)
 {
     return { chainOne, chainOne, chainTwo, chainTwo };
@@ -263,8 +264,6 @@ namespace quadrature
 {
 HWY_EXPORT (follow);
 }
-
-void QuadraturePair::clear() noexcept { memory = {}; }
 
 void QuadraturePair::process (std::span<QuadraturePair* const> pairs, float* const* rows, float* const* squares,
                               int n) noexcept

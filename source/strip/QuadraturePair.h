@@ -13,25 +13,23 @@ namespace tarvik
 
     Two chains of eight allpass sections y[n] = k (x[n] + y[n - 2]) - x[n - 2], and one sample of delay in the first
     chain. A section remembers two samples, so even and odd samples never meet: a vector holds one section of both
-    chains and of an even and an odd sample, for one or two channels.
+    chains and of an even and an odd sample, for one or two channels. In 32-bit arithmetic, whose errors near 1e-4 of
+    the level at the lowest frequencies are a third of what the phase's tolerance makes.
 
-    32-bit arithmetic. Coefficients and memories of that size leave errors near 1e-4 of the level at the lowest
-    frequencies, where the tolerance of the phase makes three times that.
-
-    One thread at a time; nothing allocates, locks or throws. The input must be finite, and must not rest at 0 for long:
+    One thread at a time; nothing allocates, locks or throws. The input must be finite, and must not stay at 0 for long:
     the poles are so close to 1 that the memories would end in subnormal numbers for good. */
 class QuadraturePair
 {
 public:
     static constexpr std::size_t numSections = 8;
 
-    /** What a row must have room for ahead of its n samples, where process() puts the sample before them, and behind,
-        where it reads but makes nothing of it. */
+    /** What a row must have room for before its n samples, where process() puts the last one of the row before, and
+        after them, where it reads but makes nothing of it. */
     static constexpr int margin = 1;
 
-    void clear() noexcept;
+    void clear() noexcept { memory = {}; }
 
-    /** The squares of the envelope of row c, n samples, through *pairs[c]; `squares` too has the margin behind. Two
+    /** The squares of the envelope of row c, n samples, through *pairs[c]; `squares` too has the margin after them. Two
         channels together cost little more than one. Pieces of a row give the same as the whole, and one channel the
         same as among two. */
     static void process (std::span<QuadraturePair* const> pairs, float* const* rows, float* const* squares,
@@ -40,11 +38,11 @@ public:
     /** Chain one of the even sample, of the odd one, then chain two likewise. */
     using Lanes = std::array<float, 4>;
 
-    /** The last samples at every point of the chains: ahead of section 0, between the sections, behind the last. */
+    /** The last samples at every point of the chains: before section 0, between the sections, after the last. */
     struct Memory
     {
         alignas (16) std::array<Lanes, numSections + 1> points {};
-        float lastSample = 0.0f; ///< what chain one is a sample late for
+        float lastSample = 0.0f; ///< the input of chain one, which is a sample late
     };
 
     Memory& getMemory() noexcept { return memory; }

@@ -2,10 +2,6 @@
 #include "strip/SaturationChannel.h"
 
 #include "dsp/AnalogBiquad.h"
-#include "dsp/Decibels.h"
-#include "dsp/RowMaths.h"
-#include "dsp/RowOperations.h"
-#include "strip/RampTimes.h"
 
 #include <algorithm>
 #include <array>
@@ -34,23 +30,10 @@ constexpr std::array<Component, 5> outputFilters { {
     { "gain", 1.0, 0.01 },
 } };
 
-/** Share of the overdriven signal for each unit of gain above 1 that "THD" asks for. */
-constexpr double overdrivePerGain = 0.002;
-
-/** Where on the hyperbolic tangent the signal's zero lies: off its middle, which makes even harmonics. */
-constexpr float overdriveBias = 0.5f;
-
 constexpr std::size_t maxTogether = 2;
 } // namespace
 
 SaturationChannel::SaturationChannel() : components (outputFilters) {}
-
-void SaturationChannel::setThd (double thdDb) noexcept
-{
-    const auto gain = gainFromDb (thdDb);
-    harmonicScale.request (std::min (gain, 1.0));
-    overdriveMix.request (std::max (gain - 1.0, 0.0) * overdrivePerGain);
-}
 
 void SaturationChannel::setVariant (int variant) noexcept
 {
@@ -88,57 +71,17 @@ void SaturationChannel::prepare (double rateHz, int maxSamples)
     designFilters();
     highPass.prepare (rateHz, 1, maxSamples);
     lowPass.prepare (rateHz, 1, maxSamples);
-    harmonicScale.prepare (rateHz, maxSamples);
-    overdriveMix.prepare (rateHz, maxSamples);
-    bent.assign (static_cast<std::size_t> (std::max (maxSamples, 0)), 0.0f);
     shaper.reset();
 }
 
 void SaturationChannel::reset() noexcept
 {
-    harmonicScale.snap();
-    overdriveMix.snap();
     shaper.reset();
     highPass.reset();
     lowPass.reset();
 }
 
 //==============================================================================
-void SaturationChannel::process (std::span<SaturationChannel* const> channels, float* const* rows, int n) noexcept
-{
-    const auto together = channels.first (std::min (channels.size(), maxTogether));
-    std::array<SaturationShaper*, maxTogether> shapers {};
-    std::array<const float*, maxTogether> scales {};
-
-    for (std::size_t c = 0; c < together.size(); ++c)
-    {
-        shapers[c] = &together[c]->shaper;
-        scales[c] = together[c]->harmonicScale.advance (n);
-    }
-
-    SaturationShaper::process (std::span (shapers.data(), together.size()), rows, scales.data(), n);
-
-    for (std::size_t c = 0; c < together.size(); ++c)
-        together[c]->overdrive (rows[c], n);
-
-    filter (together, rows, n);
-}
-
-/** out (1 - k) - tanh (0.5 - out) k, as out + k (tanh (out - 0.5) - out). */
-void SaturationChannel::overdrive (float* row, int n) noexcept
-{
-    const auto* const mix = overdriveMix.advance (n);
-
-    if (overdriveMix.restsAtZero())
-        return;
-
-    rows::combine (rows::ScalarOperation::add, bent.data(), row, -overdriveBias, n);
-    rows::tanh (bent.data(), bent.data(), n);
-    rows::subtract (bent.data(), row, n);
-    rows::multiply (bent.data(), mix, n);
-    rows::add (row, bent.data(), n);
-}
-
 /** In pieces, up to the sample at which the next move of a filter ends: what rests keeps 64 bits between its two filters,
     what moves doesn't. */
 void SaturationChannel::filter (std::span<SaturationChannel* const> channels, float* const* rows, int n) noexcept
@@ -190,26 +133,5 @@ void SaturationChannel::filter (std::span<SaturationChannel* const> channels, fl
             for (std::size_t c = 0; c < channels.size(); ++c)
                 run (c, 1);
     }
-}
-
-//==============================================================================
-void SaturationChannel::RampRow::prepare (double rateHz, int maxSamples)
-{
-    ramp.prepare (rampSteps (rateHz));
-    row.assign (static_cast<std::size_t> (std::max (maxSamples, 1)), 0.0f);
-    isConstant = false;
-}
-
-const float* SaturationChannel::RampRow::write (int n) noexcept
-{
-    ramp.takeRequest();
-    isConstant = ramp.get().isIdle();
-
-    if (isConstant)
-        std::fill (row.begin(), row.end(), static_cast<float> (ramp.get().current));
-    else
-        ramp.fillTaken (row.data(), n);
-
-    return row.data();
 }
 } // namespace tarvik

@@ -1,22 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "strip/SaturationSection.h"
 
+#include "dsp/Decibels.h"
+#include "dsp/RowMaths.h"
+#include "dsp/RowOperations.h"
 #include "strip/ToleranceChannel.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <span>
 
 namespace tarvik
 {
-namespace
-{
-constexpr std::size_t channelsPerPass = 2;
-} // namespace
-
 void SaturationSection::prepare (double rateHz, int numChannels, int maxSamples)
 {
-    const auto count = static_cast<std::size_t> (std::max (numChannels, 0));
+    const auto count = static_cast<std::size_t> (numChannels);
 
     while (channelObjects.size() < count)
         channelObjects.push_back (std::make_unique<SaturationChannel>());
@@ -25,40 +24,83 @@ void SaturationSection::prepare (double rateHz, int numChannels, int maxSamples)
 
     for (std::size_t c = 0; c < count; ++c)
     {
-        auto& channel = *channelObjects[c];
-        channel.setThd (static_cast<double> (lastThdDb));
-        channel.prepare (rateHz, maxSamples);
-        inUse.push_back (&channel);
+        inUse.push_back (channelObjects[c].get());
+        inUse.back()->prepare (rateHz, maxSamples);
     }
+
+    harmonicScale.prepare (rateHz, maxSamples);
+    overdriveMix.prepare (rateHz, maxSamples);
+    bent.assign (static_cast<std::size_t> (maxSamples), 0.0f);
 }
 
 void SaturationSection::reset() noexcept
 {
+    harmonicScale.reset();
+    overdriveMix.reset();
+
     for (auto* const channel : inUse)
         channel->reset();
 }
 
+void SaturationSection::release()
+{
+    harmonicScale.release();
+    overdriveMix.release();
+    bent = {};
+}
+
 void SaturationSection::update (const ParameterSnapshot& snapshot, bool force) noexcept
 {
-    const auto thdDb = snapshot.thd.get();
-    const auto thdChanges = force || thdDb != lastThdDb;
-    lastThdDb = thdDb;
-
     for (std::size_t c = 0; c < inUse.size(); ++c)
-    {
         inUse[c]->setVariant (toleranceChannelOf (snapshot, static_cast<int> (c)));
 
-        if (thdChanges)
-            inUse[c]->setThd (static_cast<double> (thdDb));
+    const auto thdDb = snapshot.thd.get();
+
+    if (! force && thdDb == lastThdDb)
+        return;
+
+    // At or below -100 dB the harmonics are off. Both move in straight lines, because a jump of the overdrive would be
+    // a jump of the output, even in silence.
+    constexpr double overdrivePerGain = 0.002;
+    const auto gain = gainFromDb (static_cast<double> (thdDb));
+    harmonicScale.request (std::min (gain, 1.0));
+    overdriveMix.request (std::max (gain - 1.0, 0.0) * overdrivePerGain);
+    lastThdDb = thdDb;
+}
+
+void SaturationSection::process (float* const* channels, int numSamples) noexcept
+{
+    constexpr std::size_t together = 2; // two channels cost little more than one
+    const auto* const scale = harmonicScale.advance (numSamples);
+    const auto* const mix = overdriveMix.advance (numSamples);
+
+    for (std::size_t first = 0; first < inUse.size(); first += together)
+    {
+        const auto pair = std::span (inUse).subspan (first, std::min (together, inUse.size() - first));
+        auto* const* const rows = channels + first;
+        std::array<SaturationShaper*, together> shapers {};
+
+        std::transform (pair.begin(), pair.end(), shapers.begin(),
+                        [] (auto* channel) { return &channel->getShaper(); });
+        SaturationShaper::process (std::span (shapers).first (pair.size()), rows, scale, numSamples);
+
+        if (! overdriveMix.isConstantly (0.0f))
+            for (std::size_t c = 0; c < pair.size(); ++c)
+                overdrive (rows[c], mix, numSamples);
+
+        SaturationChannel::filter (pair, rows, numSamples);
     }
 }
 
-void SaturationSection::process (float* const* channels, int numChannels, int n) noexcept
+/** out (1 - k) - tanh (0.5 - out) k, as out + k (tanh (out - 0.5) - out). The bias puts the signal's zero off the middle
+    of the curve, which makes even harmonics. */
+void SaturationSection::overdrive (float* row, const float* mix, int n) noexcept
 {
-    const auto count = std::min (static_cast<std::size_t> (std::max (numChannels, 0)), inUse.size());
-
-    for (std::size_t c = 0; c < count; c += channelsPerPass)
-        SaturationChannel::process (std::span (inUse).subspan (c, std::min (channelsPerPass, count - c)), channels + c,
-                                    n);
+    constexpr float bias = 0.5f;
+    rows::combine (rows::ScalarOperation::add, bent.data(), row, -bias, n);
+    rows::tanh (bent.data(), bent.data(), n);
+    rows::subtract (bent.data(), row, n);
+    rows::multiply (bent.data(), mix, n);
+    rows::add (row, bent.data(), n);
 }
 } // namespace tarvik

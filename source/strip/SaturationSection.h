@@ -2,6 +2,7 @@
 #pragma once
 
 #include "strip/ParameterSnapshot.h"
+#include "strip/RampRow.h"
 #include "strip/SaturationChannel.h"
 
 #include <memory>
@@ -9,28 +10,28 @@
 
 namespace tarvik
 {
-/** The harmonic stage behind the equaliser, for all channels of the strip. Every audio channel is the console channel
-    that "TOL Channel" says or, unlinked, that one's neighbours in turn. */
+/** The harmonic stage after the equaliser: the harmonics, overdrive where "THD" is above 0 dB, and the output filters.
+    Every audio channel is the console channel that "TOL Channel" says or, unlinked, one of its neighbours. Takes any
+    finite or other sample; what leaves is finite. */
 class SaturationSection
 {
 public:
-    /** While no audio runs and nothing updates; allocates. */
+    // A ControlledStage.
     void prepare (double rateHz, int numChannels, int maxSamples);
-
-    /** While no audio runs: ends all moves and clears what the channels remember. */
     void reset() noexcept;
-
-    /** Any thread, the audio thread included, one call at a time: takes over "THD" and the console channels where they
-        differ from what was seen last, "THD" also when forced. */
+    void release();
     void update (const ParameterSnapshot& snapshot, bool force) noexcept;
-
-    /** Audio thread: n samples of each channel, in place. */
-    void process (float* const* channels, int numChannels, int n) noexcept;
+    void process (float* const* channels, int numSamples) noexcept;
 
 private:
+    void overdrive (float* row, const float* mix, int n) noexcept;
+
     /** Only ever grows: the filters inside may not be destroyed on every thread that prepares. */
     std::vector<std::unique_ptr<SaturationChannel>> channelObjects;
     std::vector<SaturationChannel*> inUse;
+    RampRow<LinearRamp> harmonicScale { 1.0 };
+    RampRow<LinearRamp> overdriveMix { 0.0 };
+    std::vector<float> bent; ///< work row of the overdrive
     float lastThdDb = 0.0f;
 };
 } // namespace tarvik

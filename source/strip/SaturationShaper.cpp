@@ -24,10 +24,12 @@
 
 namespace tarvik::saturation
 {
+constexpr std::size_t maxChannels = 2;
+
 /** Rows longer than this are cut, so that the scratch rows stay on the stack. */
 constexpr int maxRowLength = 256;
 
-/** Amplitude of the tone that keeps silence away from subnormal numbers; its square is far from them, too. */
+/** Amplitude of the tone that keeps silence away from subnormal numbers, its square included. */
 constexpr float toneLevel = 1e-15f;
 
 /** Where the envelope is held, just inside the table's ends. */
@@ -121,7 +123,7 @@ HWY_INLINE V shape (V x, V position, V scale)
     return hn::MulAdd (hn::Mul (powers, v), v, hn::MulAdd (c1, u, c0));
 }
 
-/** Rows of a channel on their way. Whole vectors are read and written, so there is room behind. */
+/** Work rows of a channel. Whole vectors are read and written, so there is room after the last sample. */
 struct Scratch
 {
     static constexpr int margin = 8;
@@ -160,7 +162,7 @@ HWY_INLINE void clip (const float* row, float* clipped, float toneSign, int n)
 }
 
 /** Two short loops instead of a long one: each lets the processor work on many vectors at once. */
-HWY_INLINE void shapeRow (Scratch& scratch, float* row, const float* scales, int n)
+HWY_INLINE void shapeRow (Scratch& scratch, float* row, const float* scale, int n)
 {
     const auto* const clipped = scratch.clipped();
     auto* const positions = scratch.squares.data();
@@ -169,30 +171,28 @@ HWY_INLINE void shapeRow (Scratch& scratch, float* row, const float* scales, int
     for (; i < n; i += lanes)
         hn::Store (positionOf (hn::Load (D(), clipped + i), hn::Load (D(), positions + i)), D(), positions + i);
 
-    const auto process = [&] (int at, const float* scale) HWY_ATTR
-    { return shape (hn::Load (D(), clipped + at), hn::Load (D(), positions + at), hn::LoadU (D(), scale)); };
+    const auto process = [&] (int at, const float* factors) HWY_ATTR
+    { return shape (hn::Load (D(), clipped + at), hn::Load (D(), positions + at), hn::LoadU (D(), factors)); };
 
     for (i = 0; n - i >= lanes; i += lanes)
-        hn::StoreU (process (i, scales + i), D(), row + i);
+        hn::StoreU (process (i, scale + i), D(), row + i);
 
     if (i < n)
     {
         HWY_ALIGN std::array<float, lanes> rest {};
-        std::copy (scales + i, scales + n, rest.begin());
+        std::copy (scale + i, scale + n, rest.begin());
         hn::Store (process (i, rest.data()), D(), rest.data());
         std::copy_n (rest.begin(), n - i, row + i);
     }
 }
 
-void shapeRows (SaturationShaper* const* shapers, int channels, float* const* rows, const float* const* scales, int n)
+void shapeRows (std::span<SaturationShaper* const> shapers, float* const* rows, const float* scale, int n)
 {
-    constexpr std::size_t maxChannels = 2;
     std::array<Scratch, maxChannels> scratch;
     std::array<QuadraturePair*, maxChannels> pairs {};
     std::array<float*, maxChannels> clipped {}, squares {};
-    const auto numChannels = std::min (static_cast<std::size_t> (channels), maxChannels);
 
-    for (std::size_t c = 0; c < numChannels; ++c)
+    for (std::size_t c = 0; c < shapers.size(); ++c)
     {
         pairs[c] = &shapers[c]->getQuadraturePair();
         clipped[c] = scratch[c].clipped();
@@ -203,10 +203,10 @@ void shapeRows (SaturationShaper* const* shapers, int channels, float* const* ro
             std::fill_n (squares[c] + n / lanes * lanes, lanes, 0.0f); // the last vector reads beyond the row
     }
 
-    QuadraturePair::process (std::span (pairs.data(), numChannels), clipped.data(), squares.data(), n);
+    QuadraturePair::process (std::span (pairs).first (shapers.size()), clipped.data(), squares.data(), n);
 
-    for (std::size_t c = 0; c < numChannels; ++c)
-        shapeRow (scratch[c], rows[c], scales[c], n);
+    for (std::size_t c = 0; c < shapers.size(); ++c)
+        shapeRow (scratch[c], rows[c], scale, n);
 }
 } // namespace
 } // namespace tarvik::saturation::HWY_NAMESPACE
@@ -235,24 +235,17 @@ float SaturationShaper::takeToneSign (int n) noexcept
     return sign;
 }
 
-void SaturationShaper::process (std::span<SaturationShaper* const> shapers, float* const* rows,
-                                const float* const* scales, int n) noexcept
+void SaturationShaper::process (std::span<SaturationShaper* const> shapers, float* const* rows, const float* scale,
+                                int n) noexcept
 {
-    std::array<float*, 2> pieces {};
-    std::array<const float*, 2> scalePieces {};
-    const auto channels = std::min (shapers.size(), pieces.size());
+    using saturation::maxChannels, saturation::maxRowLength;
+    std::array<float*, maxChannels> pieces {};
 
-    for (int done = 0; done < n; done += saturation::maxRowLength)
+    for (int done = 0; done < n; done += maxRowLength)
     {
-        for (std::size_t c = 0; c < channels; ++c)
-        {
-            pieces[c] = rows[c] + done;
-            scalePieces[c] = scales[c] + done;
-        }
-
+        std::transform (rows, rows + shapers.size(), pieces.begin(), [done] (float* row) { return row + done; });
         TARVIK_DISPATCH (saturation::shapeRows)
-        (shapers.data(), static_cast<int> (channels), pieces.data(), scalePieces.data(),
-         std::min (n - done, saturation::maxRowLength));
+        (shapers, pieces.data(), scale + done, std::min (n - done, maxRowLength));
     }
 }
 } // namespace tarvik

@@ -16,12 +16,12 @@ namespace tarvik
         out = c + c0 + c1 u + c2 v^2 + ... + c7 v^7,  u = c / A,  v = u scale,
 
     A and the coefficients taken at the position. `scale` turns the harmonics down and leaves the level alone; the
-    constant that remains then is for the filters behind. In all this the unit of level is 8.70143, whatever the
-    calibration is.
+    constant that remains then is left to the filters that follow. The unit of level is 8.70143 throughout, whatever
+    the calibration.
 
     One thread at a time; nothing allocates, locks or throws. Any sample is taken: NaN counts as silence, infinity is
-    clipped like everything above the limit. Nothing becomes subnormal, however long silence lasts, because silence
-    gets a tone of -300 dB at half the rate, far below the last digit of any signal; the filters behind it profit too.
+    clipped like everything above the limit. Nothing becomes subnormal, however long silence lasts, because a tone of
+    -300 dB at half the rate is added, far below the last digit of any signal.
 
     32-bit arithmetic: what is computed is the small difference between output and input. Within 1e-6 of an exact
     computation at level 1 and 5e-6 up to the clip level; instruction sets differ by as much. */
@@ -36,9 +36,8 @@ public:
 
     void reset() noexcept;
 
-    /** Row c of n samples goes through *shapers[c] (one or two), in place. `scales` has one row of n factors, 0 to 1,
-        for each channel. */
-    static void process (std::span<SaturationShaper* const> shapers, float* const* rows, const float* const* scales,
+    /** Row c of n samples goes through *shapers[c] (one or two), in place. `scale` has n factors, 0 to 1. */
+    static void process (std::span<SaturationShaper* const> shapers, float* const* rows, const float* scale,
                          int n) noexcept;
 
     QuadraturePair& getQuadraturePair() noexcept { return quadraturePair; }

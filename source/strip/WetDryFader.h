@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "dsp/RampTimes.h"
 #include "dsp/Ramps.h"
-#include "strip/RampTimes.h"
 #include "strip/WetDryRows.h"
 
 namespace tarvik
 {
 
-/** Blends a stage in and out around what it does: `begin` before the stage, `end` behind it. While the fade rests at 1
+/** Blends a stage in and out around what it does: `begin` before the stage, `end` after it. While the fade is idle at 1
     both cost nothing.
 */
 class WetDryFader
@@ -17,15 +17,13 @@ public:
     /** The way in for the wet share, 0 to 1; any thread. */
     SharedRamp<LinearRamp> fade;
 
-    /** While no audio runs. rateHz is the rate at which the stage runs; a full fade lasts 100 ms of it. */
+    /** While no audio runs. rateHz is the rate at which the stage runs; a full fade lasts 100 ms. */
     void prepare (double rateHz, int numChannels, int maxSamples)
     {
         fade.prepare (rampSteps (rateHz));
         blend.prepare (numChannels, maxSamples);
-        isActive = false;
     }
 
-    /** While no audio runs: frees the rows. */
     void release() { blend.release(); }
 
     /** Audio thread; n is at most maxSamples. */
@@ -37,7 +35,7 @@ public:
             blend.split (fade, channels, n);
     }
 
-    /** Audio thread, behind `begin` with the same arguments. */
+    /** Audio thread, after `begin` with the same arguments. */
     void end (float* const* channels, int n) noexcept
     {
         if (isActive)

@@ -22,12 +22,12 @@ constexpr std::size_t numSamples = 1 << 20;
 Rows run (AnalogNoise& noise, std::size_t length, const std::vector<int>& pieces = { 256 })
 {
     Rows rows { Row (length), Row (length) };
-    noise.prepare (2, 256);
+    noise.prepare (48000.0, 2, 256);
     test::inPieces (length, pieces,
                     [&] (std::size_t begin, int n)
                     {
                         const std::array<float*, 2> pointers { rows[0].data() + begin, rows[1].data() + begin };
-                        noise.process (pointers.data(), 2, n);
+                        noise.process (pointers.data(), n);
                     });
     return rows;
 }
@@ -113,16 +113,16 @@ TEST (AnalogNoise, StartsDifferButASeedFixesThem)
 TEST (AnalogNoise, AddsToTheSignalAndNothingOnceReleased)
 {
     AnalogNoise noise (AnalogNoise::outputRange, 3);
-    noise.prepare (1, 256);
+    noise.prepare (48000.0, 1, 256);
     Row row (256, 1.0f);
     auto* const pointer = row.data();
-    noise.process (&pointer, 1, 256);
+    noise.process (&pointer, 256);
     EXPECT_NE (row, Row (256, 1.0f));
     EXPECT_NEAR (row[0], 1.0f, 1.01f * AnalogNoise::outputRange);
 
     noise.release();
     const auto before = row;
-    noise.process (&pointer, 1, 256);
+    noise.process (&pointer, 256);
     EXPECT_EQ (row, before);
 }
 } // namespace tarvik

@@ -73,13 +73,8 @@ using Mode = Expander::Mode;
 
 Expander makeExpander (Mode mode, float rangeDb = -20.0f)
 {
-    Expander::Controls controls;
-    controls.mode = static_cast<int> (mode);
-    controls.thresholdDb = -20.0f;
-    controls.rangeDb = rangeDb;
-
     Expander expander;
-    expander.set (controls);
+    expander.set ({ -20.0f, rangeDb, 1, 0.3f, static_cast<int> (mode), false, false });
     expander.prepare (48000.0);
     return expander;
 }

@@ -295,29 +295,27 @@ TEST (DynamicsSection, OneBadSampleIsForgottenWithinASecond)
 TEST (DynamicsSection, InSilenceNoStateCreepsThroughSubnormalNumbers)
 {
     constexpr int n = 256;
-    const std::vector<float> silence (n, 0.0f), loud (n, 3.0f);
-    const std::vector<double> noAttenuation (n, 0.0);
+    std::vector<float> silence (n, 0.0f), loud (n, 3.0f);
+    std::vector<double> attenuations (n);
     std::vector<float> gains (n);
 
     DynamicsCircuits circuits;
     circuits.compressor.prepare (44100.0);
     circuits.limiter.prepare (44100.0);
     circuits.limiter.setOn (true);
-    Expander::Controls controls;
-    controls.mode = static_cast<int> (Expander::Mode::expander);
-    circuits.expander.set (controls);
+    circuits.compressor.set ({ -10.0f, 3, 1, 1 });
+    circuits.expander.set ({ -30.0f, 0.0f, 1, 0.3f, static_cast<int> (Expander::Mode::expander), false, false });
     circuits.expander.prepare (44100.0);
 
     DynamicsChannel channel;
     channel.expander.volts = 10.0;
-    auto* const channels = &channel;
     constexpr int numBlocks = 300 * 44100 / n; // five minutes
 
     for (int block = 0; block < numBlocks; ++block)
     {
-        const DynamicsRows rows { block < 10 ? loud.data() : silence.data(), silence.data(), noAttenuation.data(),
+        const DynamicsRows rows { block < 10 ? loud.data() : silence.data(), silence.data(), attenuations.data(),
                                   gains.data() };
-        processDynamics (circuits, &channels, &rows, 1, n);
+        processDynamics (circuits, std::span (&channel, 1), std::span (&rows, 1), n);
     }
 
     EXPECT_EQ (channel.compressor.peak, 0.0);

@@ -30,7 +30,7 @@ float feed (NeedleMeter& meter, const std::vector<Signal>& channels, int n)
                         for (const auto& channel : channels)
                             rows.push_back (channel.data() + begin);
 
-                        meter.process (rows.data(), static_cast<int> (rows.size()), length);
+                        meter.process (rows.data(), length);
                         largest = std::max (largest, meter.getReading());
                     });
     return largest;
@@ -48,7 +48,7 @@ TEST (NeedleMeter, ASineAtMinus18ReadsZeroVu)
             { return feed (meter, { test::sine (997.0, amplitude, rateHz, seconds) }, n); };
 
             NeedleMeter meter;
-            meter.prepare (rateHz);
+            meter.prepare (rateHz, 1, n);
             EXPECT_LT (meter.getReading(), 0.0f) << "nothing has been measured";
 
             // The needle takes a fraction of a second, and swings a little past: 1.2 % for a Q of 0.615.
@@ -59,7 +59,7 @@ TEST (NeedleMeter, ASineAtMinus18ReadsZeroVu)
 
             feedSine (meter, 0.1 * zeroVu, 3.0);
             EXPECT_NEAR (meter.getReading(), 0.1f, 1e-3f);
-            meter.prepare (rateHz);
+            meter.prepare (rateHz, 1, n);
             EXPECT_LT (meter.getReading(), 0.0f);
             feedSine (meter, 0.0, 0.1);
             EXPECT_EQ (meter.getReading(), 0.0f) << "a new start has no memory";
@@ -73,7 +73,7 @@ TEST (NeedleMeter, TwoChannelsShowTheMagnitudeOfTheirMeanAndBadSamplesAreForgott
     const auto read = [] (const Signal& left, const Signal& right)
     {
         NeedleMeter meter;
-        meter.prepare (48000.0);
+        meter.prepare (48000.0, 2, 300);
         feed (meter, { left, right }, 300);
         return meter.getReading();
     };

@@ -73,8 +73,7 @@ Rows shaped (Rows rows, const Row& scales, const std::vector<int>& pieces = { sl
               [&] (std::size_t begin, int n)
               {
                   const std::array<float*, 2> rowPointers { rows[0].data() + begin, rows[1].data() + begin };
-                  const std::array<const float*, 2> scalePointers { scales.data() + begin, scales.data() + begin };
-                  SaturationShaper::process (pointers, rowPointers.data(), scalePointers.data(), n);
+                  SaturationShaper::process (pointers, rowPointers.data(), scales.data() + begin, n);
               });
     return rows;
 }
@@ -102,7 +101,7 @@ Rows processed (SaturationSection& section, Rows rows, int length = sliceLength)
               [&] (std::size_t begin, int n)
               {
                   const std::array<float*, 2> pointers { rows[0].data() + begin, rows[1].data() + begin };
-                  section.process (pointers.data(), 2, n);
+                  section.process (pointers.data(), n);
               });
     return rows;
 }
@@ -258,32 +257,34 @@ TEST (Saturation, TheWholeStageFollowsThdAndConsoleChannel)
         }
 }
 
-TEST (Saturation, PairGivesTheBitsOfTwoSinglesWhileConsoleChannelsMove)
+TEST (Saturation, PairGivesTheBitsOfTwoSingles)
 {
-    std::array<SaturationChannel, 4> channels; // two together, two alone
+    // A stereo section whose sides move one by one and together, beside two mono ones.
+    std::array<SaturationSection, 3> sections;
     std::mt19937 random (9);
 
-    for (auto& channel : channels)
-        channel.prepare (rateHz, sliceLength);
+    for (std::size_t s = 0; s < sections.size(); ++s)
+        sections[s].prepare (rateHz, s == 0 ? 2 : 1, sliceLength);
 
     for (unsigned block = 0; block < 400; ++block)
     {
-        if (const auto side = random() % 120; side < 3)
-            for (std::size_t c = 0; c < channels.size(); ++c)
-                if (side == 2 || c % 2 == side)
-                    channels[c].setVariant (static_cast<int> (block % 32));
+        if (random() % 40 == 0)
+        {
+            const auto first = static_cast<int> (1 + random() % 31);
+            const auto isLinked = random() % 2 == 0;
+
+            for (int s = 0; s < 3; ++s)
+                sections[static_cast<std::size_t> (s)].update (
+                    makeSnapshot (0.0f, s == 2 && ! isLinked ? first + 1 : first, isLinked), false);
+        }
 
         Rows rows { music (1.0, sliceLength, block), music (1.0, sliceLength, 1000 + block) };
         auto alone = rows;
         float* const pointers[] = { rows[0].data(), rows[1].data() };
-        SaturationChannel::process (std::array { &channels[0], &channels[1] }, pointers, sliceLength);
-
-        for (std::size_t c = 0; c < alone.size(); ++c)
-        {
-            auto* const row = alone[c].data();
-            SaturationChannel::process (std::array { &channels[2 + c] }, &row, sliceLength);
-        }
-
+        float* const alonePointers[] = { alone[0].data(), alone[1].data() };
+        sections[0].process (pointers, sliceLength);
+        sections[1].process (alonePointers, sliceLength);
+        sections[2].process (alonePointers + 1, sliceLength);
         ASSERT_EQ (rows, alone) << block;
     }
 }
@@ -348,13 +349,12 @@ TEST (Saturation, AnySampleLeavesFiniteAndLongSilenceLeavesNothingSubnormal)
         {
             SaturationShaper shaper;
             const Row scales (1000, 1.0f);
-            const auto* const scale = scales.data();
             auto row = music (1.0, 1000, 3);
 
             for (int block = 0; block < 3000; ++block)
             {
                 auto* const data = row.data();
-                SaturationShaper::process (std::array { &shaper }, &data, &scale, 1000);
+                SaturationShaper::process (std::array { &shaper }, &data, scales.data(), 1000);
                 std::fill (row.begin(), row.end(), 0.0f);
             }
 

@@ -30,7 +30,6 @@ double largestDeviation (int factor, int hz)
     {
         SaturationShaper shaper;
         auto* const pointer = &shaper;
-        const auto* const scales = scale.data();
         Signal tone (static_cast<std::size_t> (2 * second));
 
         for (std::size_t i = 0; i < tone.size(); ++i)
@@ -40,7 +39,7 @@ double largestDeviation (int factor, int hz)
         for (int done = 0; done < 2 * second; done += pieceLength)
         {
             auto* const piece = tone.data() + done;
-            SaturationShaper::process (std::span (&pointer, 1), &piece, &scales,
+            SaturationShaper::process (std::span (&pointer, 1), &piece, scale.data(),
                                        std::min (pieceLength, 2 * second - done));
         }
 

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "dsp/RampTimes.h"
+#include "dsp/Ramps.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace tarvik
+{
+/** A smoothed value with the row of its coming samples, which is written once and kept while the ramp is idle. A full
+    move lasts 0.1 s. */
+template <typename RampType>
+class RampRow
+{
+public:
+    explicit RampRow (double initial = 1.0) : ramp (initial) {}
+
+    /** Any thread. */
+    void request (double value) noexcept { ramp.request (value); }
+
+    /** While no audio runs, as the two below: ends the move. */
+    void prepare (double rateHz, int maxSamples)
+    {
+        ramp.prepare (rampSteps (rateHz));
+        row.assign (static_cast<std::size_t> (maxSamples), 0.0f);
+        isConstant = false;
+    }
+
+    void reset() noexcept
+    {
+        ramp.snap();
+        isConstant = false;
+    }
+
+    void release() { row = {}; }
+
+    /** Audio thread: the next n values. */
+    const float* advance (int n) noexcept
+    {
+        if (isConstant && ramp.rests())
+            return row.data();
+
+        ramp.takeRequest();
+        isConstant = ramp.get().isIdle();
+        ramp.fillTaken (row.data(), isConstant ? static_cast<int> (row.size()) : n);
+        return row.data();
+    }
+
+    /** Audio thread, after advance(): whether all of these were one value. */
+    bool isConstantly (float value) const noexcept { return isConstant && row.front() == value; }
+
+private:
+    SharedRamp<RampType> ramp;
+    std::vector<float> row;
+    bool isConstant = false;
+};
+} // namespace tarvik
