@@ -37,7 +37,7 @@ std::vector<EQControls> makeSettings()
     return settings;
 }
 
-/** One call of `change` per iteration, with the settings in turn. */
+/** One call of `change` per iteration, with one setting after the other. */
 template <typename Function>
 void runChanges (benchmark::State& state, Function change)
 {

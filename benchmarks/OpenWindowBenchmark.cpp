@@ -102,11 +102,11 @@ void openWindows (benchmark::State& state, int numWindows, bool isPlaying)
 {
     if (juce::Desktop::getInstance().getDisplays().displays.isEmpty())
     {
-        state.SkipWithError ("wants a screen: scripts/measure-window");
+        state.SkipWithError ("needs a screen: scripts/measure-window");
         return;
     }
 
-    // JUCE keeps decoded pictures for five seconds: they are no part of what stays.
+    // JUCE keeps decoded pictures for five seconds: they are not part of what stays.
     constexpr double settlingMs = 7000.0, msPerSecond = 1000.0, percent = 100.0;
     Strips strips;
 

@@ -15,7 +15,7 @@
 namespace tarvik::benchmarks
 {
 // Six sections in transposed direct form II, 64-bit state, 32-bit samples, stereo; section after section over the
-// block, both channels of a sample side by side. Deliberately nothing cleverer than that.
+// block, both channels of a sample in parallel. Deliberately nothing cleverer than that.
 class Yardstick
 {
 public:
@@ -23,7 +23,7 @@ public:
     {
         constexpr double lowestRadians = 0.01, octavesApart = 1.4, bandwidthSine = 0.7, amplitude = 1.2;
 
-        // Bells that boost and cut in turn: A = sqrt of the centre's gain, H(s) = (s^2 + s A / Q + 1) / (s^2 + s / (A
+        // Bells that boost and cut alternately: A = sqrt of the centre's gain, H(s) = (s^2 + s A / Q + 1) / (s^2 + s / (A
         // Q) + 1), by the bilinear transform with the centre held.
         for (std::size_t i = 0; i < sections.size(); ++i)
         {

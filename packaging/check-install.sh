@@ -13,7 +13,11 @@ leftovers+=("$scratch")
 export HOME=$scratch/home XDG_CONFIG_HOME=$scratch/config
 mkdir "$HOME"
 
-fail() { echo "check-install: $*" >&2; exit 1; }
+fail()
+{
+    echo "check-install: $*" >&2
+    exit 1
+}
 
 places=("$scratch/usr/lib/vst3 $scratch/usr/lib/lv2 $scratch/usr")
 
@@ -23,7 +27,7 @@ if [ -n "$package" ]; then
     dpkg-deb -x "$package" "$scratch"
     relations=$(dpkg-deb --field "$package" Depends Suggests)
     libraries=$(find "$scratch/usr" -type f \( -name '*.so' -o -path '*/bin/*' \) -exec strings -a {} + |
-                grep -E '^lib[[:alnum:]_+-]+\.so(\.[0-9]+)+$' | grep -v '^libXss' | sort -u)
+        grep -E '^lib[[:alnum:]_+-]+\.so(\.[0-9]+)+$' | grep -v '^libXss' | sort -u)
 
     for library in $libraries; do
         owners=$(dpkg -S "*/$library" | sed 's/:.*//')
@@ -48,7 +52,7 @@ for place in "${places[@]}"; do
     bundle="$lv2/Tarvik 41 Channel.lv2"
 
     for file in "$so" "$bundle/libTarvik 41 Channel.so" "$bundle"/{manifest,dsp,ui}.ttl "$other/bin/tarvik41-channel" \
-                "$other"/share/{applications/tarvik41-channel.desktop,icons/hicolor/scalable/apps/tarvik41-channel.svg}; do
+        "$other"/share/{applications/tarvik41-channel.desktop,icons/hicolor/scalable/apps/tarvik41-channel.svg}; do
         [ -f "$file" ] || fail "not installed: $file"
     done
 done
@@ -68,7 +72,10 @@ shows "$other/bin/tarvik41-channel" ""
 
 # LV2: the description against the vocabularies, then what a host reads in it, then the sound.
 (cd "$bundle" && lv2_validate manifest.ttl dsp.ttl ui.ttl) >"$scratch/log" 2>&1 ||
-    { cat "$scratch/log" >&2; fail "the LV2 description breaks the vocabularies' rules"; }
+    {
+        cat "$scratch/log" >&2
+        fail "the LV2 description breaks the vocabularies' rules"
+    }
 export LV2_PATH=$lv2:/usr/lib/lv2
 lv2ls >"$scratch/found" # read to its end: grep leaves at the first match, which the writer of a pipe dies of
 grep -qx "$uri" "$scratch/found" || fail "LV2 hosts do not find $uri"
@@ -77,7 +84,10 @@ for words in "Has latency: *yes" "isSideChain" "Vox Rap 3 Aggressive"; do
     grep -q "$words" "$scratch/info" || fail "lv2info does not say '$words'"
 done
 TARVIK_LV2_FOLDER=$lv2 "$build/tests/tarvik41-tests" --gtest_filter='Lv2Module.*' >"$scratch/log" 2>&1 ||
-    { cat "$scratch/log" >&2; fail "the LV2 module does not run as it should"; }
+    {
+        cat "$scratch/log" >&2
+        fail "the LV2 module does not run as it should"
+    }
 
 # Without a screen the program says so in one line.
 status=0
@@ -90,8 +100,11 @@ echo 'pcm.!default { type null }' >"$HOME/.asoundrc"
 open_screen
 "$other/bin/tarvik41-channel" >"$scratch/log" 2>&1 &
 program=$!
-for _ in {1..150}; do xdotool search --name "Tarvik 41 Channel" >/dev/null 2>&1 && break; sleep 0.1; done
-xdotool search --name "Tarvik 41 Channel" >/dev/null 2>&1 || fail "the program shows no window: $(cat "$scratch/log")"
+has_window()
+{
+    xdotool search --name "Tarvik 41 Channel" >/dev/null 2>&1
+}
+wait_until "the program shows no window" has_window
 sleep 1
 kill -INT $program || fail "the program has gone by itself"
 status=0

@@ -11,8 +11,11 @@ screen_packages="xvfb openbox x11-utils"
 # What draws the charts. python3-munkres only keeps the font tools from bringing SciPy, of which they need one function.
 chart_packages="python3-matplotlib python3-munkres python3-numpy fonts-texgyre"
 
+# What formats, and checks the formatting: see ./format.
+format_packages="clang-format python3-autopep8 shfmt"
+
 # What the tests are built from and call.
-test_packages="libgtest-dev libgmock-dev libbenchmark-dev clang-format ngspice binutils lilv-utils sordi lv2-dev
+test_packages="$format_packages libgtest-dev libgmock-dev libbenchmark-dev ngspice binutils lilv-utils sordi lv2-dev
     $screen_packages xdotool python3-cairo python3-pil fontconfig $chart_packages"
 
 # Installs those Debian packages of the arguments that are missing; says what to type where that takes another user.
@@ -44,20 +47,31 @@ ensure_packages()
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install --no-install-recommends -y -q "${missing[@]}"
 }
 
+# Runs a command, and shows what it prints only if it fails.
+quietly()
+{
+    "$@" >"$log" 2>&1 && return
+    cat "$log" >&2
+    exit 1
+}
+
 # Configures a preset of CMakePresets.json. Always anew, since a package may have come since the last time.
 configure()
 {
-    cmake --preset "$1" >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
+    quietly cmake --preset "$1"
 }
 
-# Builds a preset, or just the targets behind it; prints how far it is, and what the compiler says only if it fails.
+# Builds a preset, or just the targets after its name; prints how far it is, and what the compiler says only if it fails.
 build()
 {
     local preset=$1 status=0
     shift
     NINJA_STATUS='[%f/%t] ' cmake --build --preset "$preset" ${1:+--target "$@"} 2>&1 | tee "$log" |
         show_progress "Building ($preset) ..." || status=$?
-    [ $status -eq 0 ] || { sed '/^\[[0-9]*\/[0-9]*\] /d' "$log" >&2; exit $status; }
+    [ $status -eq 0 ] || {
+        sed '/^\[[0-9]*\/[0-9]*\] /d' "$log" >&2
+        exit $status
+    }
 }
 
 # Reads what ninja prints and shows its counter: on a terminal in one line that renews itself, else in a line every tenth.

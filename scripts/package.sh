@@ -10,6 +10,6 @@ configure release
 build release Tarvik41Channel_All tarvik41-render tarvik41-tests
 scripts/manual
 rm -f build/release/*.deb # of other versions
-(cd build/release && cpack >"$log" 2>&1) || { cat "$log" >&2; exit 1; }
+(cd build/release && quietly cpack)
 packaging/check-install.sh build/release build/release/*.deb
 ls build/release/*.deb

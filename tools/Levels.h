@@ -9,7 +9,7 @@
 namespace tarvik
 {
 
-/** Peak and mean power of one channel over a whole run. Samples that are no finite numbers are counted and left out. */
+/** Peak and mean power of one channel over a whole run. Samples that are not finite numbers are counted and left out. */
 class ChannelLevels
 {
 public:

@@ -32,7 +32,7 @@ void printParameters (const ModuleHost& host)
     {
         const auto& row = parameterRow (index);
 
-        // Nothing has been set, so the present value is the default.
+        // Nothing has been set, so the current value is the default.
         std::cout << column (row.id, idWidth) << column (row.name, nameWidth)
                   << column (withUnit (index, host.parameterText (index)), defaultWidth) << column (row.unit, unitWidth)
                   << describeValues (index) << '\n';

@@ -40,11 +40,6 @@ void withVST3Client (const juce::AudioPluginInstance& instance, Action&& action)
     Visitor visitor (action);
     instance.getExtensions (visitor);
 }
-
-juce::AudioChannelSet channelSet (int numChannels)
-{
-    return numChannels == 1 ? juce::AudioChannelSet::mono() : juce::AudioChannelSet::stereo();
-}
 } // namespace
 
 //==============================================================================
@@ -85,7 +80,7 @@ ModuleHost::ModuleHost (const juce::File& bundle)
     format.findAllTypesForFile (found, bundle.getFullPathName());
 
     if (found.isEmpty())
-        fail ("it is no VST3 module for this system");
+        fail ("it is not a VST3 module for this system");
 
     if (found[0]->name != productName)
         fail ("it is '" + found[0]->name + "'");
@@ -157,7 +152,7 @@ juce::StringArray ModuleHost::describeBuses() const
 //==============================================================================
 void ModuleHost::setLayout (int numMainChannels, bool withSidechain)
 {
-    const auto width = channelSet (numMainChannels);
+    const auto width = juce::AudioChannelSet::canonicalChannelSet (numMainChannels);
     juce::AudioProcessor::BusesLayout layout;
     layout.inputBuses = { width, width };
     layout.outputBuses = { width };
@@ -205,7 +200,7 @@ void ModuleHost::selectProgram (int index)
     if (hasLoadedPreset)
         juce::Thread::sleep (millisecondsAfterLoading);
 
-    // Asked for the program that it takes for the present one, the module would do nothing, although the settings may
+    // Asked for the program that it takes for the current one, the module would do nothing, although the settings may
     // have changed since.
     if (instance->getCurrentProgram() == index)
         instance->setCurrentProgram (index == 0 ? 1 : index - 1);
@@ -216,7 +211,7 @@ void ModuleHost::selectProgram (int index)
 
 void ModuleHost::passOnChanges()
 {
-    // A program changes the strip's values behind the edit controller's back. The module tells them with its next
+    // A program changes the strip's values without the edit controller's knowledge. The module tells them with its next
     // block: left until the first one of the audio, they would undo what was set in between, and a controller that has
     // not heard of them does not pass on a value that it believes to be there. A block without samples brings them out.
     constexpr double anyRate = 48000.0;

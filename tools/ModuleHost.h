@@ -49,17 +49,17 @@ public:
     */
     void selectProgram (int index);
 
-    /** Takes the parameter's place in the table and the wanted place in its travel, from 0 to 1. */
+    /** Takes the parameter's place in the table and the place in its travel, from 0 to 1. */
     void setParameter (int index, float normalised);
 
-    /** The present value as the module shows it, which leaves some units out. */
+    /** The current value as the module shows it, which leaves some units out. */
     juce::String parameterText (int index) const;
 
     //==============================================================================
     /** No block may be longer than announced here. */
     void prepare (double sampleRate, int largestBlock);
 
-    /** Ends the audio. The next `prepare` starts with a strip at rest on the present settings. */
+    /** Ends the audio. The next `prepare` starts with a reset strip on the current settings. */
     void release();
 
     /** In samples, from `prepare` on. */

@@ -8,7 +8,7 @@
 namespace tarvik
 {
 
-/** One parameter, by its place in the table, and where its travel is wanted, from 0 to 1. */
+/** One parameter, by its place in the table, and the place in its travel, from 0 to 1. */
 struct ParameterSetting
 {
     int index = 0;

@@ -20,7 +20,7 @@ inline int perCentOf (juce::int64 doneSteps, juce::int64 totalSteps)
     return totalSteps > 0 ? static_cast<int> (doneSteps * wholePerCent / totalSteps) : wholePerCent;
 }
 
-/** A bar on the terminal's error stream while there is work; nothing at all where that stream is no terminal. */
+/** A bar on the terminal's error stream while there is work; nothing at all where that stream is not a terminal. */
 class ProgressBar
 {
 public:

@@ -167,31 +167,32 @@ RenderFigures renderFile (const CommandLine& line, std::ostream& report, const S
 
     auto& host = module.apply (input.numChannels());
     AudioFileWriter writer (output, input.sampleRate(), input.numChannels(), line.bitDepth);
-    RenderRun run (host, input, sidechain ? &*sidechain : nullptr, writer);
-    run.perform (line.blockSize, showProgress);
+    const auto measured =
+        renderThrough (host, input, sidechain ? &*sidechain : nullptr, writer, line.blockSize, showProgress);
     writer.finish();
     throwIfInterrupted();
 
     output.commit();
     module.commitState();
     reportLine (report, "output", output.path() + ", " + (line.bitDepth == 24 ? "24-bit" : "32-bit float") + " WAV");
-    reportLevels (report, "level in", run.inputLevels());
-    reportLevels (report, "level out", run.outputLevels());
+    reportLevels (report, "level in", measured.levelsIn);
+    reportLevels (report, "level out", measured.levelsOut);
 
     if (writer.clippedSamples() > 0)
         reportLine (report, "clipped", juce::String (writer.clippedSamples()) + " samples were beyond full scale");
 
-    if (const auto reductionDb = run.largestGainReductionDb())
+    if (const auto reductionDb = measured.gainReductionDb)
         reportLine (report, "gain reduction", decibels (static_cast<double> (*reductionDb), "dB at most").trim());
 
     reportLine (report, "latency", juce::String (host.latency()) + " samples, compensated");
     reportLine (report, "speed",
-                juce::String (run.timesRealTime(), 1) + " times real time, in blocks of "
+                juce::String (measured.timesRealTime, 1) + " times real time, in blocks of "
                     + juce::String (line.blockSize) + " samples");
 
-    RenderFigures figures { -std::numeric_limits<double>::infinity(), run.timesRealTime(), writer.clippedSamples(), 0 };
+    RenderFigures figures { -std::numeric_limits<double>::infinity(), measured.timesRealTime, writer.clippedSamples(),
+                            0 };
 
-    for (const auto& channel : run.outputLevels())
+    for (const auto& channel : measured.levelsOut)
     {
         figures.peakDbfs = std::max (figures.peakDbfs, channel.peakDbfs());
         figures.badSamples += channel.badSamples();

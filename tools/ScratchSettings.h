@@ -3,30 +3,31 @@
 
 #include <juce_core/juce_core.h>
 
+#include <cstdlib>
+
 namespace tarvik
 {
 
-/** While this lives, instances of the module that this process makes start with settings from a temporary file: noise
-    off and a given oversampling factor, everything else as compiled. What the user has saved neither counts nor
-    changes.
-
-    The module finds the file by XDG_CONFIG_HOME, which is set for this process and given back at the end. So this is
-    for Linux, for the message thread, and for one object at a time.
+/** While this lives, what the user has saved as settings neither counts nor changes: the module looks for them below
+    XDG_CONFIG_HOME, which names an empty temporary folder. For Linux, for the message thread, and for programs that do
+    nothing else afterwards.
 */
 class ScratchSettings
 {
 public:
-    /** Throws `ToolError` if the file cannot be written. */
-    explicit ScratchSettings (int oversamplingFactor);
+    ScratchSettings() : folder (juce::File::createTempFile ("tarvik-settings"))
+    {
+        folder.createDirectory();
+        ::setenv ("XDG_CONFIG_HOME", folder.getFullPathName().toRawUTF8(), 1);
+    }
 
-    ~ScratchSettings();
+    ~ScratchSettings() { folder.deleteRecursively(); }
 
     ScratchSettings (const ScratchSettings&) = delete;
     ScratchSettings& operator= (const ScratchSettings&) = delete;
 
 private:
     const juce::File folder;
-    const juce::String configBefore;
 };
 
 } // namespace tarvik

@@ -76,7 +76,6 @@ void setUp (Tarvik41Processor& strip, const CommandLine& line, int numChannels)
 
 void writeScreenshot (const CommandLine& line)
 {
-    constexpr int oversampling = 1;
     constexpr float percent = 100.0f;
 
     OutputFile file (line.outputPath);
@@ -88,8 +87,10 @@ void writeScreenshot (const CommandLine& line)
         recording.emplace (line.inputPath);
     }
 
-    const ScratchSettings settings (oversampling);
+    const ScratchSettings settings;
     Tarvik41Processor strip;
+    strip.analogSetting().setValue (false);
+    strip.oversamplingSetting().setValue (1);
     setUp (strip, line, recording ? recording->numChannels() : 2);
 
     if (recording)

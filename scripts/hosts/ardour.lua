@@ -181,7 +181,7 @@ local function reopen()
     local session = assert (load_session (folder, name))
     eachInstance (session, function (route, processor) tellInstance (route:name(), processor) end)
 
-    -- The meters behind the fader, while the transport rolls in real time.
+    -- The meters after the fader, while the transport rolls in real time.
     session:request_locate (0, false, ARDOUR.LocateTransportDisposition.MustStop, ARDOUR.TransportRequestSource.TRS_UI)
     sleep (1)
     session:request_roll (ARDOUR.TransportRequestSource.TRS_UI)

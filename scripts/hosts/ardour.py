@@ -70,7 +70,8 @@ def export(session, environment):
     target = os.path.join(folder, session + "-export.wav")
     if os.path.exists(target):
         os.remove(target)
-    text = run(["ardour7-export", "--bitdepth", "float", "--output", target, os.path.join(folder, session), session], environment)
+    text = run(["ardour7-export", "--bitdepth", "float", "--output",
+               target, os.path.join(folder, session), session], environment)
     if not os.path.exists(target):
         print(text)
         check(False, "the export wrote a file")
@@ -98,7 +99,7 @@ def states(session):
 
 
 def reference(track, environment, options, key=None):
-    """What our offline host makes of a track's audio, in stereo, behind as much silence as in the session."""
+    """What our offline host makes of a track's audio, in stereo, after as much silence as in the session."""
     start, channels = placed[track]
     source, keys, target = (os.path.join(folder, f"{track}-{end}.wav") for end in ("in", "key", "out"))
     silence = [0.0] * int(start * audio.RATE)
@@ -121,7 +122,8 @@ if form == "VST3":
     libraries = dict(environment, LD_LIBRARY_PATH="/usr/lib/ardour7")
     text = run(["/usr/lib/ardour7/ardour-vst3-scanner", "-f", "-v", installed], libraries) or ""
     check("Found Plugin: Tarvik 41 Channel" in text, "the scanner finds the plug-in")
-    check('n_inputs="2" n_outputs="2" n_aux_inputs="2" n_aux_outputs="0"' in text, "with stereo buses and a stereo side chain")
+    check('n_inputs="2" n_outputs="2" n_aux_inputs="2" n_aux_outputs="0"' in text,
+          "with stereo buses and a stereo side chain")
 
 # Build, load, programs.
 built = lua("build", "first", environment)
@@ -143,7 +145,7 @@ dry = part(first, "dry")
 worst = max(audio.difference(a, b) for a, b in zip(dry, placed["dry"][1]))
 check(worst < EQUAL_DB, f"a track without the plug-in comes out in time and untouched: difference {worst:.1f} dB")
 
-# A strict track has one output behind the plug-in, its left one, which goes to both sides of the master bus.
+# A strict track has one output after the plug-in, its left one, which goes to both sides of the master bus.
 for track, options, key in (("mono", same_options, None), ("strict", same_options, None),
                             ("stereo", ["--program", "Drum Buss 1"], None),
                             ("keyed", gate_options, KEY), ("strictkeyed", gate_options, KEY)):
@@ -157,15 +159,18 @@ for track, options, key in (("mono", same_options, None), ("strict", same_option
 
 # Automation: 12 dB of gain in a slope between 1 s and 2 s.
 automated = part(first, "automated")[0]
-levels = [audio.rms(automated[int(a * audio.RATE):int(b * audio.RATE)]) for a, b in ((0.5, 0.95), (1.4, 1.6), (2.2, 2.9))]
-check(abs(levels[2] - levels[0] - 12.0) < 0.5, f"automated gain: {levels[2] - levels[0]:.2f} dB louder behind the slope")
+levels = [audio.rms(automated[int(a * audio.RATE):int(b * audio.RATE)])
+          for a, b in ((0.5, 0.95), (1.4, 1.6), (2.2, 2.9))]
+check(abs(levels[2] - levels[0] - 12.0) < 0.5,
+      f"automated gain: {levels[2] - levels[0]:.2f} dB louder after the slope")
 check(levels[0] + 3 < levels[1] < levels[2] - 3, f"and {levels[1] - levels[0]:.2f} dB in its middle")
 
 # The gates on the keyed tracks open for the key alone.
 for track in ("keyed", "strictkeyed"):
     keyed = part(first, track)[0]
     opened, closed = (audio.rms(keyed[int(a * audio.RATE):int(b * audio.RATE)]) for a, b in ((0.5, 0.9), (1.7, 1.95)))
-    check(opened - closed > 10.0, f"side chain: the gate of '{track}' is {opened - closed:.1f} dB more open with the key")
+    check(opened - closed > 10.0,
+          f"side chain: the gate of '{track}' is {opened - closed:.1f} dB more open with the key")
 
 # Reopen, play, save, export again.
 listed = parameters(built)
@@ -176,12 +181,14 @@ if form == "LV2":
     reopened = lua("reopen", "first", environment)
     again = states("first")
     changed = [track for track in saved if track != "automated" and saved[track] != again.get(track)]
-    check(len(saved) == INSTANCES and not changed, f"{len(saved)} saved states come back with the session: {len(changed)} differ")
+    check(len(saved) == INSTANCES and not changed,
+          f"{len(saved)} saved states come back with the session: {len(changed)} differ")
     check(len(listed) == LV2_PARAMETERS * INSTANCES, f"Ardour lists {len(listed)} parameters")
 else:
     reopened = lua("reopen", "first", environment)
     after = parameters(reopened)
-    changed = [key for key, value in listed.items() if key != ("automated", "Gain") and abs(value - after.get(key, 9.0)) > 1e-6]
+    changed = [key for key, value in listed.items() if key != (
+        "automated", "Gain") and abs(value - after.get(key, 9.0)) > 1e-6]
     check(len(listed) == VST3_PARAMETERS * INSTANCES and not changed,
           f"{len(listed)} parameters come back with the session: {len(changed)} differ")
 

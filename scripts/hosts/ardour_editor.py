@@ -11,7 +11,7 @@ from screen import Screen
 
 # Where things are on that screen, Ardour's windows being in its middle: there is no other handle to them.
 BACK_END_LIST, START_BUTTON = (810, 379), (1022, 681)
-DUMMY_IS_ENTRY = 2  # behind ALSA and JACK
+DUMMY_IS_ENTRY = 2  # after ALSA and JACK
 MIXER_BUTTON = (1453, 224)
 INSERTS = {"mono": (465, 366), "stereo": (685, 366)}
 ROUNDS = 3
@@ -50,7 +50,8 @@ def check_work(screen, renderer, folder, session, track):
     seen = os.path.join(folder, "seen.png")
     console.picture(seen)
     pixels = console.unlike(seen, state, ["--name", track], folder)
-    check(pixels < UNLIKE_PIXELS, f"the window opened again shows what was saved: {pixels:.0f} pixels unlike our own picture")
+    check(pixels < UNLIKE_PIXELS,
+          f"the window opened again shows what was saved: {pixels:.0f} pixels unlike our own picture")
     screen.close_window(window)
 
 

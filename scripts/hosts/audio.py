@@ -47,7 +47,7 @@ def read(path):
         body = position + 8
         if name == b"fmt ":
             kind, channels, rate, _, _, bits = struct.unpack_from("<HHIIHH", content, body)
-            if kind == 0xFFFE:  # the extensible form: the true kind stands behind the channel mask
+            if kind == 0xFFFE:  # the extensible form: the true kind stands after the channel mask
                 kind = struct.unpack_from("<H", content, body + 24)[0]
             if rate != RATE:
                 raise ValueError(f"{path}: {rate} Hz instead of {RATE}")

@@ -74,14 +74,16 @@ class Console:
         state_file, drawn = folder + "/window.state", folder + "/window.png"
         with open(state_file, "wb") as target:
             target.write(state)
-        subprocess.run([self.renderer, "screenshot", "--state", state_file, *track, drawn], stdout=subprocess.DEVNULL, check=True)
+        subprocess.run([self.renderer, "screenshot", "--state", state_file,
+                       *track, drawn], stdout=subprocess.DEVNULL, check=True)
         subprocess.run(["mogrify", "-crop", f"{SIZE[0]}x{SIZE[1] - FRAME}+0+0", "+repage", drawn], check=True)
-        compared = subprocess.run(["compare", "-metric", "AE", "-fuzz", "4%", file, drawn, "null:"], stderr=subprocess.PIPE, text=True)
+        compared = subprocess.run(["compare", "-metric", "AE", "-fuzz", "4%", file,
+                                  drawn, "null:"], stderr=subprocess.PIPE, text=True)
         return float(compared.stderr.split()[0])
 
 
 def slots_of(state):
-    """Both slots' values by the parameters' IDs, and the number of the slot in force."""
+    """Both slots' values by the parameters' IDs, and the number of the current slot."""
     root = ElementTree.fromstring(re.search(rb"<Tarvik41Channel.*</Tarvik41Channel>", state, re.DOTALL).group())
     return [{key: float(value) for key, value in slot.attrib.items()} for slot in root[:2]], int(root.get("currentData"))
 
@@ -93,5 +95,6 @@ def check_state(slots, in_force, before):
                   compRatio=before["compRatio"] + 2, TolChannel=before["TolChannel"] + 2)
     for name, slot, expected in (("A", slots[0], wanted), ("B", slots[1], dict(wanted, mute=1.0))):
         wrong = {key: (slot[key], value) for key, value in expected.items() if abs(slot[key] - value) > 0.02}
-        check(not wrong, f"slot {name} has what the mouse did, and nothing else: {wrong or 'all ' + str(len(slot)) + ' values'}")
-    check(in_force == 1, "and slot B is in force")
+        check(
+            not wrong, f"slot {name} has what the mouse did, and nothing else: {wrong or 'all ' + str(len(slot)) + ' values'}")
+    check(in_force == 1, "and slot B is current")

@@ -23,7 +23,7 @@ HEARD = int(LENGTH * audio.RATE) - 1024
 FIRST_LIST, TRACK_HEIGHT = (177, 178), 96
 FIRST_FOUND = (60, 55)  # in the window that lists plug-ins
 FEWEST_COLOURS = 50  # of a window in which something is drawn
-SETTLING = 20.0  # seconds until an instance is at rest to the last bits; those in qtractor have had eight at least
+SETTLING = 20.0  # seconds until an instance is still to the last bits; those in qtractor have had eight at least
 PLAYED = 20  # seconds
 EQUAL_DB = -100.0
 
@@ -42,7 +42,8 @@ delays = {"stereo": 0, "added": LATENCY, "mono": LATENCY, "automated": LATENCY} 
 slope = [(0.0, 0.2), (15.0, 0.2), (16.0, 0.4)]  # of the gain, -12 to 48 dB: 0 dB and 12 dB
 
 with open(shutil.which("qtractor"), "rb") as file:
-    check(b"VST3 Plug-in support disabled." in file.read(), "this qtractor has no VST3, so that the LV2 bundle is what it can load")
+    check(b"VST3 Plug-in support disabled." in file.read(),
+          "this qtractor has no VST3, so that the LV2 bundle is what it can load")
 
 
 def prepare():
@@ -72,7 +73,7 @@ def compare(what, heard, offset=0, tracks=("added", "mono", "stereo"), limit=EQU
 
 
 def slope_of(heard, offset=0):
-    """How much louder the automated track is in the middle of the slope and behind it, in dB."""
+    """How much louder the automated track is in the middle of the slope and after it, in dB."""
     first = offset + int(clips["automated"][1] * audio.RATE)
     levels = [audio.rms(heard["Master"][0][first + int(a * audio.RATE):first + int(b * audio.RATE)])
               for a, b in ((0.5, 0.95), (1.4, 1.6), (2.2, 2.9))]
@@ -113,7 +114,8 @@ wanted, states = prepare()
 session_folder = os.path.join(folder, "first")
 os.makedirs(session_folder)
 session = qtractor_session.write(session_folder, "first", buses, {
-    track: (*clip, None if track in ("added", "dry") else states[track], track == "stereo", slope if track == "automated" else None)
+    track: (*clip, None if track in ("added", "dry")
+            else states[track], track == "stereo", slope if track == "automated" else None)
     for track, clip in clips.items()})
 
 screen = Screen(environment)
@@ -139,13 +141,15 @@ try:
     dry = [c[audio.RATE:] for c in clips["dry"][2]]
     first = next((i for i, sample in enumerate(left) if abs(sample) > 1e-3), 0)
     short = 1000
-    begin = min(range(max(0, first - short), first + short), key=lambda b: audio.difference(left[b:b + short], dry[0][:short]))
+    begin = min(range(max(0, first - short), first + short),
+                key=lambda b: audio.difference(left[b:b + short], dry[0][:short]))
     worst = max(audio.difference(a[begin:begin + HEARD], b[:HEARD]) for a, b in zip((left, right), dry))
     offset = begin - audio.RATE
     check(worst < EQUAL_DB, f"playing: a track without the plug-in is heard untouched: difference {worst:.1f} dB")
     compare("playing", played, offset)
     middle, end = slope_of(played, offset)
-    check(abs(end - 12.0) < 0.5 and 3.0 < middle < 9.0, f"playing, automated gain: {end:.2f} dB louder behind the slope, {middle:.2f} in it")
+    check(abs(end - 12.0) < 0.5 and 3.0 < middle < 9.0,
+          f"playing, automated gain: {end:.2f} dB louder after the slope, {middle:.2f} in it")
 
     # Export, save, end, open, export.
     once = export()
@@ -153,7 +157,8 @@ try:
     check(worst < EQUAL_DB, f"export: a track without the plug-in is untouched: difference {worst:.1f} dB")
     compare("export", once)
     middle, end = slope_of(once)
-    print(f"  export, automated gain: {end:.2f} dB louder behind the slope; qtractor leaves it to chance whether any of it arrives")
+    print(
+        f"  export, automated gain: {end:.2f} dB louder after the slope; qtractor leaves it to chance whether any of it arrives")
     host.save()
     host.quit()
     saved = qtractor_session.states(session)
@@ -166,11 +171,13 @@ try:
     # The automated one has its gain where the transport was when qtractor last followed the curve.
     changed = [track for track in saved if saved[track] != again.get(track)]
     moved = [track for track in changed if track != "automated"]
-    check(not moved, f"the saved states come back with the session: of {len(saved)} differ {', '.join(changed) or 'none'}")
+    check(
+        not moved, f"the saved states come back with the session: of {len(saved)} differ {', '.join(changed) or 'none'}")
     compare("reopened", twice)
     rest = int(clips["automated"][1] * audio.RATE)
     worst = max(audio.difference(a[:rest], b[:rest]) for bus in buses for a, b in zip(once[bus], twice[bus]))
-    check(worst < EQUAL_DB, f"the reopened session exports the same, but for the automated track: difference {worst:.1f} dB")
+    check(worst < EQUAL_DB,
+          f"the reopened session exports the same, but for the automated track: difference {worst:.1f} dB")
     for number, track in ((1, "mono"), (2, "stereo")):
         screen.click(place_of(number), times=2, window=host.window)
         check_window(track)

@@ -40,7 +40,8 @@ def sequencer(folder, environment):
 class Qtractor:
     def __init__(self, folder, screen):
         self.folder, self.screen, self.process = folder, screen, None
-        server = dict(JACK_DEFAULT_SERVER=f"tarvik{os.getpid()}", JACK_NO_START_SERVER="1", JACK_NO_AUDIO_RESERVATION="1")
+        server = dict(JACK_DEFAULT_SERVER=f"tarvik{os.getpid()}",
+                      JACK_NO_START_SERVER="1", JACK_NO_AUDIO_RESERVATION="1")
         screen.environment.update(server)
         self.environment = sequencer(folder, screen.environment)
 
@@ -159,5 +160,6 @@ class Qtractor:
                     process.kill()
                     process.wait()
         self.log.close()
-        for leftover in glob.glob(f"/dev/shm/*{self.environment['JACK_DEFAULT_SERVER']}_*"):  # of clients that JACK lost
+        # of clients that JACK lost
+        for leftover in glob.glob(f"/dev/shm/*{self.environment['JACK_DEFAULT_SERVER']}_*"):
             os.remove(leftover)

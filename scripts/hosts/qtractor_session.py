@@ -34,7 +34,7 @@ def _unpacked(text):
 def _configuration(state):
     """What qtractor stores for an instance with that state, as our renderer saves it: lilv's text, packed."""
     length, = struct.unpack_from("<I", state, 4)
-    state = state[:8 + length + 1]  # a mark, the length, the text and a zero; behind it, what belongs to VST3
+    state = state[:8 + length + 1]  # a mark, the length, the text and a zero; after it, what belongs to VST3
     return _packed(f"<urn:qtractor:state>\n\ta pset:Preset ;\n\tlv2:appliesTo <{URI}> ;\n"
                    f"\tstate:state [\n\t\t<{URI}:StateString> \"{_juce_text(state)}\"\n\t] .\n")
 
@@ -59,7 +59,8 @@ def _curve_file(path, points):
             last = tick
     track += bytes([0, 0xff, 0x2f, 0])
     with open(path, "wb") as file:
-        file.write(b"MThd" + struct.pack(">IHHH", 6, 1, 1, TICKS_PER_BEAT) + b"MTrk" + struct.pack(">I", len(track)) + track)
+        file.write(b"MThd" + struct.pack(">IHHH", 6, 1, 1, TICKS_PER_BEAT) +
+                   b"MTrk" + struct.pack(">I", len(track)) + track)
 
 
 def _add(parent, tag, text=None, /, **attributes):
@@ -107,7 +108,8 @@ def write(folder, name, buses, tracks):
             if curve:
                 _curve_file(os.path.join(folder, track + ".mid"), curve)
                 place_of_curve = _add(plugin, "curve-file")
-                item = _add(_add(place_of_curve, "curve-items"), "curve-item", name=GAIN, index=GAIN_INDEX, mode="Linear")
+                item = _add(_add(place_of_curve, "curve-items"), "curve-item",
+                            name=GAIN, index=GAIN_INDEX, mode="Linear")
                 for key, value in (("type", "NONREGPARAM"), ("channel", 0), ("param", 0), ("process", 1), ("capture", 0)):
                     _add(item, key, value)
                 _add(place_of_curve, "filename", track + ".mid")

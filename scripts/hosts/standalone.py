@@ -38,7 +38,8 @@ environment = home(os.path.join(folder, "home"), {"Analog": "0", "UIZoom": "1"})
 environment["JACK_DEFAULT_SERVER"] = "tarvik-window"  # beside whatever sound server there is
 settings = os.path.join(environment["XDG_CONFIG_HOME"], "Tarvik 41 Channel.settings")
 with open(settings, "w") as file:
-    file.write(f'<PROPERTIES><VALUE name="audioSetup">{JACK}</VALUE><VALUE name="shouldMuteInput" val="0"/></PROPERTIES>\n')
+    file.write(
+        f'<PROPERTIES><VALUE name="audioSetup">{JACK}</VALUE><VALUE name="shouldMuteInput" val="0"/></PROPERTIES>\n')
 
 log = open(os.path.join(folder, "standalone.log"), "w")
 screen = Screen(environment)
@@ -77,7 +78,8 @@ try:
     state = saved()
     check_state(*slots_of(state), untouched[0])
     pixels = console.unlike(before, state, [], folder)
-    check(pixels < UNLIKE_PIXELS, f"what was seen is what was saved: {pixels:.0f} pixels unlike our own picture of the state")
+    check(pixels < UNLIKE_PIXELS,
+          f"what was seen is what was saved: {pixels:.0f} pixels unlike our own picture of the state")
 
     process, window, console = opened()
     after = os.path.join(folder, "after.png")

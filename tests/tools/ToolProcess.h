@@ -7,7 +7,6 @@
 #include <chrono>
 #include <csignal>
 #include <fcntl.h>
-#include <map>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -15,10 +14,15 @@
 namespace tarvik
 {
 
-using SettingsValues = std::map<juce::String, juce::String>;
+inline juce::StringArray operator+ (juce::StringArray words, const juce::StringArray& more)
+{
+    words.addArray (more);
+    return words;
+}
 
-/** A folder of its own for each test, in which the offline host runs without a display and with its own settings file.
- */
+/** A folder of its own for each test, in which the offline host runs without a display and with its own settings file,
+    which turns the noise off.
+*/
 class RenderTool : public testing::Test
 {
 protected:
@@ -30,54 +34,43 @@ protected:
 
     RenderTool() : folder (juce::File::createTempFile ("tarvik-render"))
     {
-        folder.createDirectory();
-        writeSettings ({});
+        const auto settings = folder.getChildFile ("config/Tarvik Plugins/Tarvik 41 Channel.settings");
+        settings.create();
+        settings.replaceWithText ("<PROPERTIES><VALUE name=\"Analog\" val=\"0\"/></PROPERTIES>");
+        fileNamed ({}).createDirectory();
     }
 
     ~RenderTool() override { folder.deleteRecursively(); }
-
-    /** What new instances of the module start with; the noise is off unless it is asked for. */
-    void writeSettings (SettingsValues values)
-    {
-        values.insert ({ "Analog", "0" });
-        juce::String text ("<PROPERTIES>");
-
-        for (const auto& [key, value] : values)
-            text << "<VALUE name=\"" << key << "\" val=\"" << value << "\"/>";
-
-        const auto file = configFolder().getChildFile ("Tarvik Plugins/Tarvik 41 Channel.settings");
-        ASSERT_TRUE (file.create().wasOk());
-        ASSERT_TRUE (file.replaceWithText (text + "</PROPERTIES>"));
-    }
 
     juce::File fileNamed (const juce::String& name) const { return folder.getChildFile ("work").getChildFile (name); }
 
     /** Starts the tool in the folder of the test's files and returns its process. */
     pid_t start (const juce::StringArray& arguments) const
     {
-        fileNamed ({}).createDirectory();
-        std::vector<const char*> words { TARVIK_RENDER_TOOL };
+        std::vector<std::string> words { TARVIK_RENDER_TOOL };
+        std::vector<char*> pointers;
 
         for (const auto& argument : arguments)
-            words.push_back (argument.toRawUTF8());
+            words.push_back (argument.toStdString());
 
-        words.push_back (nullptr);
-        const auto out = folder.getChildFile ("stdout").getFullPathName().toStdString();
-        const auto err = folder.getChildFile ("stderr").getFullPathName().toStdString();
-        const auto work = fileNamed ({}).getFullPathName().toStdString();
-        const auto config = configFolder().getFullPathName().toStdString();
+        for (auto& word : words)
+            pointers.push_back (word.data());
+
+        pointers.push_back (nullptr);
+        const auto path = folder.getFullPathName().toStdString();
         const auto process = fork();
 
         if (process == 0)
         {
             constexpr auto flags = O_WRONLY | O_CREAT | O_TRUNC;
-            constexpr mode_t everybodyReads = 0644;
             constexpr int cannotStart = 127;
-            dup2 (::open (out.c_str(), flags, everybodyReads), STDOUT_FILENO);
-            dup2 (::open (err.c_str(), flags, everybodyReads), STDERR_FILENO);
-            setenv ("XDG_CONFIG_HOME", config.c_str(), 1);
-            if (chdir (work.c_str()) == 0)
-                execv (words[0], const_cast<char* const*> (words.data())); // NOLINT: it changes none
+            dup2 (::open ((path + "/stdout").c_str(), flags, 0644), STDOUT_FILENO);
+            dup2 (::open ((path + "/stderr").c_str(), flags, 0644), STDERR_FILENO);
+            setenv ("XDG_CONFIG_HOME", (path + "/config").c_str(), 1);
+
+            if (chdir ((path + "/work").c_str()) == 0)
+                execv (pointers[0], pointers.data());
+
             _exit (cannotStart);
         }
 
@@ -101,15 +94,6 @@ protected:
         return outcome;
     }
 
-    static juce::String moduleBundle()
-    {
-        return juce::File (TARVIK_MODULE)
-            .getParentDirectory()
-            .getParentDirectory()
-            .getParentDirectory()
-            .getFullPathName();
-    }
-
     static juce::AudioBuffer<float> noise (int numChannels, int numSamples, int seed = 41)
     {
         juce::AudioBuffer<float> audio (numChannels, numSamples);
@@ -129,8 +113,8 @@ protected:
         return bytes;
     }
 
-    /** The names in the folder of the test's files, or in one below, hidden ones too. */
-    juce::StringArray namesInFolder (const juce::String& below = {}) const
+    /** The names in the folder of the test's files, or in one below, hidden ones first. */
+    juce::String namesIn (const juce::String& below = {}) const
     {
         juce::StringArray names;
 
@@ -138,21 +122,42 @@ protected:
             names.add (entry.getFile().getFileName());
 
         names.sort (false);
-        return names;
+        return names.joinIntoString (" ");
     }
 
-    //==============================================================================
+    /** The processes that write hidden files in a folder, once there are so many. */
+    std::vector<int> writersIn (const juce::String& below, std::size_t numWanted) const
+    {
+        std::vector<int> writers;
+
+        for (int poll = 0; poll < 5000; ++poll, std::this_thread::sleep_for (std::chrono::milliseconds (1)))
+        {
+            writers.clear();
+
+            for (const auto& name : juce::StringArray::fromTokens (namesIn (below), " ", {}))
+                if (name.startsWithChar ('.'))
+                    writers.push_back (name.upToLastOccurrenceOf (".part", false, false)
+                                           .fromLastOccurrenceOf (".", false, false)
+                                           .getIntValue());
+
+            if (writers.size() == numWanted)
+                return writers;
+        }
+
+        ADD_FAILURE() << numWanted << " hidden files wanted";
+        return {};
+    }
+
     /** The file's kind goes by its name. bitDepth 32 is floating point. */
-    void writeAudio (const juce::String& name, const juce::AudioBuffer<float>& audio, double rate,
+    void writeAudio (const juce::String& name, const juce::AudioBuffer<float>& audio, double rate = 44100.0,
                      int bitDepth = 24) const
     {
-        const auto file = fileNamed (name);
-        file.getParentDirectory().createDirectory();
+        fileNamed (name).getParentDirectory().createDirectory();
         juce::AudioFormatManager formats;
         formats.registerBasicFormats();
-        auto* const format = formats.findFormatForFileExtension (file.getFileExtension());
+        auto* const format = formats.findFormatForFileExtension (fileNamed (name).getFileExtension());
         const std::unique_ptr<juce::AudioFormatWriter> writer (
-            format->createWriterFor (file.createOutputStream().release(), rate,
+            format->createWriterFor (fileNamed (name).createOutputStream().release(), rate,
                                      static_cast<unsigned int> (audio.getNumChannels()), bitDepth, {}, 0));
         ASSERT_NE (writer, nullptr) << name;
         ASSERT_TRUE (audio.getNumSamples() == 0
@@ -169,11 +174,6 @@ protected:
     juce::AudioBuffer<float> readAudio (const juce::String& name) const
     {
         const auto reader = readerFor (name);
-        EXPECT_NE (reader, nullptr) << name;
-
-        if (reader == nullptr)
-            return {};
-
         juce::AudioBuffer<float> audio (static_cast<int> (reader->numChannels),
                                         static_cast<int> (reader->lengthInSamples));
         reader->read (audio.getArrayOfWritePointers(), audio.getNumChannels(), 0, audio.getNumSamples());
@@ -181,8 +181,6 @@ protected:
     }
 
 private:
-    juce::File configFolder() const { return folder.getChildFile ("config"); }
-
     const juce::File folder;
 };
 

@@ -4,8 +4,6 @@
 #include "tests/support/StripTestTools.h"
 #include "tests/tools/ToolProcess.h"
 
-#include <juce_graphics/juce_graphics.h>
-
 namespace tarvik
 {
 namespace
@@ -45,51 +43,31 @@ TEST_F (WindowTool, TheLayoutHasEveryScaleWhereTheKnobWillPoint)
     EXPECT_EQ (placeOf ("level", "10", "y"), 573.0);
 }
 
-TEST_F (WindowTool, TheWindowIsDrawnWithoutAScreenAtItsZoomAndWithItsSettings)
+TEST_F (WindowTool, TheWindowShowsItsZoomSettingsStateAndSlot)
 {
     const auto plain = draw ({ "screenshot", "plain.png" });
     EXPECT_EQ (plain.getBounds(), juce::Rectangle (900, 741));
     EXPECT_EQ (draw ({ "screenshot", "--zoom", "80", "small.png" }).getBounds(), juce::Rectangle (720, 605));
 
-    const auto turned = draw ({ "screenshot", "--set", "gain=48", "turned.png" });
-    juce::Rectangle<int> changed;
+    const auto sheet = draw ({ "pictures", "sheet.png" });
+    EXPECT_TRUE (sheet.getWidth() > 2700 && sheet.getHeight() > 2030);
 
-    for (int y = 0; y < plain.getHeight(); ++y)
-        for (int x = 0; x < plain.getWidth(); ++x)
-            if (plain.getPixelAt (x, y) != turned.getPixelAt (x, y))
-                changed = changed.isEmpty() ? juce::Rectangle (x, y, 1, 1) : changed.getUnion ({ x, y, 1, 1 });
-
-    // The gain knob, and nothing else.
-    EXPECT_FALSE (changed.isEmpty());
-    EXPECT_TRUE (juce::Rectangle (40, 485, 100, 100).contains (changed)) << changed.toString();
-}
-
-TEST_F (WindowTool, TheWindowShowsASavedStateAndTheSlotThatIsAskedFor)
-{
     const auto strip = test::makeStrip (2);
     test::setPlain (*strip, "gain", 48.0f);
     const auto state = test::saved (*strip);
-    fileNamed ({}).createDirectory();
     fileNamed ("saved.state").replaceWithData (state.getData(), state.getSize());
 
+    const juce::Rectangle<int> gainKnob (40, 485, 100, 100);
     const auto fromState = draw ({ "screenshot", "--state", "saved.state", "state.png" });
     EXPECT_EQ (test::difference (fromState, draw ({ "screenshot", "--set", "gain=48", "set.png" })), 0.0);
 
     const auto otherSlot = draw ({ "screenshot", "--state", "saved.state", "--slot", "B", "b.png" });
-    const juce::Rectangle<int> gainKnob (40, 485, 100, 100), slotButtons (0, 0, 58, 24);
 
-    for (const auto& area : { gainKnob, slotButtons })
+    for (const auto& area : { gainKnob, juce::Rectangle (0, 0, 58, 24) }) // and the slots' buttons
         EXPECT_GT (test::difference (fromState.getClippedImage (area), otherSlot.getClippedImage (area)), 0.05);
 
     const auto program = draw ({ "screenshot", "--state", "saved.state", "--program", "Drum Buss 1", "program.png" });
-    EXPECT_GT (test::difference (fromState, program), 0.01) << "a program behind a state counts";
-}
-
-TEST_F (WindowTool, AllPicturesComeOnOneSheet)
-{
-    const auto sheet = draw ({ "pictures", "sheet.png" });
-    EXPECT_GT (sheet.getWidth(), 2700);
-    EXPECT_GT (sheet.getHeight(), 2030);
+    EXPECT_GT (test::difference (fromState, program), 0.01) << "a program after a state counts";
 }
 
 } // namespace tarvik

@@ -19,10 +19,10 @@ constexpr std::array blockSizes { 32, 1, 64, 256, 441, 4096 }; ///< The first is
 constexpr std::array gaps { 1024, 1024, 1024,  1024, 1024, 1024, 1024, 1024, 1024, 1024, 1024, 1024, 3333,
                             4800, 5300, 12000, 7001, 9600, 2000, 1,    4799, 5280, 9601, 4000, 14000 };
 
-/** Where on its travel the parameter goes, in turn. */
+/** Where on its travel the parameter goes, one after the other. */
 constexpr std::array places { 0.0f, 1.0f, 0.3f, 0.7f, 0.45f, 0.1f, 0.9f, 0.5f };
 
-Signal render (int parameter, int blockSize, Settings settings, int numChannels, int factor)
+Signal render (int parameter, int blockSize, const Settings& settings, int numChannels, int factor)
 {
     MovedStrip strip (settings, numChannels, factor);
     Signal output;
@@ -54,10 +54,11 @@ double largestDifference (const Signal& a, const Signal& b)
 
 bool printBlockTable (std::FILE* table)
 {
-    std::fprintf (table,
-                  "Largest difference from blocks of %d, dB of peak; every parameter moved in turn; the worst of mono\n"
-                  "and stereo, factors 1, 2 and 4, from the defaults and with everything at work.\n\n%-18s",
-                  blockSizes[0], "");
+    std::fprintf (
+        table,
+        "Largest difference from blocks of %d, dB of peak; every parameter moved on its own; the worst of mono\n"
+        "and stereo, factors 1, 2 and 4, from the defaults and with everything at work.\n\n%-18s",
+        blockSizes[0], "");
 
     for (std::size_t b = 1; b < blockSizes.size(); ++b)
         std::fprintf (table, "%8d", blockSizes[b]);
@@ -69,7 +70,7 @@ bool printBlockTable (std::FILE* table)
     {
         std::array<double, blockSizes.size()> worst {};
 
-        for (const auto settings : { Settings::defaults, Settings::everythingAtWork })
+        for (const auto& settings : { defaults, everythingAtWork })
             for (const auto numChannels : { 1, 2 })
                 for (const auto factor : { 1, 2, 4 })
                 {

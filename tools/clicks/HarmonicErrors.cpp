@@ -17,7 +17,7 @@ namespace
 /** Harmonics below this part of full scale are left out: 32 bits round there. */
 constexpr double quietest = 1e-5;
 
-/** Of all harmonics of all rows of the table, the largest deviation, as a part of the harmonic wanted. */
+/** Of all harmonics of all rows of the table, the largest deviation, as a part of the harmonic in the table. */
 double largestDeviation (int factor, int hz)
 {
     const auto second = static_cast<int> (rateHz) * factor; // samples; whole periods of every tone

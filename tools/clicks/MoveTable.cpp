@@ -32,11 +32,11 @@ struct Loudness
     double loudestDb = 0.0;
 };
 
-/** The parameter moves over its travel as a line, or to its ends in turn, `times` as slowly. */
+/** The parameter moves over its travel as a line, or from end to end, `times` as slowly. */
 Loudness measure (int parameter, bool isSwitched, int times)
 {
     const auto isExpanders = std::string_view (parameterRow (parameter).id).starts_with ("exp");
-    MovedStrip strip (isExpanders ? Settings::closedGate : Settings::everythingAtWork, 1, 1);
+    MovedStrip strip (isExpanders ? closedGate : everythingAtWork, 1, 1);
     SteepHighPass highPass (edgeHz / rateHz);
     Signal piece;
     strip.set (parameter, 0.0f);

@@ -5,54 +5,52 @@
 
 #include <cmath>
 #include <numbers>
-#include <span>
-#include <utility>
 
 namespace tarvik::clicks
 {
 
 namespace
 {
-constexpr double toneHz = 100.0, sidechainHz = 170.0, usualLevel = 0.25, closedGateLevel = 0.0032;
-
-using PlainValue = std::pair<const char*, float>;
-
-/** Plain values that give every parameter something to do. */
-constexpr PlainValue atWork[] = { { "thd", 6.0f },       { "gain", 6.0f },       { "unity", 1.0f },
-                                  { "highGain", 8.0f },  { "midGain", 0.7f },    { "lowFreq", 2.0f },
-                                  { "lowGain", 0.6f },   { "highPass", 1.0f },   { "compHPF", 120.0f },
-                                  { "compLimit", 1.0f }, { "compNiveau", 1.0f }, { "compThreshold", -9.0f },
-                                  { "compRatio", 3.0f }, { "compMix", 0.8f },    { "compExtSideChain", 1 },
-                                  { "expMode", 2.0f },   { "expHold", 1.0f },    { "expThreshold", -10.0f },
-                                  { "phase", 1.0f },     { "TolChannel", 20.0f } };
-
-constexpr PlainValue closedGate[] = { { "expMode", 2.0f } };
-
-std::span<const PlainValue> valuesOf (Settings settings)
-{
-    if (settings == Settings::everythingAtWork)
-        return atWork;
-
-    return settings == Settings::closedGate ? std::span (closedGate) : std::span<const PlainValue>();
+constexpr double toneHz = 100.0, sidechainHz = 170.0;
 }
-} // namespace
 
-MovedStrip::MovedStrip (Settings settings, int numChannels, int oversamplingFactor)
-    : strip (std::make_unique<Tarvik41Processor>()), numMain (numChannels),
-      level (settings == Settings::closedGate ? closedGateLevel : usualLevel)
+const Settings defaults;
+
+const Settings everythingAtWork { {
+    { parameterNamed ("thd"), 6.0f },
+    { parameterNamed ("gain"), 6.0f },
+    { parameterNamed ("unity"), 1.0f },
+    { parameterNamed ("highGain"), 8.0f },
+    { parameterNamed ("midGain"), 0.7f },
+    { parameterNamed ("lowFreq"), 2.0f },
+    { parameterNamed ("lowGain"), 0.6f },
+    { parameterNamed ("highPass"), 1.0f },
+    { parameterNamed ("compHPF"), 120.0f },
+    { parameterNamed ("compLimit"), 1.0f },
+    { parameterNamed ("compNiveau"), 1.0f },
+    { parameterNamed ("compThreshold"), -9.0f },
+    { parameterNamed ("compRatio"), 3.0f },
+    { parameterNamed ("compMix"), 0.8f },
+    { parameterNamed ("compExtSideChain"), 1.0f },
+    { parameterNamed ("expMode"), 2.0f },
+    { parameterNamed ("expHold"), 1.0f },
+    { parameterNamed ("expThreshold"), -10.0f },
+    { parameterNamed ("phase"), 1.0f },
+    { parameterNamed ("TolChannel"), 20.0f },
+} };
+
+const Settings closedGate { { { parameterNamed ("expMode"), 2.0f } }, 0.0032 };
+
+MovedStrip::MovedStrip (const Settings& settings, int numChannels, int oversamplingFactor)
+    : strip (std::make_unique<Tarvik41Processor>()), numMain (numChannels), level (settings.level)
 {
     const auto width = juce::AudioChannelSet::canonicalChannelSet (numChannels);
     strip->setBusesLayout ({ { width, width }, { width } });
     strip->analogSetting().setValue (false);
     strip->oversamplingSetting().setValue (oversamplingFactor);
 
-    for (const auto& [id, plain] : valuesOf (settings))
-        for (int index = 0; index < numParameters; ++index)
-            if (juce::String (id) == parameterRow (index).id)
-            {
-                auto* const p = dynamic_cast<juce::RangedAudioParameter*> (strip->getParameters()[index]);
-                set (index, p->convertTo0to1 (plain));
-            }
+    for (const auto& [index, plain] : settings.values)
+        set (index, createParameter (index)->convertTo0to1 (plain));
 
     strip->prepareToPlay (rateHz, KVLProcessor::sliceSize);
 }

@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace tarvik::clicks
@@ -16,13 +17,16 @@ using Signal = std::vector<float>;
 
 inline constexpr double rateHz = 48000.0;
 
-/** From which settings a parameter is moved: most of the strip does nothing at its defaults. */
-enum class Settings
+/** From what a parameter is moved: plain values, and the level of the tone, 1 for full scale. */
+struct Settings
 {
-    defaults,
-    everythingAtWork,
-    closedGate ///< and a tone of -50 dBFS
+    std::vector<std::pair<int, float>> values; ///< Parameters by index.
+    double level = 0.25;
 };
+
+extern const Settings defaults;
+extern const Settings everythingAtWork; ///< Most of the strip does nothing at its defaults.
+extern const Settings closedGate;       ///< And a tone of -50 dBFS.
 
 /** One strip without noise that hears a tone of 100 Hz at -12 dBFS, and on its side chain one of 170 Hz. Its parameters
     are set as a host does that automates them: on the thread that processes, at the start of a block.
@@ -30,7 +34,7 @@ enum class Settings
 class MovedStrip
 {
 public:
-    MovedStrip (Settings settings, int numChannels, int oversamplingFactor);
+    MovedStrip (const Settings& settings, int numChannels, int oversamplingFactor);
 
     /** Parameter `index` goes to a place from 0 to 1 on its travel. */
     void set (int index, float place);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dsp/InstructionSets.h"
+#include "tools/ScratchSettings.h"
 #include "tools/clicks/MovedStrip.h"
 
 #include <juce_events/juce_events.h>
@@ -23,10 +24,7 @@ int main (int argc, char** argv)
     constexpr std::array tables { Table { "blocks", printBlockTable }, Table { "moves", printMoveTable },
                                   Table { "tails", printTailTable }, Table { "harmonics", printHarmonicErrors } };
 
-    // An empty folder, so that the settings of the user at the keyboard do not change the figures.
-    const auto scratch = juce::File::createTempFile ("tarvik-clicks");
-    scratch.createDirectory();
-    setenv ("XDG_CONFIG_HOME", scratch.getFullPathName().toRawUTF8(), 1);
+    const tarvik::ScratchSettings settings;
     setenv ("DISPLAY", ":65000", 1); // no screen is joined
 
     const juce::ScopedJuceInitialiser_GUI juceRuntime;
@@ -53,6 +51,5 @@ int main (int argc, char** argv)
                     "Exit status: 0, 1 if \"blocks\" or \"moves\" finds more than it should, or 2 after a mistake.\n");
 
     std::fclose (output);
-    scratch.deleteRecursively();
     return status;
 }

@@ -32,22 +32,18 @@ void replace (juce::String& turtle, const juce::String& old, const juce::String&
 /** The LV2 unit of a parameter whose number is shown as it is; empty without. */
 juce::String unitOf (const ParameterRow& row)
 {
-    if (juce::String (row.label()).isEmpty())
-        return {};
+    const juce::String unit (row.label());
 
-    if (juce::String (row.label()) == "dB")
-        return "units:db";
+    if (! juce::StringArray { "", "dB", "s" }.contains (unit))
+        throw ToolError ("no LV2 unit for " + unit);
 
-    if (juce::String (row.label()) == "s")
-        return "units:s";
-
-    throw ToolError (juce::String ("no LV2 unit for ") + row.label());
+    return unit.isEmpty() ? unit : "units:" + unit.toLowerCase();
 }
 
 /** The type of value that hosts send. Choices and whole numbers stay floats, which the strip rounds: some hosts cut a
     position on its way to an int, and so miss by one.
 */
-juce::String valueType (const ParameterRow& row)
+const char* valueType (const ParameterRow& row)
 {
     return row.kind == ParameterFieldKind::Bool ? "atom:Bool" : "atom:Float";
 }
@@ -62,7 +58,7 @@ juce::String parameterRecord (int index)
     lines.add ("\ta lv2:Parameter ;");
     lines.add (juce::String ("\tlv2:symbol \"") + row.id + "\" ;");
     lines.add (juce::String ("\trdfs:label \"") + row.name + "\" ;");
-    lines.add ("\trdfs:range " + valueType (row) + " ;");
+    lines.add (juce::String ("\trdfs:range ") + valueType (row) + " ;");
     lines.add ("\tlv2:default " + juce::String (parameter->convertFrom0to1 (parameter->getDefaultValue())) + " ;");
     lines.add ("\tlv2:minimum " + juce::String (row.range.start) + " ;");
     lines.add ("\tlv2:maximum " + juce::String (row.range.end) + " ;");
@@ -83,7 +79,7 @@ juce::String parameterRecord (int index)
     return lines.joinIntoString ("\n") + "\n\t.\n\n";
 }
 
-/** Replaces each parameter's record, from its name to the blank line behind it. */
+/** Replaces each parameter's record, from its name to the blank line after it. */
 void replaceParameters (juce::String& turtle)
 {
     for (int i = 0; i < numParameters; ++i)
@@ -115,7 +111,7 @@ void completePlugin (juce::String& turtle)
              "\ta lv2:Plugin , lv2:DynamicsPlugin , doap:Project ;\n\tdoap:license "
              "<http://usefulinc.com/doap/licenses/gpl> ;\n");
 
-    // An empty address would name the file itself, and one of a mailbox wants its scheme.
+    // An empty address would name the file itself, and that of a mailbox needs its scheme.
     const juce::String page (JucePlugin_ManufacturerWebsite), mail (JucePlugin_ManufacturerEmail);
     replace (turtle, "\t\tfoaf:homepage <" + page + "> ;\n",
              page.isEmpty() ? juce::String() : "\t\tfoaf:homepage <" + page + "> ;\n");
@@ -130,7 +126,7 @@ void nameProperties (juce::String& turtle)
               "plug:StateString a rdf:Property ; rdfs:label \"State\" .\n";
 }
 
-/** A feature is no extension data, and an interface is no feature. */
+/** A feature is not extension data, and an interface is not a feature. */
 void mendUserInterface (juce::String& turtle)
 {
     replace (turtle, "\t\topts:interface ,\n\t\tui:noUserResize ,\n", "\t\topts:interface ,\n");

@@ -28,51 +28,53 @@ class Words(argparse.ArgumentParser):
         raise Failure(message)
 
 
-# The modules are loaded where they are needed, since the library that draws takes a second.
+# The modules that draw are loaded where they are needed, since matplotlib takes a second.
 
 
-def plot(host: Host, kind: str = "", folder: str = "", *more: str):
-    if not kind:
-        raise Failure(f"the kind of plot is missing: {', '.join(KINDS)}, all or errors")
-    if kind not in (*KINDS, "all", "errors"):
-        raise Failure(f"there is no plot '{kind}', only {', '.join(KINDS)}, all and errors")
-    if more or (kind == "errors" and folder):
-        raise Failure(f"there is one word too many: '{(more or [folder])[0]}'")
-    if kind == "errors":
-        importlib.import_module("errors").print_table(host)
-        return
-    if not folder:
-        raise Failure(f"a folder for the pictures is missing after '{kind}'")
-    try:
-        Path(folder).mkdir(parents=True, exist_ok=True)
-    except OSError as error:
-        raise Failure(f"cannot make the folder '{folder}': {error.strerror}") from error
-
-    style, measure = importlib.import_module("style"), importlib.import_module("measure")
+def draw_charts(host: Host, kind: str, folder: Path):
+    import measure
+    import style
 
     def draw(module: str):
         measure.summary.file = io.StringIO()
         return importlib.import_module(module).plot(host), measure.summary.file
 
+    try:
+        folder.mkdir(parents=True, exist_ok=True)
+    except OSError as error:
+        raise Failure(f"cannot make the folder '{folder}': {error.strerror}") from error
     with ThreadPoolExecutor(2) as pool:
         for figures, summary in pool.map(draw, KINDS.values() if kind == "all" else [KINDS[kind]]):
             print(summary.getvalue(), end="")
             for name, figure in figures.items():
-                style.write(figure, Path(folder, f"{name}.svg"), name)
+                style.write(figure, folder / f"{name}.svg", name)
                 print(f"{name}.svg", flush=True)
 
 
-def compare(host: Host, *files: str):
-    if len(files) != 3:
-        excess = "".join(f", and not '{word}'" for word in files[3:])
-        raise Failure(f"two recordings and a file for the picture are needed{excess}")
-    first, second, target = files
+def compare(host: Host, first: str, second: str, target: Path):
     for path, what in ((first, "first"), (second, "second")):
-        if os.path.exists(target) and os.path.exists(path) and os.path.samefile(path, target):
+        if target.exists() and os.path.exists(path) and target.samefile(path):
             raise Failure(f"cannot write '{target}': it is the {what} recording")
-    if os.path.exists(target) and not os.path.isfile(target):
+    if target.exists() and not target.is_file():
         raise Failure(f"cannot write '{target}': it is not an ordinary file")
-    importlib.import_module("comparison").compare(host, first, second, Path(target))
+    import comparison
+    comparison.compare(host, first, second, target)
+
+
+def perform(host: Host, task: str, words: list[str]):
+    match task, words:
+        case "plot", ["errors"]:
+            import errors
+            errors.print_table(host)
+        case "plot", [kind, folder] if kind in (*KINDS, "all"):
+            draw_charts(host, kind, Path(folder))
+        case "plot", _:
+            raise Failure(f"a plot needs a kind ({', '.join(KINDS)} or all) and a folder, or the word errors alone, not "
+                          f"'{' '.join(words)}'")
+        case "compare", [first, second, target]:
+            compare(host, first, second, Path(target))
+        case _:
+            raise Failure(f"two recordings and a file for the picture are needed, not '{' '.join(words)}'")
 
 
 def main():
@@ -86,9 +88,8 @@ def main():
         line = words.parse_intermixed_args()
         if line.help or not line.task:
             print(__doc__.strip())
-            return
-        host = Host(line.tool, line.module)
-        plot(host, *line.words) if line.task == "plot" else compare(host, *line.words)
+        else:
+            perform(Host(line.tool, line.module), line.task, line.words)
     except Failure as problem:
         print(f"tarvik41-plots: {problem}", file=sys.stderr)
         sys.exit(2)

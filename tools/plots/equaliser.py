@@ -26,7 +26,7 @@ def high(bench: Response, positions):
             panel.plot(bench.hz, db, color=colour)
         panel.label_outer()
     legend_below(figure, 0, "Switch / dB", [sample(gain.removesuffix(" dB"), color=colour)
-                                 for gain, colour in zip(gains, colours)])
+                                            for gain, colour in zip(gains, colours)])
     return figure
 
 

@@ -45,7 +45,22 @@ def failure(printed: str) -> Failure:
     return Failure(lines[-1].removeprefix("tarvik41-render: "))
 
 
-class Strip:
+class Pipe:
+    """The offline host at work on a command, with pipes on both ends."""
+
+    def __init__(self, command: list[str], **options):
+        self.process = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                                        **options)
+
+    def samples(self, count: int) -> np.ndarray:
+        """The next samples from the host."""
+        data = self.process.stdout.read(SAMPLE.itemsize * count)
+        if len(data) < SAMPLE.itemsize * count:
+            raise failure(self.process.stderr.read().decode())
+        return np.frombuffer(data, SAMPLE).astype(float)
+
+
+class Strip(Pipe):
     """One mono instance of the module, to be used in a with statement: noise off, everything else as compiled whatever
     the user has saved, at a host rate in Hz and an oversampling factor."""
 
@@ -56,8 +71,7 @@ class Strip:
         settings.parent.mkdir()
         settings.write_text(f'<PROPERTIES><VALUE name="Analog" val="0"/><VALUE name="Oversampling" val="{factor}"/>'
                             "</PROPERTIES>")
-        self.process = subprocess.Popen([*host.command, "stream"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                                        stderr=subprocess.PIPE, env={**os.environ, "XDG_CONFIG_HOME": self.folder.name})
+        super().__init__([*host.command, "stream"], env={**os.environ, "XDG_CONFIG_HOME": self.folder.name})
 
     def __enter__(self):
         return self
@@ -68,7 +82,7 @@ class Strip:
         self.folder.cleanup()
 
     def run(self, signal: np.ndarray, *settings: str) -> np.ndarray:
-        """What a strip at rest makes of the signal, in time with it. Settings are as the host's --set takes them;
+        """What a reset strip makes of the signal, in time with it. Settings are as the host's --set takes them;
         equaliser and dynamics are out unless they are switched on."""
         header = [f"{self.rate}", f"{len(signal)}", "equalizer=off", "compIn=off", *settings]
         try:
@@ -76,18 +90,14 @@ class Strip:
             self.process.stdin.flush()
         except BrokenPipeError:
             pass  # the reason follows
-        output = self.process.stdout.read(SAMPLE.itemsize * len(signal))
-        if len(output) < SAMPLE.itemsize * len(signal):
-            raise failure(self.process.stderr.read().decode())
-        return np.frombuffer(output, SAMPLE).astype(float)
+        return self.samples(len(signal))
 
 
-class Recording:
+class Recording(Pipe):
     """An audio file, decoded by the host as it is read; rate in Hz, length in samples."""
 
     def __init__(self, host: Host, path: str):
-        self.process = subprocess.Popen([*host.command, "decode", "--", path], stdout=subprocess.PIPE,
-                                        stderr=subprocess.PIPE)
+        super().__init__([*host.command, "decode", "--", path])
         self.name = Path(path).name
         header = self.process.stdout.readline().split()
         if not header:
@@ -99,11 +109,6 @@ class Recording:
 
     def read(self, count: int) -> np.ndarray:
         """The next samples, one row for each channel, with silence after the end."""
-        expected = min(count, self.left) * self.channels
-        frames = np.frombuffer(self.process.stdout.read(SAMPLE.itemsize * expected), SAMPLE)
-        if len(frames) < expected:
-            raise failure(self.process.stderr.read().decode())
-        self.left -= expected // self.channels
-        samples = np.zeros((self.channels, count))
-        samples[:, :expected // self.channels] = frames.reshape(-1, self.channels).T
-        return samples
+        expected = min(count, self.left)
+        self.left -= expected
+        return np.pad(self.samples(expected * self.channels).reshape(-1, self.channels).T, ((0, 0), (0, count - expected)))

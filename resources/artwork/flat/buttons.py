@@ -89,7 +89,7 @@ def menu(state):
 
 
 def slot(letter, state):
-    """The slot's letter on a small tile. The pressed picture is also that of the slot in force, amber throughout."""
+    """The slot's letter on a small tile. The pressed picture is also that of the current slot, amber throughout."""
     ink = Ink(72, 72)
     if state == "pressed":
         ink.fill_rounded(9, 9, 54, 54, 10, AMBER)

@@ -6,7 +6,7 @@ from palette import HEAD_SIZE, IVORY, NAME_SIZE, SECONDARY, UNIT_SIZE
 
 HEAD_ROW = 58
 
-# Head, left end, row, and where the hairline behind it ends. One without a hairline is smaller: buttons follow it.
+# Head, left end, row, and where the hairline after it ends. One without a hairline is smaller: buttons follow it.
 HEADS = [
     ("INPUT", 40, 1048, 484),
     ("EQUALISER", 544, HEAD_ROW, 1044),
@@ -30,7 +30,8 @@ HIGHER_NAMES = {"compRatio": 138, "compHPF": 144}  # a free lower half; the row 
 BANDS = [("HIGH", "highGain"), ("MID", "midGain"), ("LOW", "lowGain")]
 BAND_LEFT = 544
 
-SWITCH_NAMES = {"highPass": "HIGH PASS", "expMode": "MODE", "highFreq": "FREQ", "compAttack": "ATTACK", "expAttack": "ATTACK"}
+SWITCH_NAMES = {"highPass": "HIGH PASS", "expMode": "MODE",
+                "highFreq": "FREQ", "compAttack": "ATTACK", "expAttack": "ATTACK"}
 SWITCH_NAME_DROP = 88
 SWITCH_NAME_SHIFT = {"highPass": 18}  # to the right, away from the button's name beside it
 
@@ -47,7 +48,7 @@ PRODUCT = "TARVIK 41 CHANNEL"
 
 
 def named(ink, x, y, name, unit="", align="centre"):
-    """A control's name, its unit smaller and fainter behind it, together centred or flush left on x."""
+    """A control's name, its unit smaller and fainter after it, together centred or flush left on x."""
     gap = 10 if unit else 0
     width = ink.width(name, NAME_SIZE, 0.03) + gap + (ink.width(unit, UNIT_SIZE) if unit else 0)
     left = x - width / 2.0 if align == "centre" else x
@@ -69,7 +70,8 @@ def knobs(ink):
         if knob["parameter"] in KNOB_NAMES:
             x, y = layout.centre(knob)
             drop = HIGHER_NAMES.get(knob["parameter"], KNOB_NAME_DROP[knob["w"]])
-            named(ink, x + KNOB_NAME_SHIFT.get(knob["parameter"], 0), y + drop, KNOB_NAMES[knob["parameter"]], scales.unit_of(knob))
+            named(ink, x + KNOB_NAME_SHIFT.get(knob["parameter"], 0), y +
+                  drop, KNOB_NAMES[knob["parameter"]], scales.unit_of(knob))
 
 
 def bands(ink):

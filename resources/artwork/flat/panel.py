@@ -115,7 +115,8 @@ def fittings(picture):
     for meter in layout.of("meter"):
         for x in (meter["x"] - 2, meter["x"] + meter["w"] + 2):
             y = meter["y"] + meter["h"] + 38
-            paste(picture, "screw", x - METER_SCREW_SIZE / 2, y - METER_SCREW_SIZE / 2, METER_SCREW_SIZE, METER_SCREW_SIZE)
+            paste(picture, "screw", x - METER_SCREW_SIZE / 2, y -
+                  METER_SCREW_SIZE / 2, METER_SCREW_SIZE, METER_SCREW_SIZE)
 
 
 @functools.cache

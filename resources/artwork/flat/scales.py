@@ -59,7 +59,7 @@ def in_thousands(control):
 
 
 def unit_of(control):
-    """What stands behind the control's name: the one unit of its scale."""
+    """What stands after the control's name: the one unit of its scale."""
     if control["parameter"] in BARE_UNITS:
         return BARE_UNITS[control["parameter"]]
     if in_thousands(control):

@@ -31,7 +31,8 @@ def screw(samples):
 
     lathe("head", head, steel, 192, hexagon, 30)
     lathe("bottom", [(0.10, -0.22), (0.001, -0.22)], black, 48)
-    lathe("washer", [(0.275, 0.0), (0.275, 0.012), (0.262, 0.018), (0.235, 0.018)], m.solid("washer", "#1a1c1e", roughness=0.5), 128)
+    lathe("washer", [(0.275, 0.0), (0.275, 0.012), (0.262, 0.018), (0.235, 0.018)],
+          m.solid("washer", "#1a1c1e", roughness=0.5), 128)
     shadow = fade_to_border(studio.expose_shadow(samples, strength=0.8, soften=0.8), 8)
     return develop(over_shadow(studio.expose(samples), shadow))
 

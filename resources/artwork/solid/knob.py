@@ -48,7 +48,8 @@ def build(shape, aluminium):
     graphite = m.with_line(m.solid("graphite", m.GRAPHITE, roughness=0.36, specular=0.5), **line)
     satin = m.with_line(m.solid("satin", m.STEEL, roughness=0.26, metallic=1.0, anisotropic=0.5), **line)
     if aluminium:
-        face = m.turned(m.solid("spun aluminium", m.ALUMINIUM, roughness=0.30, metallic=1.0, anisotropic=0.88), 0.03, 0.10)
+        face = m.turned(m.solid("spun aluminium", m.ALUMINIUM, roughness=0.30,
+                        metallic=1.0, anisotropic=0.88), 0.03, 0.10)
     else:
         face = m.solid("petrol", m.PETROL, roughness=0.34, specular=0.5, clearcoat=0.5)
     face = m.with_line(face, **line)
@@ -57,7 +58,8 @@ def build(shape, aluminium):
     skirt_top = 0.17
     skirt = [(s.skirt - 0.05, 0.02), (s.skirt, 0.05), (s.skirt, skirt_top - 0.055)]
     skirt += arc_profile(s.skirt - 0.045, skirt_top - 0.05, 0.045, 0, 80)
-    skirt += [(s.skirt - 0.10, skirt_top + 0.004), (s.grip_base + 0.02, skirt_top + 0.07), (s.grip_base - 0.1, skirt_top + 0.08)]
+    skirt += [(s.skirt - 0.10, skirt_top + 0.004), (s.grip_base + 0.02,
+                                                    skirt_top + 0.07), (s.grip_base - 0.1, skirt_top + 0.08)]
 
     grip = [(s.grip_base + 0.018, skirt_top + 0.05)]
     grip += arc_profile(s.grip_base + 0.02, skirt_top + 0.10, 0.04, 260, 190)

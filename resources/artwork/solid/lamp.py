@@ -84,5 +84,6 @@ if __name__ == "__main__":
     drawings |= {f"led-{c}": (lambda samples, c=c: lit(LED, c, samples or 512)) for c in ("red", "green")}
     drawings |= {f"lamp-socket-{c}": (lambda samples, c=c: socket(LAMP, 51, TINTS[c], samples or 512))
                  for c in ("red", "green", "amber")}
-    drawings |= {f"led-socket-{c}": (lambda samples, c=c: socket(LED, 120, TINTS[c], samples or 512)) for c in ("red", "green")}
+    drawings |= {f"led-socket-{c}": (lambda samples, c=c: socket(LED, 120,
+                                     TINTS[c], samples or 512)) for c in ("red", "green")}
     run(drawings)

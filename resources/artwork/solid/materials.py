@@ -107,7 +107,7 @@ def with_line(material, colour, half_width, start, end, glow, paint=0.55, across
     aside = math_node("ABSOLUTE", split.outputs[across])
     along = split.outputs["Y" if across == "X" else "X"]
     mask = math_node("MULTIPLY", step(aside, half_width, False), math_node("MULTIPLY", step(along, start, True),
-                                                                         step(along, end, False)))
+                                                                           step(along, end, False)))
     mix = nodes.new("ShaderNodeMixRGB")
     mix.inputs["Color1"].default_value = surface.inputs["Base Color"].default_value
     mix.inputs["Color2"].default_value = tuple(paint * c for c in linear(colour)[:3]) + (1.0,)

@@ -64,7 +64,8 @@ def rounded_edge(half_width, half_height, corner, z, bevel, steps=6):
     for i in range(steps + 1):
         t = 0.5 * math.pi * i / steps
         inset = bevel * (1 - math.cos(t))
-        outlines.append((half_width - inset, half_height - inset, max(corner - inset, 0.005), z - bevel * (1 - math.sin(t))))
+        outlines.append((half_width - inset, half_height - inset,
+                        max(corner - inset, 0.005), z - bevel * (1 - math.sin(t))))
     return outlines
 
 

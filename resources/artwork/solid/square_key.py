@@ -45,7 +45,8 @@ def draw(kind, on, samples):
     outer = [(HALF + 0.085, HALF + 0.085, 0.13, 0.0)] + rounded_edge(HALF + 0.085, HALF + 0.085, 0.13, 0.07, 0.04)
     outer += [(HALF + 0.008, HALF + 0.008, 0.085, 0.065), (HALF + 0.006, HALF + 0.006, 0.08, 0.0)]
     loft("frame", outer, frame)
-    key = [(HALF, HALF, 0.08, -0.05), (HALF, HALF, 0.08, RISE - 0.13)] + rounded_edge(HALF - 0.03, HALF - 0.03, 0.09, RISE, 0.045)
+    key = [(HALF, HALF, 0.08, -0.05), (HALF, HALF, 0.08, RISE - 0.13)] + \
+        rounded_edge(HALF - 0.03, HALF - 0.03, 0.09, RISE, 0.045)
     loft("key", key, face, dish=lambda x, y: -0.035 * (1 - min(1.0, (x * x + y * y) / 0.20)))
     legend(kind, ink)
 

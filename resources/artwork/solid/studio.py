@@ -142,7 +142,8 @@ def blur(picture, sigma):
     kernel = np.exp(-0.5 * (np.arange(-radius, radius + 1) / sigma) ** 2)
     kernel /= kernel.sum()
     for axis in (0, 1):
-        picture = np.apply_along_axis(lambda line: np.convolve(line, kernel, mode="full")[radius:-radius], axis, picture)
+        picture = np.apply_along_axis(lambda line: np.convolve(
+            line, kernel, mode="full")[radius:-radius], axis, picture)
     return picture
 
 
@@ -153,7 +154,8 @@ def run(drawings):
     """
     arguments = sys.argv[sys.argv.index("--") + 1:] if "--" in sys.argv else []
     parser = argparse.ArgumentParser(prog="artwork")
-    parser.add_argument("--samples", type=int, default=None, help="light paths per pixel; each drawing has its own default")
+    parser.add_argument("--samples", type=int, default=None,
+                        help="light paths per pixel; each drawing has its own default")
     parser.add_argument("names", nargs="+", metavar="NAME=FILE")
     options = parser.parse_args(arguments)
 
@@ -169,7 +171,8 @@ def _area_light(name, azimuth, elevation, distance, size, watts, colour):
     data.size, data.energy, data.color = size, watts, colour
     light = bpy.data.objects.new(name, data)
     a, e = math.radians(azimuth), math.radians(elevation)
-    light.location = (distance * math.sin(a) * math.cos(e), distance * math.cos(a) * math.cos(e), distance * math.sin(e))
+    light.location = (distance * math.sin(a) * math.cos(e), distance *
+                      math.cos(a) * math.cos(e), distance * math.sin(e))
     light.rotation_euler = (-light.location).to_track_quat("-Z", "Y").to_euler()
     bpy.context.scene.collection.objects.link(light)
     return light

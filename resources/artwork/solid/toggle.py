@@ -31,7 +31,8 @@ def plate(number, samples):
     loft("plate", outlines, dark)
     for y in MARK_ROWS[number]:
         for side in (-1, 1):
-            mark = loft("mark", [(0.070, 0.026, 0.012, PLATE_TOP - 0.01), (0.070, 0.026, 0.012, PLATE_TOP + 0.002)], ivory)
+            mark = loft("mark", [(0.070, 0.026, 0.012, PLATE_TOP - 0.01),
+                        (0.070, 0.026, 0.012, PLATE_TOP + 0.002)], ivory)
             mark.location.x, mark.location.y = side * MARK_X, y
     shadow = fade_to_border(studio.expose_shadow(samples, strength=0.7, soften=1.2), 20)
     return develop(over_shadow(studio.expose(samples), shadow))
@@ -47,8 +48,10 @@ def lever(position, samples):
     nut = [(0.285, PLATE_TOP - 0.01), (0.285, PLATE_TOP + 0.085)]
     nut += arc_profile(0.26, PLATE_TOP + 0.085, 0.025, 0, 90, 6) + [(0.20, PLATE_TOP + 0.11), (0.185, PLATE_TOP + 0.10)]
     lathe("nut", nut, brushed, 144, lambda r, z, a: r - (0.010 * (0.5 - 0.5 * math.cos(36 * a)) if r > 0.27 else 0.0))
-    thread = [(0.187, PLATE_TOP + 0.05), (0.187, PLATE_TOP + 0.19)] + arc_profile(0.167, PLATE_TOP + 0.19, 0.02, 0, 90, 4)
-    thread += [(0.135, PLATE_TOP + 0.205), (0.115, PLATE_TOP + 0.17), (0.11, PLATE_TOP + 0.02), (0.001, PLATE_TOP + 0.02)]
+    thread = [(0.187, PLATE_TOP + 0.05), (0.187, PLATE_TOP + 0.19)] + \
+        arc_profile(0.167, PLATE_TOP + 0.19, 0.02, 0, 90, 4)
+    thread += [(0.135, PLATE_TOP + 0.205), (0.115, PLATE_TOP + 0.17),
+               (0.11, PLATE_TOP + 0.02), (0.001, PLATE_TOP + 0.02)]
     lathe("bushing", thread, steel, 96)
     lathe("hole", [(0.112, PLATE_TOP + 0.10), (0.001, PLATE_TOP + 0.10)], black, 48)
 
