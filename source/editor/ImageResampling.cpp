@@ -33,9 +33,6 @@ Taps interpolationTaps (double centre, int length)
     const auto first = std::min (static_cast<int> (place), std::max (0, length - 2));
     const auto share = static_cast<float> (place - first);
 
-    if (length == 1)
-        return { 0, { 1.0f } };
-
     return { first, { 1.0f - share, share } };
 }
 
@@ -123,9 +120,6 @@ juce::Image resampled (const juce::Image& source, int width, int height, int num
 
     switch (from.pixelStride)
     {
-        case 1:
-            resample<1> (from, to, numFrames);
-            break;
         case 3:
             resample<3> (from, to, numFrames);
             break;

@@ -8,6 +8,7 @@ namespace tarvik
 
 KVLSlider::KVLSlider (SliderStyle style, int width, int height) : juce::Slider (style, NoTextBox)
 {
+    setName ("new slider");
     setRange (0.0, 1.0);
     addListener (this);
     setSize (width, height);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "editor/ConsoleLayout.h"
 #include "plugin/KVLProcessor.h"
 
 #include <juce_gui_basics/juce_gui_basics.h>
@@ -19,12 +20,10 @@ class KVLUI : public juce::Component
 public:
     explicit KVLUI (KVLProcessor& processorToShow) : processor (processorToShow) {}
 
-    static constexpr int noParameter = -1;
-
-    /** The host's index of what a control stands for, or `noParameter`. */
+    /** The host's index of what a control stands for, or `consoleLayout::noParameter`. */
     int parameterOf (const juce::Component& control) const;
 
-    /** The controls that stand for a parameter, in no order; empty for most that have none. */
+    /** The controls that stand for a parameter, in the order of their registration. */
     std::vector<juce::Component*> controlsOf (int index) const;
 
     /** Frames a parameter's control in the host's colour; does nothing for a parameter without a control. */
@@ -44,6 +43,8 @@ protected:
     std::map<const juce::Component*, int> controlToParameter;
 
 private:
+    juce::Rectangle<int> boundsOf (int index) const;
+
     struct Highlight
     {
         juce::Rectangle<int> bounds;
