@@ -4,7 +4,6 @@
 #include "editor/ConsoleLayout.h"
 #include "editor/ControlGeometry.h"
 #include "plugin/ParameterTable.h"
-#include "tools/ToolError.h"
 
 namespace tarvik
 {
@@ -13,42 +12,21 @@ namespace
 {
 using namespace consoleLayout;
 
-/** The texts of a scale's marks, one word each, for the parameters that are not a choice. */
-struct ScaleMarks
+juce::StringArray marksOf (const ParameterRow& row)
 {
-    int parameter;
-    const char* texts;
-};
-
-constexpr ScaleMarks scaleMarks[] = {
-    { parameter ("thd"), "-30 -20 -10 0 10 20 30" },
-    { parameter ("gain"), "-12 -6 0 6 12 18 24 30 36 42 48" },
-    { parameter ("midGain"), "0 3 6 9 12 15" },
-    { parameter ("lowGain"), "0 3 6 9 12 15" },
-    { parameter ("compMix"), "0 10 20 30 40 50 60 70 80 90 100" },
-    { parameter ("compHPF"), "Off 30 40 60 90 120 160 200 250 300 400" },
-    { parameter ("compThreshold"), "-20 -16 -12 -8 -4 0" },
-    { parameter ("compInput"), "0 1 2 3 4 5" },
-    { parameter ("compOutput"), "0 1 2 3 4 5" },
-    { parameter ("expThreshold"), "-40 -30 -20 -10 0 10" },
-    { parameter ("expRange"), "-20 -16 -12 -8 -4 0" },
-    { parameter ("expRelease"), "0.025 0.05 0.1 0.2 0.4 0.8 1.6" },
-    { parameter ("level"), "-80 -60 -50 -40 -30 -20 -15 -10 -5 0 5 10" },
-};
-
-juce::StringArray marksOf (int index)
-{
-    const auto& row = parameterTable()[static_cast<std::size_t> (index)];
-
     if (! row.choices.empty())
         return { row.choices.data(), static_cast<int> (row.choices.size()) };
 
-    for (const auto& marks : scaleMarks)
-        if (marks.parameter == index)
-            return juce::StringArray::fromTokens (marks.texts, false);
-
-    throw ToolError ("no scale is known for " + juce::String (row.id));
+    return juce::StringArray::fromTokens (row.scale, false);
 }
+
+static_assert (std::ranges::all_of (knobs,
+                                    [] (const auto& knob)
+                                    {
+                                        const auto& row = parameterRow (knob.parameter);
+                                        return ! row.choices.empty() || *row.scale != '\0';
+                                    }),
+               "a knob without a scale");
 
 using Object = juce::DynamicObject::Ptr;
 
@@ -75,7 +53,7 @@ public:
     Object add (const char* kind, const Box& box, int index)
     {
         const auto control = add (kind, box);
-        const auto& row = parameterTable()[static_cast<std::size_t> (index)];
+        const auto& row = parameterRow (index);
         control->setProperty ("parameter", row.id);
         control->setProperty ("title", row.name);
         return control;
@@ -108,7 +86,7 @@ void addScale (const Object& control, int index, const char* placeName, PlaceOf&
     const auto parameter = createParameter (index);
     juce::Array<juce::var> marks;
 
-    for (const auto& text : marksOf (index))
+    for (const auto& text : marksOf (parameterRow (index)))
     {
         const auto value = parameter->getValueForText (text);
         const Object mark = new juce::DynamicObject();
@@ -127,7 +105,7 @@ void addSliders (Listing& listing)
     {
         const auto control = listing.add ("knob", row.box, row.parameter);
         control->setProperty ("style", row.style);
-        control->setProperty ("unit", row.unit);
+        control->setProperty ("unit", parameterRow (row.parameter).unitAfterText());
         control->setProperty ("startDegrees", row.startDegrees);
         control->setProperty ("endDegrees", row.endDegrees);
         const RotaryArc arc { row.startDegrees, row.endDegrees };
@@ -135,13 +113,13 @@ void addSliders (Listing& listing)
     }
 
     const auto trimPot = listing.add ("trim", trim.box, trim.parameter);
-    trimPot->setProperty ("unit", trim.unit);
+    trimPot->setProperty ("unit", parameterRow (trim.parameter).unitAfterText());
     addScale (trimPot, trim.parameter, "degrees",
               [] (float value) { return rounded (juce::radiansToDegrees (static_cast<double> (trimAngle (value)))); });
 
     const auto level = listing.add ("fader", levelFader.box, levelFader.parameter);
     const auto place = levelFader.box.on (designWidth, designHeight);
-    level->setProperty ("unit", levelFader.unit);
+    level->setProperty ("unit", parameterRow (levelFader.parameter).unitAfterText());
     level->setProperty ("capHeight", fader::capHeight (place.getHeight()));
     addScale (level, levelFader.parameter, "y",
               [&] (float value)

@@ -29,12 +29,12 @@ void printParameters (const ModuleHost& host)
 
     for (int index = 0; index < numParameters; ++index)
     {
-        const auto& row = parameterTable()[static_cast<std::size_t> (index)];
+        const auto& row = parameterRow (index);
 
         // Nothing has been set, so the present value is the default.
         std::cout << column (row.id, idWidth) << column (row.name, nameWidth)
-                  << column (withUnit (index, host.parameterText (index)), defaultWidth)
-                  << column (unitOf (index), unitWidth) << describeValues (index) << '\n';
+                  << column (withUnit (index, host.parameterText (index)), defaultWidth) << column (row.unit, unitWidth)
+                  << describeValues (index) << '\n';
     }
 }
 

@@ -229,7 +229,7 @@ void ModuleHost::passOnChanges()
 
 juce::AudioProcessorParameter& ModuleHost::parameterAt (int index) const
 {
-    const auto* const id = parameterTable()[static_cast<std::size_t> (index)].id;
+    const auto* const id = parameterRow (index).id;
 
     for (auto* const parameter : instance->getParameters())
         if (const auto* const hosted = dynamic_cast<juce::HostedAudioProcessorParameter*> (parameter))

@@ -13,19 +13,6 @@ namespace tarvik
 
 namespace
 {
-const ParameterRow& rowAt (int index) { return parameterTable()[static_cast<std::size_t> (index)]; }
-
-juce::String unitOf (const ParameterRow& row)
-{
-    if (row.textRule == &textRules::midGain || row.textRule == &textRules::lowGain)
-        return "dB";
-
-    if (row.textRule == &textRules::percent)
-        return "%";
-
-    return row.textRule == &textRules::highPassHz ? "Hz" : row.label;
-}
-
 /** The number that a text consists of; nothing else may stand beside it. */
 std::optional<double> asNumber (const juce::String& text)
 {
@@ -55,20 +42,20 @@ juce::String shownText (const ParameterRow& row, float plain)
     if (row.textRule != nullptr)
         return row.textRule->toText (plain);
 
-    return decimalText (plain, decimalsOfStep (row.step));
+    return decimalText (plain, decimalsOfStep (row.range.step));
 }
 
 /** One end of the range as the user counts, which is not always as the parameter does. */
 double shownNumber (const ParameterRow& row, float plain)
 {
-    return asNumber (withoutUnit (shownText (row, plain), unitOf (row))).value_or (static_cast<double> (plain));
+    return asNumber (withoutUnit (shownText (row, plain), row.unit)).value_or (static_cast<double> (plain));
 }
 
 juce::String rangeText (const ParameterRow& row)
 {
-    const auto unit = unitOf (row);
-    return withoutUnit (shownText (row, row.start), unit).trim() + " to "
-           + withoutUnit (shownText (row, row.end), unit).trim() + (unit.isEmpty() ? "" : " " + unit);
+    const juce::String unit (row.unit);
+    return withoutUnit (shownText (row, row.range.start), unit).trim() + " to "
+           + withoutUnit (shownText (row, row.range.end), unit).trim() + (unit.isEmpty() ? "" : " " + unit);
 }
 
 juce::String choicesText (const ParameterRow& row)
@@ -116,20 +103,20 @@ float choiceValue (const ParameterRow& row, const juce::String& text)
 float numberValue (const ParameterRow& row, const juce::String& text)
 {
     // A word for an end of the range, as a switched-off filter has.
-    for (const auto plain : { row.start, row.end })
+    for (const auto plain : { row.range.start, row.range.end })
         if (text.equalsIgnoreCase (shownText (row, plain)))
             return plain;
 
-    const auto number = asNumber (withoutUnit (text, unitOf (row)));
+    const auto number = asNumber (withoutUnit (text, row.unit));
 
-    if (! number || *number < shownNumber (row, row.start) || *number > shownNumber (row, row.end))
+    if (! number || *number < shownNumber (row, row.range.start) || *number > shownNumber (row, row.range.end))
         refuse (row, text);
 
     if (row.kind == ParameterFieldKind::Int && std::trunc (*number) != *number)
         refuse (row, text);
 
     if (row.textRule != nullptr)
-        return juce::jlimit (row.start, row.end, row.textRule->fromText (juce::String (*number)));
+        return juce::jlimit (row.range.start, row.range.end, row.textRule->fromText (juce::String (*number)));
 
     return static_cast<float> (*number);
 }
@@ -166,7 +153,7 @@ ParameterSetting parseParameterSetting (const juce::String& argument)
 
     for (int index = 0; index < numParameters; ++index)
     {
-        const auto& row = rowAt (index);
+        const auto& row = parameterRow (index);
 
         if (id == row.id && argument[sign] == '@')
             return { index, travel (argument, text) };
@@ -194,13 +181,11 @@ int programNamed (const juce::StringArray& names, const juce::String& nameOrNumb
     throw ToolError ("there is no program '" + nameOrNumber + "' (see --list)");
 }
 
-juce::String describeValues (int index) { return valuesText (rowAt (index)); }
-
-juce::String unitOf (int index) { return unitOf (rowAt (index)); }
+juce::String describeValues (int index) { return valuesText (parameterRow (index)); }
 
 juce::String withUnit (int index, const juce::String& shown)
 {
-    return asNumber (shown) ? (shown + " " + unitOf (index)).trim() : shown;
+    return asNumber (shown) ? (shown + " " + parameterRow (index).unit).trim() : shown;
 }
 
 } // namespace tarvik

@@ -29,9 +29,6 @@ int programNamed (const juce::StringArray& names, const juce::String& nameOrNumb
 /** What a parameter of the table can be set to, in words: its choices, or its range with the unit. */
 juce::String describeValues (int index);
 
-/** The unit that a parameter's text carries or may carry; empty if it has none. */
-juce::String unitOf (int index);
-
 /** The text that a parameter shows for a value, with the unit added where the text is a bare number. */
 juce::String withUnit (int index, const juce::String& shownText);
 

@@ -31,7 +31,7 @@ void RenderSettings::apply (ModuleHost& host, std::ostream& report) const
     {
         host.setParameter (setting.index, setting.normalised);
         reportLine (report, "set",
-                    juce::String (parameterTable()[static_cast<std::size_t> (setting.index)].id) + " = "
+                    juce::String (parameterRow (setting.index).id) + " = "
                         + withUnit (setting.index, host.parameterText (setting.index)));
     }
 }

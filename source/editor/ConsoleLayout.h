@@ -20,17 +20,8 @@ namespace consoleLayout
 inline constexpr int designWidth = rowOf (Picture::panel).width, designHeight = rowOf (Picture::panel).height;
 inline constexpr int width = designWidth / picturePixelsPerPixel, height = (designHeight + 1) / picturePixelsPerPixel;
 
-inline constexpr int noParameter = -1;
-
 /** The host's index of a parameter. A name that no parameter has does not compile. */
-consteval int parameter (std::string_view id)
-{
-    for (std::size_t i = 0; i < parameterRows.size(); ++i)
-        if (id == parameterRows[i].id)
-            return static_cast<int> (i);
-
-    throw "no such parameter";
-}
+consteval int parameter (std::string_view id) { return parameterNamed (id); }
 
 /** Tab goes through the controls in the order of their parameters, which is the signal's, with room between two for those
     without one. JUCE's own order would be that of the pixel rows.
@@ -47,7 +38,6 @@ struct KnobRow
     Box box;
     float startDegrees, endDegrees; ///< Where values 0 and 1 point, clockwise from straight up.
     float step;                     ///< On the travel of 0 to 1; 0 is continuous.
-    const char* unit;               ///< Behind the value in its popup.
     int style;                      ///< 0 standard, 1 large.
 };
 
@@ -57,7 +47,6 @@ struct SliderRow
     int parameter;
     Box box;
     const char* name;
-    const char* unit;
 };
 
 struct SwitchRow
@@ -155,28 +144,28 @@ inline constexpr std::array<PushRow, 12> pushButtons
 
 inline constexpr Words meterMode { "Meter mode", "What the VU meter shows: the input while pressed, otherwise the output", focusOrderOf (parameter ("pad")) + 1 };
 
-inline constexpr SliderRow levelFader { parameter ("level"), { 0.8437f, 0.1552f, 0.1111f, 0.8404f }, "sldLevel", "dB" };
+inline constexpr SliderRow levelFader { parameter ("level"), { 0.8437f, 0.1552f, 0.1111f, 0.8404f }, "sldLevel" };
 inline constexpr ButtonRow mute       { parameter ("mute"),  { 0.82f,   0.0369f, 0.0611f, 0.0813f } };
 inline constexpr ButtonRow phase      { parameter ("phase"), { 0.92f,   0.0369f, 0.0611f, 0.0813f } };
 
 inline constexpr std::array<KnobRow, 16> knobs
 { {
-    { parameter ("gain"),          { 0.0444f, 0.6685f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        "dB", 1 },
-    { parameter ("highGain"),      { 0.2889f, 0.0606f, 0.1111f, 0.1478f }, 210, 510, 0.1f,        "",   0 },
-    { parameter ("midGain"),       { 0.2889f, 0.2749f, 0.1111f, 0.1478f }, 120, 410, 0.0f,        "dB", 0 },
-    { parameter ("midFreq"),       { 0.2041f, 0.3892f, 0.1111f, 0.1478f }, 240, 450, 1.0f / 7.0f, "",   0 },
-    { parameter ("lowGain"),       { 0.2889f, 0.5443f, 0.1111f, 0.1478f }, 120, 410, 0.0f,        "dB", 0 },
-    { parameter ("lowFreq"),       { 0.2022f, 0.6685f, 0.1111f, 0.1478f }, 393, 523, 1.0f / 9.0f, "",   0 },
-    { parameter ("compHPF"),       { 0.41f,   0.0754f, 0.0889f, 0.1182f }, 210, 510, 0.0f,        "",   0 },
-    { parameter ("compMix"),       { 0.5f,    0.0739f, 0.0889f, 0.1182f }, 210, 510, 0.0f,        "",   0 },
-    { parameter ("compRatio"),     { 0.4889f, 0.3015f, 0.1111f, 0.1478f }, 285, 435, 0.2f,        "",   0 },
-    { parameter ("compRelease"),   { 0.4f,    0.4177f, 0.1111f, 0.1478f }, 240, 480, 0.125f,      "",   0 },
-    { parameter ("compThreshold"), { 0.4889f, 0.5443f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        "dB", 0 },
-    { parameter ("compInput"),     { 0.4f,    0.6685f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        "",   1 },
-    { parameter ("expRange"),      { 0.6889f, 0.3015f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        "dB", 0 },
-    { parameter ("expRelease"),    { 0.6f,    0.4177f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        "s",  0 },
-    { parameter ("expThreshold"),  { 0.6889f, 0.5443f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        "dB", 0 },
-    { parameter ("compOutput"),    { 0.6f,    0.6685f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        "",   1 },
+    { parameter ("gain"),          { 0.0444f, 0.6685f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        1 },
+    { parameter ("highGain"),      { 0.2889f, 0.0606f, 0.1111f, 0.1478f }, 210, 510, 0.1f,        0 },
+    { parameter ("midGain"),       { 0.2889f, 0.2749f, 0.1111f, 0.1478f }, 120, 410, 0.0f,        0 },
+    { parameter ("midFreq"),       { 0.2041f, 0.3892f, 0.1111f, 0.1478f }, 240, 450, 1.0f / 7.0f, 0 },
+    { parameter ("lowGain"),       { 0.2889f, 0.5443f, 0.1111f, 0.1478f }, 120, 410, 0.0f,        0 },
+    { parameter ("lowFreq"),       { 0.2022f, 0.6685f, 0.1111f, 0.1478f }, 393, 523, 1.0f / 9.0f, 0 },
+    { parameter ("compHPF"),       { 0.41f,   0.0754f, 0.0889f, 0.1182f }, 210, 510, 0.0f,        0 },
+    { parameter ("compMix"),       { 0.5f,    0.0739f, 0.0889f, 0.1182f }, 210, 510, 0.0f,        0 },
+    { parameter ("compRatio"),     { 0.4889f, 0.3015f, 0.1111f, 0.1478f }, 285, 435, 0.2f,        0 },
+    { parameter ("compRelease"),   { 0.4f,    0.4177f, 0.1111f, 0.1478f }, 240, 480, 0.125f,      0 },
+    { parameter ("compThreshold"), { 0.4889f, 0.5443f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        0 },
+    { parameter ("compInput"),     { 0.4f,    0.6685f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        1 },
+    { parameter ("expRange"),      { 0.6889f, 0.3015f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        0 },
+    { parameter ("expRelease"),    { 0.6f,    0.4177f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        0 },
+    { parameter ("expThreshold"),  { 0.6889f, 0.5443f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        0 },
+    { parameter ("compOutput"),    { 0.6f,    0.6685f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        1 },
 } };
 
 inline constexpr std::array<SwitchRow, 5> switches
@@ -190,7 +179,7 @@ inline constexpr std::array<SwitchRow, 5> switches
 
 inline constexpr PictureButtonRow compressorLed { { 0.5222f, 0.2335f, 0.0444f, 0.0591f }, Picture::none, Picture::none, Picture::ledRed };
 inline constexpr PictureButtonRow expanderLed   { { 0.7222f, 0.2335f, 0.0444f, 0.0591f }, Picture::none, Picture::none, Picture::ledGreen };
-inline constexpr SliderRow trim                 { parameter ("thd"), { 0.09f,   0.5906f, 0.02f,   0.0266f }, "sldTHD", "dB" };
+inline constexpr SliderRow trim                 { parameter ("thd"), { 0.09f,   0.5906f, 0.02f,   0.0266f }, "sldTHD" };
 inline constexpr MeterRow vuMeter               { { 0.0311f, 0.0399f, 0.1378f, 0.0931f }, "VU", "Level of the input or of the output, by the meter mode button" };
 inline constexpr MeterRow gainReductionMeter    { { 0.0311f, 0.2719f, 0.1378f, 0.0931f }, "Gain reduction", "By how much the compressor turns down" };
 inline constexpr LabelRow debug                 { { 0.8178f, 0.0f,    0.1667f, 0.0355f }, "DEBUG", 12.0f, palette::debugPrint };

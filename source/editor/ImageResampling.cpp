@@ -118,17 +118,12 @@ juce::Image resampled (const juce::Image& source, int width, int height, int num
     const juce::Image::BitmapData from (source, juce::Image::BitmapData::readOnly);
     juce::Image::BitmapData to (target, juce::Image::BitmapData::writeOnly);
 
-    switch (from.pixelStride)
-    {
-        case 3:
-            resample<3> (from, to, numFrames);
-            break;
-        case 4:
-            resample<4> (from, to, numFrames);
-            break;
-        default:
-            return {};
-    }
+    if (from.pixelStride == 3)
+        resample<3> (from, to, numFrames);
+    else if (from.pixelStride == 4)
+        resample<4> (from, to, numFrames);
+    else
+        return {};
 
     return target;
 }

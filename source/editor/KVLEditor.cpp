@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/KVLEditor.h"
 
-#include "editor/ControlHelp.h"
 #include "editor/EditorSize.h"
 #include "editor/Palette.h"
 #include "editor/SettingsMenu.h"
@@ -13,20 +12,9 @@ namespace
 {
 constexpr int statePeriodMs = 80, meterPeriodMs = 50, zoomDelayMs = 100;
 constexpr double potStep = 0.0005;
-constexpr int potSize = editorSize::stripHeight;
+constexpr int stripHeight = editorSize::stripHeight;
 
-/** Where the strip's controls are, whatever the zoom. The two copy buttons share a place: one of them is visible. */
-namespace stripBounds
-{
-using Bounds = juce::Rectangle<int>;
-const Bounds slotA { 0, 0, 24, 24 };
-const Bounds copy { 24, 0, 10, 24 };
-const Bounds slotB { 34, 0, 24, 24 };
-const Bounds inputLabel { 90, 0, 24, 24 };
-const Bounds inputPot { 114, 0, potSize, potSize };
-const Bounds outputLabel { 154, 0, 32, 24 };
-const Bounds outputPot { 186, 0, potSize, potSize };
-} // namespace stripBounds
+using Bounds = juce::Rectangle<int>; // of the top strip's controls, whatever the zoom
 
 juce::AudioProcessorParameter& parameterAt (Tarvik41Processor& processor, int index)
 {
@@ -34,9 +22,10 @@ juce::AudioProcessorParameter& parameterAt (Tarvik41Processor& processor, int in
 }
 } // namespace
 
-KVLEditor::LevelPot::LevelPot (juce::AudioProcessorParameter& parameterToShow, const char* text,
-                               juce::Rectangle<int> labelBounds, juce::Rectangle<int> potBounds)
-    : parameter (parameterToShow), label ("new label", text), pot (juce::Slider::RotaryVerticalDrag, potSize, potSize)
+KVLEditor::LevelPot::LevelPot (juce::AudioProcessorParameter& parameterToShow, const char* text, Bounds labelBounds,
+                               Bounds potBounds)
+    : parameter (parameterToShow), label ("new label", text),
+      pot (juce::Slider::RotaryVerticalDrag, stripHeight, stripHeight)
 {
     constexpr int textBoxWidth = 50;
     constexpr double middle = 0.5;
@@ -54,10 +43,10 @@ KVLEditor::LevelPot::LevelPot (juce::AudioProcessorParameter& parameterToShow, c
     pot.setColour (juce::Slider::textBoxBackgroundColourId, juce::Colours::black);
     pot.setDoubleClickReturnValue (true, middle, juce::ModifierKeys::altModifier);
     pot.setTitle (parameter.getName (100));
-    pot.setTooltip (helpFor (parameterID (parameter)));
+    pot.setTooltip (parameterRow (parameter.getParameterIndex()).help);
     pot.setDescription (pot.getTooltip());
     pot.setWantsKeyboardFocus (true);
-    OrvaneConsoleUI::attachSlider (parameter, pot, "dB");
+    OrvaneConsoleUI::attachSlider (parameter, pot);
 }
 
 KVLEditor::KVLEditor (Tarvik41Processor& processorToShow)
@@ -67,22 +56,23 @@ KVLEditor::KVLEditor (Tarvik41Processor& processorToShow)
       copyToB (Picture::copyToBNormal, Picture::copyToBOver, Picture::copyToBPressed),
       slotB (Picture::slotBNormal, Picture::slotBOver, Picture::slotBPressed),
       copyToA (Picture::copyToANormal, Picture::copyToAOver, Picture::copyToAPressed), levelPots {
-          LevelPot (parameterAt (processor, consoleLayout::parameter ("inLevel")), "IN", stripBounds::inputLabel,
-                    stripBounds::inputPot),
-          LevelPot (parameterAt (processor, consoleLayout::parameter ("outLevel")), "OUT", stripBounds::outputLabel,
-                    stripBounds::outputPot)
+          LevelPot (parameterAt (processor, parameterNamed ("inLevel")), "IN", Bounds (90, 0, 24, stripHeight),
+                    Bounds (114, 0, stripHeight, stripHeight)),
+          LevelPot (parameterAt (processor, parameterNamed ("outLevel")), "OUT", Bounds (154, 0, 32, stripHeight),
+                    Bounds (186, 0, stripHeight, stripHeight))
       }
 {
     setOpaque (true);
     setLookAndFeel (&look);
     addAndMakeVisible (console); // first, so that everything else is above it
 
-    const std::tuple<PictureButton&, const char*, const char*, juce::Rectangle<int>> buttons[] {
+    // The two copy buttons share a place: one of them is visible.
+    const std::tuple<PictureButton&, const char*, const char*, Bounds> buttons[] {
         { menuButton, "Menu", "Settings of this instance and of all", {} }, // at the right end, which `resized` knows
-        { slotA, "Slot A", "Uses the first of two sets of settings", stripBounds::slotA },
-        { copyToB, "Copy to B", "Copies the current settings to slot B", stripBounds::copy },
-        { slotB, "Slot B", "Uses the second of two sets of settings", stripBounds::slotB },
-        { copyToA, "Copy to A", "Copies the current settings to slot A", stripBounds::copy },
+        { slotA, "Slot A", "Uses the first of two sets of settings", { 0, 0, 24, stripHeight } },
+        { copyToB, "Copy to B", "Copies the current settings to slot B", { 24, 0, 10, stripHeight } },
+        { slotB, "Slot B", "Uses the second of two sets of settings", { 34, 0, 24, stripHeight } },
+        { copyToA, "Copy to A", "Copies the current settings to slot A", { 24, 0, 10, stripHeight } },
     };
 
     for (const auto& [button, title, description, bounds] : buttons)
@@ -238,7 +228,7 @@ void KVLEditor::LevelPot::sendChange()
 //==============================================================================
 void KVLEditor::paint (juce::Graphics& g)
 {
-    using namespace editorSize;
+    using editorSize::shadowHeight;
     g.fillAll (juce::Colours::black);
     topShadow.draw (g, { 0, stripHeight, getWidth(), shadowHeight });
     bottomShadow.draw (g, { 0, getHeight() - stripHeight - shadowHeight, getWidth(), shadowHeight });
@@ -246,11 +236,10 @@ void KVLEditor::paint (juce::Graphics& g)
 
 void KVLEditor::resized()
 {
-    using namespace editorSize;
     constexpr float presetShare = 0.2f;
     const auto width = static_cast<float> (getWidth());
 
-    console.setBounds (0, stripHeight + shadowHeight, getWidth(), getHeight() - frameHeight);
+    console.setBounds (0, editorSize::frameHeight / 2, getWidth(), getHeight() - editorSize::frameHeight);
     menuButton.setBounds (getWidth() - stripHeight, 0, stripHeight, stripHeight);
     bottomBar.setBounds (0, getHeight() - stripHeight, getWidth(), stripHeight);
     presetBox.setBounds (juce::roundToInt ((1.0f - presetShare) * width), 0,

@@ -7,7 +7,7 @@ namespace tarvik
 int KVLUI::parameterOf (const juce::Component& control) const
 {
     const auto found = controlToParameter.find (&control);
-    return found != controlToParameter.end() ? found->second : consoleLayout::noParameter;
+    return found != controlToParameter.end() ? found->second : noParameter;
 }
 
 std::vector<juce::Component*> KVLUI::controlsOf (int index) const

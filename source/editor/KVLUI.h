@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "editor/ConsoleLayout.h"
 #include "plugin/KVLProcessor.h"
+#include "plugin/ParameterRows.h"
 
 #include <juce_gui_basics/juce_gui_basics.h>
 
@@ -20,7 +20,7 @@ class KVLUI : public juce::Component
 public:
     explicit KVLUI (KVLProcessor& processorToShow) : processor (processorToShow) {}
 
-    /** The host's index of what a control stands for, or `consoleLayout::noParameter`. */
+    /** The host's index of what a control stands for, or `noParameter`. */
     int parameterOf (const juce::Component& control) const;
 
     /** The controls that stand for a parameter, in the order of their registration. */

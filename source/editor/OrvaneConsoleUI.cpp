@@ -2,7 +2,6 @@
 #include "editor/OrvaneConsoleUI.h"
 
 #include "editor/ControlGeometry.h"
-#include "editor/ControlHelp.h"
 #include "editor/SetInGesture.h"
 
 namespace tarvik
@@ -48,7 +47,7 @@ OrvaneConsoleUI::OrvaneConsoleUI (Tarvik41Processor& processorToShow)
         if (auto& lamp = pushButtons.emplace_back (row).lamp; row.lamp != Picture::none)
             place (lamp, row.lampBox);
 
-    placeSlider (fader, layout::levelFader.box, layout::levelFader.parameter, layout::levelFader.unit);
+    placeSlider (fader, layout::levelFader.box, layout::levelFader.parameter);
     fader.setName (layout::levelFader.name);
     placeButton (mute, layout::mute.box, layout::mute.parameter);
     placeButton (phase, layout::phase.box, layout::phase.parameter);
@@ -56,7 +55,7 @@ OrvaneConsoleUI::OrvaneConsoleUI (Tarvik41Processor& processorToShow)
     place (compressorLed, layout::compressorLed.box);
     place (expanderLed, layout::expanderLed.box);
     expanderLed.setToggleState (true, juce::dontSendNotification);
-    placeSlider (trim, layout::trim.box, layout::trim.parameter, layout::trim.unit);
+    placeSlider (trim, layout::trim.box, layout::trim.parameter);
     trim.setName (layout::trim.name);
     placeMeter (vuMeter, layout::vuMeter);
     placeMeter (gainReductionMeter, layout::gainReductionMeter);
@@ -77,11 +76,11 @@ void OrvaneConsoleUI::place (juce::Component& control, const Box& box)
     addAndMakeVisible (control);
 }
 
-void OrvaneConsoleUI::placeSlider (juce::Slider& slider, const Box& box, int parameter, const char* unit)
+void OrvaneConsoleUI::placeSlider (juce::Slider& slider, const Box& box, int parameter)
 {
     place (slider, box);
     connect (parameter, slider);
-    attachSlider (parameterAt (parameter), slider, unit);
+    attachSlider (parameterAt (parameter), slider);
     slider.addListener (this);
     slider.setWantsKeyboardFocus (true);
 }
@@ -91,7 +90,7 @@ void OrvaneConsoleUI::placeButton (juce::Button& button, const Box& box, int par
     place (button, box);
     button.addListener (this);
 
-    if (parameter != layout::noParameter)
+    if (parameter != noParameter)
         connect (parameter, button);
     else
         dynamic_cast<PictureButton&> (button).setWords (layout::meterMode);
@@ -125,7 +124,7 @@ void OrvaneConsoleUI::placeKnobsAndSwitches()
         knobs[i].setFilmstripRange (juce::degreesToRadians (row.startDegrees), juce::degreesToRadians (row.endDegrees));
         knobs[i].setRange (0.0, 1.0, static_cast<double> (row.step));
         knobs[i].setKnobStyle (row.style);
-        placeSlider (knobs[i], row.box, row.parameter, row.unit);
+        placeSlider (knobs[i], row.box, row.parameter);
     }
 
     constexpr double leverStep = 0.5;
@@ -135,7 +134,7 @@ void OrvaneConsoleUI::placeKnobsAndSwitches()
         const auto& row = layout::switches[i];
         switches[i].setRange (0.0, 1.0, leverStep);
         switches[i].setPositions (row.plate);
-        placeSlider (switches[i], row.box, row.parameter, "");
+        placeSlider (switches[i], row.box, row.parameter);
     }
 }
 
@@ -144,7 +143,7 @@ void OrvaneConsoleUI::connect (int index, juce::Component& control)
 {
     registerControl (index, control);
     const auto& parameter = parameterAt (index);
-    const auto help = helpFor (parameter.paramID);
+    const auto* const help = parameterRow (index).help;
     control.setTitle (parameter.getName (100));
     control.setDescription (help);
     control.setExplicitFocusOrder (layout::focusOrderOf (index));
@@ -153,9 +152,9 @@ void OrvaneConsoleUI::connect (int index, juce::Component& control)
         tooltip.setTooltip (help);
 }
 
-void OrvaneConsoleUI::attachSlider (juce::AudioProcessorParameter& parameter, juce::Slider& slider,
-                                    const juce::String& unit)
+void OrvaneConsoleUI::attachSlider (juce::AudioProcessorParameter& parameter, juce::Slider& slider)
 {
+    const juce::String unit (parameterRow (parameter.getParameterIndex()).unitAfterText());
     constexpr int longestText = 5, hoverMilliseconds = 2000;
     slider.setPopupDisplayEnabled (true, false, slider.getTopLevelComponent(), hoverMilliseconds);
     slider.textFromValueFunction = [&parameter, unit] (double value)
@@ -221,7 +220,7 @@ void OrvaneConsoleUI::toggleParameter (int index)
 
 void OrvaneConsoleUI::buttonClicked (juce::Button* button)
 {
-    if (const auto index = parameterOf (*button); index != layout::noParameter)
+    if (const auto index = parameterOf (*button); index != noParameter)
         toggleParameter (index);
     else
         meterMode.setValue (1 - meterMode.getValue()); // the one button without a parameter
@@ -272,7 +271,7 @@ void OrvaneConsoleUI::updateState (const ParameterSnapshot& snapshot)
 
     for (auto& push : pushButtons)
     {
-        if (parameterOf (push.cap) == layout::noParameter)
+        if (parameterOf (push.cap) == noParameter)
             push.cap.setToggleState (meterMode.getValue() == meterShowsInput, juce::dontSendNotification);
 
         push.lamp.setToggleState (push.cap.getToggleState(), juce::dontSendNotification);

@@ -34,8 +34,8 @@ public:
     /** Makes every control show its parameter; tells neither the host nor the processor. */
     void updateState (const ParameterSnapshot& snapshot);
 
-    /** Gives a slider the value popup in a parameter's own words, with a unit after them. */
-    static void attachSlider (juce::AudioProcessorParameter& parameter, juce::Slider& slider, const juce::String& unit);
+    /** Gives a slider the value popup in its parameter's own words and unit. */
+    static void attachSlider (juce::AudioProcessorParameter& parameter, juce::Slider& slider);
 
     void paint (juce::Graphics& g) override;
     void resized() override;
@@ -50,7 +50,7 @@ private:
 
     // Construction.
     void place (juce::Component& control, const Box& box);
-    void placeSlider (juce::Slider& slider, const Box& box, int parameter, const char* unit);
+    void placeSlider (juce::Slider& slider, const Box& box, int parameter);
     void placeButton (juce::Button& button, const Box& box, int parameter);
     void placeMeter (OrvaneMeter& meter, const consoleLayout::MeterRow& row);
     void placeTrackPlate();

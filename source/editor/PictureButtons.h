@@ -42,9 +42,6 @@ public:
 
     void paintButton (juce::Graphics& g, bool isHighlighted, bool isHeld) override;
 
-    /** Nothing inside has bounds. */
-    void resized() override {}
-
 private:
     ScaledPicture off, on;
 
@@ -71,9 +68,6 @@ public:
     LinkButton();
 
     void paintButton (juce::Graphics& g, bool isHighlighted, bool isHeld) override;
-
-    /** Nothing inside has bounds. */
-    void resized() override {}
 
 private:
     std::array<ScaledPicture, 6> pictures;

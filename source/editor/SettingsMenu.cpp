@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/SettingsMenu.h"
 
-#include "editor/ConsoleLayout.h"
 #include "editor/SetInGesture.h"
+#include "plugin/ParameterRows.h"
 
 #include <algorithm>
 #include <cmath>
@@ -182,8 +182,8 @@ void applyToSetting (const SubMenu& menu, int place, juce::ModifierKeys modifier
 }
 
 /** The two switches that have no control on the panel. */
-constexpr int compressorKeyParameter = consoleLayout::parameter ("compExtSideChain");
-constexpr int expanderKeyParameter = consoleLayout::parameter ("expExtSideChain");
+constexpr int compressorKeyParameter = parameterNamed ("compExtSideChain");
+constexpr int expanderKeyParameter = parameterNamed ("expExtSideChain");
 } // namespace
 
 Captured capture (const Tarvik41Processor& processor)

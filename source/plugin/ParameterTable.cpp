@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/ParameterTable.h"
 
-#include "plugin/ParameterRows.h"
 #include "plugin/SwitchParameter.h"
 
 #include <cmath>
@@ -16,10 +15,7 @@ using Snapshot = ParameterSnapshot;
 
 const ParameterRow* rowAt (int index) noexcept
 {
-    if (juce::isPositiveAndBelow (index, numParameters))
-        return &parameterRows[static_cast<std::size_t> (index)];
-
-    return index == parameterIndex::gainReduction ? &gainReductionRow : nullptr;
+    return index >= 0 && index <= parameterIndex::gainReduction ? &parameterRow (index) : nullptr;
 }
 
 //==============================================================================
@@ -61,12 +57,12 @@ juce::NormalisableRange<float> mappedRange (const ParameterRow& row, MappingFunc
 {
     // Rounding at the ends of the travel must not leave the range.
     juce::NormalisableRange<float> range (
-        row.start, row.end,
+        row.range.start, row.range.end,
         [fromTravel] (float start, float end, float x)
         { return juce::jlimit (start, end, fromTravel (start, end, x)); },
         [toTravel] (float start, float end, float value)
         { return juce::jlimit (0.0f, 1.0f, toTravel (start, end, value)); });
-    range.interval = row.step;
+    range.interval = row.range.step;
     return range;
 }
 
@@ -76,7 +72,7 @@ juce::NormalisableRange<float> rangeOf (const ParameterRow& row)
     {
         case Travel::Skewed:
         {
-            juce::NormalisableRange<float> range (row.start, row.end, row.step);
+            juce::NormalisableRange<float> range (row.range.start, row.range.end, row.range.step);
             range.setSkewForCentre (row.centre);
             return range;
         }
@@ -88,16 +84,16 @@ juce::NormalisableRange<float> rangeOf (const ParameterRow& row)
             break;
     }
 
-    return { row.start, row.end, row.step };
+    return { row.range.start, row.range.end, row.range.step };
 }
 
 juce::AudioParameterFloatAttributes floatAttributes (const ParameterRow& row)
 {
-    const auto attributes = juce::AudioParameterFloatAttributes().withLabel (row.label);
+    const auto attributes = juce::AudioParameterFloatAttributes().withLabel (row.label());
 
     if (row.textRule == nullptr)
         return attributes.withStringFromValueFunction (
-            [decimals = decimalsOfStep (row.step)] (float value, int length)
+            [decimals = decimalsOfStep (row.range.step)] (float value, int length)
             {
                 const auto text = decimalText (value, decimals);
                 return length > 0 ? text.substring (0, length) : text;
@@ -117,8 +113,6 @@ const Snapshot& defaultSnapshot()
 } // namespace
 
 //==============================================================================
-const std::array<ParameterRow, numParameters>& parameterTable() { return parameterRows; }
-
 float ParameterFieldRef::get() const noexcept
 {
     return std::visit (
@@ -169,7 +163,7 @@ float plainValueOf (const ParameterSnapshot& snapshot, int index) noexcept
 
 std::unique_ptr<juce::RangedAudioParameter> createParameter (int index)
 {
-    const auto& row = parameterRows[static_cast<std::size_t> (index)];
+    const auto& row = parameterRow (index);
     const juce::ParameterID id { row.id, 1 };
     const auto plainDefault = plainValueOf (defaultSnapshot(), index);
 
@@ -179,8 +173,8 @@ std::unique_ptr<juce::RangedAudioParameter> createParameter (int index)
             return std::make_unique<SwitchParameter> (id, row.name, plainDefault >= 0.5f);
 
         case Kind::Int:
-            return std::make_unique<juce::AudioParameterInt> (id, row.name, juce::roundToInt (row.start),
-                                                              juce::roundToInt (row.end),
+            return std::make_unique<juce::AudioParameterInt> (id, row.name, juce::roundToInt (row.range.start),
+                                                              juce::roundToInt (row.range.end),
                                                               juce::roundToInt (plainDefault));
 
         case Kind::Choice:
@@ -201,7 +195,7 @@ std::unique_ptr<juce::RangedAudioParameter> createParameter (int index)
 
 std::unique_ptr<juce::RangedAudioParameter> createGainReductionParameter()
 {
-    const auto& row = gainReductionRow;
+    const auto& row = parameterRow (parameterIndex::gainReduction);
     return std::make_unique<juce::AudioParameterFloat> (
         juce::ParameterID { row.id, 1 }, row.name, rangeOf (row), 0.0f,
         juce::AudioParameterFloatAttributes().withCategory (

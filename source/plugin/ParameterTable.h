@@ -1,71 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "plugin/ParameterText.h"
-#include "strip/ParameterSnapshot.h"
+#include "plugin/ParameterRows.h"
 
 #include <juce_audio_processors/juce_audio_processors.h>
 
-#include <array>
 #include <memory>
-#include <span>
-#include <variant>
 
 namespace tarvik
 {
-
-/** How a snapshot field is stored and written. A choice is stored as an int, its index in the list. */
-enum class ParameterFieldKind
-{
-    Bool = 0,
-    Int = 1,
-    Choice = 2,
-    Float = 3,
-    None = 4
-};
-
-/** How a float parameter's travel maps to its value; the numbers come from the row's range. */
-enum class Travel
-{
-    Straight,
-    Skewed,      ///< The row's centre lies at half the travel.
-    Logarithmic, ///< Equal factors over equal travel.
-    Fader        ///< -80 to -40 dB over an eighth, to -10 dB at half, to +10 dB at the end.
-};
-
-/** Everything there is to say of one parameter. Its default is the default of its snapshot field. */
-struct ParameterRow
-{
-    using BoolField = ParameterSnapshot::Bool ParameterSnapshot::*;
-    using IntField = ParameterSnapshot::Int ParameterSnapshot::*;
-    using FloatField = ParameterSnapshot::Float ParameterSnapshot::*;
-
-    const char* id;   ///< Stored in projects and used by hosts: never changes.
-    const char* name; ///< Shown to the user.
-    ParameterFieldKind kind;
-    std::variant<BoolField, IntField, FloatField> field;
-    float start = 0.0f; ///< Range of an int or float, in its own unit.
-    float end = 1.0f;
-    float step = 0.0f; ///< Grid of a float; 0 is continuous.
-    Travel travel = Travel::Straight;
-    float centre = 0.0f; ///< For a skewed travel.
-    const char* label = "";
-    const TextRule* textRule = nullptr; ///< Null: the number itself, with the decimals of the step.
-    std::span<const char* const> choices = {};
-};
-
-/** Host indices of the parameters, for the few places that mean one of them. */
-namespace parameterIndex
-{
-inline constexpr int tolChannel = 40;
-inline constexpr int tolLink = 41;
-inline constexpr int gainReduction = 42; ///< Only for hosts of the one format that shows it as a parameter.
-} // namespace parameterIndex
-
-inline constexpr int numParameters = 42;
-
-/** All parameters in the host's order. */
-const std::array<ParameterRow, numParameters>& parameterTable();
 
 /** A field of one snapshot, with the way it is stored. */
 struct ParameterFieldRef

@@ -106,8 +106,8 @@ float fromText (const juce::String& text)
 
 const TextRule textRules::midGain { midPot::toText, midPot::fromText };
 const TextRule textRules::lowGain { lowPot::toText, lowPot::fromText };
-const TextRule textRules::percent { mix::toText, mix::fromText };
-const TextRule textRules::highPassHz { highPass::toText, highPass::fromText };
+const TextRule textRules::percent { mix::toText, mix::fromText, true };
+const TextRule textRules::highPassHz { highPass::toText, highPass::fromText, true };
 
 juce::String decimalText (float value, int decimals)
 {

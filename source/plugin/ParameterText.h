@@ -13,6 +13,7 @@ struct TextRule
 {
     juce::String (*toText) (float value) = nullptr;
     float (*fromText) (const juce::String& text) = nullptr;
+    bool writesUnit = false; ///< Whether the text carries its unit.
 };
 
 namespace textRules

@@ -30,7 +30,7 @@ bool isKnown (std::string_view name)
         std::set<std::string_view> all (std::begin (stateSchema::settingKeys), std::end (stateSchema::settingKeys));
         all.insert (stateSchema::currentSlot);
 
-        for (const auto& row : parameterTable())
+        for (const auto& row : parameterRows)
             all.insert (row.id);
 
         return all;

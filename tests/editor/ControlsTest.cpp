@@ -127,11 +127,9 @@ TEST (Wheel, FineMovementsAddUpAndAPauseForgetsThem)
 
     EXPECT_EQ (valueAfter (4), 0.0);
     EXPECT_NEAR (valueAfter (1), 0.1, 1e-9);
-
-    // The step was 0.45 too much, so it takes nine more to 0.5.
-    EXPECT_NEAR (valueAfter (8), 0.1, 1e-9);
+    EXPECT_NEAR (valueAfter (8), 0.1, 1e-9) << "0.45 was too much";
     runMessagesFor (400);
-    EXPECT_NEAR (valueAfter (1), 0.2, 1e-9); // starts the half second anew
+    EXPECT_NEAR (valueAfter (1), 0.2, 1e-9) << "before the half second is over";
     EXPECT_NEAR (valueAfter (8), 0.2, 1e-9);
     runMessagesFor (600);
     EXPECT_NEAR (valueAfter (2), 0.2, 1e-9);
@@ -230,13 +228,10 @@ TEST (Fader, APressDoesNotMoveTheCapAndADragMovesItWithTheMouse)
         mouse.release ({ 50.0f, y - 30.0f });
     }
 
-    // From end to end; the cap's picture has a transparent margin.
     for (const auto& [value, top] : { std::pair (1.0, 0), { 0.5, 199 }, { 0.0, 399 } })
     {
         fader.setValue (value, juce::dontSendNotification);
-        const auto rows = capRows();
-        EXPECT_TRUE (juce::Range (top, top + 173).contains (rows)) << value;
-        EXPECT_GT (rows.getLength(), 133) << value;
+        EXPECT_TRUE (juce::Range (top, top + 173).contains (capRows())) << value;
     }
 }
 

@@ -80,33 +80,26 @@ TEST (Editor, AHostsChangeIsShownWithinATickUnlessHidden)
 TEST (Editor, TheSlotsAreChosenAndCopied)
 {
     WindowUnderTest t;
-    const auto state = [&t]
+    const auto clicked = [&t] (const char* button)
     {
-        juce::String text;
+        click (t.button (button));
+        runMessagesFor (150);
+        juce::String shown;
 
-        for (const auto* const title : { "Slot A", "Slot B" })
-            text << (t.button (title).getToggleState() ? title : "");
+        for (const auto* const title : { "Slot A", "Slot B", "Copy to A", "Copy to B" })
+            if (auto& b = t.button (title); b.isVisible() && (b.getToggleState() || b.getTitle().startsWith ("Copy")))
+                shown << title << " ";
 
-        for (const auto* const title : { "Copy to A", "Copy to B" })
-            text << (t.button (title).isVisible() ? juce::String (", ") + title : "");
-
-        return text;
+        return shown << plainOf (*t.strip, "gain");
     };
 
-    EXPECT_EQ (state(), "Slot A, Copy to B");
     setPlain (*t.strip, "gain", 20.0f);
-    click (t.button ("Copy to B"));
-    EXPECT_EQ (t.strip->getCurrentSlot(), 0) << "copying does not choose";
+    EXPECT_EQ (clicked ("Copy to B"), "Slot A Copy to B 20") << "copying does not choose";
     setPlain (*t.strip, "gain", 5.0f);
-    click (t.button ("Slot B"));
+    EXPECT_EQ (clicked ("Slot B"), "Slot B Copy to A 20");
     EXPECT_EQ (t.strip->getCurrentSlot(), 1);
-    EXPECT_FLOAT_EQ (plainOf (*t.strip, "gain"), 20.0f);
-    runMessagesFor (150);
-    EXPECT_EQ (state(), "Slot B, Copy to A");
-
-    click (t.button ("Copy to A"));
-    click (t.button ("Slot A"));
-    EXPECT_FLOAT_EQ (plainOf (*t.strip, "gain"), 20.0f);
+    clicked ("Copy to A");
+    EXPECT_EQ (clicked ("Slot A"), "Slot A Copy to B 20");
 }
 
 TEST (Editor, TheMenusOpenInItsWindowAndOutliveItWithoutHarm)
@@ -134,7 +127,6 @@ TEST (Editor, TheMenusOpenInItsWindowAndOutliveItWithoutHarm)
         auto* const menu = openMenu (*button);
         ASSERT_NE (menu, nullptr);
         EXPECT_EQ (menu->getParentComponent(), &window);
-        EXPECT_TRUE (window.getLocalBounds().contains (menu->getBounds()));
         const auto picture = snapshotOf (*menu);
         EXPECT_LT (picture.getPixelAt (0, 0).getAlpha(), 100) << "a round corner";
         EXPECT_EQ (picture.getPixelAt (picture.getWidth() / 2, 1), juce::Colour (0xfffcfcfc)) << "a light sheet";

@@ -221,8 +221,8 @@ TEST (BlockLoop, AStreamCutAnywhereSoundsTheSameWhileAParameterMoves)
 
                 ASSERT_EQ (process (*cut, input, [&] { return static_cast<int> (random() % 700); }),
                            process (*whole, input, gap))
-                    << parameterTable()[static_cast<std::size_t> (index)].id << " to " << place << ", factor " << factor
-                    << ", " << width << " wide, seed " << seed;
+                    << parameterRow (index).id << " to " << place << ", factor " << factor << ", " << width
+                    << " wide, seed " << seed;
             }
         }
 }

@@ -25,15 +25,15 @@ juce::String bundleFolder()
 struct Hosted
 {
     Hosted (juce::AudioProcessor& processor, const juce::String& id)
-        : row (*std::find_if (parameterTable().begin(), parameterTable().end(), [&] (auto& r) { return id == r.id; })),
+        : row (*std::find_if (parameterRows.begin(), parameterRows.end(), [&] (auto& r) { return id == r.id; })),
           parameter (**std::find_if (processor.getParameters().begin(), processor.getParameters().end(),
                                      [&] (auto* p) { return p->getName (longestName) == row.name; }))
     {
     }
 
-    void set (float plain) const { parameter.setValue ((plain - row.start) / (row.end - row.start)); }
+    void set (float plain) const { parameter.setValue ((plain - row.range.start) / (row.range.end - row.range.start)); }
 
-    float plain (float value) const { return row.start + value * (row.end - row.start); }
+    float plain (float value) const { return row.range.start + value * (row.range.end - row.range.start); }
 
     float plain() const { return plain (parameter.getValue()); }
 
@@ -112,11 +112,11 @@ TEST_F (Lv2Module, DescriptionHasTheBusesParametersChoicesAndPrograms)
         const auto own = createParameter (i);
         const Hosted p (*plugin, own->paramID);
         EXPECT_NEAR (p.plain (p.parameter.getDefaultValue()), own->convertFrom0to1 (own->getDefaultValue()),
-                     1.0e-5f * (p.row.end - p.row.start))
+                     1.0e-5f * (p.row.range.end - p.row.range.start))
             << p.row.id;
 
         for (std::size_t c = 0; c < p.row.choices.size(); ++c)
-            EXPECT_EQ (p.parameter.getText (static_cast<float> (c) / p.row.end, longestName), p.row.choices[c]);
+            EXPECT_EQ (p.parameter.getText (static_cast<float> (c) / p.row.range.end, longestName), p.row.choices[c]);
     }
 }
 

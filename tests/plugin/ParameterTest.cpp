@@ -145,7 +145,7 @@ TEST (Parameters, TravelsAreTheFadersAndTheLogarithmic)
     EXPECT_EQ (release.convertFrom0to1 (1.0f), 1.6f);
     EXPECT_EQ (release.convertFrom0to1 (0.0f), 0.025f);
 
-    for (const auto& row : parameterTable())
+    for (const auto& row : parameterRows)
         for (int i = 0; i <= 1000; ++i)
         {
             auto& p = parameter (strip, row.id);

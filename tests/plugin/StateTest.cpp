@@ -54,8 +54,7 @@ TEST (State, BothSlotsAndAllSettingsComeBackByteForByteAndSoundTheSame)
     {
         EXPECT_EQ (plainValueOf (reopened.getSlot (0), i), plainValueOf (original.getSlot (0), i)) << i;
         EXPECT_EQ (plainValueOf (reopened.getSlot (1), i), plainValueOf (original.getSlot (1), i)) << i;
-        EXPECT_FLOAT_EQ (plainOf (reopened, parameterTable()[static_cast<std::size_t> (i)].id),
-                         plainValueOf (original.getSlot (1), i))
+        EXPECT_FLOAT_EQ (plainOf (reopened, parameterRow (i).id), plainValueOf (original.getSlot (1), i))
             << "the parameters show the slot in force";
     }
 

@@ -60,8 +60,9 @@ inline juce::MemoryBlock randomState (juce::Random& random)
     {
         auto& values = *root.createNewChildElement (tag);
 
-        for (const auto& row : parameterTable())
-            set (values, row.id, static_cast<double> (row.start + (row.end - row.start) * randomTravel (random)));
+        for (const auto& row : parameterRows)
+            set (values, row.id,
+                 static_cast<double> (row.range.start + (row.range.end - row.range.start) * randomTravel (random)));
     }
 
     return blockOf (root);

@@ -53,7 +53,7 @@ inline juce::String differencesFromDefault (const ParameterSnapshot& snapshot)
 
     for (int i = 0; i < numParameters; ++i)
     {
-        const auto& row = parameterTable()[static_cast<std::size_t> (i)];
+        const auto& row = parameterRow (i);
         const auto value = plainValueOf (snapshot, i);
 
         if (value == plainValueOf (defaults, i))
@@ -76,10 +76,10 @@ inline juce::String firstFieldOutOfRange (Tarvik41Processor& strip)
     for (int i = 0; i < numParameters; ++i)
         for (int slot = 0; slot < KVLProcessor::numSlots; ++slot)
         {
-            const auto& row = parameterTable()[static_cast<std::size_t> (i)];
+            const auto& row = parameterRow (i);
             const auto value = plainValueOf (strip.getSlot (slot), i);
 
-            if (! (value >= row.start && value <= row.end))
+            if (! (value >= row.range.start && value <= row.range.end))
                 return juce::String (row.id) + ", slot " + juce::String (slot);
         }
 

@@ -13,7 +13,7 @@ TEST_F (ListTool, NamesAllThereIs)
     const auto outcome = runWell ({ "list", "--module", moduleBundle() });
     EXPECT_EQ (run ({ "--list" }).out, outcome.out);
 
-    for (const auto& row : parameterTable())
+    for (const auto& row : parameterRows)
         EXPECT_TRUE (outcome.out.contains ("\n" + juce::String (row.id) + " ")) << row.id;
 
     for (const auto& program : factoryPrograms())

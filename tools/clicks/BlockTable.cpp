@@ -81,7 +81,7 @@ bool printBlockTable (std::FILE* table)
                                                                                       settings, numChannels, factor)));
                 }
 
-        std::fprintf (table, "%-18s", parameterTable()[static_cast<std::size_t> (parameter)].id);
+        std::fprintf (table, "%-18s", parameterRow (parameter).id);
 
         for (std::size_t b = 1; b < blockSizes.size(); ++b)
             if (worst[b] > 0.0)

@@ -35,8 +35,7 @@ struct Loudness
 /** The parameter moves over its travel as a line, or to its ends in turn, `times` as slowly. */
 Loudness measure (int parameter, bool isSwitched, int times)
 {
-    const auto isExpanders =
-        std::string_view (parameterTable()[static_cast<std::size_t> (parameter)].id).starts_with ("exp");
+    const auto isExpanders = std::string_view (parameterRow (parameter).id).starts_with ("exp");
     MovedStrip strip (isExpanders ? Settings::closedGate : Settings::everythingAtWork, 1, 1);
     SteepHighPass highPass (edgeHz / rateHz);
     Signal piece;
@@ -88,7 +87,7 @@ bool printMoveTable (std::FILE* table)
 
     for (int parameter = 0; parameter < numParameters; ++parameter)
     {
-        const auto& row = parameterTable()[static_cast<std::size_t> (parameter)];
+        const auto& row = parameterRow (parameter);
         const auto hasPositions = row.kind == ParameterFieldKind::Bool || row.kind == ParameterFieldKind::Choice;
 
         for (const auto isSwitched : { false, true })

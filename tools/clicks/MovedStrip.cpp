@@ -48,7 +48,7 @@ MovedStrip::MovedStrip (Settings settings, int numChannels, int oversamplingFact
 
     for (const auto& [id, plain] : valuesOf (settings))
         for (int index = 0; index < numParameters; ++index)
-            if (juce::String (id) == parameterTable()[static_cast<std::size_t> (index)].id)
+            if (juce::String (id) == parameterRow (index).id)
             {
                 auto* const p = dynamic_cast<juce::RangedAudioParameter*> (strip->getParameters()[index]);
                 set (index, p->convertTo0to1 (plain));

@@ -32,16 +32,16 @@ void replace (juce::String& turtle, const juce::String& old, const juce::String&
 /** The LV2 unit of a parameter whose number is shown as it is; empty without. */
 juce::String unitOf (const ParameterRow& row)
 {
-    if (juce::String (row.label).isEmpty())
+    if (juce::String (row.label()).isEmpty())
         return {};
 
-    if (juce::String (row.label) == "dB")
+    if (juce::String (row.label()) == "dB")
         return "units:db";
 
-    if (juce::String (row.label) == "s")
+    if (juce::String (row.label()) == "s")
         return "units:s";
 
-    throw ToolError (juce::String ("no LV2 unit for ") + row.label);
+    throw ToolError (juce::String ("no LV2 unit for ") + row.label());
 }
 
 /** The type of value that hosts send. Choices and whole numbers stay floats, which the strip rounds: some hosts cut a
@@ -55,7 +55,7 @@ juce::String valueType (const ParameterRow& row)
 /** A parameter's record: plain values in its own range, as the module takes them. */
 juce::String parameterRecord (int index)
 {
-    const auto& row = parameterTable()[static_cast<std::size_t> (index)];
+    const auto& row = parameterRow (index);
     const auto parameter = createParameter (index);
     juce::StringArray lines;
     lines.add (juce::String ("plug:") + row.id);
@@ -64,8 +64,8 @@ juce::String parameterRecord (int index)
     lines.add (juce::String ("\trdfs:label \"") + row.name + "\" ;");
     lines.add ("\trdfs:range " + valueType (row) + " ;");
     lines.add ("\tlv2:default " + juce::String (parameter->convertFrom0to1 (parameter->getDefaultValue())) + " ;");
-    lines.add ("\tlv2:minimum " + juce::String (row.start) + " ;");
-    lines.add ("\tlv2:maximum " + juce::String (row.end) + " ;");
+    lines.add ("\tlv2:minimum " + juce::String (row.range.start) + " ;");
+    lines.add ("\tlv2:maximum " + juce::String (row.range.end) + " ;");
 
     if (const auto unit = unitOf (row); unit.isNotEmpty())
         lines.add ("\tunits:unit " + unit + " ;");
@@ -88,8 +88,7 @@ void replaceParameters (juce::String& turtle)
 {
     for (int i = 0; i < numParameters; ++i)
     {
-        const auto name =
-            juce::String ("plug:") + parameterTable()[static_cast<std::size_t> (i)].id + "\n\ta lv2:Parameter";
+        const auto name = juce::String ("plug:") + parameterRow (i).id + "\n\ta lv2:Parameter";
         const auto start = turtle.indexOf (name);
         const auto end = turtle.indexOf (std::max (start, 0), " .\n\n");
 
