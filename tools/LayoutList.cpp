@@ -154,9 +154,9 @@ void addPushButtons (Listing& listing)
             listing.add ("lamp", row.lampBox, row.parameter)->setProperty ("picture", rowOf (row.lamp).name);
     }
 
-    listing.add ("mute", mute, parameter ("mute"));
-    listing.add ("phase", phase, parameter ("phase"));
-    listing.add ("link", link, parameter ("TolLink"));
+    listing.add ("mute", mute.box, mute.parameter);
+    listing.add ("phase", phase.box, phase.parameter);
+    listing.add ("link", link.box, link.parameter);
 }
 
 /** The marks of a meter's scale: whole decibels from the lowest to the highest. */
@@ -187,8 +187,8 @@ void addPicture (Listing& listing, const char* kind, const char* name, const Pic
 {
     const auto control = listing.add (kind, row.box, name);
 
-    if (juce::String (row.tooltip).isNotEmpty())
-        control->setProperty ("tooltip", row.tooltip);
+    if (juce::String (row.words.tooltip).isNotEmpty())
+        control->setProperty ("tooltip", row.words.tooltip);
 }
 
 void addLabel (Listing& listing, const char* name, const LabelRow& row)
@@ -204,8 +204,8 @@ juce::String layoutAsJson()
     Listing listing;
     addSliders (listing);
     addPushButtons (listing);
-    addMeter (listing, "VU", vuMeter, meter::lowestDb, meter::highestDb, meterAngle);
-    addMeter (listing, "gain reduction", gainReductionMeter, meter::lowestReductionDb, 0.0f, gainReductionAngle);
+    addMeter (listing, "VU", vuMeter.box, meter::lowestDb, meter::highestDb, meterAngle);
+    addMeter (listing, "gain reduction", gainReductionMeter.box, meter::lowestReductionDb, 0.0f, gainReductionAngle);
     addPicture (listing, "picture", "output legend", outputLegend);
     addPicture (listing, "led", "compressor LED", compressorLed);
     addPicture (listing, "led", "expander LED", expanderLed);
