@@ -99,7 +99,9 @@ public:
     /** Filters what still waits. */
     void run() noexcept
     {
-        filterRows (std::span (rows).first (size), n);
+        if (size > 0)
+            filterRows (std::span (rows).first (size), n);
+
         size = 0;
     }
 

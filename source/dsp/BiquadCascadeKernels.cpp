@@ -353,10 +353,16 @@ std::size_t filter ([[maybe_unused]] std::span<const CascadeRow> rows, [[maybe_u
     if (pass == nullptr)
         return 0;
 
-    BiquadCascade silent; // in the lanes of a missing second row
+    if (numAlike >= 2)
+    {
+        pass (rows.data(), n);
+        return 2;
+    }
+
+    BiquadCascade silent; // in the lanes of the missing second row
     const std::array<CascadeRow, 2> single { rows[0], { nullptr, &silent, &silent } };
-    pass (numAlike >= 2 ? rows.data() : single.data(), n);
-    return std::min<std::size_t> (numAlike, 2);
+    pass (single.data(), n);
+    return 1;
 #endif
 }
 } // namespace

@@ -185,7 +185,8 @@ public:
         isWaiting.store (true, std::memory_order_release);
     }
 
-    /** Audio thread, or while no audio runs. */
+    /** Audio thread, or while no audio runs. The flag is cleared before the value is read, so a request in between waits
+        for the next time. */
     void takeRequest() noexcept
     {
         if (isWaiting.load (std::memory_order_relaxed) && isWaiting.exchange (false, std::memory_order_acquire))

@@ -79,20 +79,6 @@ TEST (BiquadCascade, RowsTogetherGiveThePlainBitsOnEverySet)
         }
 }
 
-TEST (BiquadCascade, RoundsOnceAfterTheLastSection)
-{
-    // The second section takes out nearly all that the first one puts in. Rounding in between would leave 2^-24 of a
-    // level 1000 times as high; the only error left is the last rounding.
-    constexpr auto pole = 0.999;
-    BiquadCascade cascade;
-    cascade.setTaps (std::array { 1.0, 0.0, 0.0, 1.0, -pole, 0.0, 1.0, -pole, 0.0, 1.0, 0.0, 0.0 });
-    test::Signal row (10000, 1.0f);
-    filterPlainly ({ row.data(), &cascade }, 10000);
-
-    for (const auto sample : row)
-        ASSERT_NEAR (sample, 1.0f, 1e-7f);
-}
-
 TEST (BiquadCascade, EqualNumeratorAndDenominatorReturnTheInputsBits)
 {
     // As at high rates: near z = 1, where a contracted multiply-add would leave a remainder.
@@ -104,24 +90,18 @@ TEST (BiquadCascade, EqualNumeratorAndDenominatorReturnTheInputsBits)
     EXPECT_EQ (row, noise (20000, 1));
 }
 
-TEST (BiquadCascade, DividesByA0AndClearsOnNewTaps)
+TEST (BiquadCascade, DividesByA0AndClears)
 {
-    constexpr std::array taps { 3.0, 1.0, 0.5, 2.0, -0.5, 0.25 };
     BiquadCascade cascade;
-    const auto run = [&cascade]
+    cascade.setTaps (std::array { 3.0, 1.0, 0.5, 2.0, -0.5, 0.25 });
+
+    for (int run = 0; run < 2; ++run)
     {
         test::Signal row { 1.0f, 0.0f, 0.0f };
         filterPlainly ({ row.data(), &cascade }, 3);
-        return row;
-    };
-
-    const test::Signal expected { 1.5f, 0.875f, 0.28125f }; // the impulse response by hand
-    cascade.setTaps (taps);
-    EXPECT_EQ (run(), expected);
-    cascade.clear();
-    EXPECT_EQ (run(), expected);
-    cascade.setTaps (taps);
-    EXPECT_EQ (run(), expected);
+        EXPECT_EQ (row, (test::Signal { 1.5f, 0.875f, 0.28125f })); // the impulse response by hand
+        cascade.clear();
+    }
 }
 } // namespace
 } // namespace tarvik

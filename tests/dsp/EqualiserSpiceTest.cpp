@@ -6,8 +6,11 @@
 #include <gtest/gtest.h>
 #include <juce_core/juce_core.h>
 
+#include <cmath>
 #include <limits>
+#include <random>
 #include <sstream>
+#include <vector>
 
 // The equaliser's circuit, drawn here once more from the values of its parts and solved by a circuit simulator: what
 // the network's polynomials say must be what Kirchhoff's laws say. Needs the program ngspice (Debian package ngspice).

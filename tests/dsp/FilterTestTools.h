@@ -1,16 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "dsp/EQControls.h"
-
-#include <cmath>
 #include <complex>
 #include <cstddef>
-#include <cstdint>
 #include <numbers>
-#include <random>
 #include <span>
-#include <vector>
 
 namespace tarvik::test
 {
@@ -47,13 +41,4 @@ inline Complex digitalResponse (std::span<const double> taps, double omega)
     return response;
 }
 
-inline double toDecibels (double gain) { return 20.0 * std::log10 (gain); }
-
-// Any position of every switch and pot, on any channel.
-inline EQControls drawControls (std::mt19937& random)
-{
-    const auto draw = [&random] (unsigned count) { return static_cast<std::int32_t> (random() % count); };
-    const auto drawPot = [&random] { return static_cast<float> (random() % 101) * 0.01f; };
-    return { draw (3), draw (11), draw (8), drawPot(), draw (2), draw (10), drawPot(), draw (3), draw (32) };
-}
 } // namespace tarvik::test

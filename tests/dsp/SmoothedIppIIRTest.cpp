@@ -236,13 +236,6 @@ TEST (SmoothedIppIIRHandOver, ADesignInProgressStopsNobodyAndIsNotLost)
 {
     using HeldFilter = SmoothedIppIIR<float, HeldCoefs>;
     const auto lastOf = [] (HeldFilter& filter) { return processOnes (filter, rampLength + hurriedTailLength).back(); };
-    const auto elsewhere = [] (auto function)
-    {
-        const auto result = std::async (std::launch::async, function);
-        const auto isDone = result.wait_for (std::chrono::seconds (5)) == std::future_status::ready;
-        HeldCoefs::mayEnd.release (isDone ? 1 : 10);
-        EXPECT_TRUE (isDone) << "it has waited for the design";
-    };
     HeldFilter filter;
     HeldCoefs::mayEnd.release();
     filter.prepare (rate, 1, blockSize);
@@ -250,18 +243,23 @@ TEST (SmoothedIppIIRHandOver, ADesignInProgressStopsNobodyAndIsNotLost)
 
     std::thread designer ([&] { filter.setAnalogue ({ 0.0, 0.0, 0.5 }, { 0.0, 0.0, 1.0 }); });
     HeldCoefs::begun.acquire();
-    elsewhere (
-        [&]
-        {
-            changeGain (filter, 2.0);
-            changeGain (filter, 0.25);
-            EXPECT_EQ (lastOf (filter), 1.0f) << "the old sound goes on";
-        });
+    auto others = std::async (std::launch::async,
+                              [&]
+                              {
+                                  changeGain (filter, 2.0);
+                                  changeGain (filter, 0.25);
+                                  return lastOf (filter); // the old sound goes on
+                              });
+    const auto isDone = others.wait_for (std::chrono::seconds (5)) == std::future_status::ready;
+    HeldCoefs::mayEnd.release (isDone ? 1 : 10);
+    EXPECT_TRUE (isDone) << "it has waited for the design";
+    EXPECT_EQ (others.get(), 1.0f);
 
-    // The designer has looked again and designs the newest. A slice that begins meanwhile finds nothing left to do, and
-    // still a later one hears of the design.
+    // The designer has looked again and designs the newest. A slice that begins before it ends finds nothing to do, and
+    // still the next one on the same thread hears of the design.
     HeldCoefs::begun.acquire();
-    elsewhere ([&] { EXPECT_EQ (lastOf (filter), 1.0f); });
+    EXPECT_EQ (lastOf (filter), 1.0f);
+    HeldCoefs::mayEnd.release();
     designer.join();
     EXPECT_EQ (lastOf (filter), 0.25f);
     EXPECT_EQ (HeldCoefs::numDesigns, 3);
