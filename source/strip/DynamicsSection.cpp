@@ -151,7 +151,7 @@ void DynamicsSection::applySettings (const DynamicsSettings& newest) noexcept
     for (auto& loop : loops)
     {
         if (wasOff)
-            Expander::restDetector (loop.expander);
+            Expander::clearDetector (loop.expander);
         else if (isOff)
             circuits.expander.beginFall (loop.expander);
     }

@@ -26,8 +26,8 @@ namespace tarvik
     The detector hears what the gain element left of the last sample: feedback, so the loop goes sample by sample. A
     side chain may stand in for the main signal on the way to the detector and to the gate.
 
-    Between update() and process() ramps and filters take requests; everything else goes through a hand-over that
-    process() looks into once per slice.
+    Ramps and filters take requests from update(); everything else goes through a hand-over that process() looks into
+    once per slice.
 */
 class DynamicsSection
 {
