@@ -139,7 +139,7 @@ public:
     /** Puts the detector where it ends without a key. The capacitor keeps its voltage. */
     static void clearDetector (State& state) noexcept;
 
-    /** Takes a voltage to 0 before it is small enough to slow the processor down. */
+    /** Takes a voltage to 0 at the floor. */
     static void settle (State& state) noexcept;
 
 private:

@@ -50,8 +50,7 @@ public:
 
     static constexpr std::size_t columnsWithPadding = 8;
 
-    /** Multiplies amplitudes and coefficients by `unit`, the size of amplitude 1 in samples. Any thread; allocates
-        nothing. */
+    /** Multiplies amplitudes and coefficients by `unit`, the size of amplitude 1 in samples. */
     explicit HarmonicTable (double unit) noexcept;
 
     // The same numbers in the two orders in which vectors want them. A value at a position between rows i and i + 1 is

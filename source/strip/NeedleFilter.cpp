@@ -82,10 +82,10 @@ NeedleFilter::Pair NeedleFilter::advance (const Pair& from, const float* row, st
                  + weightedSum (&secondInputs[unused], row, n) };
 }
 
-float NeedleFilter::process (const float* row, int n) noexcept
+void NeedleFilter::process (const float* row, int n) noexcept
 {
     if (n <= 0)
-        return reading;
+        return;
 
     const auto length = static_cast<std::size_t> (n);
 
@@ -99,8 +99,6 @@ float NeedleFilter::process (const float* row, int n) noexcept
 
     if (std::abs (state.first) < stateFloor && std::abs (state.second) < stateFloor)
         state = {};
-
-    return reading;
 }
 
 } // namespace tarvik

@@ -25,9 +25,11 @@ public:
         reading = 0.0f;
     }
 
-    /** Audio thread: takes n finite samples, which it leaves as they are, and returns the filtered value at the last of
-        them; without samples the one before stays. */
-    float process (const float* row, int n) noexcept;
+    /** Audio thread: takes n finite samples, which it leaves as they are. */
+    void process (const float* row, int n) noexcept;
+
+    /** The filtered value at the last sample. */
+    float getReading() const noexcept { return reading; }
 
 private:
     static constexpr std::size_t longestStep = 64;
