@@ -8,63 +8,39 @@
 namespace tarvik
 {
 
-static_assert (Stage<NeedleMeter> && Stage<AnalogNoise>);
+namespace
+{
+template <Stage... Stages>
+void prepareAll (std::tuple<Stages&...> stages, double rateHz, int numChannels, int maxSamples)
+{
+    std::apply ([&] (auto&... stage) { (stage.prepare (rateHz, numChannels, maxSamples), ...); }, stages);
+}
+
 static_assert (
     ControlledStage<EqualiserSection> && ControlledStage<SaturationSection> && ControlledStage<DynamicsSection>);
+} // namespace
 
 void ChannelStrip::prepare (double hostRateHz, int oversamplingFactor, int numChannels, int maxSamples)
 {
-    const auto processingRateHz = hostRateHz * oversamplingFactor;
     numMain = numChannels;
-
-    padGain.prepare (hostRateHz, maxSamples);
-    inputMeter.prepare (hostRateHz, numChannels, maxSamples);
-    inputNoise.prepare (hostRateHz, numChannels, maxSamples);
-    inputGain.prepare (hostRateHz, maxSamples);
-    phase.prepare (hostRateHz, maxSamples);
     gainTimesPhase.assign (static_cast<std::size_t> (maxSamples), 0.0f);
-
-    equaliser.prepare (processingRateHz, numChannels, maxSamples);
-    saturation.prepare (processingRateHz, numChannels, maxSamples);
-    unityGain.prepare (processingRateHz, maxSamples);
-    dynamics.prepare (processingRateHz, numChannels, maxSamples);
-
-    outputNoise.prepare (hostRateHz, numChannels, maxSamples);
-    level.prepare (hostRateHz, maxSamples);
-    outputMeter.prepare (hostRateHz, numChannels, maxSamples);
+    prepareAll (getStagesAtHostRate(), hostRateHz, numChannels, maxSamples);
+    prepareAll (getStagesAtProcessingRate(), hostRateHz * oversamplingFactor, numChannels, maxSamples);
 }
 
 void ChannelStrip::reset() noexcept
 {
-    padGain.reset();
-    inputMeter.reset();
-    inputNoise.reset();
-    inputGain.reset();
-    phase.reset();
-    equaliser.reset();
-    saturation.reset();
-    unityGain.reset();
-    dynamics.reset();
-    outputNoise.reset();
-    level.reset();
-    outputMeter.reset();
+    const auto resetAll = [] (auto&... stage) { (stage.reset(), ...); };
+    std::apply (resetAll, getStagesAtHostRate());
+    std::apply (resetAll, getStagesAtProcessingRate());
 }
 
 void ChannelStrip::release()
 {
-    padGain.release();
-    inputMeter.release();
-    inputNoise.release();
-    inputGain.release();
-    phase.release();
+    const auto releaseAll = [] (auto&... stage) { (stage.release(), ...); };
+    std::apply (releaseAll, getStagesAtHostRate());
+    std::apply (releaseAll, getStagesAtProcessingRate());
     gainTimesPhase = {};
-    equaliser.release();
-    saturation.release();
-    unityGain.release();
-    dynamics.release();
-    outputNoise.release();
-    level.release();
-    outputMeter.release();
 }
 
 //==============================================================================
@@ -101,7 +77,7 @@ void ChannelStrip::requestGains (const GainSettings& settings) noexcept
 //==============================================================================
 void ChannelStrip::processPre (float* const* channels, int numSamples, bool isNoiseOn) noexcept
 {
-    apply (padGain, channels, numSamples);
+    padGain.process (channels, numSamples);
     inputMeter.process (channels, numSamples);
 
     if (isNoiseOn)
@@ -117,7 +93,7 @@ void ChannelStrip::processMiddle (float* const* channels, int numSamples, int nu
 
     equaliser.process (channels, numSamples);
     saturation.process (channels, numSamples);
-    apply (unityGain, channels, numSamples);
+    unityGain.process (channels, numSamples);
 
     if (! isEqPost)
         dynamics.process (channels, numSamples, numSidechain);
@@ -129,7 +105,7 @@ void ChannelStrip::processPost (float* const* channels, int numSamples, bool isN
     if (isNoiseOn)
         outputNoise.process (channels, numSamples);
 
-    apply (level, channels, numSamples);
+    level.process (channels, numSamples);
     outputMeter.process (channels, numSamples);
 
     readOuts.inputMeter = inputMeter.getReading();
@@ -138,29 +114,17 @@ void ChannelStrip::processPost (float* const* channels, int numSamples, bool isN
 }
 
 //==============================================================================
-void ChannelStrip::apply (Gain& gain, float* const* channels, int numSamples) noexcept
-{
-    const auto* const row = gain.advance (numSamples);
-
-    if (! gain.isConstantly (1.0f))
-        multiply (channels, row, numSamples);
-}
-
 void ChannelStrip::applyGainAndPhase (float* const* channels, int numSamples) noexcept
 {
     const auto* const phaseRow = phase.advance (numSamples);
 
     if (phase.isConstantly (1.0f))
-        return apply (inputGain, channels, numSamples);
+        return inputGain.process (channels, numSamples);
 
     rows::multiply (gainTimesPhase.data(), inputGain.advance (numSamples), phaseRow, numSamples);
-    multiply (channels, gainTimesPhase.data(), numSamples);
-}
 
-void ChannelStrip::multiply (float* const* channels, const float* row, int numSamples) noexcept
-{
     for (int c = 0; c < numMain; ++c)
-        rows::multiply (channels[c], row, numSamples);
+        rows::multiply (channels[c], gainTimesPhase.data(), numSamples);
 }
 
 } // namespace tarvik

@@ -9,6 +9,7 @@
 #include "strip/RampRow.h"
 #include "strip/SaturationSection.h"
 
+#include <tuple>
 #include <vector>
 
 namespace tarvik
@@ -54,9 +55,14 @@ private:
 
     using Gain = RampRow<GeometricRamp>;
 
-    void apply (Gain& gain, float* const* channels, int numSamples) noexcept;
+    auto getStagesAtHostRate() noexcept
+    {
+        return std::tie (padGain, inputMeter, inputNoise, inputGain, phase, outputNoise, level, outputMeter);
+    }
+
+    auto getStagesAtProcessingRate() noexcept { return std::tie (equaliser, saturation, unityGain, dynamics); }
+
     void applyGainAndPhase (float* const* channels, int numSamples) noexcept;
-    void multiply (float* const* channels, const float* row, int numSamples) noexcept;
     void requestGains (const GainSettings& settings) noexcept;
 
     Gain padGain;

@@ -46,7 +46,8 @@ constexpr std::array<Ratio, 6> ratios { {
     { 2.2e6, 100.0, -1.1 }, // 20:1
 } };
 
-/** What reaches the rectifier at thresholds of -20, -18, ... 0 dB. */
+/** What reaches the rectifier at thresholds of -20, -18, ... 0 dB; fitted, as are the amplifier's values above and
+    the peak memory's below. */
 constexpr std::array thresholdScales { 0.599057, 0.373849, 0.257642, 0.166667, 0.125964, 0.095745,
                                        0.07483,  0.052925, 0.043601, 0.032442, 0.022989 };
 

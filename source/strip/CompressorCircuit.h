@@ -63,31 +63,29 @@ public:
 
     void set (const Controls& controls) noexcept;
 
-    /** One sample: `gain` is the gain element's last gain, `level` the absolute value of the detector's input before
-        it, both finite. Updates the state and returns the control voltage, the one on C1. */
+    /** One sample: the gain element's last gain, and the absolute value of the detector's input before it, both finite.
+        Updates the state and returns the control voltage, the one on C1. */
     double step (State& state, double gain, double level) const noexcept
     {
-        // Feedback: the detector hears what the gain element has left. Products are ordered so that only one
-        // multiplication waits for the gain.
+        // Products are ordered so that only one multiplication waits for the gain.
         const auto rectified = gain * (level * rectifierGain);
         const auto highestPeak = state.peak + peakRise;
         const auto lowestPeak = state.peak * peakFall;
         state.peak = std::max (std::min (rectified - peakThreshold, highestPeak), lowestPeak);
 
-        // The amplifier takes (peak + rectified) gain + offset. It takes each of the memory's three candidates here and
-        // chooses afterwards: the same, but three operations less between one gain and the next.
+        // The amplifier takes each of the memory's three candidates and chooses afterwards, which leaves three
+        // operations less between one gain and the next.
         const auto once = gain * (level * (rectifierGain * amplifierGain));
         const auto twice = gain * (level * (2.0 * rectifierGain * amplifierGain));
         const auto amplified = std::max (std::min (twice + (amplifierOffset - peakThreshold * amplifierGain),
                                                    once + (highestPeak * amplifierGain + amplifierOffset)),
                                          once + (lowestPeak * amplifierGain + amplifierOffset));
 
-        // Between samples the network takes C1 from v to v - c1VoltsPerAmp (i + last i), where i = (v - c2) / R2, so to
-        // v x networkKeep + received.
+        // The exchange takes C1 from v to v - c1VoltsPerAmp (i + i'), so to v x networkKeep + received.
         const auto received = state.c2Volts * (1.0 - networkKeep) - state.r2Amps * c1VoltsPerAmp;
 
-        // C1 is drawn to the target, (0.25 / (|2 s| + 1) + max (s, 0)) Rl / (Rl + Ra). The first part is the diode's
-        // knee, here with both its sides halved; it comes last, so it is taken through the network on its own.
+        // The target's first part is the diode's knee, here with both its sides halved; it comes last, so it is taken
+        // through the network on its own.
         const auto knee = releaseShare * kneeVolts * networkKeep / (std::abs (amplified) + 0.5);
         const auto conducted = std::max (amplified, 0.0);
         const auto target = knee * kneeVoltsPerShare + conducted * divider;
@@ -106,8 +104,7 @@ public:
             passedOn = charged * networkKeep + received;
         }
 
-        // Held before the network, so that neither capacitor ever sees more than the voltage at which the gain has
-        // reached 0.
+        // Held before the exchange, so that neither capacitor sees more than the voltage at which the gain is 0.
         const auto amps = (std::min (charged, ceilingVolts) - state.c2Volts) * r2Siemens;
         state.c1Volts = std::min (passedOn, ceilingVolts * networkKeep + received);
         state.c2Volts += (amps + state.r2Amps) * c2VoltsPerAmp;
@@ -115,8 +112,7 @@ public:
         return state.c1Volts;
     }
 
-    /** Without a signal the peak memory halves for ever; this takes it to 0 before it is small enough to slow the
-        processor down, and far below what the sums above can feel. */
+    /** Without a signal the peak memory halves for ever; this takes it to 0 at the floor. */
     static void settle (State& state) noexcept;
 
 private:

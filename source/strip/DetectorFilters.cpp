@@ -14,8 +14,7 @@ namespace tarvik
 
 namespace
 {
-/** In silence the delay lines shrink for ever. They are emptied before the processor would have to slow down for their
-    smallness, and long after a float has stopped showing it. */
+/** In silence the delay lines shrink for ever: empties what has reached the floor. */
 void settle (std::span<BiquadCascade* const> cascades) noexcept
 {
     for (auto* const cascade : cascades)
@@ -35,13 +34,6 @@ void settle (std::span<BiquadCascade* const> cascades) noexcept
     }
 }
 } // namespace
-
-void DetectorFilters::prepare (double rateHz, int numChannels, int maxSamples)
-{
-    filters.prepare (rateHz, numChannels, maxSamples);
-}
-
-void DetectorFilters::reset() noexcept { filters.reset(); }
 
 void DetectorFilters::setHighPass (float cutoffHz) noexcept
 {

@@ -19,11 +19,10 @@ public:
     static constexpr float lowestHighPassHz = 20.0f;
     static constexpr float highestHighPassHz = 400.0f;
 
-    /** While no audio runs, allocates: rate in Hz, above 0. Everything rests on the newest settings afterwards. */
-    void prepare (double rateHz, int numChannels, int maxSamples);
+    // As a Stage.
+    void prepare (double rateHz, int numChannels, int maxSamples) { filters.prepare (rateHz, numChannels, maxSamples); }
 
-    /** While no audio runs: ends all fades and clears the filters. */
-    void reset() noexcept;
+    void reset() noexcept { filters.reset(); }
 
     /** Any thread, one at a time: held within the limits above, a NaN counts as the lowest. */
     void setHighPass (float cutoffHz) noexcept;
@@ -31,7 +30,7 @@ public:
     /** Any thread. */
     void setNiveau (bool isOn) noexcept { filters.second.setOn (isOn); }
 
-    /** Audio thread: one row of n finite samples per channel, in place; n is at most maxSamples. */
+    /** The samples must be finite. */
     void process (float* const* rows, int n) noexcept;
 
 private:

@@ -151,25 +151,17 @@ HWY_EXPORT (process);
 void processDynamics (const DynamicsCircuits& circuits, std::span<DynamicsChannel> channels,
                       std::span<const DynamicsRows> rows, int n) noexcept
 {
-    constexpr std::size_t together = 2;
-
-    for (std::size_t first = 0; first < channels.size(); first += together)
+    if (circuits.expander.getMode() == Expander::Mode::expander)
     {
-        const auto pair = channels.subspan (first, std::min (together, channels.size() - first));
-        const auto* const pairRows = rows.data() + first;
+        std::array<Expander::Rows, 2> expanderRows;
 
-        if (circuits.expander.getMode() == Expander::Mode::expander)
-        {
-            std::array<Expander::Rows, together> expanderRows;
+        for (std::size_t c = 0; c < channels.size(); ++c)
+            expanderRows[c] = { &channels[c].expander, rows[c].key, rows[c].attenuationsDb };
 
-            for (std::size_t c = 0; c < pair.size(); ++c)
-                expanderRows[c] = { &pair[c].expander, pairRows[c].key, pairRows[c].attenuationsDb };
-
-            circuits.expander.makeAttenuations (std::span (expanderRows).first (pair.size()), n);
-        }
-
-        TARVIK_DISPATCH (dynamics::process) (circuits, pair, pairRows, n);
+        circuits.expander.makeAttenuations (std::span (expanderRows).first (channels.size()), n);
     }
+
+    TARVIK_DISPATCH (dynamics::process) (circuits, channels, rows.data(), n);
 
     for (auto& channel : channels)
     {

@@ -38,8 +38,8 @@ struct DynamicsRows
     float* gains = nullptr;           ///< goes out: the gain element's gain, about 31.6 without signal
 };
 
-/** Audio thread: runs each channel's feedback loop over its rows of n samples, sample by sample. Two channels take
-    little longer than one, since each waits for its own gain most of the time. */
+/** Audio thread: runs the feedback loops of one or two channels over their rows of n samples, sample by sample. Two
+    take little longer than one, since each waits for its own gain most of the time. */
 void processDynamics (const DynamicsCircuits& circuits, std::span<DynamicsChannel> channels,
                       std::span<const DynamicsRows> rows, int n) noexcept;
 

@@ -45,27 +45,25 @@ void DynamicsSection::prepare (double rateHz, int numChannels, int maxSamples)
     for (auto* const ramp : getRamps())
         ramp->prepare (rampSteps (rateHz));
 
-    for (auto* const row : getRows())
-        row->assign (length, 0.0f);
+    for (auto* const curve : getCurves())
+        curve->assign (length, 0.0f);
 
+    constexpr std::size_t rowsPerChannel = 3;
     areCurvesKept = false;
     loops.assign (count, {});
-    channels.assign (count, {});
+    needles.assign (count, {});
     sidechainRows.assign (count, nullptr);
+    workRows.assign (rowsPerChannel * count, Row (length));
+    attenuationsDb.assign (count * length, 0.0);
     loopRows.clear();
     detectorRows.clear();
 
-    for (auto& channel : channels)
+    for (std::size_t c = 0; c < count; ++c)
     {
-        channel.needle.prepare (rateHz);
-        channel.attenuationsDb.assign (length, 0.0);
-
-        for (auto* const row : { &channel.detector, &channel.key, &channel.gains })
-            row->assign (length, 0.0f);
-
-        loopRows.push_back (
-            { channel.detector.data(), channel.key.data(), channel.attenuationsDb.data(), channel.gains.data() });
-        detectorRows.push_back (channel.detector.data());
+        auto* const own = &workRows[rowsPerChannel * c];
+        needles[c].prepare (rateHz);
+        loopRows.push_back ({ own[0].data(), own[1].data(), &attenuationsDb[c * length], own[2].data() });
+        detectorRows.push_back (loopRows.back().detector);
     }
 
     takeSettings();
@@ -73,14 +71,16 @@ void DynamicsSection::prepare (double rateHz, int numChannels, int maxSamples)
 
 void DynamicsSection::release()
 {
-    for (auto* const row : getRows())
-        *row = {};
+    for (auto* const curve : getCurves())
+        *curve = {};
 
     loops = {};
     loopRows = {};
-    channels = {};
+    workRows = {};
+    attenuationsDb = {};
     detectorRows = {};
     sidechainRows = {};
+    needles = {};
 }
 
 void DynamicsSection::reset() noexcept
@@ -93,11 +93,8 @@ void DynamicsSection::reset() noexcept
     detectorFilters.reset();
     std::fill (loops.begin(), loops.end(), DynamicsChannel {});
 
-    for (auto& channel : channels)
-    {
-        channel.needle.reset();
-        channel.meteredGain = 0.0f;
-    }
+    for (auto& needle : needles)
+        needle.reset();
 }
 
 //==============================================================================
@@ -151,7 +148,7 @@ void DynamicsSection::applySettings (const DynamicsSettings& newest) noexcept
     for (auto& loop : loops)
     {
         if (wasOff)
-            Expander::restDetector (loop.expander);
+            Expander::clearDetector (loop.expander);
         else if (isOff)
             circuits.expander.beginFall (loop.expander);
     }
@@ -191,9 +188,8 @@ void DynamicsSection::process (float* const* main, int n, int numSidechain) noex
 
         // audio x ((1 - mix) + input x mix x output x gain): dry and wet share one multiplication, so no delay can come
         // between them.
-        for (std::size_t c = 0; c < channels.size(); ++c)
-            rows::scaleByMix (main[c], loudestAudio, dryCurve.data(), wetCurve.data(), channels[c].gains.data(),
-                              length);
+        for (std::size_t c = 0; c < loops.size(); ++c)
+            rows::scaleByMix (main[c], loudestAudio, dryCurve.data(), wetCurve.data(), loopRows[c].gains, length);
 
         n -= length;
     }
@@ -228,12 +224,12 @@ void DynamicsSection::fillCurves (int n) noexcept
 /** One row for each main channel. */
 const float* const* DynamicsSection::chooseSidechain (const float* const* main, int n, int numSidechain) noexcept
 {
-    const auto* const* const sidechain = main + channels.size();
+    const auto* const* const sidechain = main + loops.size();
 
     if (numSidechain <= 0)
         return main;
 
-    if (static_cast<std::size_t> (numSidechain) == channels.size())
+    if (static_cast<std::size_t> (numSidechain) == loops.size())
         return sidechain;
 
     const auto share = 1.0f / static_cast<float> (numSidechain);
@@ -250,7 +246,7 @@ void DynamicsSection::makeDetectorRows (const float* const* main, const float* c
 {
     const auto* const* const source = settings.hearsSidechain ? sidechain : main;
 
-    for (std::size_t c = 0; c < channels.size(); ++c)
+    for (std::size_t c = 0; c < loops.size(); ++c)
         rows::clampedProduct (detectorRows[c], source[c], detectorCurve.data(), loudestKey, n);
 
     detectorFilters.process (detectorRows.data(), n);
@@ -261,9 +257,9 @@ void DynamicsSection::makeKeys (const float* const* main, const float* const* si
 {
     const auto mode = circuits.expander.getMode();
 
-    for (std::size_t c = 0; c < channels.size(); ++c)
+    for (std::size_t c = 0; c < loops.size(); ++c)
     {
-        auto* const key = channels[c].key.data();
+        auto* const key = loopRows[c].key;
 
         if (mode == Expander::Mode::gate)
         {
@@ -285,8 +281,8 @@ void DynamicsSection::feedNeedles (int n) noexcept
     if (! isHeard)
         rows::fill (scratch.data(), idleGain, n);
 
-    for (auto& channel : channels)
-        channel.meteredGain = channel.needle.process (isHeard ? channel.gains.data() : scratch.data(), n);
+    for (std::size_t c = 0; c < needles.size(); ++c)
+        needles[c].process (isHeard ? loopRows[c].gains : scratch.data(), n);
 }
 
 //==============================================================================
@@ -297,9 +293,9 @@ void DynamicsSection::writeReadOuts (ParameterSnapshot& snapshot) const noexcept
     auto limiterVolts = 0.0;
     auto expanderVolts = 0.0;
 
-    for (std::size_t c = 0; c < channels.size(); ++c)
+    for (std::size_t c = 0; c < loops.size(); ++c)
     {
-        smallestGain = std::min (smallestGain, channels[c].meteredGain);
+        smallestGain = std::min (smallestGain, needles[c].getReading());
         limiterVolts = std::max (limiterVolts, loops[c].limiterVolts);
         expanderVolts = std::max (expanderVolts, loops[c].expander.volts);
     }

@@ -26,8 +26,8 @@ namespace tarvik
     The detector hears what the gain element left of the last sample: feedback, so the loop goes sample by sample. A
     side chain may stand in for the main signal on the way to the detector and to the gate.
 
-    Between update() and process() ramps and filters take requests; everything else goes through a hand-over that
-    process() looks into once per slice.
+    Ramps and filters take requests from update(); everything else goes through a hand-over that process() looks into
+    once per slice.
 */
 class DynamicsSection
 {
@@ -52,18 +52,9 @@ public:
 private:
     using Row = std::vector<float>;
 
-    /** One main channel's meter and work rows. */
-    struct Channel
-    {
-        NeedleFilter needle;
-        float meteredGain = 0.0f; ///< where the needle stands, in units of the gain element's gain
-        Row detector, key, gains;
-        std::vector<double> attenuationsDb;
-    };
-
     std::array<SharedRamp<LinearRamp>*, 3> getRamps() noexcept { return { &mixRamp, &inputRamp, &outputRamp }; }
 
-    std::array<Row*, 5> getRows() noexcept { return { &inputCurve, &detectorCurve, &wetCurve, &dryCurve, &scratch }; }
+    std::array<Row*, 5> getCurves() noexcept { return { &inputCurve, &detectorCurve, &wetCurve, &dryCurve, &scratch }; }
 
     void takeSettings() noexcept;
     void applySettings (const DynamicsSettings& newest) noexcept;
@@ -87,16 +78,18 @@ private:
     SharedRamp<LinearRamp> outputRamp;
     DetectorFilters detectorFilters;
     DynamicsCircuits circuits;
-    std::vector<DynamicsChannel> loops; ///< of every channel, with its rows:
+    std::vector<DynamicsChannel> loops; ///< of every main channel, with what stands in its rows
     std::vector<DynamicsRows> loopRows;
-    std::vector<Channel> channels;
+    std::vector<Row> workRows;
+    std::vector<double> attenuationsDb;
     std::vector<float*> detectorRows;
     std::vector<const float*> sidechainRows;
-    bool areCurvesKept = false; ///< whether the curves hold what idle ramps make of them
-    Row inputCurve;             ///< input
-    Row detectorCurve;          ///< input x sensitivity
-    Row wetCurve;               ///< input x mix x output
-    Row dryCurve;               ///< 1 - mix
+    std::vector<NeedleFilter> needles; ///< they read the gain element's gain
+    bool areCurvesKept = false;        ///< whether the curves hold what idle ramps make of them
+    Row inputCurve;                    ///< input
+    Row detectorCurve;                 ///< input x sensitivity
+    Row wetCurve;                      ///< input x mix x output
+    Row dryCurve;                      ///< 1 - mix
     Row scratch;
 };
 

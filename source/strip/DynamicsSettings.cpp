@@ -11,7 +11,7 @@ namespace tarvik
 namespace
 {
 /** Gain of an input or output potentiometer, 0 to 5: a law of 34 dB, which below 1 falls to nothing in a straight line.
-    At rest in the middle both together, with the make-up of the output, take off the 30 dB that the gain element gives.
+    In the middle the two, with the make-up of the output, take off the 30 dB that the gain element gives.
 */
 double potentiometerGain (double position) noexcept
 {

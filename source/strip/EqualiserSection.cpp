@@ -11,8 +11,6 @@ namespace tarvik
 
 namespace
 {
-constexpr auto makeupGain = static_cast<float> (ConsoleEQ::makeupGain);
-
 EQControls controlsOf (const ParameterSnapshot& snapshot, int toleranceChannel) noexcept
 {
     return { .highFreq = snapshot.highFreq,
@@ -39,8 +37,6 @@ void EqualiserSection::prepare (double rateHz, int numChannels, int maxSamples)
 
     fader.prepare (rateHz, numChannels, maxSamples);
 }
-
-void EqualiserSection::release() { fader.release(); }
 
 void EqualiserSection::reset() noexcept
 {
@@ -73,14 +69,12 @@ void EqualiserSection::update (const ParameterSnapshot& snapshot, bool force) no
     }
 }
 
-void EqualiserSection::process (float* const* channels, int n) noexcept
+void EqualiserSection::process (float* const* channels, int numSamples) noexcept
 {
-    fader.begin (channels, n);
-
-    ConsoleEQ::process (std::span (equalisers).first (numInUse), channels, n);
-    rows::scale (channels, static_cast<int> (numInUse), makeupGain, n);
-
-    fader.end (channels, n);
+    fader.begin (channels, numSamples);
+    ConsoleEQ::process (std::span (equalisers).first (numInUse), channels, numSamples);
+    rows::scale (channels, static_cast<int> (numInUse), static_cast<float> (ConsoleEQ::makeupGain), numSamples);
+    fader.end (channels, numSamples);
 }
 
 } // namespace tarvik

@@ -12,28 +12,20 @@ namespace tarvik
 {
 
 /** The equaliser of all channels of a strip, faded in and out as a whole, with the fixed gain that makes up for the
-    loss of its passive network. Each audio channel is the console channel that "TOL Channel" says or, unlinked, that
-    one's neighbours in turn.
+    loss of its passive network. Each audio channel is the console channel that "TOL Channel" says or, unlinked,
+    one of its neighbours.
 */
 class EqualiserSection
 {
 public:
-    /** While no audio runs and nothing updates; allocates. The rate is that at which `process` runs, in Hz. */
+    // A ControlledStage.
     void prepare (double rateHz, int numChannels, int maxSamples);
-
-    /** While no audio runs: frees the fade's rows. */
-    void release();
-
-    /** While no audio runs: ends all moves, brings in the newest design and clears what the filters remember. */
     void reset() noexcept;
 
-    /** Any thread, the audio thread included, one call at a time: takes over what differs from the values seen last, or
-        everything when forced.
-    */
-    void update (const ParameterSnapshot& snapshot, bool force) noexcept;
+    void release() { fader.release(); }
 
-    /** Audio thread: n samples of each channel, in place. */
-    void process (float* const* channels, int n) noexcept;
+    void update (const ParameterSnapshot& snapshot, bool force) noexcept;
+    void process (float* const* channels, int numSamples) noexcept;
 
 private:
     /** Only ever grows: the filters inside may not be destroyed on every thread that prepares. */

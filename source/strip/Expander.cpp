@@ -98,7 +98,7 @@ double Expander::getActivity (double volts) const noexcept
     return mode == Mode::off || rangeDb <= smallestRangeDb ? 0.0 : volts / rangeDb;
 }
 
-void Expander::restDetector (State& state) noexcept
+void Expander::clearDetector (State& state) noexcept
 {
     state.rms = std::sqrt (floorSquare);
     state.anchorDb = std::log (state.rms) * dbPerNeper;

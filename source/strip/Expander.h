@@ -137,9 +137,9 @@ public:
     double getActivity (double volts) const noexcept;
 
     /** Puts the detector where it ends without a key. The capacitor keeps its voltage. */
-    static void restDetector (State& state) noexcept;
+    static void clearDetector (State& state) noexcept;
 
-    /** Takes a voltage to 0 before it is small enough to slow the processor down. */
+    /** Takes a voltage to 0 at the floor. */
     static void settle (State& state) noexcept;
 
 private:

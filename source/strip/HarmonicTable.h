@@ -50,11 +50,10 @@ public:
 
     static constexpr std::size_t columnsWithPadding = 8;
 
-    /** Multiplies amplitudes and coefficients by `unit`, the size of amplitude 1 in samples. Any thread; allocates
-        nothing. */
+    /** Multiplies amplitudes and coefficients by `unit`, the size of amplitude 1 in samples. */
     explicit HarmonicTable (double unit) noexcept;
 
-    // The same numbers in the two orders in which vectors want them. A value at a position between rows i and i + 1 is
+    // The same numbers in the two orders that vectors need. A value at a position between rows i and i + 1 is
     // value + fraction * step, both of row i.
     alignas (32) std::array<std::array<float, numRows>, columnsWithPadding> valueColumns {};
     alignas (32) std::array<std::array<float, numRows>, columnsWithPadding> stepColumns {};

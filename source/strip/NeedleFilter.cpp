@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <numbers>
 
 namespace tarvik
 {
@@ -39,8 +40,8 @@ NeedleFilter::Pair NeedleFilter::advanceOne (const Pair& from, double x) const n
 
 void NeedleFilter::prepare (double rateHz)
 {
-    constexpr double omegaRadPerSecond = 13.50884841043611;
-    constexpr double q = 0.615;
+    constexpr double omegaRadPerSecond = 2.0 * std::numbers::pi * 2.15;
+    constexpr double q = 0.615; // swings over by 1.2 %
     using Design = MZTiCoefs<double, 2, 2>;
 
     const auto analogue = AnalogBiquad::make (AnalogBiquad::Type::lowPass, q, 1.0, 1.0, omegaRadPerSecond);
@@ -81,10 +82,10 @@ NeedleFilter::Pair NeedleFilter::advance (const Pair& from, const float* row, st
                  + weightedSum (&secondInputs[unused], row, n) };
 }
 
-float NeedleFilter::process (const float* row, int n) noexcept
+void NeedleFilter::process (const float* row, int n) noexcept
 {
     if (n <= 0)
-        return reading;
+        return;
 
     const auto length = static_cast<std::size_t> (n);
 
@@ -96,11 +97,8 @@ float NeedleFilter::process (const float* row, int n) noexcept
     const auto beforeLast = (input.second * newest - state.second) / recursion.second;
     reading = static_cast<float> (feedForward * newest + beforeLast);
 
-    // A needle at rest stays at rest instead of creeping through numbers that slow the processor down.
     if (std::abs (state.first) < stateFloor && std::abs (state.second) < stateFloor)
         state = {};
-
-    return reading;
 }
 
 } // namespace tarvik

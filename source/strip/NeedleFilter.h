@@ -7,7 +7,7 @@
 namespace tarvik
 {
 
-/** The inertia of a moving needle: a second-order low pass at 2.15 Hz with gain 1 at rest, slightly springy.
+/** The inertia of a moving needle: a second-order low pass at 2.15 Hz with gain 1 for what stays, slightly springy.
 
     Only where the needle stands after a row matters, so the rows pass through the state alone, up to 64 samples in one
     step: state = A^n state + A^(n-1) b x0 + ... + b x(n-1). 64-bit throughout.
@@ -25,9 +25,11 @@ public:
         reading = 0.0f;
     }
 
-    /** Audio thread: takes n finite samples, which it leaves as they are, and returns the filtered value at the last of
-        them; without samples the one before stays. */
-    float process (const float* row, int n) noexcept;
+    /** Audio thread: takes n finite samples, which it leaves as they are. */
+    void process (const float* row, int n) noexcept;
+
+    /** The filtered value at the last sample. */
+    float getReading() const noexcept { return reading; }
 
 private:
     static constexpr std::size_t longestStep = 64;

@@ -27,6 +27,7 @@ void NeedleMeter::process (const float* const* channels, int numSamples) noexcep
     constexpr auto scale = static_cast<float> (1.5707964 / 1.0954451150103321);
 
     rows::meanMagnitude (magnitude.data(), channels, numMain, numSamples);
-    reading = scale * needle.process (magnitude.data(), numSamples);
+    needle.process (magnitude.data(), numSamples);
+    reading = scale * needle.getReading();
 }
 } // namespace tarvik

@@ -9,8 +9,8 @@
 namespace tarvik
 {
 
-/** exp (-1 / volts) without library call or division: how far the compressor's attack resistor has opened at an error
-    of so many volts. A call would cost the loop around it the contents of all its vector registers.
+/** exp (-1 / volts) without a library call, which would cost the loop around it its vector registers, or a division:
+    how far the compressor's attack resistor has opened at an error of so many volts.
 
     Every octave of volts has its cells, each with a Taylor polynomial around its middle. Within 1e-10 of the true
     value, the same bits on every instruction set. Constant; any thread.

@@ -3,6 +3,7 @@
 
 #include "dsp/RampTimes.h"
 #include "dsp/Ramps.h"
+#include "dsp/RowOperations.h"
 
 #include <cstddef>
 #include <vector>
@@ -10,7 +11,7 @@
 namespace tarvik
 {
 /** A smoothed value with the row of its coming samples, which is written once and kept while the ramp is idle. A full
-    move lasts 0.1 s. */
+    move lasts 0.1 s. As a Stage it is a gain. */
 template <typename RampType>
 class RampRow
 {
@@ -20,11 +21,11 @@ public:
     /** Any thread. */
     void request (double value) noexcept { ramp.request (value); }
 
-    /** While no audio runs, as the two below: ends the move. */
-    void prepare (double rateHz, int maxSamples)
+    void prepare (double rateHz, int numChannels, int maxSamples)
     {
-        ramp.prepare (rampSteps (rateHz));
+        numMain = numChannels;
         row.assign (static_cast<std::size_t> (maxSamples), 0.0f);
+        ramp.prepare (rampSteps (rateHz));
         isConstant = false;
     }
 
@@ -35,6 +36,15 @@ public:
     }
 
     void release() { row = {}; }
+
+    void process (float* const* channels, int numSamples) noexcept
+    {
+        const auto* const gains = advance (numSamples);
+
+        if (! isConstantly (1.0f))
+            for (int c = 0; c < numMain; ++c)
+                rows::multiply (channels[c], gains, numSamples);
+    }
 
     /** Audio thread: the next n values. */
     const float* advance (int n) noexcept
@@ -54,6 +64,7 @@ public:
 private:
     SharedRamp<RampType> ramp;
     std::vector<float> row;
+    int numMain = 0;
     bool isConstant = false;
 };
 } // namespace tarvik

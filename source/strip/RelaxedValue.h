@@ -8,8 +8,7 @@ namespace tarvik
 
 /** A plain value that several threads may read and write at once, each access whole and nothing ordered around it.
 
-    It copies and converts like the value itself, so that a record of such fields is copied member by member. On every
-    machine we build for a load or a store is one ordinary instruction.
+    It copies and converts like the value itself, so that a record of such fields is copied member by member.
 */
 template <typename T>
 class RelaxedValue

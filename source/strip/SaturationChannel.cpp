@@ -6,6 +6,7 @@
 #include <array>
 #include <cstddef>
 #include <numbers>
+#include <span>
 
 namespace tarvik
 {
@@ -77,6 +78,17 @@ void SaturationChannel::reset() noexcept
 }
 
 //==============================================================================
+void SaturationChannel::shape (std::span<SaturationChannel* const> channels, float* const* rows, const float* scale,
+                               int n) noexcept
+{
+    std::array<SaturationShaper*, 2> shapers {};
+
+    for (std::size_t c = 0; c < channels.size(); ++c)
+        shapers[c] = &channels[c]->shaper;
+
+    SaturationShaper::process (std::span (shapers).first (channels.size()), rows, scale, n);
+}
+
 void SaturationChannel::filter (std::span<SaturationChannel* const> channels, float* const* rows, int n) noexcept
 {
     decltype (filters)::process (channels, &SaturationChannel::filters, rows, n);

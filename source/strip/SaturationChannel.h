@@ -32,10 +32,12 @@ public:
     /** Ends all moves and clears what the channel remembers. */
     void reset() noexcept;
 
-    SaturationShaper& getShaper() noexcept { return shaper; }
+    /** The harmonics of one or two channels together, each with its row of n samples, in place, turned down by n factors
+        of 0 to 1; the same bits as one by one. */
+    static void shape (std::span<SaturationChannel* const> channels, float* const* rows, const float* scale,
+                       int n) noexcept;
 
-    /** The output filters of several channels in shared passes, each with its row of n samples, in place; the same bits
-        as one by one. */
+    /** Their output filters, in the same way. */
     static void filter (std::span<SaturationChannel* const> channels, float* const* rows, int n) noexcept;
 
 private:

@@ -7,9 +7,7 @@
 #include "strip/ToleranceChannel.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
-#include <span>
 
 namespace tarvik
 {
@@ -28,8 +26,8 @@ void SaturationSection::prepare (double rateHz, int numChannels, int maxSamples)
         inUse.back()->prepare (rateHz, maxSamples);
     }
 
-    harmonicScale.prepare (rateHz, maxSamples);
-    overdriveMix.prepare (rateHz, maxSamples);
+    harmonicScale.prepare (rateHz, numChannels, maxSamples);
+    overdriveMix.prepare (rateHz, numChannels, maxSamples);
     bent.assign (static_cast<std::size_t> (maxSamples), 0.0f);
 }
 
@@ -70,26 +68,15 @@ void SaturationSection::update (const ParameterSnapshot& snapshot, bool force) n
 
 void SaturationSection::process (float* const* channels, int numSamples) noexcept
 {
-    constexpr std::size_t together = 2; // two channels cost little more than one
     const auto* const scale = harmonicScale.advance (numSamples);
     const auto* const mix = overdriveMix.advance (numSamples);
+    SaturationChannel::shape (inUse, channels, scale, numSamples);
 
-    for (std::size_t first = 0; first < inUse.size(); first += together)
-    {
-        const auto pair = std::span (inUse).subspan (first, std::min (together, inUse.size() - first));
-        auto* const* const rows = channels + first;
-        std::array<SaturationShaper*, together> shapers {};
+    if (! overdriveMix.isConstantly (0.0f))
+        for (std::size_t c = 0; c < inUse.size(); ++c)
+            overdrive (channels[c], mix, numSamples);
 
-        std::transform (pair.begin(), pair.end(), shapers.begin(),
-                        [] (auto* channel) { return &channel->getShaper(); });
-        SaturationShaper::process (std::span (shapers).first (pair.size()), rows, scale, numSamples);
-
-        if (! overdriveMix.isConstantly (0.0f))
-            for (std::size_t c = 0; c < pair.size(); ++c)
-                overdrive (rows[c], mix, numSamples);
-
-        SaturationChannel::filter (pair, rows, numSamples);
-    }
+    SaturationChannel::filter (inUse, channels, numSamples);
 }
 
 /** out (1 - k) - tanh (0.5 - out) k, as out + k (tanh (out - 0.5) - out). The bias puts the signal's zero off the middle

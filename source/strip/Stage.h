@@ -7,9 +7,8 @@ namespace tarvik
 {
 /** The shape of every stage of the strip. Rates are in Hz, rows have one float per sample.
 
-    - prepare: while no audio runs; allocates for the main channels of the strip and calls of at most maxSamples.
-      `rateHz`, above 0, is the rate at which process() runs. What was asked for before is there at once, without a
-      move.
+    - prepare: while no audio runs; allocates for one or two main channels and calls of at most maxSamples. `rateHz`,
+      above 0, is the rate at which process() runs. Moves end at their targets.
     - reset: while no audio runs. Ends all moves and clears what the stage remembers.
     - release: while no audio runs. Frees the work rows; prepare() comes before audio again.
     - process: audio thread. `numSamples` samples of each main channel, in place. It neither allocates nor waits. */

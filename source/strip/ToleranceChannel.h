@@ -10,7 +10,7 @@ namespace tarvik
 {
 
 /** The console channel, counted from 0, that an audio channel is: the same on every side when linked, otherwise
-    neighbours in turn, where the last side shares the last channel.
+    neighbours, where the last side shares the last channel.
 */
 inline int toleranceChannelOf (const ParameterSnapshot& snapshot, int audioChannel) noexcept
 {

@@ -9,7 +9,8 @@ namespace tarvik
 
 namespace
 {
-// Position in the table, counted in points: ((-9.914435 - (volts - 12.32) * 0.087612525) + 11) * 10.000001.
+// Position in the table, counted in points: ((-9.914435 - (volts - 12.32) * 0.087612525) + 11) * 10.000001. Scale
+// and gains are fitted.
 constexpr double scaleAtReference = -9.914435;
 constexpr double referenceVolts = 12.32;
 constexpr double scalePerVolt = 0.087612525;

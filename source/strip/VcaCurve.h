@@ -35,8 +35,7 @@ public:
     /** The line that a voltage falls on; a NaN counts as very low. */
     static const Segment& getSegment (double volts) noexcept;
 
-    /** Where the line through the two lowest gains reaches 0. Voltages beyond it would turn the sign of the gain, and
-        with it that of the loop's feedback. */
+    /** Where the line through the two lowest gains reaches 0; beyond it the loop's feedback would change its sign. */
     static double getZeroGainVolts() noexcept;
 };
 

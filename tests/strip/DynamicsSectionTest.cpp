@@ -38,7 +38,7 @@ struct PreparedSection
         section.reset();
     }
 
-    /** Whole channels, main ones first, in slices of the given lengths in turn; the main ones come back changed. */
+    /** Whole channels, main ones first, in slices of the given lengths, over and over; the main ones come back changed. */
     std::vector<Signal> process (std::vector<Signal> channels, const std::vector<int>& slices = { 256 })
     {
         inPieces (channels.front().size(), slices,
@@ -109,7 +109,7 @@ double compareWithPlain (const ParameterSnapshot& settings, double rateHz, const
                 break;
             }
 
-            // A float's smallest steps are no measure of a gain.
+            // A float's smallest steps are not a measure of a gain.
             if (std::abs (expected) > 1e-20)
                 worst = std::max (worst, std::abs (static_cast<double> (out[c][i]) / expected - 1.0));
         }

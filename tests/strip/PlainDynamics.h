@@ -12,7 +12,7 @@
 namespace tarvik::plain
 {
 // The dynamics as their formulas stand, in 64 bits, one step after the other and nothing combined beforehand: what the
-// fast form is measured against. One channel, settings at rest, without the detector's filters.
+// fast form is measured against. One channel, settings that do not move, without the detector's filters.
 class Dynamics
 {
 public:

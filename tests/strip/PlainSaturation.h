@@ -124,7 +124,7 @@ private:
     PlainQuadrature quadrature;
 };
 
-/** A channel at rest with the values of one console channel: high pass Hz and Q, low pass Hz and Q, gain. */
+/** A channel with the values of one console channel: high pass Hz and Q, low pass Hz and Q, gain. */
 class PlainSaturation
 {
 public:
