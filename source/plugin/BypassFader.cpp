@@ -32,7 +32,7 @@ void BypassFader::beginSlice (const float* const* channels, int n, LatencyDelay&
 
     for (int c = 0; c < blend.getNumChannels(); ++c)
     {
-        // At rest the dry share is nothing at all. Left as it was, the last fade would sound again at the next bypass.
+        // Without a fade the dry share is silence. Left as it was, the last fade would sound again at the next bypass.
         if (! activeThisSlice)
             rows::fill (blend.dryRow (c), 0.0f, n);
 

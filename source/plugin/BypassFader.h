@@ -9,9 +9,8 @@ namespace tarvik
 
 class LatencyDelay;
 
-/** Fades between the strip and its delayed input over 100 ms. Audio thread, but for `prepare`.
-
-    While the strip is fully in, the fader costs nothing once the delay's history is silent.
+/** Fades between the strip and its delayed input over 100 ms; without a fade it costs nothing once the delay's history
+    is silent. Audio thread, except `prepare`.
 */
 class BypassFader
 {
@@ -30,7 +29,7 @@ public:
 private:
     WetDryRows blend;
     bool activeThisSlice = false;
-    int silentSamples = 0; ///< That the delay has had since the last fade; counted no further than its length.
+    int silentSamples = 0; ///< What the delay has had since the last fade; counted no further than its length.
 };
 
 } // namespace tarvik

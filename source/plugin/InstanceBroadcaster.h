@@ -28,12 +28,10 @@ struct BroadcastMessage
 
 static_assert (sizeof (BroadcastMessage) == sizeof (std::uint64_t));
 
-/** The process-wide list of instances.
-
-    A broadcast walks the list under the mutex, in the order of registration and with the sender included; a constructor
-    or destructor on another thread waits for its end. The mutex is recursive, so that a host which makes or deletes an
-    instance while it is being told of a change does not lock itself out: a listener that leaves during the walk is not
-    called any more, one that comes may be.
+/** The process-wide list of instances. A broadcast walks it under the mutex, in the order of registration and with the
+    sender included; a constructor or destructor on another thread waits for its end. The mutex is recursive, because a
+    host may make or delete an instance while it hears of a change: one that leaves during the walk is not called any
+    more.
 */
 class InstanceBroadcaster
 {
@@ -47,9 +45,7 @@ public:
         virtual void handleBroadcast (BroadcastMessage message) = 0;
 
     protected:
-        /** Any thread. While it is in the list but not ready, a listener is passed over: half an object must not be
-            called.
-        */
+        /** Any thread. A listener that is not ready is skipped: half an object must not be called. */
         void setReadyForBroadcasts (bool shouldBeReady) noexcept { isReady = shouldBeReady; }
 
     private:

@@ -11,16 +11,16 @@ namespace tarvik
 
 namespace
 {
-/** +60 dBFS. Audio beyond it, or that is no number at all, is held here before any stage can keep it. */
+/** +60 dBFS. Audio beyond it, or that is not a number, is held here before any stage can keep it. */
 constexpr float highestSample = 1000.0f;
 
-/** A damaged project may calibrate the strip to any gain. What that makes of samples is held where every stage can
-    still calculate; up to a gain of 100 dB nothing is held.
+/** A damaged project may calibrate the strip to any gain. Beyond 100 dB the scaled samples are held where every stage
+    can still calculate.
 */
 constexpr double highestPlainCalibration = 1.0e5;
 constexpr float highestScaledSample = 1.0e8f;
 
-/** A host that announces no rate at all gets filters for the commonest one, rather than unstable ones. */
+/** A host that announces no usable rate gets filters for the commonest one, rather than unstable ones. */
 double usableRate (double announcedHz) noexcept
 {
     constexpr double commonestHz = 44100.0;
@@ -32,23 +32,20 @@ double usableRate (double announcedHz) noexcept
 void KVLProcessor::prepareToPlay (double announcedRate, int)
 {
     const juce::ScopedLock lock (preparationLock);
-    const UpdateGate::Hold hold (updateGate, [this] { updateDsp (false); });
+    const UpdateGate::Hold hold (updateGate, [this] { update (false); });
 
-    const auto sampleRate = usableRate (announcedRate);
-    maxSliceSize = sliceSize;
-    preparedSampleRate = sampleRate;
-
-    const auto factor = oversamplingFactor();
+    const auto sampleRate = preparedSampleRate = usableRate (announcedRate);
+    const auto numMain = preparedMainChannels = getChannelCountOfBus (true, 0);
+    const auto factor = OversamplerBank::usableFactor (oversamplingSetting().getValue());
     latencyInUse = OversamplerBank::latencyOfFactor (factor);
-    const auto numMain = getChannelCountOfBus (true, 0);
-    preparedMainChannels = numMain;
+    maxSliceSize = sliceSize;
 
     prepareDsp (sampleRate, factor, numMain, sliceSize);
 
     // Slices are cut to 256 whatever the host announces and sends, so that is what the rows hold.
     gainRows.setSize (numGainRows, sliceSize, false, true, true);
 
-    updateDsp (true);
+    update (true);
     resetDsp();
 
     oversamplers.prepare (std::max (getTotalNumInputChannels(), 2 * numMain), factor, sliceSize);
@@ -61,7 +58,7 @@ void KVLProcessor::prepareToPlay (double announcedRate, int)
 void KVLProcessor::releaseResources()
 {
     const juce::ScopedLock lock (preparationLock);
-    const UpdateGate::Hold hold (updateGate, [this] { updateDsp (false); });
+    const UpdateGate::Hold hold (updateGate, [this] { update (false); });
 
     maxSliceSize = 0;
     releaseDsp();
@@ -79,21 +76,11 @@ void KVLProcessor::processBlock (juce::AudioBuffer<float>& buffer, juce::MidiBuf
 
     const juce::ScopedNoDenormals noDenormals;
 
-    if (! licence.permitsAudio() || ! isPrepared())
-    {
-        buffer.clear();
-        return;
-    }
-
-    if (buffer.getNumSamples() == 0)
+    if (! canProcess (buffer))
         return;
 
     const auto layout = channelsOf (buffer);
-    noteSidechain (layout);
-
-    forEachSlice (buffer, layout,
-                  [&] (float** channels, int, int n)
-                  { processSlice (channels, layout.numMain, layout.numSidechain, n); });
+    processSlices (buffer, layout);
 
     // What came in on the side chain must not reach the host as output.
     for (int c = layout.firstUnheard; c < layout.numInputs; ++c)
@@ -108,38 +95,40 @@ void KVLProcessor::processBlockBypassed (juce::AudioBuffer<float>& buffer, juce:
         bypassFader.wet.set (0.0);
     }
 
-    if (! licence.permitsAudio() || ! isPrepared())
-    {
-        buffer.clear();
-        return;
-    }
-
-    if (buffer.getNumSamples() == 0)
+    if (! canProcess (buffer))
         return;
 
     const auto layout = channelsOf (buffer);
-    const auto isFading = ! bypassFader.wet.isIdle(); // once, for the whole block
 
-    if (isFading)
+    if (! bypassFader.wet.isIdle()) // asked once for the whole block
     {
-        noteSidechain (layout);
-        forEachSlice (buffer, layout,
-                      [&] (float** channels, int, int n)
-                      { processSlice (channels, layout.numMain, layout.numSidechain, n); });
+        processSlices (buffer, layout);
         return;
     }
 
     sidechainInUse = 0;
     const auto numDelayed = std::min (latencyDelay.getNumChannels(), buffer.getNumChannels());
 
-    forEachSlice (buffer, layout,
-                  [&] (float**, int offset, int n)
-                  {
-                      processBypassedChunk (n, layout.numSidechain, oversamplers.getFactor());
+    for (int offset = 0; offset < buffer.getNumSamples(); offset += sliceSize)
+    {
+        const auto n = std::min (static_cast<int> (sliceSize), buffer.getNumSamples() - offset);
+        processBypassedChunk (n, layout.numSidechain, oversamplers.getFactor());
 
-                      for (int c = 0; c < numDelayed; ++c)
-                          latencyDelay.process (c, buffer.getWritePointer (c, offset), n, latencyInUse);
-                  });
+        for (int c = 0; c < numDelayed; ++c)
+            latencyDelay.process (c, buffer.getWritePointer (c, offset), n, latencyInUse);
+    }
+}
+
+/** False if the block has no samples, or is silenced because nothing may run. */
+bool KVLProcessor::canProcess (juce::AudioBuffer<float>& buffer) const
+{
+    if (! licence.permitsAudio() || ! isPrepared())
+    {
+        buffer.clear();
+        return false;
+    }
+
+    return buffer.getNumSamples() > 0;
 }
 
 //==============================================================================
@@ -166,20 +155,14 @@ KVLProcessor::BlockChannels KVLProcessor::channelsOf (const juce::AudioBuffer<fl
     return layout;
 }
 
-/** A side chain that begins to be heard begins with silence, not with what its samplers kept from the last time. */
-void KVLProcessor::noteSidechain (const BlockChannels& layout)
+void KVLProcessor::processSlices (juce::AudioBuffer<float>& buffer, const BlockChannels& layout)
 {
+    // A side chain that begins to be heard begins with silence, not with what its samplers kept from the last time.
     for (int c = sidechainInUse; c < layout.numSidechain; ++c)
         oversamplers.clear (layout.numMain + c);
 
     sidechainInUse = layout.numSidechain;
-}
-
-template <typename SliceWork>
-void KVLProcessor::forEachSlice (juce::AudioBuffer<float>& buffer, const BlockChannels& layout, SliceWork&& work)
-{
     const auto numSamples = buffer.getNumSamples();
-    const auto mainInBuffer = std::min (layout.numMain, layout.sidechainStart);
 
     for (int offset = 0; offset < numSamples; offset += sliceSize)
     {
@@ -188,7 +171,7 @@ void KVLProcessor::forEachSlice (juce::AudioBuffer<float>& buffer, const BlockCh
 
         for (int c = 0; c < layout.numMain; ++c)
         {
-            if (c < mainInBuffer)
+            if (c < layout.sidechainStart)
             {
                 channels[c] = buffer.getWritePointer (c, offset);
             }
@@ -203,13 +186,13 @@ void KVLProcessor::forEachSlice (juce::AudioBuffer<float>& buffer, const BlockCh
         for (int c = 0; c < layout.numSidechain; ++c)
             channels[layout.numMain + c] = buffer.getWritePointer (layout.sidechainStart + c, offset);
 
-        work (channels, offset, n);
+        processSlice (channels, layout.numMain, layout.numSidechain, n);
     }
 }
 
 void KVLProcessor::processSlice (float** channels, int numMain, int numSide, int n)
 {
-    updateGate.catchUp ([this] { updateDsp (false); });
+    updateGate.catchUp ([this] { update (false); });
 
     const auto numChannels = numMain + numSide;
     auto* const inputGain = gainRows.getWritePointer (inputGainRow);
@@ -280,17 +263,5 @@ void KVLProcessor::processMiddleSection (float** channels, int numMain, int numS
     for (int c = 0; c < numMain; ++c)
         oversamplers.downsample (c, channels[c], n);
 }
-
-//==============================================================================
-void KVLProcessor::processPreOversampling (float**, int, int) {}
-
-void KVLProcessor::processOversampledChunk (float** channels, int numSamples, int numSidechainChannels)
-{
-    processChunk (channels, numSamples, numSidechainChannels);
-}
-
-void KVLProcessor::processPostOversampling (float**, int, int) {}
-
-void KVLProcessor::processBypassedChunk (int, int, int) {}
 
 } // namespace tarvik

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/KVLProcessor.h"
 
+#include "dsp/Decibels.h"
 #include "plugin/EditorInterface.h"
 #include "plugin/FactoryPrograms.h"
 #include "plugin/HostBuses.h"
 #include "plugin/LibraryStart.h"
 #include "plugin/ParameterTable.h"
-#include "plugin/ProductRecord.h"
 #include "plugin/SettingsFile.h"
 #include "plugin/SwitchParameter.h"
 
@@ -18,11 +18,10 @@ namespace tarvik
 KVLProcessor::KVLProcessor() : AudioProcessor (makeBuses())
 {
     startLibrary();
-    recordProduct();
 
     settingsFile.setStorageParameters (settingsFileOptions());
-    setLatencySamples (latencyInUse);
     makeSettings();
+    oversamplingChanged (oversamplingSetting().getValue());
 
     setReadyForBroadcasts (false); // until the concrete strip is complete
     InstanceBroadcaster::get().addListener (*this);
@@ -112,7 +111,7 @@ void KVLProcessor::parameterValueChanged (int index, float normalisedValue)
 
 void KVLProcessor::applySnapshot (const ParameterSnapshot& snapshot)
 {
-    // Values first: the parameters write into the slot in force, which may be the very snapshot that is applied.
+    // Values first: the parameters write into the current slot, which may be the very snapshot that is applied.
     std::array<float, numParameters> values {};
 
     for (int index = 0; index < numParameters; ++index)
@@ -152,14 +151,21 @@ void KVLProcessor::applySnapshot (const ParameterSnapshot& snapshot)
 
 void KVLProcessor::requestUpdate()
 {
-    updateGate.request ([this] { updateDsp (false); });
+    updateGate.request ([this] { update (false); });
 }
 
-void KVLProcessor::updateDsp (bool) {}
-
-bool KVLProcessor::isSidechainUsed() const { return false; }
-
-void KVLProcessor::onStateRestored() {}
+void KVLProcessor::update (bool force)
+{
+    const auto& snapshot = currentSnapshot();
+    const auto request = [force] (auto& ramp, float& lastDb, float db)
+    {
+        if (force || db != lastDb)
+            ramp.request (gainFromDb (static_cast<double> (lastDb = db)));
+    };
+    request (inputGainRamp, lastInLevelDb, snapshot.inLevel);
+    request (outputGainRamp, lastOutLevelDb, snapshot.outLevel);
+    updateDsp (force);
+}
 
 //==============================================================================
 void KVLProcessor::randomChannel()
@@ -209,7 +215,7 @@ void KVLProcessor::setCurrentProgram (int index)
 
     currentProgram = juce::jlimit (0, getNumPrograms() - 1, index);
 
-    // Hosts that restore a project set its program number right behind the state, which must not be overwritten by it.
+    // Hosts that restore a project set its program number right after the state, which it must not overwrite.
     if (juce::Time::getMillisecondCounter() - lastStateLoadTime < restoreMilliseconds)
         return;
 

@@ -8,6 +8,7 @@
 #include "plugin/LicenceCheck.h"
 #include "plugin/OversamplerBank.h"
 #include "plugin/ProcessorSetting.h"
+#include "plugin/StateSchema.h"
 #include "plugin/UpdateGate.h"
 #include "strip/ParameterSnapshot.h"
 
@@ -19,7 +20,7 @@
 namespace tarvik
 {
 
-/** Places of the settings in the processor's array. */
+/** Places of the settings in the processor's array, which `stateSchema::settingKeys` names in the same order. */
 namespace settingIndex
 {
 enum : int
@@ -34,12 +35,12 @@ enum : int
 } // namespace settingIndex
 
 /** The host-facing side of a strip: buses, parameters, settings, state, programs, and the block loop with input and
-   output gain, calibration, oversampling, latency delay and bypass fade. A concrete strip fills in the operations named
-    ...Dsp and process....
+    output gain, calibration, oversampling, latency delay and bypass fade. A concrete strip fills in the operations
+    named ...Dsp and process....
 
-    Threads. Blocks arrive on the host's audio thread. Parameters may change on any thread, on the audio thread too, and
-    reach the model through `updateDsp`, one call at a time and without a wait. Preparing, state, slots, programs and
-    settings belong to the message thread or the host's own state thread.
+    Threads: blocks arrive on the host's audio thread. Parameters may change on any thread, on that one too, and reach
+    the model through `updateDsp`, one call at a time and without a wait. Preparing, state, slots, programs and settings
+    belong to the message thread or the host's own state thread.
 */
 class KVLProcessor : public juce::AudioProcessor,
                      public juce::AudioProcessorParameter::Listener,
@@ -68,19 +69,16 @@ public:
 
     const ParameterSnapshot& getSlot (int index) const noexcept { return slots[static_cast<std::size_t> (index)]; }
 
-    /** Puts slot 0 (A) or 1 (B) in force and tells the host; any other index does nothing. */
+    /** Makes slot 0 (A) or 1 (B) the current one and tells the host; any other index does nothing. */
     void selectSlot (int index);
 
-    /** Copies the slot in force, with its read-outs and track, to the other one. The audio does not change. */
+    /** Copies the current slot, with its read-outs and track, to the other one. The audio does not change. */
     void copySlotToOther();
 
     /** Gives every parameter the snapshot's value, without gestures and only where it differs, and then brings the
         model up to date once. Meters, calibration and track are not touched.
     */
     void applySnapshot (const ParameterSnapshot& snapshot);
-
-    /** By the places of `settingIndex`. */
-    AbstractProcessorSetting& getSetting (int index) const { return *settings[index]; }
 
     ProcessorSetting<double>& calibrationSetting() const { return settingAt<double> (settingIndex::calibration); }
 
@@ -92,8 +90,7 @@ public:
 
     float getCalibrationGain() const noexcept { return calibrationGain; }
 
-    /** Draws a new console channel for this instance, inside a gesture; with unlinked sides the last one stays in
-     * range. */
+    /** Draws a new console channel for this instance, in a gesture, so that unlinked sides both find one. */
     void randomChannel();
 
     //==============================================================================
@@ -148,8 +145,7 @@ protected:
     KVLProcessor();
 
     //==============================================================================
-    // What a concrete strip provides. Channel arrays hold the main channels first and the side chain channels behind
-    // them.
+    // What a concrete strip provides. Channel arrays hold the main channels first, then those of the side chain.
 
     /** Sizes every stage for sampleRate x oversamplingFactor and for calls of at most maxSamples samples. */
     virtual void prepareDsp (double sampleRate, int oversamplingFactor, int numMainChannels, int maxSamples) = 0;
@@ -161,34 +157,37 @@ protected:
     virtual void releaseDsp() = 0;
 
     /** Host rate, once per slice. */
-    virtual void processPreOversampling (float** channels, int numSamples, int numSidechainChannels);
+    virtual void processPreOversampling (float** /*channels*/, int /*numSamples*/, int /*numSidechainChannels*/) {}
 
     /** Processing rate, at most 256 samples a call. */
-    virtual void processOversampledChunk (float** channels, int numSamples, int numSidechainChannels);
+    virtual void processOversampledChunk (float** channels, int numSamples, int numSidechainChannels)
+    {
+        processChunk (channels, numSamples, numSidechainChannels);
+    }
 
     /** The body of the strip; without oversampling it gets the slice itself. */
     virtual void processChunk (float** channels, int numSamples, int numSidechainChannels) = 0;
 
     /** Host rate, once per slice; the place for meters. */
-    virtual void processPostOversampling (float** channels, int numSamples, int numSidechainChannels);
+    virtual void processPostOversampling (float** /*channels*/, int /*numSamples*/, int /*numSidechainChannels*/) {}
 
     /** A slice in full bypass. */
-    virtual void processBypassedChunk (int numSamples, int numSidechainChannels, int oversamplingFactor);
+    virtual void processBypassedChunk (int /*numSamples*/, int /*numSidechainChannels*/, int /*oversamplingFactor*/) {}
 
-    /** Brings the model up to date with the snapshot in force; any thread, one call at a time. */
-    virtual void updateDsp (bool force);
+    /** Brings the model up to date with the current snapshot; any thread, one call at a time. */
+    virtual void updateDsp (bool /*force*/) {}
 
-    /** Whether the snapshot in force listens to the side chain. */
-    virtual bool isSidechainUsed() const;
+    /** Whether the current snapshot listens to the side chain. */
+    virtual bool isSidechainUsed() const { return false; }
 
     /** The end of a state load, whatever came of it. */
-    virtual void onStateRestored();
+    virtual void onStateRestored() {}
 
     //==============================================================================
     /** The end of a concrete constructor: listens to all parameters of the generic category, and to broadcasts. */
     void listenToParameters();
 
-    /** Has `updateDsp (false)` run: now, or on the thread that is at it. Never waits. */
+    /** Has `update (false)` run: now, or on the thread that is at it. Never waits. */
     void requestUpdate();
 
     bool isPrepared() const noexcept { return maxSliceSize.get() > 0; }
@@ -200,16 +199,13 @@ protected:
     }
 
     template <typename T>
-    void addSetting (const char* key, T fallback, typename ProcessorSetting<T>::Validator validator,
+    void addSetting (T fallback, typename ProcessorSetting<T>::Validator validator,
                      typename ProcessorSetting<T>::ChangeAction onChange)
     {
-        settings.add (
-            new ProcessorSetting<T> (settingsFile, key, fallback, std::move (validator), std::move (onChange)));
+        settings.add (new ProcessorSetting<T> (settingsFile, stateSchema::settingKeys[settings.size()], fallback,
+                                               std::move (validator), std::move (onChange)));
     }
 
-    SharedRamp<GeometricRamp> inputGainRamp { 1.0 };
-    SharedRamp<GeometricRamp> outputGainRamp { 1.0 };
-    std::array<ParameterSnapshot, numSlots> slots;
     RelaxedValue<bool> analogOn = true;
 
 private:
@@ -230,15 +226,12 @@ private:
     void zoomChanged();
     void tellEditorOfZoom();
 
-    /** Of the setting, held within what there is. */
-    int oversamplingFactor() const { return OversamplerBank::usableFactor (oversamplingSetting().getValue()); }
+    /** The level ramps first, then the model. */
+    void update (bool force);
 
+    bool canProcess (juce::AudioBuffer<float>& buffer) const;
     BlockChannels channelsOf (const juce::AudioBuffer<float>& buffer) const;
-    void noteSidechain (const BlockChannels& layout);
-
-    template <typename SliceWork>
-    void forEachSlice (juce::AudioBuffer<float>& buffer, const BlockChannels& layout, SliceWork&& work);
-
+    void processSlices (juce::AudioBuffer<float>& buffer, const BlockChannels& layout);
     void processSlice (float** channels, int numMain, int numSide, int n);
     void processMiddleSection (float** channels, int numMain, int numSide, int n);
 
@@ -253,7 +246,7 @@ private:
         numGainRows
     };
 
-    /** Brings a change of the zoom to the editor on the message thread, whichever thread loads the state. */
+    /** Takes a change of the zoom to the editor on the message thread, whichever thread loads the state. */
     struct ZoomNotifier final : juce::AsyncUpdater
     {
         explicit ZoomNotifier (KVLProcessor& processorToUse) : processor (processorToUse) {}
@@ -268,15 +261,18 @@ private:
     std::atomic<bool> ignoreParameterChanges { false };
     UpdateGate updateGate;
 
-    /** Held while the strip is rebuilt or freed, since a host's thread and the message thread may both want to. Comes
+    /** Held while the strip is rebuilt or freed, which a host's thread and the message thread may both ask for. Taken
         before JUCE's callback lock, and never on the audio thread.
     */
     juce::CriticalSection preparationLock;
     double preparedSampleRate = 0.0;
 
+    SharedRamp<GeometricRamp> inputGainRamp { 1.0 }, outputGainRamp { 1.0 };
+    float lastInLevelDb = 0.0f, lastOutLevelDb = 0.0f; ///< What the ramps were asked for last.
     juce::AudioBuffer<float> gainRows;
     juce::ApplicationProperties settingsFile;
     juce::OwnedArray<AbstractProcessorSetting> settings;
+    std::array<ParameterSnapshot, numSlots> slots;
     RelaxedValue<int> currentSlot = 0;
     RelaxedValue<int> currentProgram = 0;
     RelaxedValue<juce::uint32> lastStateLoadTime = 0;

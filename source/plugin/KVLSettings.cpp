@@ -2,7 +2,6 @@
 #include "dsp/Decibels.h"
 #include "plugin/EditorInterface.h"
 #include "plugin/KVLProcessor.h"
-#include "plugin/StateSchema.h"
 
 #include <algorithm>
 #include <array>
@@ -27,19 +26,18 @@ constexpr double defaultZoom = 1.2;
 void KVLProcessor::makeSettings()
 {
     addSetting<double> (
-        stateSchema::settingKeys[settingIndex::calibration], defaultCalibrationDb,
-        [] (const double& db) { return db >= lowestCalibrationDb && db <= highestCalibrationDb; },
+        defaultCalibrationDb, [] (const double& db) { return db >= lowestCalibrationDb && db <= highestCalibrationDb; },
         [this] (const double& db) { calibrationChanged (db); });
 
     addSetting<int> (
-        stateSchema::settingKeys[settingIndex::oversampling], defaultOversampling,
+        defaultOversampling,
         [] (const int& factor) {
             return std::find (oversamplingFactors.begin(), oversamplingFactors.end(), factor)
                    != oversamplingFactors.end();
         },
         [this] (const int& factor) { oversamplingChanged (factor); });
 
-    addSetting<bool> (stateSchema::settingKeys[settingIndex::analog], true, {},
+    addSetting<bool> (true, {},
                       [this] (const bool& isOn)
                       {
                           analogOn = isOn;
@@ -49,7 +47,7 @@ void KVLProcessor::makeSettings()
                       });
 
     addSetting<double> (
-        stateSchema::settingKeys[settingIndex::uiZoom], defaultZoom,
+        defaultZoom,
         [] (const double& zoom) { return zoom >= ZoomableEditor::lowestZoom && zoom <= ZoomableEditor::highestZoom; },
         [this] (const double&) { zoomChanged(); });
 }

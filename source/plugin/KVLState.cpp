@@ -20,8 +20,8 @@ void writeField (juce::XmlElement& xml, const juce::String& id, const ParameterF
         xml.setAttribute (id, juce::roundToInt (field.get()));
 }
 
-/** The attribute's value on the parameter's grid and within its range. What the project does not know, or gives as
-    "nan" or "inf", takes the parameter's default; any other text that is no number reads as 0 and is bounded like one.
+/** The attribute's value on the parameter's grid and within its range. What the project lacks, or gives as "nan" or
+    "inf", takes the parameter's default; any other text without a number reads as 0.
 */
 void readField (const juce::XmlElement& xml, const juce::RangedAudioParameter& parameter,
                 const ParameterFieldRef& field)
@@ -59,7 +59,7 @@ void forEachField (juce::AudioProcessor& processor, ParameterSnapshot& snapshot,
                 action (*parameter, field);
 }
 
-/** The slot that a text names by the whole part of a number, with space around it or without; none for other text. */
+/** The slot that a text names by the whole part of a number; none for other text. */
 std::optional<int> slotNumber (const juce::String& text)
 {
     const auto digits = text.trim();
@@ -72,7 +72,7 @@ std::optional<int> slotNumber (const juce::String& text)
 void KVLProcessor::getStateInformation (juce::MemoryBlock& block)
 {
     juce::XmlElement root (stateSchema::root);
-    root.setAttribute (stateSchema::version, stateSchema::versionText);
+    root.setAttribute (stateSchema::version, JucePlugin_VersionString);
     static const auto buildDate = juce::Time::getCompilationDate().toISO8601 (true);
     root.setAttribute (stateSchema::buildDate, buildDate);
 

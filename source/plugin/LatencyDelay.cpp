@@ -15,32 +15,18 @@ void LatencyDelay::prepare (int numChannels)
 
 void LatencyDelay::process (int channel, float* row, int n, int delay) noexcept
 {
-    if (n <= 0)
-        return;
-
     auto* const history = buffer.data() + static_cast<std::size_t> (channel) * 2 * length;
-    auto* const fresh = history + length; // behind the history, so that the two read as one stretch
+    auto* const fresh = history + length; // after the history, so that the two read as one stretch
 
-    if (n < length)
+    for (int piece = 0; n > 0; row += piece, n -= piece)
     {
-        std::copy_n (row, n, fresh);
+        piece = std::min (n, static_cast<int> (length));
+        std::copy_n (row, piece, fresh);
 
         if (delay > 0)
-            std::copy_n (fresh - delay, n, row);
+            std::copy_n (fresh - delay, piece, row);
 
-        std::copy (history + n, fresh + n, history);
-    }
-    else
-    {
-        std::copy_n (row + n - length, length, fresh);
-
-        if (delay > 0)
-        {
-            std::copy_backward (row, row + n - delay, row + n);
-            std::copy_n (history + length - delay, delay, row);
-        }
-
-        std::copy_n (fresh, length, history);
+        std::copy (history + piece, fresh + piece, history);
     }
 }
 

@@ -8,10 +8,8 @@
 namespace tarvik
 {
 
-/** Delays rows of audio by the latency that the samplers add, so that the dry signal stays in step with the wet one.
-
-    Each channel keeps the last `length` samples, whatever the delay, so that the delay may change at any time. Audio
-    thread, but for `prepare`.
+/** Delays the dry signal by the samplers' latency, so that it stays in step with the wet one. Each channel keeps the
+    last `length` samples, whatever the delay, which may change at any time. Audio thread, except `prepare`.
 */
 class LatencyDelay
 {

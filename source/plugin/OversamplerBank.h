@@ -8,13 +8,13 @@
 namespace tarvik
 {
 
-/** The way up to the processing rate and back, for all channels of a strip. Audio thread, but for `prepare`. */
+/** The way up to the processing rate and back, for all channels of a strip. Audio thread, except
+    `prepare` and `release`. */
 class OversamplerBank
 {
 public:
     /** The factors that make sense; a setting beyond them counts as the nearest. */
-    static constexpr int lowestFactor = 1;
-    static constexpr int highestFactor = 16;
+    static constexpr int lowestFactor = 1, highestFactor = 16;
 
     static int usableFactor (int setting) noexcept { return juce::jlimit (lowestFactor, highestFactor, setting); }
 
@@ -24,10 +24,18 @@ public:
     /** While no audio runs: sizes the samplers for `channels` channels, clears them, and makes room for slices of at
         most maxSliceSize samples.
     */
-    void prepare (int channels, int factor, int maxSliceSize);
+    void prepare (int channels, int factor, int maxSliceSize)
+    {
+        samplers.setup (channels, factor);
 
-    /** While no audio runs: gives the room at the processing rate back. */
-    void release();
+        if (factor > lowestFactor)
+            oversampledBuffer.setSize (channels, factor * maxSliceSize, false, true, true);
+        else
+            release();
+    }
+
+    /** While no audio runs: frees the room at the processing rate. */
+    void release() { oversampledBuffer.setSize (0, 0); }
 
     int getFactor() const noexcept { return samplers.getFactor(); }
 
@@ -37,10 +45,16 @@ public:
     void clear (int channel) noexcept { samplers.reset (channel); }
 
     /** Takes n samples of a channel up to the processing rate, at their level; the factor must be above 1. */
-    void upsample (int channel, const float* row, int n) noexcept;
+    void upsample (int channel, const float* row, int n) noexcept
+    {
+        samplers.up (channel, row, processingRow (channel), n);
+    }
 
     /** Brings the channel back: n samples at the host's rate. */
-    void downsample (int channel, float* row, int n) noexcept;
+    void downsample (int channel, float* row, int n) noexcept
+    {
+        samplers.down (channel, processingRow (channel), row, n);
+    }
 
     /** The channel's samples at the processing rate: factor x n of the slice. */
     float* processingRow (int channel) noexcept { return oversampledBuffer.getWritePointer (channel); }

@@ -13,11 +13,6 @@ namespace
 using Kind = ParameterFieldKind;
 using Snapshot = ParameterSnapshot;
 
-const ParameterRow* rowAt (int index) noexcept
-{
-    return index >= 0 && index <= parameterIndex::gainReduction ? &parameterRow (index) : nullptr;
-}
-
 //==============================================================================
 /** A function of the range's ends and a position or value. */
 using MappingFunction = float (*) (float start, float end, float x);
@@ -105,11 +100,6 @@ juce::AudioParameterFloatAttributes floatAttributes (const ParameterRow& row)
                                       { return fromText (text); });
 }
 
-const Snapshot& defaultSnapshot()
-{
-    static const Snapshot snapshot;
-    return snapshot;
-}
 } // namespace
 
 //==============================================================================
@@ -141,31 +131,24 @@ void ParameterFieldRef::set (float plainValue) const noexcept
 
 ParameterFieldRef fieldForParameter (ParameterSnapshot& snapshot, int index) noexcept
 {
-    const auto* const row = rowAt (index);
-
-    if (row == nullptr)
+    if (index < 0 || index > parameterIndex::gainReduction)
         return {};
 
-    ParameterFieldRef ref { {}, row->kind };
-    std::visit ([&] (auto member) { ref.field = &(snapshot.*member); }, row->field);
+    ParameterFieldRef ref { {}, parameterRow (index).kind };
+    std::visit ([&] (auto member) { ref.field = &(snapshot.*member); }, parameterRow (index).field);
     return ref;
 }
 
 float plainValueOf (const ParameterSnapshot& snapshot, int index) noexcept
 {
-    const auto* const row = rowAt (index);
-
-    if (row == nullptr)
-        return 0.0f;
-
-    return std::visit ([&] (auto member) { return static_cast<float> ((snapshot.*member).get()); }, row->field);
+    return fieldForParameter (const_cast<ParameterSnapshot&> (snapshot), index).get(); // NOLINT: nothing is written
 }
 
 std::unique_ptr<juce::RangedAudioParameter> createParameter (int index)
 {
     const auto& row = parameterRow (index);
     const juce::ParameterID id { row.id, 1 };
-    const auto plainDefault = plainValueOf (defaultSnapshot(), index);
+    const auto plainDefault = plainValueOf (Snapshot(), index);
 
     switch (row.kind)
     {

@@ -21,15 +21,12 @@ struct ParameterFieldRef
     /** The plain value as a number: 0 or 1, an index, or the value itself. Any thread. */
     float get() const noexcept;
 
-    /** Stores a plain value in the field's own way: at or above a half is true, an int is rounded to the nearest. A
-        value that is not finite is ignored. Any thread.
+    /** Stores a plain value: at or above a half is true, an int is rounded; what is not finite is ignored. Any thread.
     */
     void set (float plainValue) const noexcept;
 };
 
-/** The field that holds the parameter at a host index, the gain reduction's included; kind None for any other index.
-    Any thread.
-*/
+/** The field of the parameter at a host index, the gain reduction's included; kind None for any other. Any thread. */
 ParameterFieldRef fieldForParameter (ParameterSnapshot& snapshot, int index) noexcept;
 
 /** The same for reading. */

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/ParameterText.h"
 
+#include "dsp/Decibels.h"
+
 #include <cmath>
 
 namespace tarvik
@@ -8,51 +10,45 @@ namespace tarvik
 
 namespace
 {
-constexpr float lowestDb = -100.0f;
+// In single precision, as the texts have always been calculated.
+constexpr auto lowestDb = static_cast<float> (silenceDb);
 
-float dbFromGainFloat (float gain) { return gain > 0.0f ? std::max (lowestDb, 20.0f * std::log10 (gain)) : lowestDb; }
+float dbOf (float gain) { return gain > 0.0f ? std::max (lowestDb, 20.0f * std::log10 (gain)) : lowestDb; }
 
-float gainFromDbFloat (float db) { return db > lowestDb ? std::pow (10.0f, db * 0.05f) : 0.0f; }
+float gainOf (float db) { return db > lowestDb ? std::pow (10.0f, db * 0.05f) : 0.0f; }
 
 float numberBefore (const juce::String& text, const char* unit)
 {
     return text.replace (unit, "", true).trim().getFloatValue();
 }
 
-/** The gain behind the equaliser, about (5.1 + 25) / 5.1, as the panel's texts have it: with it the two potentiometers
-    read 0 dB at rest.
-*/
+/** Of the equaliser: nominally (5.1 + 25) / 5.1. With these digits both potentiometers read 0 dB at their beginning. */
 constexpr float makeupGain = 5.901968f;
 
 namespace midPot
 {
-// In units of 1.122 kilohms: what is left of the 25 kilohm track, over the output's 5.1 kilohms.
+// What is left of the 25 kilohm track, over the output's 5.1 kilohms: in units of 1.122 kilohms, which cancel. The last
+// digits are fitted to the texts that projects and users know.
 constexpr float shunt = 4.54545f;
-constexpr float track = 22.281649f;
-constexpr float trackBack = 22.28165f;
+constexpr float track = 22.281649f, trackBack = 22.28165f;
 constexpr float shuntTimesMakeup = 26.8271f;
 
-juce::String toText (float x)
-{
-    return decimalText (dbFromGainFloat (shunt / ((1.0f - x) * track + shunt) * makeupGain), 2);
-}
+juce::String toText (float x) { return decimalText (dbOf (shunt / ((1.0f - x) * track + shunt) * makeupGain), 2); }
 
 float fromText (const juce::String& text)
 {
-    const auto gain = gainFromDbFloat (numberBefore (text, "dB"));
+    const auto gain = gainOf (numberBefore (text, "dB"));
     return 1.0f - (shuntTimesMakeup / gain - shunt) / trackBack;
 }
 } // namespace midPot
 
 namespace lowPot
 {
-constexpr float linearEnd = 0.2f;
-constexpr float linearEndDb = 3.3427851f;
-constexpr float dbPerTurn = 16.713926f;
-// A tenth of the 50 kilohm track, half of that as load, and the track times the makeup gain.
-constexpr float track = 5000.0f;
-constexpr float load = 2500.0f;
-constexpr float loadedTrack = 29509.8f;
+// A straight line up to a fifth of the travel, where it meets the curve of the circuit.
+constexpr float linearEnd = 0.2f, linearEndDb = 3.3427851f;
+constexpr float dbPerTurn = 16.713926f; // linearEndDb / linearEnd
+// A tenth of the 50 kilohm track, half of that as load, and the track times the make-up gain.
+constexpr float track = 5000.0f, load = 2500.0f, loadedTrack = 29509.8f;
 
 juce::String toText (float x)
 {
@@ -61,7 +57,7 @@ juce::String toText (float x)
 
     const auto rest = 1.0f - x;
     const auto gain = (rest * track + load) / (rest * loadedTrack + load);
-    return decimalText (dbFromGainFloat (gain * makeupGain), 2);
+    return decimalText (dbOf (gain * makeupGain), 2);
 }
 
 float fromText (const juce::String& text)
@@ -71,11 +67,8 @@ float fromText (const juce::String& text)
     if (db <= linearEndDb)
         return db / dbPerTurn;
 
-    constexpr float trackShare = 0.1f;
-    constexpr float loadedTrackShare = 0.590196f;
-    constexpr float wholeTrack = 50000.0f;
-
-    const auto h = gainFromDbFloat (db) / makeupGain;
+    constexpr float trackShare = 0.1f, loadedTrackShare = 0.590196f, wholeTrack = 50000.0f;
+    const auto h = gainOf (db) / makeupGain;
     return 1.0f - (h * load - load) / ((trackShare - h * loadedTrackShare) * wholeTrack);
 }
 } // namespace lowPot

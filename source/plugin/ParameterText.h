@@ -6,8 +6,8 @@
 namespace tarvik
 {
 
-/** How a parameter's plain value is shown, and how a typed text becomes a plain value again. Any thread. A text without
-    a number reads as 0, as everywhere in JUCE; whoever wants to refuse it checks before.
+/** How a parameter's plain value is shown, and how a typed text becomes a plain value again; a text without a number
+    reads as 0, as everywhere in JUCE. Any thread.
 */
 struct TextRule
 {

@@ -26,10 +26,8 @@ public:
     virtual void saveToXml (juce::XmlElement& xml) const = 0;
 };
 
-/** A setting of type int, double or bool.
-
-    The value may be read from any thread; everything else belongs to the message thread or to the host's state thread.
-    A value that comes in through `setValue` or a project is taken as it is: whoever uses it bounds it.
+/** A setting of type int, double or bool. Its value may be read from any thread; everything else belongs to the message
+    thread or to the host's state thread. `setValue` and projects bring any value: whoever uses it bounds it.
 */
 template <typename T>
 class ProcessorSetting final : public AbstractProcessorSetting
@@ -42,11 +40,9 @@ public:
 
     /** Starts at the fallback and then takes the stored default, with the change action if it differs.
 
-        key          name in the settings file and of the attribute in the state
-        fallback     the compiled default
-        validator    refuses a stored default; an empty one accepts everything
-        onChange     runs after a change of the value, on the thread of the change. Where several threads change it at
-                     once, one of them acts for all, and last on the newest value; may be empty
+        settingKey       name in the settings file and of the attribute in the state acceptsStored    refuses a stored
+        default; an empty one accepts everything changeAction     runs after a change of the value, on its thread. If
+        several threads change it at once, one of them acts for all, and last on the newest value; may be empty
     */
     ProcessorSetting (juce::ApplicationProperties& file, juce::String settingKey, T fallbackValue,
                       Validator acceptsStored, ChangeAction changeAction)
@@ -79,9 +75,7 @@ public:
         }
     }
 
-    /** The user's default as the file holds it now, whichever instance wrote it; the compiled one where the file has
-        none or one that is refused.
-    */
+    /** The user's default as the file holds it now, whichever instance wrote it; else, or if refused, the fallback. */
     T storedDefault() const
     {
         auto& file = reloadedFile();
@@ -135,7 +129,7 @@ private:
         return std::isnan (number) ? 0 : static_cast<int> (juce::jlimit (lowest, highest, number));
     }
 
-    /** Each instance keeps a copy of the file: without reading it again, one would overwrite what another has saved. */
+    /** Each instance keeps a copy of the file, and would overwrite what another has saved unless it reads it again. */
     juce::PropertiesFile& reloadedFile() const
     {
         auto* const file = properties.getUserSettings();

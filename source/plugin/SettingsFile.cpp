@@ -10,7 +10,7 @@ constexpr const char* folder = "Tarvik Plugins";
 constexpr int millisecondsBeforeSaving = 3000;
 
 #if JUCE_LINUX || JUCE_BSD
-/** JUCE would put a relative folder openly into the home folder; an absolute one it takes as it is. */
+/** JUCE would put a relative folder, unhidden, into the home folder; it takes an absolute one as it is. */
 juce::String settingsFolder()
 {
     const auto configured = juce::SystemStats::getEnvironmentVariable ("XDG_CONFIG_HOME", {});

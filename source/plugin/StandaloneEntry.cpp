@@ -8,8 +8,7 @@
 // Made by JUCE's wrapper.
 juce::JUCEApplicationBase* juce_CreateApplication();
 
-/** The stand-alone program's own beginning. JUCE's program asks the main screen how large it is, and crashes where
-    there is none: this one says so and ends with status 1.
+/** JUCE's program asks the main screen for its size, and crashes without one: this one says so and ends with status 1.
 */
 int main (int argc, char* argv[])
 {

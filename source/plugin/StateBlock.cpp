@@ -20,8 +20,8 @@ constexpr int markBytes = 4, headerBytes = 8;  ///< The mark, and the length of 
 /** A document of ours has 1.5 KB. This much of anything is read in some hundredths of a second. */
 constexpr std::size_t longestText = 1 << 18;
 
-/** Whether the strip reads an attribute of this name. Others do not get into JUCE's list of all names that it has ever
-    seen, which takes longer for each new one.
+/** Whether the strip reads an attribute of this name. Others must not enter JUCE's list of all names ever seen, which
+    gets slower with each.
 */
 bool isKnown (std::string_view name)
 {
@@ -62,9 +62,7 @@ private:
 
     static void XMLCALL elementEnds (void* reader, const char*) { static_cast<DocumentReader*> (reader)->end(); }
 
-    /** Declarations inside the document make short texts long: entities stand for others, and attributes that are only
-        declared come with each element.
-    */
+    /** Declarations make short texts long: by entities, and by attributes that come with each element. */
     static void XMLCALL doctypeStarts (void* reader, const char*, const char*, const char*, int hasDeclarations)
     {
         if (hasDeclarations != 0)

@@ -8,10 +8,9 @@ namespace tarvik::stateSchema
 
 // The names of a saved project: a document <Tarvik41Channel>, with one attribute per setting under its key, and one
 // child per slot with one attribute per parameter under its ID. None of them may ever change. "Version" and "BuildDate"
-// are written for people; reading goes by the IDs alone, and what is missing takes its default.
+// are written for people and never read.
 inline constexpr const char* root = "Tarvik41Channel";
 inline constexpr const char* version = "Version";
-inline constexpr const char* versionText = "1.0.0";
 inline constexpr const char* buildDate = "BuildDate";
 inline constexpr const char* currentSlot = "currentData";
 

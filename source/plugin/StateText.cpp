@@ -10,8 +10,7 @@ bool readStateText (std::string_view text, juce::MemoryBlock& block)
 {
     constexpr std::string_view digits = ".ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+";
     constexpr unsigned bitsPerDigit = 6, bitsPerByte = 8;
-
-    constexpr std::size_t longest = 1 << 21; // ten times this would be felt, and a state has some thousand
+    constexpr std::size_t longest = 1 << 21; // a state has some thousand; ten times this would take seconds
 
     block.reset();
     text = text.substr (0, text.find ('\0'));

@@ -12,8 +12,8 @@ namespace tarvik
 
 class KVLProcessor;
 
-/** What a VST3 host may ask the component for, beside the standard interfaces: the read-outs that the editor shows. An
-    offline host has no editor to look at. Any thread; a value may be as old as one slice.
+/** What a VST3 host without a window may ask the component for: the read-outs that the editor shows. Any thread; a
+    value may be as old as one slice.
 */
 class IStripReadOuts : public Steinberg::FUnknown
 {

@@ -8,10 +8,8 @@
 namespace tarvik
 {
 
-/** A parameter that is on or off and holds 0 or 1 from the moment it is set. JUCE's own keeps whatever number the host
-    sends, 0.375 for instance, and shows it to the host although the strip hears 0.
-
-    Any thread may read and set it.
+/** A parameter that holds 0 or 1 from the moment it is set. JUCE's own keeps whatever number the host sends, 0.375 for
+    instance, and shows it to the host although the strip hears 0. Any thread.
 */
 class SwitchParameter final : public juce::RangedAudioParameter
 {
@@ -21,7 +19,7 @@ public:
     {
     }
 
-    /** Whether the number that was set is another than the one that it holds: the host may still show that one. */
+    /** Whether the number that was set is not the one that it holds: the host may still show the former. */
     bool wasSnapped() const noexcept { return asSet != getValue(); }
 
     float getValue() const override { return snapped (asSet); }

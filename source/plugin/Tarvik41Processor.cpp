@@ -3,24 +3,18 @@
 
 #include "dsp/Decibels.h"
 #include "plugin/ParameterTable.h"
-#include "plugin/StateSchema.h"
 
 namespace tarvik
 {
 
-namespace
-{
-constexpr int defaultMeterMode = 0;
-} // namespace
-
 Tarvik41Processor::Tarvik41Processor() : readOuts (*this)
 {
+    constexpr int defaultMeterMode = 0;
+
     addSetting<int> (
-        stateSchema::settingKeys[settingIndex::limiterSensitivity], ParameterSnapshot::defaultLimiterSensitivity,
-        [] (const int& level) { return level >= 0 && level <= 2; },
+        ParameterSnapshot::defaultLimiterSensitivity, [] (const int& level) { return level >= 0 && level <= 2; },
         [this] (const int& level) { limiterSensitivityChanged (level); });
-    addSetting<int> (stateSchema::settingKeys[settingIndex::meterMode], defaultMeterMode,
-                     [] (const int& mode) { return mode == 0 || mode == 1; }, {});
+    addSetting<int> (defaultMeterMode, [] (const int& mode) { return mode == 0 || mode == 1; }, {});
 
     for (int index = 0; index < numParameters; ++index)
         addParameter (createParameter (index).release());
@@ -77,24 +71,8 @@ void Tarvik41Processor::updateDsp (bool force)
 {
     auto& snapshot = currentSnapshot();
 
-    // The slot that has just come into force may hold a sensitivity from before the setting changed.
+    // The slot that has just become current may hold a sensitivity from before the setting changed.
     snapshot.limiterSensitivity = limiterSensitivity;
-
-    const float inLevelDb = snapshot.inLevel;
-    const float outLevelDb = snapshot.outLevel;
-
-    if (force || inLevelDb != lastInLevelDb)
-    {
-        lastInLevelDb = inLevelDb;
-        inputGainRamp.request (gainFromDb (static_cast<double> (inLevelDb)));
-    }
-
-    if (force || outLevelDb != lastOutLevelDb)
-    {
-        lastOutLevelDb = outLevelDb;
-        outputGainRamp.request (gainFromDb (static_cast<double> (outLevelDb)));
-    }
-
     strip.update (snapshot, force);
 }
 

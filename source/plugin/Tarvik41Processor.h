@@ -8,14 +8,14 @@
 namespace tarvik
 {
 
-/** The Tarvik 41: its parameters, its two settings of its own, and its channel strip. */
-class Tarvik41Processor final : public KVLProcessor, public juce::VST3ClientExtensions
+/** The Tarvik 41: its parameters, two settings of its own, and its channel strip. */
+class Tarvik41Processor : public KVLProcessor, public juce::VST3ClientExtensions
 {
 public:
     Tarvik41Processor();
     ~Tarvik41Processor() override;
 
-    const juce::String getName() const override { return "Tarvik 41 Channel"; } // NOLINT: JUCE's own signature
+    const juce::String getName() const override { return JucePlugin_Name; } // NOLINT: JUCE's own signature
 
     ProcessorSetting<int>& limiterSensitivitySetting() const
     {
@@ -45,8 +45,6 @@ private:
     ChannelStrip strip;
     juce::RangedAudioParameter* gainReductionParameter = nullptr; ///< Only in the one format that shows it as such.
     RelaxedValue<int> limiterSensitivity = ParameterSnapshot::defaultLimiterSensitivity;
-    float lastInLevelDb = 0.0f;
-    float lastOutLevelDb = 0.0f;
     StripReadOuts readOuts;
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (Tarvik41Processor)

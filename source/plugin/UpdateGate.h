@@ -9,17 +9,14 @@
 namespace tarvik
 {
 
-/** Lets one thread at a time bring the model up to date, without anybody waiting and without losing a change.
-
-    Host automation reports a parameter on the audio thread while an editor's drag reports another on the message
-    thread. Whoever comes first does the work, once. Who comes meanwhile leaves a note and goes; the note is taken up by
-    `catchUp`, at the latest before the next slice of audio. So no thread ever works for longer than its own request
-    takes, however many others ask.
+/** Lets one thread at a time bring the model up to date; nobody waits and no change is lost. Whoever asks first does
+    the work, once. Whoever asks meanwhile leaves a note and goes; `catchUp` takes the note up, at the latest before the
+    next slice of audio. So no thread works for longer than its own request takes. (More in docs/smoothed-filters.md.)
 */
 class UpdateGate
 {
 public:
-    /** Any thread; never waits. `work` runs here unless another thread is at it. */
+    /** Any thread; never waits. `work` runs here unless another thread is at work. */
     template <typename Work>
     void request (Work&& work) noexcept
     {
@@ -27,9 +24,7 @@ public:
             workOnce (work);
     }
 
-    /** Does the work once if somebody asked for it while it was being done, and says whether it did. Any thread; never
-        waits.
-    */
+    /** Does the work if there is a note, and returns whether there was. Any thread; never waits. */
     template <typename Work>
     bool catchUp (Work&& work) noexcept
     {
@@ -43,8 +38,8 @@ public:
         return true;
     }
 
-    /** Keeps requests from running while something larger is rebuilt. They are carried out at the end, by `work`, if
-        anybody asked meanwhile or before. The constructor waits for work in progress, so never on the audio thread.
+    /** Keeps requests from running while the strip is rebuilt, and does their work at the end. The constructor waits
+        for work in progress, so never on the audio thread.
     */
     template <typename Work>
     class Hold
@@ -52,7 +47,7 @@ public:
     public:
         Hold (UpdateGate& gateToHold, Work workAtTheEnd) noexcept : gate (gateToHold), work (std::move (workAtTheEnd))
         {
-            // A note from before stands in the count like one that comes during the hold.
+            // A note from before counts like one that comes during the hold.
             for (auto seen = gate.requests.load (std::memory_order_relaxed);;)
             {
                 const auto isFree = (seen & ~leftOver) == 0;
@@ -86,7 +81,7 @@ public:
     };
 
 private:
-    /** The owner's part: whoever asks from here on leaves a note. */
+    /** Whoever asks from the first line on leaves a note. */
     template <typename Work>
     void workOnce (Work& work) noexcept
     {
@@ -97,10 +92,10 @@ private:
             requests.exchange (leftOver, std::memory_order_acq_rel);
     }
 
-    /** Nobody is at work, and the newest change is not in the model yet. */
+    /** A note, and nobody at work. */
     static constexpr std::uint32_t leftOver = 1u << 31;
 
-    /** How many have asked since the owner came, the owner included; 0 or `leftOver` without one. */
+    /** How many have asked since the one at work began, that one included; 0 or `leftOver` while nobody is at work. */
     std::atomic<std::uint32_t> requests { 0 };
 };
 

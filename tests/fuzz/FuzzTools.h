@@ -8,6 +8,7 @@
 #include <ctime>
 #include <filesystem>
 #include <string_view>
+#include <utility>
 
 namespace tarvik::fuzz
 {
@@ -22,8 +23,8 @@ inline void require (bool isSo, const char* what)
     std::abort();
 }
 
-/** Whether this input is one of the one in so many that also go through what takes long. It depends on the input alone,
-    so that a finding can be repeated.
+/** Whether this input is the one in so many that also goes through what takes long. It depends on the input alone, so
+    that a finding can be repeated.
 */
 inline bool isOneOf (std::string_view input, unsigned howMany)
 {
@@ -35,8 +36,8 @@ inline bool isOneOf (std::string_view input, unsigned howMany)
     return (hash >> 8) % howMany == 0;
 }
 
-/** Aborts where an input has taken too long: this build is some ten times as slow as a release, in which nothing may take
-    more than a tenth of a second. The processor's time, whatever else the machine does.
+/** Aborts where an input has taken a second of the processor's time. This build is some ten times as slow as a release,
+    in which nothing may take more than a tenth of a second.
 */
 class Stopwatch
 {
@@ -59,24 +60,62 @@ inline void hideSettings()
              "a settings folder of its own");
 }
 
-/** A square wave of moderate level. */
-template <typename Channels>
-void fill (Channels&& channels, int numChannels, int numSamples)
+/** What a door has in common: it is given one state after another, as by a host that loads presets. `Strip` is
+    the processor or an instance of the module.
+*/
+template <typename Strip>
+class Door
 {
-    for (int c = 0; c < numChannels; ++c)
-        for (int i = 0; i < numSamples; ++i)
-            channels[c][i] = (i & 16) != 0 ? 0.1f : -0.1f;
-}
+public:
+    template <typename... Arguments>
+    explicit Door (bool shouldPlay, Arguments&&... arguments) : strip (std::forward<Arguments> (arguments)...)
+    {
+        if (shouldPlay)
+            strip.startPlaying();
 
-template <typename Channels>
-bool areFinite (Channels&& channels, int numChannels, int numSamples)
+        initial = kept = strip.saved();
+    }
+
+    /** The state is one that can be loaded again, and every value is in range. */
+    void check()
+    {
+        if (auto now = strip.saved(); now != kept) // else it was looked at before
+        {
+            kept = std::move (now);
+            require (strip.allParametersAreInRange(), "every value in range");
+            strip.load (kept);
+            require (strip.saved() == kept, "the same state after it was saved and loaded");
+        }
+    }
+
+    void expectThatAGoodStateLoads()
+    {
+        strip.load (initial);
+        kept = strip.saved();
+        require (kept == initial, "the next good state");
+    }
+
+    Strip strip;
+    decltype (std::declval<Strip>().saved()) initial, kept;
+};
+
+/** One instance takes all inputs. Another one plays, and takes the few that it has time for, because each change of the
+    oversampling prepares it anew.
+*/
+template <typename Host>
+void takeInput (Host& host, std::string_view input)
 {
-    for (int c = 0; c < numChannels; ++c)
-        for (int i = 0; i < numSamples; ++i)
-            if (! std::isfinite (channels[c][i]))
-                return false;
+    constexpr unsigned inputsForEachBlock = 16;
+    const Stopwatch stopwatch;
+    host.take (host.idle, input);
 
-    return true;
+    if (isOneOf (input, inputsForEachBlock))
+    {
+        host.take (host.playing, input);
+        require (std::isfinite (host.playing.strip.play()), "finite audio");
+        host.playing.expectThatAGoodStateLoads();
+        host.idle.expectThatAGoodStateLoads();
+    }
 }
 
 } // namespace tarvik::fuzz

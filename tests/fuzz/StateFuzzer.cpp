@@ -9,83 +9,66 @@ namespace tarvik
 namespace
 {
 using namespace fuzz;
-using namespace test;
 
-constexpr int blockLength = 64;
-constexpr unsigned inputsForEachBlock = 16;
-
-/** Takes one input after another, as in a host that loads one preset after another. */
-class Instance
+/** The processor without a module around it. */
+class Strip
 {
 public:
-    explicit Instance (bool shouldPlay)
-    {
-        if (shouldPlay)
-            strip.prepareToPlay (48000.0, blockLength);
+    void startPlaying() { processor.prepareToPlay (48000.0, blockLength); }
 
-        initialState = kept = saved (strip);
+    juce::MemoryBlock saved() { return test::saved (processor); }
+
+    void load (const juce::MemoryBlock& block) { test::load (processor, block); }
+
+    bool allParametersAreInRange() { return test::firstFieldOutOfRange (processor).isEmpty(); }
+
+    /** A square wave on all channels; gives what is not finite if any sample is not. */
+    float play()
+    {
+        juce::AudioBuffer<float> buffer (4, blockLength);
+        juce::MidiBuffer midi;
+        auto sum = 0.0f;
+
+        for (int i = 0; i < 4 * blockLength; ++i)
+            buffer.setSample (i % 4, i / 4, (i & 64) != 0 ? 0.1f : -0.1f);
+
+        processor.processBlock (buffer, midi);
+
+        for (int i = 0; i < 2 * blockLength; ++i)
+            sum += 0.0f * buffer.getSample (i % 2, i / 2);
+
+        return sum;
     }
 
-    /** All that an input may stand for: the block as the host hands it over, or as it keeps it in text; and the document
-        in a block whose header is right, so that the fuzzer need not find the header to reach the document.
+private:
+    static constexpr int blockLength = 64;
+    Tarvik41Processor processor;
+};
+
+struct Host
+{
+    /** All that an input may stand for: the block as the host hands it over, or as it keeps it in text; and the
+        document in a block whose header is right, so that the fuzzer need not find the header to reach the document.
     */
-    void take (std::string_view input)
+    void take (Door<Strip>& door, std::string_view input)
     {
         const juce::MemoryBlock whole (input.data(), input.size());
-        load (strip, whole);
+        door.strip.load (whole);
 
         juce::MemoryBlock block;
         require (readStateText (whole.toBase64Encoding().toStdString(), block) ? block == whole : whole.isEmpty(),
                  "the same block after it was text");
 
         if (readStateText (input, block))
-            load (strip, block);
+            door.strip.load (block);
 
-        check();
-        load (strip, blockOfText (input));
-        check();
+        door.check();
+        door.strip.load (test::blockOfText (input));
+        door.check();
     }
 
-    void play()
-    {
-        fill (buffer.getArrayOfWritePointers(), buffer.getNumChannels(), blockLength);
-        strip.processBlock (buffer, midi);
-        require (areFinite (buffer.getArrayOfReadPointers(), 2, blockLength), "finite audio");
-    }
-
-    void expectThatAGoodStateLoads()
-    {
-        load (strip, initialState);
-        kept = saved (strip);
-        require (kept == initialState, "the next good state");
-    }
-
-private:
-    /** The state is one that can be loaded again, and every field is in range. */
-    void check()
-    {
-        const auto now = saved (strip);
-
-        if (now == kept)
-            return; // as it was, and looked at then
-
-        kept = now;
-        require (firstFieldOutOfRange (strip).isEmpty(), "every field in range");
-        load (strip, kept);
-        require (saved (strip) == kept, "the same state after it was saved and loaded");
-    }
-
-    Tarvik41Processor strip;
-    juce::MemoryBlock initialState, kept;
-    juce::AudioBuffer<float> buffer { 4, blockLength };
-    juce::MidiBuffer midi;
-};
-
-struct Host
-{
     juce::ScopedJuceInitialiser_GUI juceRuntime;
-    Instance idle { false };
-    Instance playing { true };
+    Door<Strip> idle { false }, playing { true };
 };
 
 Host& host()
@@ -104,23 +87,8 @@ extern "C" int LLVMFuzzerInitialize (int*, char***)
     return 0;
 }
 
-/** One instance takes all inputs. Another one plays, and takes the few that it has time for: each change of the
-    oversampling prepares it anew.
-*/
 extern "C" int LLVMFuzzerTestOneInput (const uint8_t* data, size_t size)
 {
-    const tarvik::fuzz::Stopwatch stopwatch;
-    const std::string_view input (reinterpret_cast<const char*> (data), size);
-    auto& host = tarvik::host();
-    host.idle.take (input);
-
-    if (tarvik::fuzz::isOneOf (input, tarvik::inputsForEachBlock))
-    {
-        host.playing.take (input);
-        host.playing.play();
-        host.playing.expectThatAGoodStateLoads();
-        host.idle.expectThatAGoodStateLoads();
-    }
-
+    tarvik::fuzz::takeInput (tarvik::host(), { reinterpret_cast<const char*> (data), size });
     return 0;
 }

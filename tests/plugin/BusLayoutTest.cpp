@@ -11,7 +11,7 @@ using Set = juce::AudioChannelSet;
 using test::layoutOf;
 } // namespace
 
-TEST (BusLayout, EqualMonoOrStereoWithAMatchingOrAbsentSidechainIsAccepted)
+TEST (BusLayout, EqualMonoOrStereoWithItsSideChainOrNoneIsAccepted)
 {
     const auto mono = Set::mono(), stereo = Set::stereo(), none = Set::disabled(), surround = Set::create5point1();
 

@@ -9,80 +9,100 @@ using namespace test;
 namespace
 {
 constexpr double sampleRate = 48000.0;
-constexpr int fadeSamples = 4800;
-constexpr float gain = 1.99526231f; // 6 dB
+constexpr double fadeSamples = 4800.0;
 
 std::unique_ptr<BareStrip> preparedStrip (int factor)
 {
     auto strip = makeBareStrip (2, factor);
-    setPlain (*strip, "gain", 6.0f);
+    setPlain (*strip, { { "gain", 6.0f }, { "inLevel", -4.0f }, { "outLevel", 7.0f } });
     strip->prepareToPlay (sampleRate, 512);
     return strip;
 }
 } // namespace
 
-TEST (Bypass, FadesIn100MillisecondsAndThenDelaysByTheLatencyAloneHoweverTheStreamIsCut)
+/** Twice out and in again, against the strip's own sound and the input as it came, mixed by hand. */
+TEST (Bypass, EveryFadeMixesTheStripWithTheUntouchedDelayedInput)
 {
     std::mt19937 random (11);
 
     for (const auto factor : { 1, 2 })
         for (const auto longest : { 10u, 60u, 700u }) // shorter than the delay, about as long, and longer than a slice
         {
-            const auto strip = preparedStrip (factor);
+            const auto strip = preparedStrip (factor), twin = preparedStrip (factor);
             const auto latency = static_cast<std::size_t> (strip->getLatencySamples());
-            const auto input = noise (3 * fadeSamples, 21);
-            process (*strip, { noise (2000, 20), noise (2000, 20) }, 512);
+            constexpr std::size_t stretch = 6000;
+            const auto input = noise (5 * stretch, 21, 0.5f);
+            const auto playing = firstOf (process (*twin, { input, input }, 512));
+            const auto length = [&] { return static_cast<int> (random() % longest); };
+            auto wet = 1.0;
 
-            const auto output = process (
-                *strip, { input, input }, [&] { return static_cast<int> (random() % longest); }, true)[0];
-
-            // The strip runs on to the end of the block in which the fade ends.
-            for (std::size_t i = fadeSamples + 700; i < output.size(); ++i)
-                ASSERT_NEAR (output[i], input[i - latency], 1e-6f) << "factor " << factor << ", sample " << i;
-
-            if (factor == 1)
+            for (std::size_t start = 0; start < input.size(); start += stretch)
             {
-                EXPECT_NEAR (output[2399], input[2399] * (0.5f * gain + 0.5f), 1e-5f) << "half way through the fade";
+                const auto isBypassed = start / stretch % 2 == 1;
+                const Signal part (input.begin() + static_cast<std::ptrdiff_t> (start),
+                                   input.begin() + static_cast<std::ptrdiff_t> (start + stretch));
+                const auto output = process (*strip, { part, part }, length, isBypassed)[1];
+
+                for (std::size_t i = 0; i < stretch; ++i)
+                {
+                    wet = std::clamp (wet + (isBypassed ? -1.0 : 1.0) / fadeSamples, 0.0, 1.0);
+                    const double dry = start + i < latency ? 0.0f : input[start + i - latency];
+
+                    // Right after a bypass the samplers have heard nothing of it.
+                    if (isBypassed || i > 2 * latency)
+                    {
+                        ASSERT_NEAR (static_cast<double> (output[i]),
+                                     wet * static_cast<double> (playing[start + i]) + (1.0 - wet) * dry, 3e-5)
+                            << "factor " << factor << ", sample " << start + i;
+                    }
+                }
             }
         }
 }
 
-TEST (Bypass, NothingIsTouchedInFullBypassAndTheStripStandsStill)
+TEST (Bypass, LeavesEverySampleAloneAndTheSideChainToo)
 {
-    const auto strip = preparedStrip (1);
-    process (*strip, { Signal (6000), Signal (6000) }, 500, true);
+    const auto strip = makeStrip<BareStrip> (2, true);
+    strip->oversamplingSetting().setValue (1);
+    setPlain (*strip, "compExtSideChain", 1.0f);
+    strip->prepareToPlay (sampleRate, 512);
+    process (*strip, std::vector<Signal> (4, Signal (6000)), 500, true);
+    strip->takeLog();
 
-    const Signal input (600, 5000.0f); // beyond what the strip would let in
-    EXPECT_EQ (process (*strip, { input, input }, 300, true)[1], input);
+    const std::vector<Signal> input (4, Signal (300, 5000.0f)); // beyond what the strip would let in
+    EXPECT_EQ (process (*strip, input, 300, true), input);
+    EXPECT_EQ (strip->takeLog(),
+               (std::vector<std::string> { "bypassed 256 side 2 factor 1", "bypassed 44 side 2 factor 1" }));
 }
 
-TEST (Bypass, ComesAndGoesWithoutAStepOrAnEchoOfTheLastFade)
+TEST (Bypass, FollowsTheFactorAndForgetsItsAudioWhenPreparedAgain)
 {
     const auto strip = preparedStrip (2);
-    constexpr double hz = 100.0;
-    constexpr std::size_t stretch = 9600, whole = 6 * stretch;
-    const auto input = sine (hz, 0.5, sampleRate, whole / sampleRate);
-    Signal all;
+    const auto input = noise (6000, 3);
+    process (*strip, { input, input }, 500, true);
 
-    for (std::size_t start = 0; start < whole; start += stretch)
+    for (const auto factor : { 1, 4 })
     {
-        const Signal part (input.begin() + static_cast<std::ptrdiff_t> (start),
-                           input.begin() + static_cast<std::ptrdiff_t> (start + stretch));
-        const auto output = firstOf (process (*strip, { part, part }, 240, start / stretch % 2 == 1));
-        all.insert (all.end(), output.begin(), output.end());
+        strip->oversamplingSetting().setValue (factor);
+        const std::size_t latency = factor == 1 ? 0 : 52;
+        const auto output = process (*strip, { input, input }, 500, true)[0];
+        EXPECT_TRUE (std::equal (output.begin() + static_cast<std::ptrdiff_t> (latency), output.end(), input.begin()))
+            << factor;
+        EXPECT_EQ (Signal (output.begin(), output.begin() + static_cast<std::ptrdiff_t> (latency)), Signal (latency));
     }
+}
 
-    // A sine of 0.5 at twice the gain moves by 2 pi f / fs per sample; the fade adds 1 / 4800 of the difference. In
-    // front of it is the start behind an empty sampler.
-    const auto bound = static_cast<float> (juce::MathConstants<double>::twoPi * hz / sampleRate) + 1.0f / fadeSamples;
+TEST (Bypass, ASideChainHeardBeforeItIsForgotten)
+{
+    const auto strip = makeStrip<BareStrip> (2, true);
+    setPlain (*strip, "compExtSideChain", 1.0f);
+    strip->prepareToPlay (sampleRate, 512);
 
-    for (std::size_t i = 200; i < all.size(); ++i)
-        ASSERT_LT (std::abs (all[i] - all[i - 1]), 1.1f * bound) << i;
+    for (const auto isBypassed : { false, true })
+        process (*strip, std::vector<Signal> (4, noise (6000, 5)), 500, isBypassed);
 
-    // Silence through a new bypass must stay silence: the rows of the last fade are gone.
-    const Signal silence (stretch);
-    process (*strip, { silence, silence }, 240);
-    EXPECT_EQ (process (*strip, { silence, silence }, 240, true)[0], silence);
+    process (*strip, std::vector<Signal> (4, Signal (20)), 20);
+    EXPECT_EQ (strip->sidechainSeen, 0.0f);
 }
 
 TEST (Bypass, ABlockOfNoSamplesAlreadyTurnsTheFade)
@@ -91,6 +111,7 @@ TEST (Bypass, ABlockOfNoSamplesAlreadyTurnsTheFade)
     juce::AudioBuffer<float> empty (2, 0);
     juce::MidiBuffer midi;
     const Signal half (2400, 0.5f);
+    const auto gain = std::pow (10.0f, (6.0f - 4.0f + 7.0f) / 20.0f);
 
     process (*strip, { half, half }, 2400, true); // half of the way out: the wet share is 0.5
     strip->processBlock (empty, midi);            // begins the way back in

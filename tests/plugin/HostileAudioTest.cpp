@@ -12,47 +12,13 @@ namespace
 {
 constexpr double sampleRate = 48000.0;
 
-/** What a broken plug-in in front of the strip may send. */
-enum class Badness
-{
-    silence,
-    fullScale,
-    plus24Db,
-    oneNan,
-    oneInfinity,
-    subnormals,
-    kinds
-};
-
-float levelOf (Badness kind)
-{
-    switch (kind)
-    {
-        case Badness::silence:
-            return 0.0f;
-        case Badness::fullScale:
-            return 1.0f;
-        case Badness::plus24Db:
-            return 15.85f;
-        case Badness::subnormals:
-            return 1e-39f;
-        default:
-            return 0.5f;
-    }
-}
-
-Signal badSignal (Badness kind, int numSamples, unsigned seed)
-{
-    auto signal = noise (numSamples, seed, levelOf (kind));
-    auto& middle = signal[signal.size() / 2];
-
-    if (kind == Badness::oneNan)
-        middle = std::numeric_limits<float>::quiet_NaN();
-    else if (kind == Badness::oneInfinity)
-        middle = -std::numeric_limits<float>::infinity();
-
-    return signal;
-}
+/** What a broken plug-in in front of the strip may send: noise of a level, and one sample in it. */
+constexpr std::pair<float, float> badAudio[] = { { 0.0f, 0.0f },
+                                                 { 1.0f, 0.0f },
+                                                 { 15.85f, 0.0f }, // +24 dBFS
+                                                 { 1e-39f, 0.0f },
+                                                 { 0.5f, std::numeric_limits<float>::quiet_NaN() },
+                                                 { 0.5f, -std::numeric_limits<float>::infinity() } };
 } // namespace
 
 /** Random settings, a parameter stepped at each block, bad audio on the left and on the left of the side chain. The
@@ -64,7 +30,7 @@ Signal badSignal (Badness kind, int numSamples, unsigned seed)
     a tenth of it. That is 3 %, so 5 % is allowed, and with the dynamics out what rounding leaves in the filters. Hold,
     a staircase, stays out while they recover.
 */
-TEST (HostileAudio, WhateverComesInTheStripStaysFiniteAndIsCleanASecondLater)
+TEST (HostileAudio, AnyAudioLeavesTheStripFiniteAndCleanASecondLater)
 {
     constexpr unsigned seed = 41;
 #ifdef __SANITIZE_ADDRESS__
@@ -89,7 +55,7 @@ TEST (HostileAudio, WhateverComesInTheStripStaysFiniteAndIsCleanASecondLater)
         // The high factors cost most and differ least: they get a share of the cases.
         const auto share = run % 100;
         auto& strip = *strips[share < 66 ? 0u : share < 90 ? 1u : share < 97 ? 2u : share < 99 ? 3u : 4u];
-        const auto kind = static_cast<Badness> (random() % static_cast<unsigned> (Badness::kinds));
+        const auto kind = random() % std::size (badAudio);
         const auto isIn = random() % 4 != 0;
         SCOPED_TRACE ("case " + std::to_string (run) + ", seed " + std::to_string (seed));
 
@@ -98,7 +64,7 @@ TEST (HostileAudio, WhateverComesInTheStripStaysFiniteAndIsCleanASecondLater)
             auto output = process (strip, { left, right, left, right }, blockLength);
 
             for (const auto& channel : output)
-                EXPECT_TRUE (std::all_of (channel.begin(), channel.end(), [] (float x) { return std::isfinite (x); }));
+                EXPECT_TRUE (allFinite (channel));
 
             const auto& readOuts = strip.currentSnapshot();
             EXPECT_TRUE (std::isfinite (readOuts.inputMeter + readOuts.outputMeter + readOuts.gainReductionDb));
@@ -110,8 +76,9 @@ TEST (HostileAudio, WhateverComesInTheStripStaysFiniteAndIsCleanASecondLater)
 
         for (int block = 0; block < 4; ++block)
         {
-            play (badSignal (kind, blockLength, static_cast<unsigned> (random())),
-                  Signal (programme.begin(), programme.begin() + blockLength));
+            auto bad = noise (blockLength, random(), badAudio[kind].first);
+            bad[blockLength / 2] += badAudio[kind].second;
+            play (bad, Signal (programme.begin(), programme.begin() + blockLength));
             auto* const p = strip.getParameters()[(4 * run + block) % numParameters];
             p->setValueNotifyingHost (p->getValue() > 0.5f ? 0.0f : 1.0f);
         }
@@ -131,11 +98,11 @@ TEST (HostileAudio, WhateverComesInTheStripStaysFiniteAndIsCleanASecondLater)
             level = std::max (level, std::abs (output[1][i]));
         }
 
-        EXPECT_LE (difference, level * (isIn ? 0.05f : 2e-5f)) << "kind " << static_cast<int> (kind);
+        EXPECT_LE (difference, level * (isIn ? 0.05f : 2e-5f)) << "kind " << kind;
     }
 }
 
-TEST (HostileAudio, SilenceBehindASignalStaysFreeOfSubnormals)
+TEST (HostileAudio, SilenceAfterASignalStaysFreeOfSubnormals)
 {
     const auto strip = makeNoiselessStrip();
     strip->prepareToPlay (sampleRate, 512);

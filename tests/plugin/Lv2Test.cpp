@@ -154,41 +154,6 @@ TEST_F (Lv2Module, SoundsLikeTheSharedCodeAndBypassKeepsTheLatency)
     EXPECT_TRUE (std::equal (bypassed.begin() + faded, bypassed.end(), input[0].begin() + faded - latency));
 }
 
-TEST_F (Lv2Module, StateAndProgramsComeBack)
-{
-    const PlainValues settings { { "gain", 12.5f }, { "midFreq", 5.0f }, { "mute", 1.0f } };
-
-    for (const auto& [id, value] : settings)
-        Hosted (*plugin, id).set (value);
-
-    settle (*plugin);
-    juce::MemoryBlock state;
-    plugin->getStateInformation (state);
-
-    const auto reopened = instance();
-    reopened->setStateInformation (state.getData(), static_cast<int> (state.getSize()));
-    settle (*reopened);
-
-    for (const auto& [id, value] : settings)
-        EXPECT_FLOAT_EQ (Hosted (*reopened, id).plain(), value) << id;
-
-    // Programs are presets, sorted by their names; within half a second after a state they are not taken.
-    constexpr int pause = 600;
-    juce::Thread::sleep (pause);
-    int index = 0;
-
-    while (index < reopened->getNumPrograms() && reopened->getProgramName (index) != "Vox Rap 3 Aggressive")
-        ++index;
-
-    reopened->setCurrentProgram (index);
-    settle (*reopened);
-    const auto strip = makeStrip();
-    strip->setCurrentProgram (25);
-
-    for (const auto* const id : { "thd", "gain", "compThreshold", "compRatio" })
-        EXPECT_NEAR (Hosted (*reopened, id).plain(), plainOf (*strip, id), 1e-3f);
-}
-
 /** Through lilv, which hands on whatever text the project has. A number that lies is harmless, and so is all else. */
 TEST_F (Lv2Module, DamagedStateTextsAndProgramNumbers)
 {
@@ -200,25 +165,25 @@ TEST_F (Lv2Module, DamagedStateTextsAndProgramNumbers)
     };
     const auto fresh = stateOf();
     const auto property = fresh.find ("StateString>"), open = fresh.find ('"', property);
-    const auto length = fresh.find ('"', open + 1) - open - 1;
+    const auto length = fresh.find ('"', open + 1) - open + 1; // with its quotes
     ASSERT_LT (open, fresh.size());
     const auto textOfState = [&] (const std::string& state)
     { return state.substr (open + 1, state.find ('"', open + 1) - open - 1); };
-    const auto load = [&] (const std::string& text)
+    const auto loadProperty = [&] (std::string state)
     {
-        std::string escaped;
-
-        for (const auto c : text)
-            escaped += std::isalnum (static_cast<unsigned char> (c)) || c == '.' || c == '+'
-                           ? std::string (1, c)
-                           : juce::String::formatted ("\\u%04X", static_cast<unsigned char> (c)).toStdString();
-
-        auto state = fresh;
-        state.replace (open + 1, length, escaped);
         plugin->setStateInformation (state.data(), static_cast<int> (state.size()));
 
         for (const auto& channel : process (*plugin, std::vector<Signal> (4, Signal (blockLength, 0.1f)), blockLength))
             ASSERT_TRUE (allFinite (channel));
+    };
+    const auto load = [&] (const std::string& text)
+    {
+        juce::String escaped ("\"");
+
+        for (const auto c : text)
+            escaped << juce::String::formatted ("\\u%04X", static_cast<unsigned char> (c));
+
+        loadProperty (std::string (fresh).replace (open, length, (escaped + "\"").toStdString()));
     };
 
     const auto good = textOfState (fresh);
@@ -227,9 +192,8 @@ TEST_F (Lv2Module, DamagedStateTextsAndProgramNumbers)
     settle (*plugin);
     const auto next = textOfState (stateOf());
     ASSERT_NE (next, good);
-    constexpr std::size_t numberAndMore = 16 * 8, stride = 61;
 
-    for (std::size_t bit = 0; bit < good.size() * 8; bit += bit < numberAndMore ? 1 : stride)
+    for (std::size_t bit = 0; bit < good.size() * 8; bit += bit < 16 * 8 ? 1 : 61) // all of the number
     {
         SCOPED_TRACE (bit);
         auto flipped = good;
@@ -240,7 +204,7 @@ TEST_F (Lv2Module, DamagedStateTextsAndProgramNumbers)
         ASSERT_EQ (textOfState (stateOf()), next);
     }
 
-    for (const auto* const number : { "-5", "-2147483648", "2147483647", "99999999999", "1000000000", "0", "x", "" })
+    for (const auto* const number : { "-5", "2147483647", "99999999999", "x", "" })
     {
         load (next);
         load (number + good.substr (good.find ('.')));
@@ -249,14 +213,10 @@ TEST_F (Lv2Module, DamagedStateTextsAndProgramNumbers)
 
     juce::Thread::sleep (600); // until programs are taken again
 
-    for (const auto& [number, taken] :
-         { std::pair ("2147483647", 25), { "-2147483648", 0 }, { "26", 25 }, { "-1", 0 } })
+    for (const auto& [number, taken] : { std::pair ("2147483647", 25), { "-2147483648", 0 } })
     {
-        auto state = fresh;
-        state.replace (open, length + 2, std::string ("\"") + number + "\"^^<http://www.w3.org/2001/XMLSchema#int>");
-        state.replace (property, 11, "Program");
-        plugin->setStateInformation (state.data(), static_cast<int> (state.size()));
-        settle (*plugin);
+        const auto text = std::string ("\"") + number + "\"^^<http://www.w3.org/2001/XMLSchema#int>";
+        loadProperty (std::string (fresh).replace (open, length, text).replace (property, 11, "Program"));
         const auto strip = makeStrip();
         strip->setCurrentProgram (taken);
         EXPECT_NEAR (Hosted (*plugin, "compThreshold").plain(), plainOf (*strip, "compThreshold"), 1e-3f) << number;

@@ -16,7 +16,7 @@ TEST (Meters, NeedlesOfTheRunningStripStandAt0VuFor18DbBelowFullScale)
             const auto strip = makeNoiselessStrip (2, factor);
             setPlain (*strip, { { "compIn", 0.0f }, { "equalizer", 0.0f }, { "level", -6.0f } });
             strip->prepareToPlay (rate, 512);
-            const auto tone = sine (997.0, level, rate, 1.5); // no whole number of samples a cycle
+            const auto tone = sine (997.0, level, rate, 1.5); // not a whole number of samples a cycle
             process (*strip, { tone, tone }, 512);
 
             EXPECT_NEAR (strip->currentSnapshot().inputMeter, 1.0f, 2e-3f) << rate << ", factor " << factor;
@@ -34,8 +34,8 @@ TEST (Meters, GainReductionIsWhatTheToneLoses)
 {
     constexpr double rate = 48000.0;
 
-    for (const auto ratio : { 1.0f, 3.0f, 5.0f })
-        for (const auto levelDb : { -30.0, -18.0, -6.0 })
+    for (const auto ratio : { 1.0f, 5.0f })
+        for (const auto levelDb : { -18.0, -6.0 })
         {
             const auto strip = makeStripFor (juce::AudioProcessor::wrapperType_AAX); // has it as a parameter too
             strip->analogSetting().setValue (false);

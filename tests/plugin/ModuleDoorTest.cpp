@@ -1,18 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "plugin/StateText.h"
-#include "tests/support/BuiltModule.h"
-#include "tests/support/HostStream.h"
+#include "tests/plugin/ModuleInstance.h"
 #include "tests/support/StateTestTools.h"
 #include "tests/support/StripTestTools.h"
 
-#include <pluginterfaces/vst/ivstaudioprocessor.h>
-#include <pluginterfaces/vst/ivstcomponent.h>
-#include <pluginterfaces/vst/ivsteditcontroller.h>
-#include <pluginterfaces/vst/ivstmessage.h>
-
 #include <atomic>
-#include <chrono>
-#include <cstring>
 #include <iostream>
 #include <thread>
 
@@ -38,22 +29,20 @@ class ModuleDoor : public testing::Test
 protected:
     ModuleDoor()
     {
-        component->initialize (nullptr);
-        controller->initialize (nullptr);
-        componentEnd->connect (controllerEnd.get());
-        controllerEnd->connect (componentEnd.get());
-
-        Vst::ProcessSetup setup { Vst::kRealtime, Vst::kSample32, blockLength, 48000.0 };
-        processor->setupProcessing (setup);
-        component->activateBus (Vst::kAudio, Vst::kInput, 0, true);
-        component->activateBus (Vst::kAudio, Vst::kInput, 1, true);
-        component->activateBus (Vst::kAudio, Vst::kOutput, 0, true);
-        component->setActive (true);
-        processor->setProcessing (true);
-        audio = std::thread ([this] { play(); });
+        instance.startPlaying();
+        audio = std::thread (
+            [this]
+            {
+                for (; isPlaying; ++blocks)
+                {
+                    const auto heard = instance.play();
+                    isFinite = isFinite && std::isfinite (heard);
+                    isHeard = isHeard || std::abs (heard) > 0.001f;
+                }
+            });
 
         // Two projects that differ wherever they can, the bypass too: the second one's is on.
-        const auto fresh = kept();
+        const auto fresh = instance.saved();
 
         for (const auto isSecond : { 0u, 1u })
         {
@@ -64,8 +53,8 @@ protected:
             std::string project (static_cast<const char*> (block.getData()), block.getSize());
             project += fresh.substr (fresh.size() - tail);
             project[project.size() - switchFromEnd] = isSecond == 1 ? on : off;
-            load (project);
-            projects[isSecond] = kept();
+            instance.load (project);
+            projects[isSecond] = instance.saved();
         }
     }
 
@@ -73,52 +62,6 @@ protected:
     {
         isPlaying = false;
         audio.join();
-        processor->setProcessing (false);
-        component->setActive (false);
-        componentEnd->disconnect (controllerEnd.get());
-        controllerEnd->disconnect (componentEnd.get());
-        controller->terminate();
-        component->terminate();
-    }
-
-    void play()
-    {
-        Signal samples (blockLength * 2);
-        Signal input = noise (blockLength, 1, 0.1f);
-        float* in[] = { input.data(), input.data() };
-        float* out[] = { samples.data(), samples.data() + blockLength };
-        Vst::AudioBusBuffers inputs[2], outputs;
-
-        for (auto& bus : inputs)
-            std::tie (bus.numChannels, bus.channelBuffers32) = std::pair { 2, in };
-
-        std::tie (outputs.numChannels, outputs.channelBuffers32) = std::pair { 2, out };
-        Vst::ProcessData data;
-        data.numSamples = blockLength;
-        std::tie (data.numInputs, data.inputs) = std::pair { 2, inputs };
-        std::tie (data.numOutputs, data.outputs) = std::pair { 1, &outputs };
-
-        while (isPlaying)
-        {
-            processor->process (data);
-            isFinite = isFinite && allFinite (samples);
-            isHeard = isHeard || std::abs (samples[0]) > 0.001f;
-            ++blocks;
-        }
-    }
-
-    void load (const std::string& state, std::size_t piece = std::string::npos)
-    {
-        HostStream stream (state, piece);
-        component->setState (stream.rewound());
-        controller->setComponentState (stream.rewound());
-    }
-
-    std::string kept()
-    {
-        HostStream stream;
-        component->getState (stream.rewound());
-        return stream.bytes;
     }
 
     /** Load it, listen, and see what is left. */
@@ -129,10 +72,9 @@ protected:
         // A machine that is busy with other things may need a second and a third try.
         for (int attempt = 0; attempt < 3 && best > mostMs; ++attempt)
         {
-            const auto begin = std::chrono::steady_clock::now();
-            load (state);
-            const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - begin;
-            best = std::min (best, taken.count());
+            const auto begin = juce::Time::getMillisecondCounterHiRes();
+            instance.load (state);
+            best = std::min (best, juce::Time::getMillisecondCounterHiRes() - begin);
         }
 
         slowestMs = std::max (slowestMs, best);
@@ -142,31 +84,13 @@ protected:
             std::this_thread::yield();
 
         EXPECT_TRUE (isFinite);
-
-        for (int32 i = 0; i < controller->getParameterCount(); ++i)
-        {
-            Vst::ParameterInfo info;
-            controller->getParameterInfo (i, info);
-            const auto position = controller->getParamNormalized (info.id);
-            EXPECT_TRUE (position >= 0.0 && position <= 1.0) << i;
-        }
-
-        return kept();
+        EXPECT_TRUE (instance.allParametersAreInRange());
+        return instance.saved();
     }
 
-    static constexpr int blockLength = 64;
     const Module module;
     const Held<IPluginFactory> factory { module.getFactory() };
-    const Held<Vst::IComponent> component =
-        create<Vst::IComponent> (*factory, componentId.data(), INLINE_UID_OF (Vst::IComponent));
-    const Held<Vst::IEditController> controller =
-        create<Vst::IEditController> (*factory, controllerId.data(), INLINE_UID_OF (Vst::IEditController));
-    const Held<Vst::IConnectionPoint> componentEnd =
-        query<Vst::IConnectionPoint> (*component, INLINE_UID_OF (Vst::IConnectionPoint));
-    const Held<Vst::IConnectionPoint> controllerEnd =
-        query<Vst::IConnectionPoint> (*controller, INLINE_UID_OF (Vst::IConnectionPoint));
-    const Held<Vst::IAudioProcessor> processor =
-        query<Vst::IAudioProcessor> (*component, INLINE_UID_OF (Vst::IAudioProcessor));
+    ModuleInstance instance { *factory };
     std::atomic<bool> isPlaying { true }, isFinite { true }, isHeard { false };
     std::atomic<int> blocks { 0 };
     std::thread audio;
@@ -174,70 +98,34 @@ protected:
     double slowestMs = 0.0;
 };
 
-constexpr std::size_t numRandomDamages = 500;
-
-std::size_t numDamages (const std::string& good) { return good.size() * 9 + numRandomDamages; }
-
-/** First each bit flipped, then cut to each length, then at random. */
+/** First each bit flipped, then cut to each length. */
 std::string damaged (std::string state, std::size_t number)
 {
-    if (number < state.size() * 8)
-    {
-        state[number / 8] = static_cast<char> (state[number / 8] ^ (1 << number % 8));
-        return state;
-    }
+    if (number >= state.size() * 8)
+        return state.substr (0, number - state.size() * 8);
 
-    number -= state.size() * 8;
-
-    if (number < state.size())
-        return state.substr (0, number);
-
-    std::mt19937 random (static_cast<unsigned> (number - state.size()));
-    const auto place = random() % state.size(), length = random() % 100;
-
-    switch (random() % 4)
-    {
-        case 0:
-            return state.erase (place, length);
-        case 1:
-            return state.insert (random() % state.size(), state.substr (place, length));
-        case 2:
-            state.resize (place);
-            break; // then something else in front of the last length and mark
-        default:
-            state.resize (state.size() - tail / 2); // or in the private part
-    }
-
-    const auto keepsLength = random() % 2 == 0;
-    const std::string end = "JUCEPrivateData";
-
-    for (auto i = random() % 40; i > 0; --i)
-        state += static_cast<char> (random() % 4 == 0 ? random() : random() % 4);
-
-    for (std::size_t i = 0; i < sizeof (int64); ++i)
-        state += static_cast<char> (keepsLength ? (i == 0 ? random() % 64 : 0) : (random() % 3 == 0 ? random() : 0xff));
-
-    return state + end;
+    state[number / 8] = static_cast<char> (state[number / 8] ^ (1 << number % 8));
+    return state;
 }
 
-/** Which of them to try: all around the document, one bit of each byte within it, the rest; all, or a single one, with
-    "all" or its number in TARVIK_DAMAGE of the environment.
+/** The damages to try: all around the document, one bit of each byte within it, all cuts; every one with TARVIK_DAMAGE=all
+    in the environment, or the one of that number.
 */
 std::vector<std::size_t> damagesToTry (const std::string& good)
 {
     const auto* const wish = std::getenv ("TARVIK_DAMAGE");
-    const auto wantsAll = wish != nullptr && wish == std::string_view ("all");
+    const auto isAll = wish != nullptr && wish == std::string_view ("all");
 
-    if (wish != nullptr && ! wantsAll)
+    if (wish != nullptr && ! isAll)
         return { std::stoul (wish) };
 
     std::vector<std::size_t> numbers;
 
-    for (std::size_t n = 0; n < numDamages (good); ++n)
+    for (std::size_t n = 0; n < good.size() * 9; ++n)
     {
         const auto byte = n / 8;
 
-        if (wantsAll || byte < header || byte >= good.size() - tail - 1 || n % 8 == byte % 8)
+        if (isAll || byte < header || byte >= good.size() - tail - 1 || n % 8 == byte % 8)
             numbers.push_back (n);
     }
 
@@ -277,7 +165,7 @@ TEST_F (ModuleDoor, DamagedStatesWhileItPlays)
 
     EXPECT_TRUE (isHeard);
 
-    if (numbers.size() == numDamages (good))
+    if (numbers.size() == good.size() * 9)
         std::cout << numbers.size() << " damages to " << good.size() << " bytes, " << blocks
                   << " blocks played, at most " << slowestMs << " ms to load\n";
 }
@@ -299,32 +187,24 @@ TEST_F (ModuleDoor, LengthsThatLieAndStatesInPieces)
             EXPECT_EQ (keptAfter (state + "JUCEPrivateData"), projects[1]) << length;
         }
 
-    for (const std::size_t piece : { 1u, 100u, 1000u })
-        for (const auto& project : projects)
-        {
-            load (project, piece);
-            EXPECT_EQ (kept(), project) << "in pieces of " << piece << " bytes";
-        }
+    for (const auto& project : projects)
+    {
+        instance.load (project, 100);
+        EXPECT_EQ (instance.saved(), project) << "in pieces";
+    }
 }
 
-/** A host may set anything between two steps. What it shows of a parameter is what it reads back, at once and after the
-    project was opened again.
-*/
-TEST_F (ModuleDoor, WhatAHostReadsIsWhatTheStripHoldsBeforeAndAfterALoad)
+/** A host may set anything between two steps, and shows what it reads back, at once and in the project opened again. */
+TEST_F (ModuleDoor, WhatAHostReadsIsWhatTheStripHolds)
 {
-    constexpr unsigned seed = 7;
-    std::mt19937 random (seed);
-    const auto count = controller->getParameterCount() - 1; // the last one, "Program", is not in the state
-    const auto infoOf = [&] (int32 index)
-    {
-        Vst::ParameterInfo info;
-        controller->getParameterInfo (index, info);
-        return info;
-    };
+    std::mt19937 random (7);
+    auto& controller = *instance.controller;
+    const auto count = controller.getParameterCount() - 1; // the last one, "Program", is not in the state
+    const auto valueOf = [&] (int32 index) { return controller.getParamNormalized (instance.infoOf (index).id); };
     const auto setAll = [&]
     {
         for (int32 i = 0; i < count; ++i)
-            controller->setParamNormalized (infoOf (i).id, static_cast<double> (random() % 1001) / 1000.0);
+            controller.setParamNormalized (instance.infoOf (i).id, static_cast<double> (random() % 1001) / 1000.0);
     };
 
     for (int round = 0; round < 10; ++round)
@@ -334,64 +214,26 @@ TEST_F (ModuleDoor, WhatAHostReadsIsWhatTheStripHoldsBeforeAndAfterALoad)
 
         for (int32 i = 0; i < count; ++i)
         {
-            const auto [id, steps] = std::pair (infoOf (i).id, infoOf (i).stepCount);
-            read.push_back (controller->getParamNormalized (id));
-
-            if (steps > 0)
-            {
-                EXPECT_NEAR (read.back() * steps, std::round (read.back() * steps), 1e-6) << i;
-            }
+            const auto inSteps = (read.push_back (valueOf (i)), read.back() * instance.infoOf (i).stepCount);
+            EXPECT_NEAR (inSteps, std::round (inSteps), 1e-6) << i; // all 0 without steps
         }
 
-        const auto project = kept();
+        const auto project = instance.saved();
         setAll();
-        load (project);
+        instance.load (project);
 
+        // The channel number shows no steps, so the host keeps what it sent: half of a 31st away at most. The others
+        // move on grids of a hundredth and finer.
         for (int32 i = 0; i < count; ++i)
-        {
-            // The channel number shows no steps, so the host keeps what it sent: half of a 31st away at most. The others
-            // move on grids of a hundredth and finer.
-            const auto tolerance = i == parameterIndex::tolChannel ? 0.0162 : 0.0051;
-            EXPECT_NEAR (controller->getParamNormalized (infoOf (i).id), read[static_cast<std::size_t> (i)], tolerance)
+            EXPECT_NEAR (valueOf (i), read[static_cast<std::size_t> (i)],
+                         i == parameterIndex::tolChannel ? 0.0162 : 0.0051)
                 << i;
-        }
     }
 
     // What is not a number changes nothing.
-    const auto pad = infoOf (2).id;
-    const auto before = controller->getParamNormalized (pad);
-    controller->setParamNormalized (pad, std::numeric_limits<double>::quiet_NaN());
-    EXPECT_EQ (controller->getParamNormalized (pad), before);
-}
-
-TEST (StateText, GivesItsBytesWhateverIsAroundThem)
-{
-    juce::MemoryBlock read;
-
-    for (std::size_t size = 1; size < 40; ++size)
-    {
-        juce::MemoryBlock block (size);
-
-        for (auto& byte : block)
-            byte = static_cast<char> (size * 37 + static_cast<std::size_t> (&byte - block.begin()) * 101);
-
-        // Memory of its own and no zero byte at the end, so that a read beyond it is seen by the AddressSanitizer.
-        const auto text = block.toBase64Encoding().toStdString();
-        const std::vector<char> bare (text.begin(), text.end());
-        EXPECT_TRUE (readStateText ({ bare.data(), bare.size() }, read));
-        EXPECT_EQ (read, block);
-
-        const auto digits = text.substr (text.find ('.'));
-        const auto broken = "-9999999999999999999" + digits.substr (0, 2) + "\n\x80=" + digits.substr (2);
-        EXPECT_TRUE (readStateText (broken + '\0' + "AAAA", read));
-        EXPECT_EQ (read, block);
-    }
-
-    for (const auto* const nothing : { "", ".", "1.", "12", "12.A", "-1.=" })
-    {
-        EXPECT_FALSE (readStateText (nothing, read)) << nothing;
-        EXPECT_TRUE (read.isEmpty());
-    }
+    const auto before = valueOf (2);
+    controller.setParamNormalized (instance.infoOf (2).id, std::numeric_limits<double>::quiet_NaN());
+    EXPECT_EQ (valueOf (2), before);
 }
 
 } // namespace tarvik

@@ -1,12 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tests/support/BuiltModule.h"
+#include "plugin/ParameterTable.h"
+#include "tests/plugin/ModuleInstance.h"
 
 #include <gtest/gtest.h>
-#include <juce_core/juce_core.h>
-#include <pluginterfaces/vst/ivstaudioprocessor.h>
-#include <pluginterfaces/vst/ivstcomponent.h>
-#include <pluginterfaces/vst/ivsteditcontroller.h>
-#include <pluginterfaces/vst/ivstmessage.h>
 #include <pluginterfaces/vst/ivstunits.h>
 
 #include <string>
@@ -65,7 +61,7 @@ TEST (Module, ExportsItsEntriesAndTheStringsAndCodesThatHostsKeep)
         EXPECT_STREQ (record.name, "Tarvik 41 Channel");
         EXPECT_STREQ (record.vendor, "Nomvale");
         EXPECT_STREQ (record.subCategories, "Fx|Channel Strip");
-        EXPECT_STREQ (record.version, "1.0.0");
+        EXPECT_STREQ (record.version, JucePlugin_VersionString);
         EXPECT_STREQ (record.sdkVersion, "VST 3.7.2");
         EXPECT_EQ (record.cardinality, PClassInfo::kManyInstances);
         EXPECT_EQ (record.classFlags, 0u);
@@ -76,99 +72,70 @@ TEST (Module, ComponentHasThreeBusesNoEventsAndItsLatency)
 {
     const Module module;
     const Held<IPluginFactory> factory (module.getFactory());
-    const auto component = create<Vst::IComponent> (*factory, componentId.data(), INLINE_UID_OF (Vst::IComponent));
-    ASSERT_NE (component, nullptr);
-    ASSERT_EQ (component->initialize (nullptr), kResultOk);
+    const ModuleInstance instance (*factory);
+    auto& component = *instance.component;
     TUID itsController {};
-    ASSERT_EQ (component->getControllerClassId (itsController), kResultOk);
+    ASSERT_EQ (component.getControllerClassId (itsController), kResultOk);
     EXPECT_EQ (std::string (itsController, sizeof (TUID)), controllerId);
 
-    EXPECT_EQ (component->getBusCount (Vst::kEvent, Vst::kInput), 0);
-    EXPECT_EQ (component->getBusCount (Vst::kEvent, Vst::kOutput), 0);
-    ASSERT_EQ (component->getBusCount (Vst::kAudio, Vst::kInput), 2);
-    ASSERT_EQ (component->getBusCount (Vst::kAudio, Vst::kOutput), 1);
+    EXPECT_EQ (component.getBusCount (Vst::kEvent, Vst::kInput), 0);
+    EXPECT_EQ (component.getBusCount (Vst::kEvent, Vst::kOutput), 0);
+    ASSERT_EQ (component.getBusCount (Vst::kAudio, Vst::kInput), 2);
+    ASSERT_EQ (component.getBusCount (Vst::kAudio, Vst::kOutput), 1);
 
     for (const auto& [direction, index, name, type] : { std::tuple (Vst::kInput, 0, "Input", Vst::kMain),
                                                         { Vst::kOutput, 0, "Output", Vst::kMain },
                                                         { Vst::kInput, 1, "Sidechain", Vst::kAux } })
     {
         Vst::BusInfo bus;
-        ASSERT_EQ (component->getBusInfo (Vst::kAudio, direction, index, bus), kResultOk);
+        ASSERT_EQ (component.getBusInfo (Vst::kAudio, direction, index, bus), kResultOk);
         EXPECT_EQ (text (bus.name), name);
         EXPECT_EQ (bus.busType, type);
         EXPECT_EQ (bus.channelCount, 2);
         EXPECT_TRUE (bus.flags & Vst::BusInfo::kDefaultActive) << name;
     }
 
-    const auto processor = query<Vst::IAudioProcessor> (*component, INLINE_UID_OF (Vst::IAudioProcessor));
-    ASSERT_NE (processor, nullptr);
-    EXPECT_EQ (processor->getLatencySamples(), 52u);
-    EXPECT_EQ (processor->getTailSamples(), Vst::kNoTail);
-    EXPECT_EQ (processor->canProcessSampleSize (Vst::kSample32), kResultTrue);
-    EXPECT_EQ (processor->canProcessSampleSize (Vst::kSample64), kResultFalse);
+    auto& processor = *instance.processor;
+    EXPECT_EQ (processor.getLatencySamples(), 52u);
+    EXPECT_EQ (processor.getTailSamples(), Vst::kNoTail);
+    EXPECT_EQ (processor.canProcessSampleSize (Vst::kSample32), kResultTrue);
+    EXPECT_EQ (processor.canProcessSampleSize (Vst::kSample64), kResultFalse);
 
     using Vst::SpeakerArr::kMono;
     using Vst::SpeakerArr::kStereo;
-    Vst::SpeakerArrangement monoIn[] = { kMono, kMono };
-    Vst::SpeakerArrangement wideSidechain[] = { kMono, kStereo };
-    Vst::SpeakerArrangement monoOut = kMono;
-    EXPECT_EQ (processor->setBusArrangements (monoIn, 2, &monoOut, 1), kResultTrue);
-    EXPECT_EQ (processor->setBusArrangements (wideSidechain, 2, &monoOut, 1), kResultFalse);
-    Vst::SpeakerArrangement now = 0;
-    processor->getBusArrangement (Vst::kInput, 1, now);
+    Vst::SpeakerArrangement monoIn[] = { kMono, kMono }, wideSidechain[] = { kMono, kStereo }, monoOut = kMono, now = 0;
+    EXPECT_EQ (processor.setBusArrangements (monoIn, 2, &monoOut, 1), kResultTrue);
+    EXPECT_EQ (processor.setBusArrangements (wideSidechain, 2, &monoOut, 1), kResultFalse);
+    processor.getBusArrangement (Vst::kInput, 1, now);
     EXPECT_EQ (now, kMono) << "the refused side chain follows the main width";
-    component->terminate();
 }
 
-TEST (Module, ControllerShowsTheParametersTheBypassAndTheProgramsToAHost)
+TEST (Module, ControllerShowsParametersBypassAndPrograms)
 {
     const Module module;
     const Held<IPluginFactory> factory (module.getFactory());
-    const auto component = create<Vst::IComponent> (*factory, componentId.data(), INLINE_UID_OF (Vst::IComponent));
-    const auto controller =
-        create<Vst::IEditController> (*factory, controllerId.data(), INLINE_UID_OF (Vst::IEditController));
-    ASSERT_EQ (component->initialize (nullptr), kResultOk);
-    ASSERT_EQ (controller->initialize (nullptr), kResultOk);
-
-    // Only a controller that knows its component has parameters.
-    const auto componentEnd = query<Vst::IConnectionPoint> (*component, INLINE_UID_OF (Vst::IConnectionPoint));
-    const auto controllerEnd = query<Vst::IConnectionPoint> (*controller, INLINE_UID_OF (Vst::IConnectionPoint));
-    componentEnd->connect (controllerEnd.get());
-    controllerEnd->connect (componentEnd.get());
-
-    constexpr int32 ownParameters = 42;
-    ASSERT_EQ (controller->getParameterCount(), ownParameters + 2);
-
-    const auto hashOf = [] (const char* id)
-    { return static_cast<uint32> (juce::String (id).hashCode()) & 0x7fffffffu; };
+    const ModuleInstance instance (*factory);
+    ASSERT_EQ (instance.controller->getParameterCount(), numParameters + 2);
 
     for (const auto& [index, title, steps] :
-         { std::tuple (25, "Comp Smash", 1), { ownParameters, "Bypass", 1 }, { ownParameters + 1, "Program", 25 } })
+         { std::tuple (25, "Comp Smash", 1), { numParameters, "Bypass", 1 }, { numParameters + 1, "Program", 25 } })
     {
-        Vst::ParameterInfo parameter;
-        controller->getParameterInfo (index, parameter);
+        const auto parameter = instance.infoOf (index);
         EXPECT_EQ (text (parameter.title), title);
         EXPECT_EQ (parameter.stepCount, steps) << title;
         EXPECT_TRUE (parameter.flags & Vst::ParameterInfo::kCanAutomate) << title;
-
-        if (index < ownParameters)
-        {
-            EXPECT_EQ (parameter.id, hashOf ("compNuke")) << "projects keep automation under this number";
-        }
     }
 
-    const auto units = query<Vst::IUnitInfo> (*controller, INLINE_UID_OF (Vst::IUnitInfo));
+    EXPECT_EQ (instance.infoOf (25).id, static_cast<uint32> (juce::String ("compNuke").hashCode()) & 0x7fffffffu)
+        << "projects keep automation under this number";
+
+    const auto units = query<Vst::IUnitInfo> (*instance.controller, INLINE_UID_OF (Vst::IUnitInfo));
     Vst::ProgramListInfo programs;
     ASSERT_EQ (units->getProgramListInfo (0, programs), kResultOk);
     EXPECT_EQ (programs.programCount, 26);
     Vst::String128 name {};
     units->getProgramName (programs.id, 25, name);
     EXPECT_EQ (text (name), "Vox Rap 3 Aggressive");
-
-    componentEnd->disconnect (controllerEnd.get());
-    controllerEnd->disconnect (componentEnd.get());
-    controller->terminate();
-    component->terminate();
 }
 
 } // namespace tarvik

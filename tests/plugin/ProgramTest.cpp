@@ -25,11 +25,14 @@ TEST (Programs, AreThoseThatUsersKnow)
     expectGolden ("programs.txt", all);
 }
 
-TEST (Programs, SettleEveryParameterOfTheSlotInForceAndClampTheirNumber)
+TEST (Programs, SetEveryParameterOfTheCurrentSlotAndNoSetting)
 {
     Tarvik41Processor strip;
     setPlain (strip, { { "TolChannel", 9.0f }, { "mute", 1.0f } });
     strip.selectSlot (1);
+    strip.calibrationSetting().setValue (22.0);
+    strip.limiterSensitivitySetting().setValue (1);
+    const double calibration = strip.currentSnapshot().calibration;
 
     for (const auto& [wanted, taken] : { std::pair (17, 17), { -1, 0 }, { 100, 25 } })
     {
@@ -42,9 +45,13 @@ TEST (Programs, SettleEveryParameterOfTheSlotInForceAndClampTheirNumber)
     }
 
     EXPECT_EQ (strip.getSlot (0).tolChannel.get(), 9) << "the other slot is left alone";
+    EXPECT_EQ (strip.calibrationSetting().getValue(), 22.0);
+    EXPECT_EQ (strip.currentSnapshot().calibration.get(), calibration);
+    EXPECT_EQ (strip.limiterSensitivitySetting().getValue(), 1);
+    EXPECT_EQ (strip.currentSnapshot().limiterSensitivity.get(), 1);
 }
 
-TEST (Programs, ProgramRightBehindAStateLoadDoesNotOverwriteIt)
+TEST (Programs, ProgramRightAfterAStateLoadDoesNotOverwriteIt)
 {
     Tarvik41Processor strip;
     setPlain (strip, "gain", 7.0f);
@@ -52,6 +59,11 @@ TEST (Programs, ProgramRightBehindAStateLoadDoesNotOverwriteIt)
 
     strip.setCurrentProgram (5);
     EXPECT_EQ (strip.getCurrentProgram(), 5);
+    EXPECT_FLOAT_EQ (plainOf (strip, "gain"), 7.0f);
+
+    juce::Thread::sleep (510);
+    load (strip, blockOfText ("not a document")); // counts as a load as well
+    strip.setCurrentProgram (6);
     EXPECT_FLOAT_EQ (plainOf (strip, "gain"), 7.0f);
 
     juce::Thread::sleep (510);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/BareStrip.h"
+#include "tests/support/EditorTestTools.h"
 #include "tests/support/SettingsFileTest.h"
+#include "tests/support/StateTestTools.h"
 
 #include <atomic>
 #include <chrono>
@@ -16,14 +18,24 @@ using namespace test;
 
 using Settings = SettingsFileTest;
 
-TEST_F (Settings, FileStandsInTheUsersConfigurationFolder)
+namespace
 {
-    const auto config = juce::SystemStats::getEnvironmentVariable ("XDG_CONFIG_HOME", {});
-    EXPECT_EQ (file(), juce::File (config).getChildFile ("Tarvik Plugins/Tarvik 41 Channel.settings"));
+juce::String settingsOf (const Tarvik41Processor& strip)
+{
+    return juce::String (strip.calibrationSetting().getValue()) + " "
+           + juce::String (strip.oversamplingSetting().getValue()) + " "
+           + juce::String (strip.analogSetting().getValue() ? 1 : 0) + " "
+           + juce::String (strip.uiZoomSetting().getValue()) + " "
+           + juce::String (strip.limiterSensitivitySetting().getValue()) + " "
+           + juce::String (strip.meterModeSetting().getValue());
 }
+} // namespace
 
 TEST_F (Settings, StoredDefaultsReachNewInstancesAndRefusedOnesDoNot)
 {
+    const auto config = juce::SystemStats::getEnvironmentVariable ("XDG_CONFIG_HOME", {});
+    EXPECT_EQ (file(), juce::File (config).getChildFile ("Tarvik Plugins/Tarvik 41 Channel.settings"));
+
     for (const auto& [key, value] : { std::pair ("Calibration", "25"),
                                       { "Oversampling", "3" },
                                       { "UIZoom", "1.51" },
@@ -32,24 +44,45 @@ TEST_F (Settings, StoredDefaultsReachNewInstancesAndRefusedOnesDoNot)
                                       { "Analog", "0" } })
         write (key, value);
 
-    {
-        const Tarvik41Processor strip;
-        EXPECT_EQ (strip.calibrationSetting().getValue(), 18.0);
-        EXPECT_EQ (strip.oversamplingSetting().getValue(), 2);
-        EXPECT_EQ (strip.uiZoomSetting().getValue(), 1.2);
-        EXPECT_EQ (strip.limiterSensitivitySetting().getValue(), 2);
-        EXPECT_EQ (strip.meterModeSetting().getValue(), 0);
-        EXPECT_FALSE (strip.analogSetting().getValue());
-    }
+    EXPECT_EQ (settingsOf (Tarvik41Processor()), "18 2 0 1.2 2 0");
 
     write ("Calibration", "24");
     write ("Oversampling", "1");
-    const Tarvik41Processor strip;
-    EXPECT_EQ (strip.calibrationSetting().getValue(), 24.0);
-    EXPECT_EQ (strip.getLatencySamples(), 0);
+    EXPECT_EQ (Tarvik41Processor().calibrationSetting().getValue(), 24.0);
+    EXPECT_EQ (Tarvik41Processor().getLatencySamples(), 0);
 
     file().replaceWithText ("<?xml this is no settings file");
     EXPECT_EQ (Tarvik41Processor().calibrationSetting().getValue(), 18.0);
+}
+
+TEST_F (Settings, AProjectBringsItsOwnAndTakesDefaultsForMissingOnes)
+{
+    Tarvik41Processor strip;
+    const auto load = [&strip] (std::string_view attributes)
+    { test::load (strip, blockOfText ("<Tarvik41Channel " + std::string (attributes) + "/>")); };
+
+    // What stands in a project is not asked whether it makes sense.
+    load (
+        "Calibration=\"30.5\" Oversampling=\"3\" Analog=\"0\" UIZoom=\"0.9\" LimiterSensitivity=\"1\" MeterMode=\"7\"");
+    EXPECT_EQ (settingsOf (strip), "30.5 3 0 0.9 1 7");
+    EXPECT_EQ (strip.currentSnapshot().limiterSensitivity.get(), 1);
+    const auto xml = savedXml (strip);
+    EXPECT_EQ (xml->getStringAttribute ("Calibration") + xml->getStringAttribute ("MeterMode"), "30.57");
+
+    write ("Calibration", "20");
+    write ("MeterMode", "1");
+    load ("");
+    EXPECT_EQ (settingsOf (strip), "20 2 1 1.2 2 1");
+}
+
+TEST_F (Settings, AZoomLoadedOnAnotherThreadReachesTheWindow)
+{
+    Tarvik41Processor strip;
+    const std::unique_ptr<juce::AudioProcessorEditor> editor (strip.createEditorIfNeeded());
+    const auto before = editor->getWidth();
+    std::thread ([&] { load (strip, blockOfText ("<Tarvik41Channel UIZoom=\"0.8\"/>")); }).join();
+    runMessagesFor (300);
+    EXPECT_LT (editor->getWidth(), before);
 }
 
 TEST_F (Settings, CalibrationReachesBothSlotsAndNonsenseLeavesTheGain)
@@ -88,8 +121,7 @@ TEST_F (Settings, AnyCalibrationLeavesTheAudioFiniteAndNoTrace)
         worn->calibrationSetting().setValue (db);
 
         for (const auto& channel : process (*worn, { noise (4800, 1, 100.0f), noise (4800, 2) }, 256))
-            EXPECT_TRUE (std::all_of (channel.begin(), channel.end(), [] (float x) { return std::isfinite (x); }))
-                << db;
+            EXPECT_TRUE (allFinite (channel)) << db;
     }
 
     const auto programme = noise (48000, 3, 0.03f);
@@ -100,8 +132,7 @@ TEST_F (Settings, AnyCalibrationLeavesTheAudioFiniteAndNoTrace)
 
 TEST_F (Settings, BroadcastsReachEveryInstanceAndTheirTypesAreKept)
 {
-    Tarvik41Processor a;
-    Tarvik41Processor b;
+    const Tarvik41Processor a, b;
     auto& broadcaster = InstanceBroadcaster::get();
     broadcaster.broadcast ({ BroadcastMessage::calibration, 23 });
     broadcaster.broadcast ({ BroadcastMessage::oversampling, 4 });
@@ -109,13 +140,9 @@ TEST_F (Settings, BroadcastsReachEveryInstanceAndTheirTypesAreKept)
     broadcaster.broadcast ({ 4, 1 });
     broadcaster.broadcast ({ BroadcastMessage::limiterSensitivity, 0 });
 
-    for (auto* const strip : { &a, &b })
+    for (const auto* const strip : { &a, &b })
     {
-        EXPECT_EQ (strip->calibrationSetting().getValue(), 23.0);
-        EXPECT_EQ (strip->oversamplingSetting().getValue(), 4);
-        EXPECT_FALSE (strip->analogSetting().getValue());
-        EXPECT_EQ (strip->uiZoomSetting().getValue(), 1.2) << "the zoom stays with its instance";
-        EXPECT_EQ (strip->limiterSensitivitySetting().getValue(), 0);
+        EXPECT_EQ (settingsOf (*strip), "23 4 0 1.2 0 0");
         EXPECT_EQ (strip->currentSnapshot().limiterSensitivity, 0);
     }
 
@@ -190,7 +217,7 @@ TEST_F (Settings, AHostMayRestartTheStripWhileItHearsOfItsLatency)
     EXPECT_FALSE (host.isStuck);
 }
 
-TEST_F (Settings, TwoThreadsThatChangeTheFactorLeaveTheLatencyOfTheLastOne)
+TEST_F (Settings, TwoThreadsThatChangeTheFactorLeaveTheLastOnesLatency)
 {
     const auto strip = makeBareStrip();
     strip->prepareToPlay (48000.0, 64);

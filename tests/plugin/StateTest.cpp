@@ -8,22 +8,7 @@ namespace tarvik
 
 using namespace test;
 
-namespace
-{
-/** Saves, lets `change` alter the document, and loads it into the strip. */
-template <typename Change>
-void loadChanged (Tarvik41Processor& strip, Change&& change)
-{
-    const auto xml = savedXml (strip);
-    ASSERT_NE (xml, nullptr);
-    change (*xml);
-    juce::MemoryBlock changed;
-    juce::AudioProcessor::copyXmlToBinary (*xml, changed);
-    load (strip, changed);
-}
-} // namespace
-
-TEST (State, BothSlotsAndAllSettingsComeBackByteForByteAndSoundTheSame)
+TEST (State, BothSlotsComeBackByteForByteAndSoundTheSame)
 {
     Tarvik41Processor original;
     std::mt19937 random (17);
@@ -38,24 +23,19 @@ TEST (State, BothSlotsAndAllSettingsComeBackByteForByteAndSoundTheSame)
     original.calibrationSetting().setValue (21.0);
     original.oversamplingSetting().setValue (8);
     original.analogSetting().setValue (false);
-    original.uiZoomSetting().setValue (0.9);
-    original.limiterSensitivitySetting().setValue (1);
-    original.meterModeSetting().setValue (1);
 
     const auto block = saved (original);
     Tarvik41Processor reopened;
     load (reopened, block);
     EXPECT_EQ (saved (reopened), block);
     EXPECT_EQ (reopened.getCurrentSlot(), 1);
-    EXPECT_EQ (reopened.uiZoomSetting().getValue(), 0.9);
-    EXPECT_EQ (reopened.meterModeSetting().getValue(), 1);
 
     for (int i = 0; i < numParameters; ++i)
     {
         EXPECT_EQ (plainValueOf (reopened.getSlot (0), i), plainValueOf (original.getSlot (0), i)) << i;
         EXPECT_EQ (plainValueOf (reopened.getSlot (1), i), plainValueOf (original.getSlot (1), i)) << i;
         EXPECT_FLOAT_EQ (plainOf (reopened, parameterRow (i).id), plainValueOf (original.getSlot (1), i))
-            << "the parameters show the slot in force";
+            << "the parameters show the current slot";
     }
 
     const auto play = [] (Tarvik41Processor& strip)
@@ -72,75 +52,60 @@ TEST (State, BothSlotsAndAllSettingsComeBackByteForByteAndSoundTheSame)
 TEST (State, MissingBadAndForeignFieldsTakeDefaultsAndStayInRange)
 {
     Tarvik41Processor strip;
-    setPlain (strip, { { "gain", 9.0f }, { "pad", 1.0f } });
+    setPlain (strip, { { "gain", 9.0f }, { "equalizer", 0.0f } });
     strip.copySlotToOther();
-    setPlain (strip, "gain", 8.0f);
-
-    loadChanged (strip,
-                 [] (juce::XmlElement& xml)
-                 {
-                     auto& a = *xml.getChildByName ("data0");
-                     a.removeAttribute ("gain");
-
-                     for (const auto& [name, value] : { std::pair ("lowFreq", "99"),
-                                                        { "midFreq", "-3" },
-                                                        { "expThreshold", "nan" },
-                                                        { "expRelease", "1e9" },
-                                                        { "compNuke", "1" },
-                                                        { "equalizer", "nan" },
-                                                        { "noSuchThing", "5" } })
-                         a.setAttribute (name, value);
-
-                     xml.deleteAllChildElementsWithTagName ("data1");
-                     xml.setAttribute ("currentData", 7);
-                     xml.setAttribute ("Calibration", "nan");
-                 });
+    load (strip, blockOfText (
+                     "<Tarvik41Channel currentData='7' Calibration='nan' Oversampling='4.9' MeterMode='nan' "
+                     "LimiterSensitivity=' 1.5e0 '><data0 lowFreq='99' midFreq='-3' highGain='7.9' expThreshold='nan' "
+                     "expRelease='1e9' compNuke='1' pad=' 1 ' equalizer='nan' noSuchThing='5'/></Tarvik41Channel>"));
 
     const auto& a = strip.getSlot (0);
     EXPECT_EQ (strip.getCurrentSlot(), 0);
     EXPECT_EQ (a.gain.get(), 0.0f) << "unknown to the project, so at its default";
     EXPECT_EQ (a.lowFreq.get(), 9);
     EXPECT_EQ (a.midFreq.get(), 0);
+    EXPECT_EQ (a.highGain.get(), 7);
     EXPECT_EQ (a.expThreshold.get(), -30.0f);
     EXPECT_EQ (a.expRelease.get(), 1.6f);
-    EXPECT_TRUE (a.compNuke);
+    EXPECT_TRUE (a.compNuke && a.pad);
     EXPECT_TRUE (a.equalizer) << "not a number, so at its default";
-    EXPECT_TRUE (a.pad);
     EXPECT_EQ (strip.getSlot (1).gain.get(), 9.0f) << "a slot that the project lacks keeps what it had";
     EXPECT_FLOAT_EQ (strip.getCalibrationGain(), 8.70143032f);
+    EXPECT_EQ (strip.oversamplingSetting().getValue(), 4);
+    EXPECT_EQ (strip.limiterSensitivitySetting().getValue(), 1);
+    EXPECT_EQ (strip.meterModeSetting().getValue(), 0);
+
+    for (const auto& [text, slot] : { std::pair ("1.9", 1),
+                                      { "-1", 1 },
+                                      { "2", 1 },
+                                      { "nan", 1 },
+                                      { "", 1 },
+                                      { " 0 ", 0 },
+                                      { "4294967296", 0 },
+                                      { "\n1\t", 1 },
+                                      { "0.5", 0 },
+                                      { "1 apple", 0 } })
+    {
+        load (strip, blockOfText (std::string ("<Tarvik41Channel currentData='") + text + "'/>"));
+        EXPECT_EQ (strip.getCurrentSlot(), slot) << text;
+    }
 }
 
 TEST (State, TheDocumentKeepsItsNamesAndTheirOrder)
 {
-    Tarvik41Processor strip;
-    const auto xml = savedXml (strip);
-    ASSERT_NE (xml, nullptr);
-    juce::StringArray names { xml->getTagName() };
-
-    for (int i = 0; i < xml->getNumAttributes(); ++i)
-        names.add (xml->getAttributeName (i));
-
-    EXPECT_EQ (names.joinIntoString (" "),
-               "Tarvik41Channel Version BuildDate currentData Calibration Oversampling Analog "
-               "UIZoom LimiterSensitivity MeterMode");
-    EXPECT_EQ (xml->getStringAttribute ("Version"), "1.0.0");
-    const auto date = xml->getStringAttribute ("BuildDate");
-    EXPECT_TRUE (date.matchesWildcard ("*-*-*T*:*:*.*", false)) << date;
-    EXPECT_EQ (juce::Time::fromISO8601 (date), juce::Time::getCompilationDate());
-
-    ASSERT_EQ (xml->getNumChildElements(), 2);
-    EXPECT_EQ (xml->getChildElement (0)->getTagName(), "data0");
-    const auto& b = *xml->getChildElement (1);
-    EXPECT_EQ (b.getTagName(), "data1");
-    EXPECT_EQ (b.getNumAttributes(), numParameters);
-    EXPECT_EQ (b.getAttributeName (25), "compNuke");
-    EXPECT_EQ (b.getStringAttribute ("lowFreq"), "4") << "a choice by its number";
-    EXPECT_EQ (b.getStringAttribute ("equalizer"), "1");
-    EXPECT_EQ (b.getStringAttribute ("compInput"), "2.5");
+    const auto text = std::string (textOf (saved (*std::make_unique<Tarvik41Processor>())));
+    const std::string key = "BuildDate=\"";
+    const auto start = text.find (key) + key.size(), end = text.find ('"', start);
+    EXPECT_EQ (juce::Time::fromISO8601 (juce::String (text.substr (start, end - start))),
+               juce::Time::getCompilationDate());
+    EXPECT_NE (text.find ("Version=\"" JucePlugin_VersionString "\""), std::string::npos);
+    expectGolden ("state.txt", juce::String (text.substr (0, start) + text.substr (end))
+                                   .replace ("Version=\"" JucePlugin_VersionString, "Version=\"")
+                                   .replace ("\" ", "\"\n"));
 }
 
 /** Where a host asks a fresh instance for its state, today's defaults must not become the project's settings. */
-TEST (State, OneHostsFormatSavesSettingsOnlyBehindALoad)
+TEST (State, OneHostsFormatSavesSettingsOnlyAfterALoad)
 {
     const auto strip = makeStripFor (juce::AudioProcessor::wrapperType_AAX);
     EXPECT_EQ (savedXml (*strip)->getNumAttributes(), 3);
@@ -171,44 +136,6 @@ TEST (State, SlotsAreSelectedCopiedAndNamedTogether)
         EXPECT_EQ (strip.getSlot (slot).trackName, "Snare");
         EXPECT_EQ (strip.getSlot (slot).trackColour.get(), juce::Colours::red.getARGB());
     }
-}
-
-TEST (State, NumbersAreReadByTheirWholePart)
-{
-    Tarvik41Processor strip;
-    strip.selectSlot (1);
-
-    for (const auto& [text, slot] : { std::pair ("7", 1),
-                                      { "-1", 1 },
-                                      { "2", 1 },
-                                      { "nan", 1 },
-                                      { "", 1 },
-                                      { "one", 1 },
-                                      { " 0 ", 0 },
-                                      { "1.9", 1 },
-                                      { "4294967296", 1 },
-                                      { "0.5", 0 },
-                                      { "\n1\t", 1 },
-                                      { "1 apple", 1 } })
-    {
-        loadChanged (strip, [text = text] (juce::XmlElement& xml) { xml.setAttribute ("currentData", text); });
-        EXPECT_EQ (strip.getCurrentSlot(), slot) << text;
-    }
-
-    loadChanged (strip,
-                 [] (juce::XmlElement& xml)
-                 {
-                     xml.setAttribute ("Oversampling", "4.9");
-                     xml.setAttribute ("LimiterSensitivity", " 1.5e0 ");
-                     xml.setAttribute ("MeterMode", "nan");
-                     xml.getChildByName ("data1")->setAttribute ("highGain", "7.9");
-                     xml.getChildByName ("data1")->setAttribute ("pad", " 1 ");
-                 });
-    EXPECT_EQ (strip.oversamplingSetting().getValue(), 4);
-    EXPECT_EQ (strip.limiterSensitivitySetting().getValue(), 1);
-    EXPECT_EQ (strip.meterModeSetting().getValue(), 0);
-    EXPECT_EQ (strip.getSlot (1).highGain.get(), 7);
-    EXPECT_TRUE (strip.getSlot (1).pad);
 }
 
 /** What a person or a program may do to the text without changing what it says; and what is not the strip's at all. */

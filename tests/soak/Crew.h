@@ -25,12 +25,12 @@ class Crew final : private juce::Timer
 public:
     Crew (Seats& fleet, int firstSeed) : seats (fleet), seed (firstSeed), random (firstSeed) {}
 
-    /** Two rounds, of a quarter and three quarters of the time. After each everything rests for a while, without
-        windows, and then `onRest` is called. Message thread; runs its loop.
+    /** Two rounds, of a quarter and three quarters of the time. After each everything stops for a while, without windows,
+        and then `onPause` is called. Message thread; runs its loop.
     */
-    void work (double seconds, std::function<void()> onRest)
+    void work (double seconds, std::function<void()> onPause)
     {
-        rest = std::move (onRest);
+        pause = std::move (onPause);
         roundsMs = { 250.0 * seconds, 750.0 * seconds };
         startRound();
         juce::MessageManager::getInstance()->runDispatchLoop();
@@ -150,7 +150,7 @@ private:
         }
         else
         {
-            rest();
+            pause();
 
             if (roundsMs.empty())
                 juce::MessageManager::getInstance()->stopDispatchLoop();
@@ -204,10 +204,10 @@ private:
         windows.back()->setVisible (true);
         ++openings.number;
 
-        if (windows.size() > mostWindows)
+        if (windows.size() > maxWindows)
             closeOldestWindow();
 
-        if (openedMs.size() >= mostWindows)
+        if (openedMs.size() >= maxWindows)
             openedMs.pop_front();
     }
 
@@ -244,14 +244,13 @@ private:
     }
 
     static constexpr int numAudioThreads = 4;
-    static constexpr std::size_t mostWindows = 4;
-
-    static constexpr int leastWindowMs = 500; ///< For so long at least a window stays open.
+    static constexpr std::size_t maxWindows = 4;
+    static constexpr int leastWindowMs = 500; ///< A window stays open for at least as long.
 
     Seats& seats;
     int seed;      ///< The one given out last.
     Random random; ///< The message thread's.
-    std::function<void()> rest;
+    std::function<void()> pause;
     std::deque<double> roundsMs;
     double endMs = 0.0;
     std::deque<std::unique_ptr<juce::AudioProcessorEditor>> windows;

@@ -20,13 +20,13 @@ constexpr int numInstances = 64;
 constexpr int badAudioEvery = 8; ///< One instance in so many gets bad audio.
 constexpr double rateHz = 48000.0;
 constexpr int blockLength = 480;
-constexpr double mostDeviation = 1.0e-6;
+constexpr double allowedDeviation = 1.0e-6;
 
 // A sanitizer keeps what was freed, so there the memory says nothing; AddressSanitizer tells what was lost by itself.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr double mostGrowthMiB = 1.0e9;
+constexpr double allowedGrowthMiB = 1.0e9;
 #else
-constexpr double mostGrowthMiB = 32.0;
+constexpr double allowedGrowthMiB = 32.0;
 #endif
 
 double residentMiB()
@@ -139,14 +139,14 @@ int run (double seconds, int seed)
 
     isGood &= report (crew.brokenBlocks == 0,
                       "blocks with samples that are not numbers: " + juce::String (crew.brokenBlocks));
-    isGood &= report (memory[2] - memory[1] <= mostGrowthMiB,
+    isGood &= report (memory[2] - memory[1] <= allowedGrowthMiB,
                       "resident memory in MiB: " + juce::String (memory[0], 1) + " at the start, "
                           + juce::String (memory[1], 1) + " when warm, " + juce::String (memory[2], 1)
-                          + " at the end; may grow by " + juce::String (mostGrowthMiB) + " from warm");
-    isGood &= report (*worst <= mostDeviation, "largest deviation from a fresh instance: " + juce::String (*worst)
-                                                   + " of full scale, at most " + juce::String (mostDeviation)
-                                                   + "; of instance "
-                                                   + juce::String (static_cast<int> (worst - deviations.begin())));
+                          + " at the end; may grow by " + juce::String (allowedGrowthMiB) + " from warm");
+    isGood &= report (*worst <= allowedDeviation, "largest deviation from a fresh instance: " + juce::String (*worst)
+                                                      + " of full scale, at most " + juce::String (allowedDeviation)
+                                                      + "; of instance "
+                                                      + juce::String (static_cast<int> (worst - deviations.begin())));
     isGood &= report (*std::max_element (expected.begin(), expected.end()) > 0.1f, "the fresh instance is heard");
     return isGood ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "dsp/Decibels.h"
-#include "strip/ChannelStrip.h"
 #include "tests/support/StripTestTools.h"
 
 #include <string>
@@ -13,23 +11,14 @@ namespace tarvik::test
 /** The real strip without its middle section: what is left is arithmetic that a test can do again exactly. It writes
     down what its base asks of it.
 */
-class BareStrip final : public KVLProcessor
+class BareStrip final : public Tarvik41Processor
 {
 public:
-    BareStrip()
-    {
-        for (int index = 0; index < numParameters; ++index)
-            addParameter (createParameter (index).release());
-
-        listenToParameters();
-        analogSetting().setValue (false);
-    }
-
-    const juce::String getName() const override { return "Bare"; } // NOLINT: JUCE's own signature
+    BareStrip() { analogSetting().setValue (false); }
 
     void prepareDsp (double rate, int factor, int numMain, int maxSamples) override
     {
-        strip.prepare (rate, factor, numMain, maxSamples);
+        Tarvik41Processor::prepareDsp (rate, factor, numMain, maxSamples);
         note ("prepare " + std::to_string (static_cast<int> (rate)) + " " + std::to_string (factor) + " "
               + std::to_string (numMain) + " " + std::to_string (maxSamples));
         wasSuspendedWhilePreparing = isSuspended();
@@ -37,27 +26,21 @@ public:
 
     void resetDsp() override
     {
-        strip.reset();
+        Tarvik41Processor::resetDsp();
         note ("reset");
     }
 
-    void releaseDsp() override { strip.release(); }
-
     void updateDsp (bool force) override
     {
-        const auto& snapshot = currentSnapshot();
-        inputGainRamp.request (gainFromDb (static_cast<double> (snapshot.inLevel)));
-        outputGainRamp.request (gainFromDb (static_cast<double> (snapshot.outLevel)));
-        strip.update (snapshot, force);
+        Tarvik41Processor::updateDsp (force);
         note (force ? "update all" : "update");
+        std::exchange (afterUpdate, [] {})();
     }
 
-    bool isSidechainUsed() const override { return isListening; }
-
-    void processPreOversampling (float** channels, int n, int) override
+    void processPreOversampling (float** channels, int n, int side) override
     {
         note ("pre " + std::to_string (n));
-        strip.processPre (channels, n, analogOn);
+        Tarvik41Processor::processPreOversampling (channels, n, side);
     }
 
     void processChunk (float** channels, int n, int side) override
@@ -69,18 +52,23 @@ public:
         flushesToZero = subnormal * 2.0f == 0.0f;
     }
 
-    void processPostOversampling (float** channels, int n, int) override
+    void processPostOversampling (float** channels, int n, int side) override
     {
         note ("post " + std::to_string (n));
-        strip.processPost (channels, n, analogOn, currentSnapshot());
+        Tarvik41Processor::processPostOversampling (channels, n, side);
+    }
+
+    void processBypassedChunk (int n, int side, int factor) override
+    {
+        note ("bypassed " + std::to_string (n) + " side " + std::to_string (side) + " factor "
+              + std::to_string (factor));
     }
 
     std::vector<std::string> takeLog() { return std::exchange (log, {}); }
 
-    bool isLogging = true; ///< Off where several threads are at work.
-    bool isListening = false;
-    bool wasSuspendedWhilePreparing = false;
-    bool flushesToZero = false;
+    std::function<void()> afterUpdate = [] {}; ///< At the end of the next update.
+    bool isLogging = true;                     ///< Off where several threads are at work.
+    bool wasSuspendedWhilePreparing = false, flushesToZero = false;
     float sidechainSeen = 0.0f;
 
 private:
@@ -90,7 +78,6 @@ private:
             log.push_back (std::move (what));
     }
 
-    ChannelStrip strip;
     std::vector<std::string> log;
 };
 

@@ -111,7 +111,8 @@ public:
 
     void audioProcessorChanged (juce::AudioProcessor*, const ChangeDetails& details) override
     {
-        log << (details.programChanged && details.parameterInfoChanged ? "all " : "latency ");
+        const auto isAll = details.programChanged && details.parameterInfoChanged && details.latencyChanged;
+        log << (isAll ? "all " : details.latencyChanged ? "latency " : "no latency ");
     }
 
     /** What was heard since the last call: "(" and ")" around a gesture, "v" for a value, each with the index;

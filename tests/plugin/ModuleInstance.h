@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "tests/support/BuiltModule.h"
+#include "tests/support/HostStream.h"
+
+#include <pluginterfaces/vst/ivstaudioprocessor.h>
+#include <pluginterfaces/vst/ivstcomponent.h>
+#include <pluginterfaces/vst/ivsteditcontroller.h>
+#include <pluginterfaces/vst/ivstmessage.h>
+
+#include <cmath>
+#include <vector>
+
+namespace tarvik::test
+{
+
+/** A component of the module with its controller, connected as a host connects them: without that, a controller has no
+    parameters.
+*/
+class ModuleInstance
+{
+public:
+    static constexpr int blockLength = 64;
+
+    explicit ModuleInstance (IPluginFactory& factory)
+        : component (create<Vst::IComponent> (factory, componentId.data(), INLINE_UID_OF (Vst::IComponent))),
+          controller (
+              create<Vst::IEditController> (factory, controllerId.data(), INLINE_UID_OF (Vst::IEditController))),
+          processor (query<Vst::IAudioProcessor> (*component, INLINE_UID_OF (Vst::IAudioProcessor))),
+          componentEnd (query<Vst::IConnectionPoint> (*component, INLINE_UID_OF (Vst::IConnectionPoint))),
+          controllerEnd (query<Vst::IConnectionPoint> (*controller, INLINE_UID_OF (Vst::IConnectionPoint)))
+    {
+        if (component->initialize (nullptr) != kResultOk || controller->initialize (nullptr) != kResultOk)
+            throw std::runtime_error ("cannot make an instance");
+
+        componentEnd->connect (controllerEnd.get());
+        controllerEnd->connect (componentEnd.get());
+    }
+
+    ~ModuleInstance()
+    {
+        processor->setProcessing (false);
+        component->setActive (false);
+        componentEnd->disconnect (controllerEnd.get());
+        controllerEnd->disconnect (componentEnd.get());
+        controller->terminate();
+        component->terminate();
+    }
+
+    ModuleInstance (const ModuleInstance&) = delete;
+    ModuleInstance& operator= (const ModuleInstance&) = delete;
+
+    void startPlaying()
+    {
+        Vst::ProcessSetup setup { Vst::kRealtime, Vst::kSample32, blockLength, 48000.0 };
+
+        if (processor->setupProcessing (setup) != kResultOk || component->setActive (true) != kResultOk)
+            throw std::runtime_error ("cannot play");
+
+        processor->setProcessing (true);
+    }
+
+    /** A square wave on all inputs; gives what the left output says, which is not finite if any sample is not. */
+    float play()
+    {
+        std::vector<float> input (blockLength), left (blockLength), right (blockLength);
+
+        for (std::size_t i = 0; i < input.size(); ++i)
+            input[i] = (i & 16) != 0 ? 0.1f : -0.1f;
+
+        float *in[] = { input.data(), input.data() }, *out[] = { left.data(), right.data() };
+        Vst::AudioBusBuffers inputs[2], output;
+        inputs[0].numChannels = inputs[1].numChannels = output.numChannels = 2;
+        inputs[0].channelBuffers32 = inputs[1].channelBuffers32 = in;
+        output.channelBuffers32 = out;
+
+        Vst::ProcessData data;
+        data.processMode = Vst::kRealtime;
+        data.symbolicSampleSize = Vst::kSample32;
+        data.numSamples = blockLength;
+        data.numInputs = 2;
+        data.numOutputs = 1;
+        data.inputs = inputs;
+        data.outputs = &output;
+        processor->process (data);
+        auto sum = 0.0f;
+
+        for (std::size_t i = 0; i < input.size(); ++i)
+            sum += 0.0f * (left[i] + right[i]); // not a number if either is not finite
+
+        return left[0] + sum;
+    }
+
+    /** As a host hands a state over, at most `piece` bytes at a time. */
+    void load (std::string_view state, std::size_t piece = std::string::npos)
+    {
+        HostStream stream (std::string (state), piece);
+        component->setState (stream.rewound());
+        controller->setComponentState (stream.rewound());
+    }
+
+    std::string saved() const
+    {
+        HostStream stream;
+        component->getState (stream.rewound());
+        return stream.bytes;
+    }
+
+    Vst::ParameterInfo infoOf (int32 index) const
+    {
+        Vst::ParameterInfo info;
+        controller->getParameterInfo (index, info);
+        return info;
+    }
+
+    bool allParametersAreInRange() const
+    {
+        for (int32 i = 0; i < controller->getParameterCount(); ++i)
+            if (const auto value = controller->getParamNormalized (infoOf (i).id); ! (value >= 0.0 && value <= 1.0))
+                return false;
+
+        return true;
+    }
+
+    const Held<Vst::IComponent> component;
+    const Held<Vst::IEditController> controller;
+    const Held<Vst::IAudioProcessor> processor;
+
+private:
+    const Held<Vst::IConnectionPoint> componentEnd, controllerEnd;
+};
+
+} // namespace tarvik::test
