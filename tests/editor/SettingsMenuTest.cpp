@@ -45,7 +45,7 @@ protected:
     static juce::StringArray inFile()
     {
         juce::StringArray texts;
-        const juce::PropertiesFile properties (settingsFileOptions());
+        juce::PropertiesFile properties (settingsFileOptions());
 
         for (const auto& key : properties.getAllProperties().getAllKeys())
             texts.add (" " + key + "=" + properties.getValue (key));
