@@ -240,6 +240,7 @@ TEST (TrackPlate, NumbersStepsAndLinkStayInRange)
                             all << " " << label.getText();
 
                     click (t.button (title));
+                    t.show();
                     all << ", " << title << (t.button (title).isVisible() ? ": " : " (hidden): ") << t.ears.heard()
                         << plainOf (*t.strip, "TolChannel") << "\n";
                 }
