@@ -12,11 +12,11 @@
 namespace tarvik
 {
 
-/** The panel that says what this is and whom it is by. A click on it hides it. Message thread. */
+/** The panel with the version and the credits. A click on it hides it. Message thread. */
 class About final : public juce::Component
 {
 public:
-    static constexpr int size = 300; ///< Width and height for which the letters are meant.
+    static constexpr int size = 300; ///< Width and height that suit the font sizes.
 
     explicit About (const Sites& sites = Sites::configured());
 

@@ -8,7 +8,7 @@
 namespace tarvik
 {
 
-/** A text of the console, as its row has it. Message thread. */
+/** A text of the console, made from its row. Message thread. */
 class ConsoleLabel final : public juce::Label
 {
 public:
@@ -17,7 +17,7 @@ public:
         constexpr float narrowestText = 0.5f;
         setFont (juce::Font (row.height));
         setJustificationType (row.isCentred ? juce::Justification::centred : juce::Justification::centredLeft);
-        setBorderSize ({});                        // the boxes are hardly wider than their texts,
+        setBorderSize ({});                        // the boxes are hardly wider than their texts
         setMinimumHorizontalScale (narrowestText); // and the smallest zoom makes them narrower
         setColour (textColourId, juce::Colour (row.colour));
         setColour (juce::TextEditor::textColourId, juce::Colours::black);

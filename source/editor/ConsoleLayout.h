@@ -23,8 +23,8 @@ inline constexpr int width = designWidth / picturePixelsPerPixel, height = (desi
 /** The host's index of a parameter. A name that no parameter has does not compile. */
 consteval int parameter (std::string_view id) { return parameterNamed (id); }
 
-/** Tab goes through the controls in the order of their parameters, which is the signal's, with room between two for those
-    without one. JUCE's own order would be that of the pixel rows.
+/** Tab goes through the controls in the order of their parameters, which is the signal's; the stride leaves room for
+    controls without one. JUCE's own order would be that of the pixel rows.
 */
 constexpr int focusOrderOf (int parameterIndex)
 {
@@ -106,7 +106,7 @@ struct MeterRow
     const char* description;
 };
 
-// The bounds are kept as they were drawn, rows of numbers under one another.
+// Aligned by hand.
 // clang-format off
 inline constexpr PictureButtonRow outputLegend { { 0.0867f, 0.1172f, 0.0289f, 0.0133f }, Picture::outputLegend, Picture::none, Picture::none };
 
@@ -125,7 +125,7 @@ inline constexpr LabelRow rightNumber             { { 0.7f,    0.0566f, 0.027f, 
 inline constexpr LabelRow mixReadout    { { 0.5133f, 0.0562f, 0.06f,   0.0355f }, "0 %",   12.0f, palette::lightPrint, "Comp Mix" };
 inline constexpr LabelRow filterReadout { { 0.4233f, 0.0562f, 0.06f,   0.0355f }, "20 Hz", 12.0f, palette::lightPrint, "Comp High Pass Filter" };
 
-// The height of the pad button differs from the others' by a pixel.
+// The pad button is lower than the others by a pixel.
 inline constexpr std::array<PushRow, 12> pushButtons
 { {
     { parameter ("pad"),         { 0.0126f, 0.8374f, 0.0667f, 0.0887f }, Picture::lampAmber, { 0.0378f, 0.8286f, 0.0189f, 0.0251f } },

@@ -14,7 +14,6 @@ namespace tarvik
 namespace filmstrip
 {
 inline constexpr int frameCount = 98;
-inline constexpr int frameSize = 300; ///< Side of a frame in the picture, in pixels.
 
 /** The pointer's direction in the first and in the last frame: one turn less a frame, from straight down. */
 inline constexpr float firstFrameAngle = 3.1415927f;
@@ -26,8 +25,8 @@ inline constexpr float anglePerFrame = (lastFrameAngle - firstFrameAngle) / stat
 constexpr float framePosition (float angle) { return (angle - firstFrameAngle) / anglePerFrame; }
 } // namespace filmstrip
 
-/** The angles that a rotary control's values 0 and 1 stand for, and the frames, with a fraction, that they reach. One
-    that nobody has set is a whole turn over a strip's frames, of which the last is one frame short of it.
+/** The angles of a rotary control's values 0 and 1, and the frames, with a fraction, that show them. The default is a whole
+    turn over a strip's frames, the last of which is a frame short of it.
 */
 struct RotaryArc
 {
@@ -57,7 +56,7 @@ inline int filmstripFrame (float value, const RotaryArc& arc)
     return static_cast<int> (nearest) % filmstrip::frameCount;
 }
 
-/** By how much that frame has to be turned to stand where the value is, from minus pi to pi: the rest of a frame. */
+/** The rotation, from minus pi to pi, that takes that frame to the value: a fraction of a frame. */
 inline float filmstripResidue (float value, const RotaryArc& arc)
 {
     const auto drawn =
@@ -119,7 +118,7 @@ inline constexpr float highestDb = 15.0f;
 inline constexpr float lowestReductionDb = -20.0f;
 } // namespace meter
 
-/** The needle's angle for a level in dB, held to the scale; an eighth of a turn to either side. */
+/** The needle's angle for a level in dB, limited to the scale; an eighth of a turn to either side. */
 inline float meterAngle (float decibels)
 {
     constexpr float quarterTurn = 1.5707964f, eighthTurn = 0.7853982f;
@@ -128,7 +127,7 @@ inline float meterAngle (float decibels)
            - eighthTurn;
 }
 
-/** The needle's angle for a gain reduction, 0 to -20 dB: at rest on the right, 6 degrees for each of the first 5 dB,
+/** The needle's angle for a gain reduction, 0 to -20 dB: 0 on the right, 6 degrees for each of the first 5 dB,
     then 4 for each.
 */
 inline float gainReductionAngle (float reductionDb)

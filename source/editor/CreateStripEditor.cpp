@@ -4,7 +4,7 @@
 namespace tarvik
 {
 
-/** The console for the strip that it belongs to, and JUCE's list of parameters for any other. */
+/** The console for our strip, JUCE's list of parameters for any other processor. */
 juce::AudioProcessorEditor* createStripEditor (KVLProcessor& processor)
 {
     if (auto* const strip = dynamic_cast<Tarvik41Processor*> (&processor))

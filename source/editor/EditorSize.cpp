@@ -13,28 +13,21 @@ namespace
 constexpr double shareOfDisplay = 0.9;
 constexpr double wholeHeight = panelHeight + frameHeight; ///< At a zoom of 1.
 constexpr float smallestOnTinyDisplay = 0.1f;
-
-/** A zoom setting may come from a damaged project. */
-float usableZoom (double setting)
-{
-    const auto usable = juce::jlimit (ZoomableEditor::lowestZoom, ZoomableEditor::highestZoom, setting);
-    return std::isfinite (setting) ? static_cast<float> (usable) : 1.0f;
-}
-
-float largestZoomOn (juce::Rectangle<int> display)
-{
-    const auto byHeight = (display.getHeight() * shareOfDisplay - frameHeight) / wholeHeight;
-    const auto byWidth = display.getWidth() * shareOfDisplay / panelWidth;
-    return std::max (smallestOnTinyDisplay, static_cast<float> (std::min (byHeight, byWidth)));
-}
 } // namespace
 
 juce::Point<int> forZoom (double zoomSetting, std::optional<juce::Rectangle<int>> display)
 {
-    auto zoom = usableZoom (zoomSetting);
+    // A zoom setting may come from a damaged project.
+    const auto usable = juce::jlimit (ZoomableEditor::lowestZoom, ZoomableEditor::highestZoom, zoomSetting);
+    auto zoom = std::isfinite (zoomSetting) ? static_cast<float> (usable) : 1.0f;
 
     if (display && ! display->isEmpty())
-        zoom = std::min (zoom, largestZoomOn (*display));
+    {
+        const auto byHeight = (display->getHeight() * shareOfDisplay - frameHeight) / wholeHeight;
+        const auto byWidth = display->getWidth() * shareOfDisplay / panelWidth;
+        const auto largest = std::max (smallestOnTinyDisplay, static_cast<float> (std::min (byHeight, byWidth)));
+        zoom = std::min (zoom, largest);
+    }
 
     return atZoom (zoom);
 }

@@ -19,9 +19,8 @@ inline constexpr int frameHeight = 2 * (stripHeight + shadowHeight);
 inline constexpr double panelWidth = consoleLayout::designWidth / static_cast<double> (picturePixelsPerPixel);
 inline constexpr float panelHeight = consoleLayout::designHeight / static_cast<float> (picturePixelsPerPixel);
 
-/** The editor's width and height for a zoom setting, held within what a window can be drawn at; one that is not a number
-    counts as 1. The window takes at most nine tenths of the display's width and height, if there is a display with an
-    area, however small that makes it.
+/** The editor's width and height for a zoom setting, limited to the usable zooms; one that is not a number counts as
+    1. The window takes at most nine tenths of the display's width and height, if there is a display with an area.
 */
 juce::Point<int> forZoom (double zoomSetting, std::optional<juce::Rectangle<int>> display);
 

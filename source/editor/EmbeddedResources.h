@@ -10,10 +10,10 @@
 namespace tarvik
 {
 
-/** The PNG file of a picture other than `none`, as it stands in the module. Any thread. */
+/** The PNG file of a picture other than `none`, as it is embedded. Any thread. */
 std::span<const std::byte> embeddedPicture (Picture picture) noexcept;
 
-/** The picture decoded, at its full size. JUCE keeps it until five seconds after its last user. Message thread. */
+/** The picture decoded, at its full size. JUCE keeps it for five seconds after its last use. Message thread. */
 juce::Image decodedPicture (Picture picture);
 
 /** The OpenType face in which the channel's name is written. */

@@ -8,7 +8,7 @@
 namespace tarvik
 {
 
-/** The long fader. A press takes hold of the cap wherever it is and does not move it. Message thread. */
+/** The long fader. A press anywhere takes hold of the cap without moving it. Message thread. */
 class Fader final : public juce::Slider
 {
 public:
@@ -19,10 +19,10 @@ public:
     void mouseDrag (const juce::MouseEvent& event) override;
     void mouseUp (const juce::MouseEvent& event) override;
 
-    /** The whole strip, also beside the cap. */
+    /** The whole component, not only the cap. */
     bool hitTest (int, int) override { return true; }
 
-    /** The cap, and a track as long as its middle can go. */
+    /** Draws the cap, and makes the track as long as the way of the cap's middle. */
     class FaderLNF final : public juce::LookAndFeel_V3
     {
     public:

@@ -18,14 +18,14 @@ FocusMark::~FocusMark()
     window.removeKeyListener (this);
 }
 
-/** JUCE draws the outline right behind this call. */
+/** JUCE draws the outline right after this call. */
 void FocusMark::globalFocusChanged (juce::Component* focused)
 {
     if (focused != nullptr && window.isParentOf (focused))
         focused->setHasFocusOutline (isKeyboardInUse);
 }
 
-/** What the controls leave over comes by here, before JUCE moves the focus on. */
+/** Called with keys that the controls do not use, before JUCE moves the focus. */
 bool FocusMark::keyPressed (const juce::KeyPress& key, juce::Component*)
 {
     isKeyboardInUse = isKeyboardInUse || key.isKeyCode (juce::KeyPress::tabKey);

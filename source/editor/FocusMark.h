@@ -6,8 +6,8 @@
 namespace tarvik
 {
 
-/** Has a window outline the control that the keyboard goes to, from the first Tab until the mouse is pressed again: who
-    works with the mouse sees none. Belongs to the window and goes with it. Message thread.
+/** Outlines the control that has the keyboard focus in a window, from the first Tab until the next press of the mouse.
+    Owned by the window. Message thread.
 */
 class FocusMark final : private juce::FocusChangeListener, private juce::KeyListener, private juce::MouseListener
 {

@@ -87,7 +87,7 @@ KVLEditor::KVLEditor (Tarvik41Processor& processorToShow)
     presetBox.setName ("new combo box");
     presetBox.addItem ("Default", 1);
     presetBox.addListener (this);
-    addChildComponent (presetBox); // a place for programs, which hosts have boxes of their own for: never shown
+    addChildComponent (presetBox); // for programs, which hosts show themselves: never visible
     addChildComponent (about);
 
     for (auto& level : levelPots)
@@ -104,7 +104,7 @@ KVLEditor::KVLEditor (Tarvik41Processor& processorToShow)
 
 KVLEditor::~KVLEditor()
 {
-    juce::PopupMenu::dismissAllActiveMenus(); // one of them may hang on our looks
+    juce::PopupMenu::dismissAllActiveMenus(); // one of them may use our look
     setLookAndFeel (nullptr);
 }
 
@@ -184,7 +184,7 @@ void KVLEditor::showMenu()
 {
     const auto captured = settingsMenu::capture (processor);
     auto menu = settingsMenu::build (processor, captured);
-    menu.setLookAndFeel (&look); // it would not take the window's
+    menu.setLookAndFeel (&look); // a menu does not inherit the window's
 
     // The window may close while the menu is open; the processor outlives the window.
     menu.showMenuAsync (
@@ -217,7 +217,7 @@ void KVLEditor::LevelPot::showParameter()
 
 void KVLEditor::LevelPot::sendChange()
 {
-    // What the state pass puts on a pot arrives here as well, later, when the host may have moved on: not an edit.
+    // The notification of what the state pass set comes later, when the host may have moved on: not an edit.
     if (std::abs (pot.getValue() - known) < potStep / 2.0)
         return;
 

@@ -12,7 +12,7 @@ namespace tarvik
 {
 
 /** The plug-in's window: the console, above it a strip with the two slots, the level pots and the menu, below it a bar.
-    It asks the processor on timers, which run only while it is visible. Message thread, except `zoomSettingChanged`.
+    It polls the processor on timers, which run only while it is visible. Message thread, except `zoomSettingChanged`.
 */
 class KVLEditor final : public juce::AudioProcessorEditor,
                         public ZoomableEditor,
@@ -27,7 +27,7 @@ public:
 
     void zoomSettingChanged() override;
 
-    /** Takes the size that the zoom setting asks for, as far as the display has room. */
+    /** Takes the size of the zoom setting, as far as the display has room. */
     void updateEditorSize();
 
     void visibilityChanged() override;
@@ -53,7 +53,7 @@ private:
 
     void sliderValueChanged (juce::Slider* slider) override;
 
-    /** A pot of the top strip and what is written before it. */
+    /** A pot of the top strip and its label. */
     struct LevelPot
     {
         LevelPot (juce::AudioProcessorParameter& parameterToShow, const char* text, juce::Rectangle<int> labelBounds,
@@ -65,7 +65,7 @@ private:
         juce::AudioProcessorParameter& parameter;
         juce::Label label;
         KVLSlider pot;
-        double known = 0.0; ///< What pot and parameter last agreed on.
+        double known = 0.0; ///< The last value that pot and parameter agreed on.
     };
 
     void showMenu();

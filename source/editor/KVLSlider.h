@@ -6,8 +6,8 @@
 namespace tarvik
 {
 
-/** A slider from 0 to 1 whose wheel suits positions as well as travels: on a stepped slider a notched wheel counts
-    notches, fine movements with Ctrl add up to a step, and what is left is forgotten after a pause. Message thread.
+/** A slider from 0 to 1. If it is stepped, a notch of the wheel is a step; fine movements with Ctrl add up to steps, and a
+    remainder is dropped after a pause. Message thread.
 */
 class KVLSlider : public juce::Slider, private juce::Timer, private juce::Slider::Listener
 {
@@ -16,8 +16,8 @@ public:
 
     void mouseWheelMove (const juce::MouseEvent& event, const juce::MouseWheelDetails& wheel) override;
 
-    /** True from a step of the wheel until the listeners have heard of it: meanwhile the parameter's value is the older
-        one and must not be put back.
+    /** True from a step of the wheel until the listeners are notified: meanwhile the parameter has the older value, which
+        must not be shown.
     */
     bool hasUnsentStep() const noexcept { return unsentStep; }
 
@@ -28,7 +28,7 @@ protected:
 private:
     void timerCallback() override;
 
-    /** The first listener to come is the last to be called. */
+    /** The listener that is added first is called last. */
     void sliderValueChanged (juce::Slider*) override { unsentStep = false; }
 
     float wheelAccumulator = 0.0f;

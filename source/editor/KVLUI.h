@@ -12,8 +12,8 @@
 namespace tarvik
 {
 
-/** A page of the window whose controls stand for parameters: knows which control shows which, and marks the ones that
-    the host wants to point out. Message thread.
+/** A page of the window whose controls stand for parameters: knows which control shows which, and draws the host's
+    highlights. Message thread.
 */
 class KVLUI : public juce::Component
 {

@@ -13,7 +13,7 @@ namespace
 {
 constexpr int meterShowsInput = 0, meterShowsOutput = 1;
 
-/** On a slider 0 is at its start; an inverted parameter has its end there. The same both ways. */
+/** From a parameter's value to a slider's or back: an inverted parameter has its end where the slider has 0. */
 float turnedFor (const juce::AudioProcessorParameter& parameter, float value)
 {
     return parameter.isOrientationInverted() ? 1.0f - value : value;
@@ -251,7 +251,7 @@ void OrvaneConsoleUI::showParameters()
         const auto value = turnedFor (parameter, parameter.getValue());
         auto* const control = controls.front();
 
-        // The listeners have not heard of a wheel's step yet, so the parameter is late.
+        // The parameter does not have a wheel's step yet.
         if (const auto* const kvl = dynamic_cast<KVLSlider*> (control); kvl != nullptr && kvl->hasUnsentStep())
             continue;
 

@@ -8,7 +8,7 @@ namespace
 {
 constexpr int defaultSize = 100;
 
-/** Of the circle that the mouse can take hold of, as a share of the width. */
+/** Of the circle that answers to the mouse, as a share of the width. */
 constexpr float hitRadius = 0.39f;
 } // namespace
 

@@ -8,8 +8,8 @@
 namespace tarvik
 {
 
-/** A console knob, drawn from a strip of photographs of its positions and turned by what lies between two of them. The
-    mouse takes hold of the round body only. Message thread.
+/** A console knob, drawn from a film strip of its positions and rotated by the fraction of a frame. Only the round body
+    answers to the mouse. Message thread.
 */
 class OrvaneKnob final : public KVLSlider
 {

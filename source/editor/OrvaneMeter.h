@@ -12,7 +12,7 @@ class OrvaneMeter final : public juce::Component
 public:
     OrvaneMeter();
 
-    /** Points at a level in dB, held to -16 to 15; one that is not a number is ignored. */
+    /** Points at a level in dB, limited to -16 to 15; one that is not a number is ignored. */
     void setDecibels (float decibels);
 
     /** Points in a direction, in radians clockwise from straight up; one that is not a number is ignored. */

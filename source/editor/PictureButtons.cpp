@@ -9,7 +9,9 @@ namespace
 constexpr int twoPictureSize = 55;
 constexpr int linkWidth = 30, linkHeight = 25;
 
-Picture firstOf (Picture wanted, Picture other) { return wanted != Picture::none ? wanted : other; }
+Picture firstOf (Picture preferred, Picture other) { return preferred != Picture::none ? preferred : other; }
+
+std::array<Picture, 6> offAndOn (Picture off, Picture on) { return { off, off, off, on, on, on }; }
 
 /** The largest area in the middle of the bounds with a picture's proportions, in whole pixels. */
 juce::Rectangle<int> areaFor (Picture picture, juce::Rectangle<int> bounds)
@@ -61,36 +63,40 @@ void PictureButton::paintButton (juce::Graphics& g, bool isHighlighted, bool isH
 }
 
 //==============================================================================
-TwoPictureButton::TwoPictureButton (const juce::String& name, Picture offPicture, Picture onPicture)
-    : juce::Button (name), off (offPicture), on (onPicture)
+StateButton::StateButton (const juce::String& name, int width, int height, const std::array<Picture, 6>& picturesToShow)
+    : juce::Button (name)
 {
+    for (std::size_t i = 0; i < pictures.size(); ++i)
+        pictures[i].setPicture (picturesToShow[i]);
+
     setToggleable (true);
-    setTriggeredOnMouseDown (true);
-    setSize (twoPictureSize, twoPictureSize);
+    setSize (width, height);
 }
 
-void TwoPictureButton::paintButton (juce::Graphics& g, bool, bool)
-{
-    (getToggleState() ? on : off).draw (g, getLocalBounds());
-}
-
-//==============================================================================
-LinkButton::LinkButton()
-    : juce::Button ("link"), pictures {
-          ScaledPicture (Picture::linkOff),        ScaledPicture (Picture::linkOffOver),
-          ScaledPicture (Picture::linkOffPressed), ScaledPicture (Picture::linkOn),
-          ScaledPicture (Picture::linkOnOver),     ScaledPicture (Picture::linkOnPressed)
-      }
-{
-    setToggleable (true);
-    setSize (linkWidth, linkHeight);
-}
-
-void LinkButton::paintButton (juce::Graphics& g, bool isHighlighted, bool isHeld)
+void StateButton::paintButton (juce::Graphics& g, bool isHighlighted, bool isHeld)
 {
     constexpr std::size_t overIndex = 1, heldIndex = 2, onIndex = 3;
     const auto index = isHeld ? heldIndex : isHighlighted ? overIndex : 0;
     pictures[index + (getToggleState() ? onIndex : 0)].draw (g, getLocalBounds());
+}
+
+PhaseButton::PhaseButton()
+    : StateButton ("phase", twoPictureSize, twoPictureSize, offAndOn (Picture::phaseOff, Picture::phaseOn))
+{
+    setTriggeredOnMouseDown (true);
+}
+
+CutButton::CutButton()
+    : StateButton ("mute", twoPictureSize, twoPictureSize, offAndOn (Picture::muteOff, Picture::muteOn))
+{
+    setTriggeredOnMouseDown (true);
+}
+
+LinkButton::LinkButton()
+    : StateButton ("link", linkWidth, linkHeight,
+                   { Picture::linkOff, Picture::linkOffOver, Picture::linkOffPressed, Picture::linkOn,
+                     Picture::linkOnOver, Picture::linkOnPressed })
+{
 }
 
 } // namespace tarvik

@@ -12,7 +12,7 @@ namespace tarvik
 {
 
 /** An image button that shows its pictures filtered to size: the pressed one while held or toggled on, the one for the
-    mouse above it, otherwise the normal one. For a missing picture the one before it in this order serves: normal,
+    mouse above it, otherwise the normal one. A missing picture is replaced by the one before it in this order: normal,
     over, pressed. The picture keeps its proportions in the middle of the bounds. A click never flips the state by
     itself. Message thread.
 */
@@ -21,7 +21,7 @@ class PictureButton : public juce::ImageButton
 public:
     PictureButton (Picture normalPicture, Picture overPicture, Picture pressedPicture);
 
-    /** The same with its words. Without any it is a picture that is only shown: it takes neither clicks nor focus. */
+    /** The same with its words. Without any it is only a picture: it takes neither clicks nor focus. */
     explicit PictureButton (const consoleLayout::PictureButtonRow& row);
 
     void setWords (const consoleLayout::Words& words);
@@ -34,45 +34,35 @@ private:
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (PictureButton)
 };
 
-/** A button that shows one of two pictures by its toggle state, and acts on the press. Message thread. */
-class TwoPictureButton : public juce::Button
+/** A button with a picture for each state: normal, under the mouse and held, first those of off and then those of on.
+    Message thread.
+*/
+class StateButton : public juce::Button
 {
 public:
-    TwoPictureButton (const juce::String& name, Picture offPicture, Picture onPicture);
-
-    void paintButton (juce::Graphics& g, bool isHighlighted, bool isHeld) override;
-
-private:
-    ScaledPicture off, on;
-
-    JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (TwoPictureButton)
-};
-
-class PhaseButton final : public TwoPictureButton
-{
-public:
-    PhaseButton() : TwoPictureButton ("phase", Picture::phaseOff, Picture::phaseOn) {}
-};
-
-class CutButton final : public TwoPictureButton
-{
-public:
-    CutButton() : TwoPictureButton ("mute", Picture::muteOff, Picture::muteOn) {}
-};
-
-/** Shows whether two channels are linked, and under the mouse and held looks different in both states. Message
-    thread. */
-class LinkButton final : public juce::Button
-{
-public:
-    LinkButton();
+    StateButton (const juce::String& name, int width, int height, const std::array<Picture, 6>& picturesToShow);
 
     void paintButton (juce::Graphics& g, bool isHighlighted, bool isHeld) override;
 
 private:
     std::array<ScaledPicture, 6> pictures;
 
-    JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (LinkButton)
+    JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (StateButton)
+};
+
+struct PhaseButton final : StateButton
+{
+    PhaseButton();
+};
+
+struct CutButton final : StateButton
+{
+    CutButton();
+};
+
+struct LinkButton final : StateButton
+{
+    LinkButton();
 };
 
 } // namespace tarvik

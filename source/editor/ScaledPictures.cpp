@@ -26,7 +26,7 @@ juce::Image ScaledPictures::get (Picture picture, int frameWidth, int frameHeigh
     if (const auto found = copies.find (key); found != copies.end())
         return found->second;
 
-    // The one reference left is ours.
+    // No control holds a copy whose only reference is ours.
     std::erase_if (copies, [] (const auto& entry) { return entry.second.getReferenceCount() == 1; });
 
     return copies[key] = resampled (decodedPicture (picture), frameWidth, frameHeight, numFramesOf (picture));
@@ -60,7 +60,7 @@ void ScaledPicture::drawFrame (juce::Graphics& g, juce::Rectangle<int> area, int
 
     if (wantedWidth != frameWidth || wantedHeight != frameHeight)
     {
-        copy = {}; // lets go of the old size before the new one is made
+        copy = {}; // releases the old size before the new one is made
         copy = pictures->get (picture, wantedWidth, wantedHeight);
         frameWidth = wantedWidth;
         frameHeight = wantedHeight;

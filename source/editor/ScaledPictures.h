@@ -8,7 +8,7 @@
 namespace tarvik
 {
 
-/** The pictures at the sizes at which they are on a screen now: one filtered copy for each picture and size, for all
+/** The pictures at the sizes that are currently on a screen: one filtered copy for each picture and size, for all
     controls of all windows in the process. Held through `juce::SharedResourcePointer`, so it goes with the last window.
     Message thread only.
 */
@@ -35,7 +35,7 @@ private:
     std::map<Key, juce::Image> copies;
 };
 
-/** How many frames stand side by side in a picture. */
+/** How many frames a picture has, from left to right. */
 int numFramesOf (Picture picture);
 
 /** A picture as one control draws it: keeps the copy for the control's size and the display's scale, and takes another

@@ -36,7 +36,7 @@ constexpr Option zooms[] = {
     { 0.8f, "80 %" }, { 0.9f, "90 %" }, { 1.0f, "100 %" }, { 1.2f, "120 %" }, { 1.5f, "150 %" }
 };
 
-/** A number as a person writes it: a whole one without a point. */
+/** A number as text, a whole one without a point. */
 Text numberText (double value)
 {
     constexpr double largestWhole = 1e9;
@@ -53,8 +53,8 @@ Text textOf (std::span<const Option> options, double value, const char* otherwis
 
 Text calibrationHeading (double value)
 {
-    constexpr double headroomDb = 4.0; // the console's level above which digital full scale is counted
-    return "Calibration (+4 dBu at -" + numberText (value - headroomDb) + "dBFS)";
+    constexpr double lineLevelDbu = 4.0; // the setting is how far 0 dBu lies below full scale
+    return "Calibration (+4 dBu at -" + numberText (value - lineLevelDbu) + "dBFS)";
 }
 
 Text oversamplingHeading (double value)
@@ -133,7 +133,7 @@ void saveDefault (const AnySetting& setting, double value)
     std::visit ([value] (auto* s) { s->saveAsDefault (static_cast<decltype (s->getValue())> (value)); }, setting);
 }
 
-/** Two values that the menu shows as the same: the zoom of an old project may be 1.2 or the float next to it. */
+/** Whether the menu shows two values as the same: the zoom of an old project may be 1.2 or the float next to it. */
 bool isSame (double a, double b) { return static_cast<float> (a) == static_cast<float> (b); }
 
 void setInAll (const SubMenu& menu, double value)

@@ -11,15 +11,15 @@
 namespace tarvik
 {
 
-/** The menu of what is set once per instance and not automated: calibration, oversampling, noise, limiter sensitivity,
-    zoom, and the external side chains, with ways to reach all instances and to keep a value as the default. Message
+/** The menu of the settings that are not automated: calibration, oversampling, noise, limiter sensitivity,
+    zoom, and the external side chains, with ways to set all instances and to save a default. Message
     thread.
 */
 namespace settingsMenu
 {
 inline constexpr int numSubMenus = 5;
 
-/** What the menu is built from, and what its answer refers to, however long the user thinks about it. */
+/** What the menu is built from, and what its answer refers to, however long it stays open. */
 struct Captured
 {
     std::array<double, numSubMenus> values {}; ///< In the menu's order; a switch is 0 or 1.
@@ -32,7 +32,7 @@ Captured capture (const Tarvik41Processor& processor);
 /** The items, with ticks at the captured values and " (default)" after those that the settings file holds. */
 juce::PopupMenu build (const Tarvik41Processor& processor, const Captured& captured);
 
-/** What an answer can ask of the window. */
+/** What an item can do to the window. */
 struct WindowActions
 {
     std::function<void()> showAbout;

@@ -6,7 +6,7 @@
 namespace tarvik
 {
 
-/** The web sites that the window links to, as the build was told; an empty one is not there, nor are its pages. */
+/** The web sites that the window links to, as configured for the build; empty for none. */
 struct Sites
 {
     juce::String family; ///< Of the products: its home page.

@@ -9,7 +9,7 @@
 namespace tarvik
 {
 
-/** A lever with three positions: 0 below, a half, and 1 above. A press puts it where the mouse is. Message thread. */
+/** A lever with three positions: 0 below, a half, and 1 above. A press moves it to the mouse. Message thread. */
 class ToggleSwitch final : public KVLSlider
 {
 public:

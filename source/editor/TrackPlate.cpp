@@ -12,7 +12,7 @@ namespace layout = consoleLayout;
 
 namespace
 {
-/** The number after a tag; one with too many digits is out of any range and does not overflow. */
+/** The number after a tag; one with too many digits becomes one that is out of range. */
 std::optional<int> numberAfter (const char* tagCharacters, const juce::String& text)
 {
     constexpr double outOfRange = 9999.0;
@@ -97,7 +97,7 @@ void TrackPlate::show (const juce::String& trackName)
 //==============================================================================
 void TrackPlate::stepChannel (int direction)
 {
-    const auto sharedBy = isLinked() ? 1 : numChannels(); // the last side of the strip stays in range as well
+    const auto sharedBy = isLinked() ? 1 : numChannels(); // both sides stay in range
     const auto first = juce::jlimit (1, lastChannel() + 1 - sharedBy, firstChannel() + direction);
     setInGesture (channel, channel.convertTo0to1 (static_cast<float> (first)));
 }

@@ -20,12 +20,12 @@ public:
 
     void show (const juce::String& trackName);
 
-    /** Takes the number that was typed over one of the two, held to what the strip fits in: a tag such as "L" and stops
-        before the digits are dropped. Does nothing if the rest is not a number.
+    /** Takes the text that was typed over one of the two numbers, limited to the channels that the strip fits in. A tag
+        such as "L" before the digits is dropped; does nothing if the rest is not a number.
     */
     void numberTyped (const juce::Label& number);
 
-    /** Puts itself and what is on it where the layout has them on a console of that size. */
+    /** Takes its bounds from the layout, for a console of that size. */
     void placeOn (int consoleWidth, int consoleHeight);
 
     // What stands for a parameter, for the console to register.

@@ -56,7 +56,7 @@ ZQBar::ZQBar (World worldOutside) : world (std::move (worldOutside))
     }
 
     const auto hasFamilySite = world.sites.family.isNotEmpty();
-    logo.setEnabled (hasFamilySite); // a mark as well as a button: looks the same either way
+    logo.setEnabled (hasFamilySite); // a logo as well as a button: looks the same disabled
     shop.setEnabled (hasFamilySite);
     shop.setAlpha (hasFamilySite ? 1.0f : disabledAlpha);
     licence.setVisible (licenceCheck.hasPage());
@@ -117,7 +117,7 @@ void ZQBar::buttonClicked (juce::Button* button)
 juce::PopupMenu ZQBar::linksMenu()
 {
     juce::PopupMenu menu;
-    menu.setLookAndFeel (&look); // it would not take the bar's
+    menu.setLookAndFeel (&look); // a menu does not inherit the bar's
     menu.addItem (openManualId, "Open Manual...");
 
     for (const auto& link : pageLinks)

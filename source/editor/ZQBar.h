@@ -17,7 +17,7 @@ namespace tarvik
 class ZQBar final : public juce::Component, private juce::Timer, private juce::Button::Listener
 {
 public:
-    /** What lies outside the window. */
+    /** What the bar needs of the system. */
     struct World
     {
         Sites sites = Sites::configured();
@@ -42,7 +42,7 @@ public:
     /** Does what an item of that menu says; 0 and unknown ids do nothing. */
     void linkChosen (int id);
 
-    /** Asks for the status and shows it: what the timer does while the bar is visible. */
+    /** Shows the current status; the timer calls it while the bar is visible. */
     void updateStatus();
 
     void visibilityChanged() override;

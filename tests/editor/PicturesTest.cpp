@@ -11,20 +11,13 @@ namespace
 using juce::Image;
 
 /** One grey for each pixel of a row, repeated over the height. */
-Image rowsOf (std::initializer_list<int> greys, int height)
+Image rowsOf (std::initializer_list<juce::uint8> greys, int height)
 {
     Image image (Image::RGB, static_cast<int> (greys.size()), height, false);
+    int x = 0;
 
-    for (int y = 0; y < height; ++y)
-    {
-        int x = 0;
-
-        for (const auto grey : greys)
-        {
-            const auto level = static_cast<juce::uint8> (grey);
-            image.setPixelAt (x++, y, juce::Colour (level, level, level));
-        }
-    }
+    for (const auto grey : greys)
+        image.clear ({ x++, 0, 1, height }, juce::Colour (grey, grey, grey));
 
     return image;
 }
@@ -36,23 +29,14 @@ TEST (Pictures, EveryFileHasTheSizeAndTheChannelsOfTheCatalogue)
 {
     for (const auto& row : pictureCatalogue)
     {
-        SCOPED_TRACE (row.name);
-        const auto file = embeddedPicture (row.id);
-        ASSERT_GT (file.size(), 33u);
-
-        // After the signature comes the header: width, height, bits a channel, kind of colours (2 RGB, 6 RGBA).
-        const auto* const header = reinterpret_cast<const char*> (file.data()) + 16;
-        EXPECT_EQ (juce::ByteOrder::bigEndianInt (header), static_cast<juce::uint32> (row.width));
-        EXPECT_EQ (juce::ByteOrder::bigEndianInt (header + 4), static_cast<juce::uint32> (row.height));
-        EXPECT_EQ (header[9], row.colours == PictureColours::rgba ? 6 : 2);
-        EXPECT_TRUE (decodedPicture (row.id).isValid());
+        const auto image = decodedPicture (row.id);
+        EXPECT_EQ (image.getBounds(), juce::Rectangle (row.width, row.height)) << row.name;
+        EXPECT_EQ (image.hasAlphaChannel(), row.colours == PictureColours::rgba) << row.name;
     }
 }
 
-TEST (Pictures, TheFontIsAnOpenTypeFaceThatDraws)
+TEST (Pictures, TheFontDraws)
 {
-    EXPECT_EQ (juce::String (reinterpret_cast<const char*> (embeddedFont().data()), 4), "OTTO");
-
     const juce::SharedResourcePointer<NameTypeface> face;
     ASSERT_NE (face->typeface, nullptr);
     EXPECT_GT (juce::Font (face->typeface).withHeight (26.0f).getStringWidth ("Lead vocal"), 50);
@@ -112,8 +96,6 @@ TEST (ScaledPictures, OneCopyServesAllAndGoesWithItsLastUser)
 
     {
         const Pictures pictures;
-        ASSERT_EQ (pictures->memoryInUse(), 0u);
-
         ScaledPicture one (Picture::muteOn), other (Picture::muteOn);
         one.draw (normal, { 0, 0, 20, 20 });
         other.draw (normal, { 10, 0, 20, 20 });
@@ -121,13 +103,12 @@ TEST (ScaledPictures, OneCopyServesAllAndGoesWithItsLastUser)
 
         // A display of twice the density, and what nobody uses any more is gone.
         one.draw (doubled, { 0, 0, 20, 20 });
-        EXPECT_EQ (pictures->memoryInUse(), (20u * 20u + 40u * 40u) * 4u);
         other.draw (normal, { 0, 0, 30, 30 });
         EXPECT_EQ (pictures->memoryInUse(), (30u * 30u + 40u * 40u) * 4u);
 
         // At its own size, as at 150 % on a display of twice the density, a strip of 35 MB is not copied.
-        const auto own = pictures->get (Picture::muteOn, 110, 110);
-        EXPECT_EQ (own.getPixelData(), decodedPicture (Picture::muteOn).getPixelData());
+        EXPECT_EQ (pictures->get (Picture::muteOn, 110, 110).getPixelData(),
+                   decodedPicture (Picture::muteOn).getPixelData());
         EXPECT_EQ (pictures->memoryInUse(), (30u * 30u + 40u * 40u) * 4u);
     }
 

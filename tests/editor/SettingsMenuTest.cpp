@@ -15,42 +15,42 @@ namespace
 using namespace test;
 using Keys = juce::ModifierKeys;
 
-/** The items that belong to a setting: consecutive ids for its values, then for sending it and for saving it. */
-struct Group
-{
-    const char* key;
-    int firstId;
-    std::vector<double> values;
-    int sendingId; ///< 0 for none.
-    int savingId;
-};
-
-const Group groups[] = {
-    { "Calibration", 2, { 16, 17, 18, 19, 20, 21, 22, 23, 24 }, 11, 12 },
-    { "Oversampling", 13, { 1, 2, 4, 8, 16 }, 18, 19 },
-    { "Analog", 20, { 1, 0 }, 22, 23 },
-    { "LimiterSensitivity", 24, { 0, 1, 2 }, 27, 28 },
-    { "UIZoom", 29, { 0.8f, 0.9f, 1.0f, 1.2f, 1.5f }, 0, 34 },
-};
-
 /** Two instances of one process. */
 class SettingsMenu : public SettingsFileTest
 {
 protected:
-    /** What the file holds for a key, or "none". */
-    static juce::String stored (const juce::String& key)
-    {
-        return juce::PropertiesFile (settingsFileOptions()).getValue (key, "none");
-    }
-
-    static double get (const Tarvik41Processor& strip, const juce::String& key)
+    /** What an instance's settings are, each as " key=value". */
+    static juce::StringArray settingsOf (const Tarvik41Processor& strip)
     {
         juce::XmlElement all ("SETTINGS");
+        juce::StringArray texts;
 
         for (int i = 0; i < settingIndex::meterMode; ++i)
             strip.getSetting (i).saveToXml (all);
 
-        return all.getDoubleAttribute (key);
+        for (int i = 0; i < all.getNumAttributes(); ++i)
+            texts.add (" " + all.getAttributeName (i) + "=" + all.getAttributeValue (i));
+
+        return texts;
+    }
+
+    static juce::String changes (const juce::StringArray& before, juce::StringArray after)
+    {
+        for (const auto& text : before)
+            after.removeString (text);
+
+        return after.joinIntoString ({});
+    }
+
+    static juce::StringArray inFile()
+    {
+        juce::StringArray texts;
+        juce::PropertiesFile properties (settingsFileOptions());
+
+        for (const auto& key : properties.getAllProperties().getAllKeys())
+            texts.add (" " + key + "=" + properties.getValue (key));
+
+        return texts;
     }
 
     static void set (const Tarvik41Processor& strip, double calibration, int oversampling, bool noise, int sensitivity,
@@ -61,17 +61,6 @@ protected:
         strip.analogSetting().setValue (noise);
         strip.limiterSensitivitySetting().setValue (sensitivity);
         strip.uiZoomSetting().setValue (zoom);
-    }
-
-    /** The keys of the settings in which the instances differ. */
-    juce::String differing() const
-    {
-        juce::String keys;
-
-        for (const auto& group : groups)
-            keys << (get (a, group.key) != get (b, group.key) ? group.key : "");
-
-        return keys;
     }
 
     /** One line for each row of the menu, sub-menus indented: "id text", with "*" before the text for a tick. */
@@ -127,74 +116,43 @@ TEST_F (SettingsMenu, RowsTicksAndDefaultsFollowTheValuesAndTheFile)
 
 TEST_F (SettingsMenu, AnItemReachesThisInstanceWithShiftAllWithAltTheFile)
 {
-    for (const auto& group : groups)
-        for (std::size_t i = 0; i < group.values.size(); ++i)
-            for (const auto keys :
-                 { 0, +Keys::shiftModifier, +Keys::altModifier, Keys::shiftModifier | Keys::altModifier })
-            {
-                const juce::String key (group.key);
-                const auto id = group.firstId + static_cast<int> (i);
-                const auto value = group.values[i];
-                const auto isZoom = key == "UIZoom";
-                SCOPED_TRACE (std::to_string (id) + " keys " + std::to_string (keys));
+    HostEars ears (a);
+    juce::String all;
 
-                // Nothing that the item could set.
-                for (auto* const strip : { &a, &b })
-                    set (*strip, value == 18.0 ? 19.0 : 18.0, value == 2.0 ? 4 : 2, value == 0.0, value == 1.0 ? 0 : 1,
-                         isZoom && value == 1.0 ? 1.2 : 1.0);
-
-                const auto before = get (b, key);
-
-                for (const auto isAlreadySet : { false, true })
-                {
-                    file().deleteFile();
-                    window = {};
-                    choose (id, isAlreadySet ? keys : 0);
-                    EXPECT_EQ (get (a, key), value);
-                    EXPECT_EQ (window, isZoom ? "size " : "");
-                }
-
-                EXPECT_EQ (get (b, key), (keys & Keys::shiftModifier) != 0 && ! isZoom ? value : before);
-                EXPECT_EQ (stored (key) != "none", (keys & Keys::altModifier) != 0);
-                EXPECT_TRUE (stored (key) == "none" || stored (key).getFloatValue() == static_cast<float> (value));
-            }
-}
-
-TEST_F (SettingsMenu, TheOtherItemsSendOrSaveWhatIsSetAndNothingElse)
-{
-    const juce::String all ("CalibrationOversamplingAnalogLimiterSensitivityUIZoom");
-    set (a, 23.0, 4, false, 0, 0.9f);
-
-    for (const auto& group : groups)
-        if (group.sendingId != 0)
+    for (const auto& [keys, name] :
+         { std::pair (0, ""), { +Keys::shiftModifier, " Shift" }, { +Keys::altModifier, " Alt" } })
+        for (int id = -1; id <= 37; ++id)
         {
-            set (b, 18.0, 2, true, 2, 1.2);
-            choose (group.sendingId, Keys::shiftModifier | Keys::altModifier);
-            EXPECT_EQ (differing(), all.replace (group.key, ""));
-            EXPECT_FALSE (file().existsAsFile()) << "telling all is not saving";
+            file().deleteFile();
+            set (a, 23.0, 4, false, 0, 0.9f); // each is one of its items, too
+            set (b, 17.0, 16, true, 1, 1.5f);
+            const auto here = settingsOf (a), there = settingsOf (b);
+            window = {};
+            ears.heard();
+            choose (id, keys);
+            all << id << name << ":" << changes (here, settingsOf (a)) << ", all:" << changes (there, settingsOf (b))
+                << ", file:" << inFile().joinIntoString ({}) << ", window: " << window << ears.heard() << "\n";
         }
 
-    set (b, 18.0, 2, true, 2, 1.2);
+    expectGolden ("menu-actions.txt", all);
+}
 
-    for (const auto& group : groups)
-    {
-        EXPECT_EQ (stored (group.key), "none");
-        choose (group.savingId, Keys::shiftModifier);
-        EXPECT_EQ (stored (group.key).getDoubleValue(), get (a, group.key));
-    }
+TEST_F (SettingsMenu, SavingOneDefaultKeepsTheOthers)
+{
+    set (a, 23.0, 4, false, 0, 0.9f);
 
-    // All five are in the file still: no saving took away what another had written.
-    EXPECT_EQ (differing(), all);
-    EXPECT_EQ (juce::PropertiesFile (settingsFileOptions()).getAllProperties().size(), 5);
-    EXPECT_EQ (Tarvik41Processor().calibrationSetting().getValue(), 23.0);
-    EXPECT_EQ (window, "");
+    for (const auto id : { 12, 19, 23, 28, 34 })
+        choose (id);
+
+    EXPECT_EQ (inFile().size(), 5);
+    EXPECT_EQ (settingsOf (Tarvik41Processor()), settingsOf (a));
 }
 
 TEST_F (SettingsMenu, OddValuesOfADamagedProjectAreSentAndSavedUnharmed)
 {
     a.calibrationSetting().setValue (17.5);
     choose (12);
-    EXPECT_EQ (stored ("Calibration"), "17.5");
+    EXPECT_EQ (inFile()[0], " Calibration=17.5");
     choose (11);
     EXPECT_EQ (b.calibrationSetting().getValue(), 17.0) << "only whole numbers travel";
 
@@ -209,23 +167,13 @@ TEST_F (SettingsMenu, OddValuesOfADamagedProjectAreSentAndSavedUnharmed)
 
 TEST_F (SettingsMenu, SideChainsBecomeTheOppositeOfWhatTheMenuShowed)
 {
-    HostEars ears (a);
     const auto shown = settingsMenu::capture (a);
 
-    for (const auto& [id, heard] : { std::pair (35, "(26 v26 )26 "), { 35, "(26 )26 " }, { 36, "(34 v34 )34 " } })
+    for (const auto value : { 1.0f, 1.0f, 0.0f })
     {
-        choose (id, 0, shown); // also while the menu still shows what was
-        EXPECT_EQ (ears.heard(), heard);
+        choose (35, 0, value == 1.0f ? shown : settingsMenu::capture (a));
+        EXPECT_EQ (plainOf (a, "compExtSideChain"), value);
     }
-
-    EXPECT_EQ (plainOf (a, "compExtSideChain"), 1.0f);
-    choose (35);
-    EXPECT_EQ (plainOf (a, "compExtSideChain"), 0.0f);
-
-    for (const auto id : { 0, -1, 37 }) // dismissed, and nobody's
-        choose (id, Keys::shiftModifier | Keys::altModifier);
-
-    EXPECT_FALSE (file().existsAsFile());
 }
 
 TEST (MenuLook, ARowShowsItsStateAndAllOfItsText)

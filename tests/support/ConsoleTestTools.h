@@ -43,7 +43,7 @@ struct WindowUnderTest
     {
         int index = 0;
 
-        while (id != parameterTable()[static_cast<std::size_t> (index)].id)
+        while (id != parameterRow (index).id)
             ++index;
 
         return index;
