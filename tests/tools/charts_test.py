@@ -84,8 +84,7 @@ class Measurements(Charts):
         host = Host(TOOL)
         settings = errors.draw_settings(3, host.positions())
         networks = host.numbers("list", "network", lines=["\t".join(setting) for setting in settings])
-        circuits = [errors.Circuit(setting, row) for setting, row in zip(settings, networks)]
-        cells = [float(cell) for cell in errors.measure_row(host, settings, circuits, 48000.0, 2).split("|")[3:-1]]
+        cells = [float(cell) for cell in errors.measure_row(host, settings, networks, 48000.0, 2).split("|")[3:-1]]
         self.assertTrue(0 < max(cells[:6]) <= 0.015, cells)  # the digital filters
         self.assertGreater(cells[-1], 0.1)  # a bilinear transform
 
