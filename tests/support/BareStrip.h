@@ -25,7 +25,7 @@ public:
         analogSetting().setValue (false);
     }
 
-    const juce::String getName() const override { return "Bare"; } // NOLINT: JUCE's own signature
+    const juce::String getName() const override { return "Bare"; } // JUCE's own signature
 
     void prepareDsp (double rate, int factor, int numMain, int maxSamples) override
     {
