@@ -109,7 +109,7 @@ protected:
     void writeAudio (const juce::String& name, const juce::AudioBuffer<float>& audio, double rate = 44100.0,
                      int bitDepth = 24) const
     {
-        fileNamed (name).getParentDirectory().createDirectory();
+        fileNamed (name).deleteFile(); // a stream would append to it
         juce::AudioFormatManager formats;
         formats.registerBasicFormats();
         auto* const format = formats.findFormatForFileExtension (fileNamed (name).getFileExtension());

@@ -145,9 +145,14 @@ class Batch(Scratch):
             self.write(name, noise(1, 1000))
         ours, its = pty.openpty()
         batch = self.start("batch", "--jobs", "1", "in", "out", stderr=its)
-        batch.communicate()
+        os.close(its)
+        seen = ""
+        try:
+            while True:
+                seen += os.read(ours, 4096).decode()
+        except OSError:  # the end of a terminal
+            batch.communicate()
         self.assertEqual(batch.returncode, 0)
-        seen = os.read(ours, 1 << 20).decode()
         self.assertIn(f"\r[{25 * '#'}{25 * '.'}]  50 %  1 of 2 files", seen)
         self.assertTrue(seen.endswith("\r\x1b[K"), repr(seen))
 
