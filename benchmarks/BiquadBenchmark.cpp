@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cmath>
+#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -53,7 +54,7 @@ void runEqualiser (benchmark::State& state, InstructionSet set, Way way)
 {
     const ScopedInstructionSet forced (set);
     const auto n = static_cast<int> (state.range (0));
-    std::array<ConsoleEQ, 2> eqs;
+    std::array eqs { std::make_unique<ConsoleEQ>(), std::make_unique<ConsoleEQ>() };
     const auto source = signal (n);
     auto left = source, right = source;
     auto isFirst = true;
@@ -61,8 +62,8 @@ void runEqualiser (benchmark::State& state, InstructionSet set, Way way)
 
     for (auto& eq : eqs)
     {
-        eq.update (makeControls (isFirst), true);
-        eq.prepare (sampleRate, longestBlock);
+        eq->update (makeControls (isFirst), true);
+        eq->prepare (sampleRate, longestBlock);
     }
 
     for (auto _ : state)
@@ -75,7 +76,7 @@ void runEqualiser (benchmark::State& state, InstructionSet set, Way way)
             untilNextChange = static_cast<int> (sampleRate) / 10;
 
             for (auto& eq : eqs)
-                eq.update (makeControls (isFirst), false);
+                eq->update (makeControls (isFirst), false);
 
             state.ResumeTiming();
         }
@@ -83,10 +84,8 @@ void runEqualiser (benchmark::State& state, InstructionSet set, Way way)
         left = source;
         right = source;
 
-        if (way == Way::single)
-            eqs[0].process (left.data(), n);
-        else
-            ConsoleEQ::processPair (eqs[0], eqs[1], left.data(), right.data(), n);
+        const std::array rows { left.data(), right.data() };
+        ConsoleEQ::process (std::span (eqs).first (way == Way::single ? 1 : 2), rows.data(), n);
 
         benchmark::ClobberMemory();
     }
@@ -112,7 +111,7 @@ void runPlain (benchmark::State& state)
         right = source;
 
         for (std::size_t i = 0; i < cascades.size(); ++i)
-            cascades[i].processPlain (i % 2 == 0 ? left.data() : right.data(), n);
+            filterPlainly ({ i % 2 == 0 ? left.data() : right.data(), &cascades[i] }, n);
 
         benchmark::ClobberMemory();
     }

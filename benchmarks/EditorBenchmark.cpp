@@ -55,7 +55,7 @@ void meterTick (benchmark::State& state)
         snapshot.gainReductionDb = -5.0f * level;
         console.updateMeters (snapshot);
 
-        for (const auto& box : { consoleLayout::vuMeter, consoleLayout::gainReductionMeter })
+        for (const auto& box : { consoleLayout::vuMeter.box, consoleLayout::gainReductionMeter.box })
         {
             juce::Graphics g (canvas);
             g.reduceClipRegion (box.on (console.getWidth(), console.getHeight()));

@@ -79,7 +79,7 @@ void solveNetwork (benchmark::State& state)
     const ComponentTable table (equaliserComponents);
 
     runChanges (state, [&table] (const EQControls& controls)
-                { benchmark::DoNotOptimize (solveEqualiserNetwork (selectElements (table, controls))); });
+                { benchmark::DoNotOptimize (solveEqualiserNetwork (table, controls)); });
 }
 
 void designNetworkFilter (benchmark::State& state)
@@ -88,7 +88,7 @@ void designNetworkFilter (benchmark::State& state)
     std::vector<EqualiserResponse> responses;
 
     for (const auto& controls : makeSettings())
-        responses.push_back (solveEqualiserNetwork (selectElements (table, controls)));
+        responses.push_back (solveEqualiserNetwork (table, controls));
 
     MZTiCoefs<double, 5, 5> coefs;
     coefs.sampleRate = sampleRate;

@@ -150,9 +150,9 @@ void addPushButtons (Listing& listing)
             listing.add ("lamp", row.lampBox, row.parameter, { { "picture", rowOf (row.lamp).name } });
     }
 
-    listing.add ("mute", mute, parameter ("mute"));
-    listing.add ("phase", phase, parameter ("phase"));
-    listing.add ("link", link, parameter ("TolLink"));
+    listing.add ("mute", mute.box, mute.parameter);
+    listing.add ("phase", phase.box, phase.parameter);
+    listing.add ("link", link.box, link.parameter);
 }
 
 /** With the marks of its scale: whole decibels from the lowest to the highest. */
@@ -177,10 +177,10 @@ void addMeter (Listing& listing, const char* name, const Box& box, float lowestD
 
 void addPicture (Listing& listing, const char* kind, const char* name, const PictureButtonRow& row)
 {
-    if (*row.tooltip == '\0')
+    if (*row.words.tooltip == '\0')
         listing.add (kind, row.box, name);
     else
-        listing.add (kind, row.box, { { "name", name }, { "tooltip", row.tooltip } });
+        listing.add (kind, row.box, { { "name", name }, { "tooltip", row.words.tooltip } });
 }
 
 void addLabel (Listing& listing, const char* name, const LabelRow& row)
@@ -196,8 +196,8 @@ juce::String layoutAsJson()
     Listing listing;
     addSliders (listing);
     addPushButtons (listing);
-    addMeter (listing, "VU", vuMeter, meter::lowestDb, meter::highestDb, meterAngle);
-    addMeter (listing, "gain reduction", gainReductionMeter, meter::lowestReductionDb, 0.0f, gainReductionAngle);
+    addMeter (listing, "VU", vuMeter.box, meter::lowestDb, meter::highestDb, meterAngle);
+    addMeter (listing, "gain reduction", gainReductionMeter.box, meter::lowestReductionDb, 0.0f, gainReductionAngle);
     addPicture (listing, "picture", "output legend", outputLegend);
     addPicture (listing, "led", "compressor LED", compressorLed);
     addPicture (listing, "led", "expander LED", expanderLed);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "dsp/EqualiserComponents.h"
 #include "dsp/EqualiserNetwork.h"
 #include "plugin/ParameterTable.h"
 #include "strip/HarmonicTable.h"
@@ -90,7 +91,7 @@ void printNetworks()
     {
         const auto controls = controlsOf (juce::String::fromUTF8 (line.c_str()));
         components.setActiveChannel (controls.toleranceChannel);
-        const auto [numerator, denominator] = solveEqualiserNetwork (selectElements (components, controls));
+        const auto [numerator, denominator] = solveEqualiserNetwork (components, controls);
         const auto* separator = "";
         std::cout.precision (std::numeric_limits<double>::max_digits10);
 

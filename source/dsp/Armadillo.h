@@ -2,8 +2,7 @@
 #pragma once
 
 /** @file
-    The one door to Armadillo. Nobody includes its headers directly: these settings must be the same wherever they are
-    seen, since Armadillo is all templates and inline functions.
+    The only include of Armadillo: these settings must be the same wherever its headers are seen, since Armadillo is all templates and inline functions.
 
     - ARMA_DONT_USE_WRAPPER: LAPACK and BLAS are linked directly, so Armadillo's run-time library stays out, and with
       it the sparse solvers and the file formats that it would bring.

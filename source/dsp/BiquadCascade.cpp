@@ -31,75 +31,28 @@ void BiquadCascade::clear() noexcept
     sections.s2.fill (0.0);
 }
 
-void BiquadCascade::processPlain (float* row, int n) noexcept { processPlainInTurn (*this, nullptr, row, n); }
-
-void processPlainInTurn (BiquadCascade& first, BiquadCascade* second, float* row, int n) noexcept
+void filterPlainly (const CascadeRow& row, int n) noexcept
 {
     for (int i = 0; i < n; ++i)
     {
-        const auto x = first.step (static_cast<double> (row[i]));
-        row[i] = static_cast<float> (second != nullptr ? second->step (x) : x);
+        const auto x = row.first->step (static_cast<double> (row.samples[i]));
+        row.samples[i] = static_cast<float> (row.second != nullptr ? row.second->step (x) : x);
     }
 }
 
-void BiquadCascade::process (float* row, int n) noexcept
+void filterRows (std::span<const CascadeRow> rows, int n) noexcept
 {
-    BiquadCascade silent; // beside this one in the vectors' lanes
-
-    if (! filterInVectors ({ this, &silent }, nullptr, row, nullptr, n))
-        processPlain (row, n);
-}
-
-namespace
-{
-bool areAlike (const CascadePair& pair) noexcept { return pair[0]->getNumSections() == pair[1]->getNumSections(); }
-} // namespace
-
-void processSideBySide (std::span<BiquadCascade* const> cascades, float* const* rows, int n) noexcept
-{
-    std::size_t row = 0;
-
-    for (; row + 3 < cascades.size(); row += 4)
+    while (! rows.empty())
     {
-        const CascadePair first { cascades[row], cascades[row + 1] }, second { cascades[row + 2], cascades[row + 3] };
-        const auto allAlike = areAlike (first) && areAlike (second) && areAlike ({ first[0], second[0] });
+        auto numFiltered = filterInVectors (rows, n);
 
-        if (! allAlike || ! filterFourInVectors (first, second, rows + row, n))
-            break;
+        if (numFiltered == 0)
+        {
+            filterPlainly (rows.front(), n);
+            numFiltered = 1;
+        }
+
+        rows = rows.subspan (numFiltered);
     }
-
-    for (; row + 1 < cascades.size(); row += 2)
-    {
-        const CascadePair pair { cascades[row], cascades[row + 1] };
-
-        if (! areAlike (pair) || ! filterInVectors (pair, nullptr, rows[row], rows[row + 1], n))
-            break;
-    }
-
-    for (; row < cascades.size(); ++row)
-        cascades[row]->process (rows[row], n);
-}
-
-void processInTurn (std::span<BiquadCascade* const> first, std::span<BiquadCascade* const> second, float* const* rows,
-                    int n) noexcept
-{
-    if (first.size() == 1)
-    {
-        BiquadCascade silent;
-        const CascadePair seconds { second[0], &silent };
-
-        if (filterInVectors ({ first[0], &silent }, &seconds, rows[0], nullptr, n))
-            return;
-    }
-    else if (first.size() == 2)
-    {
-        const CascadePair firsts { first[0], first[1] }, seconds { second[0], second[1] };
-
-        if (areAlike (firsts) && areAlike (seconds) && filterInVectors (firsts, &seconds, rows[0], rows[1], n))
-            return;
-    }
-
-    for (std::size_t row = 0; row < first.size(); ++row)
-        processPlainInTurn (*first[row], second[row], rows[row], n);
 }
 } // namespace tarvik

@@ -9,13 +9,13 @@ namespace tarvik
 {
 /** A chain of second-order sections on one channel: coefficients and delay line.
 
-    Every section is the transposed direct form II in 64 bits, with the way of the input through b0 taken out of its
+    Every section is the transposed direct form II in 64 bits, with the path of the input through b0 taken out of its
     recursion: y = b0 x + s1, s1 = (c1 x + s2) - a1 s1, s2 = c2 x - a2 s1 (all s1 on the right the last one), where
     c1 = b1 - a1 b0 and c2 = b2 - a2 b0. So from one sample to the next there are only a product and a difference to
-    wait for, and y is no part of it. The samples between the sections stay 64 bits too; only what leaves the last one
+    wait for, and y is not part of it. The samples between the sections stay 64 bits too; only what leaves the last one
     is rounded to float. A section whose numerator equals its denominator has c1 = c2 = 0 exactly: from a clear delay
-    line it hands its input through bit for bit, for ever. No variant below contracts, and all of them do the same
-    operations in the same order, so they agree to the last bit on every instruction set.
+    line it returns its input bit for bit. No variant contracts, and all of them do the same operations in the same
+    order, so every instruction set gives the same bits.
 
     One thread at a time; nothing allocates, locks or throws. Samples are expected finite: a NaN would stay in the
     delay line until clear(). */
@@ -28,10 +28,10 @@ public:
     static constexpr int tapsPerSection = 6;
 
     /** Takes tapsPerSection numbers for each of at most maxSections sections, divides each section by its a0 (which
-        must not be 0), and clears the delay line. A cascade without sections hands its input through. */
+        must not be 0), and clears the delay line. A cascade without sections returns its input. */
     void setTaps (std::span<const double> taps) noexcept;
 
-    /** Empties the delay line, so that the next sample meets a filter at rest. */
+    /** Empties the delay line. */
     void clear() noexcept;
 
     int getNumSections() const noexcept { return numSections; }
@@ -50,12 +50,6 @@ public:
         return x;
     }
 
-    /** Filters n samples in place, sample by sample and section by section. */
-    void processPlain (float* row, int n) noexcept;
-
-    /** The same in vectors; the same bits. */
-    void process (float* row, int n) noexcept;
-
     /** The numbers of one kind for all sections. Lanes of vectors are filled from these. */
     using PerSection = std::array<double, maxSections>;
 
@@ -72,17 +66,47 @@ private:
     int numSections = 0;
 };
 
-/** Filters rows of n samples in place, each through its own cascade: row i through *cascades[i]. Two or four
-    neighbouring rows whose cascades are equally long share one pass, which costs little more than a single row. Same
-    bits as process() row by row. */
-void processSideBySide (std::span<BiquadCascade* const> cascades, float* const* rows, int n) noexcept;
+/** A row of samples and what filters it in place: one cascade or, with 64-bit samples in between, two in series. */
+struct CascadeRow
+{
+    float* samples = nullptr;
+    BiquadCascade* first = nullptr;
+    BiquadCascade* second = nullptr; ///< or null
+};
 
-/** Filters n samples in place, each through `first` and, unless that is null, on through `second`, where it arrives
-    with all its 64 bits. */
-void processPlainInTurn (BiquadCascade& first, BiquadCascade* second, float* row, int n) noexcept;
+/** Filters n samples of a row, sample by sample and section by section. */
+void filterPlainly (const CascadeRow& row, int n) noexcept;
 
-/** The same for rows, row i through *first[i] and *second[i], in a single pass where both cascades of all rows (one or
-    two) are two and four sections long. Same bits as processPlainInTurn(). */
-void processInTurn (std::span<BiquadCascade* const> first, std::span<BiquadCascade* const> second, float* const* rows,
-                    int n) noexcept;
+/** The same for several rows in vectors, with the same bits. Two or four neighbours whose cascades are equally long
+    share one pass, which costs little more than a single row. */
+void filterRows (std::span<const CascadeRow> rows, int n) noexcept;
+
+/** Gathers rows of n samples from several owners, so that they share passes. Audio thread. */
+class CascadeBatch
+{
+public:
+    explicit CascadeBatch (int numSamples) noexcept : n (numSamples) {}
+
+    /** Filters the row at once, or with later ones. */
+    void add (const CascadeRow& row) noexcept
+    {
+        rows[size++] = row;
+
+        if (size == rows.size())
+            run();
+    }
+
+    /** Filters what still waits. */
+    void run() noexcept
+    {
+        filterRows (std::span (rows).first (size), n);
+        size = 0;
+    }
+
+    const int n;
+
+private:
+    std::array<CascadeRow, 4> rows {}; ///< as many as one pass takes
+    std::size_t size = 0;
+};
 } // namespace tarvik

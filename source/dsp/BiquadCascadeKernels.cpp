@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <span>
 
 HWY_BEFORE_NAMESPACE();
 
@@ -23,45 +24,32 @@ namespace tarvik::biquads::HWY_NAMESPACE
 {
 namespace
 {
-void filterPlain (const CascadePair& first, const CascadePair* second, float* left, float* right, int n)
-{
-    const std::array<float*, 2> rows { left, right };
-
-    for (std::size_t c = 0; c < rows.size() && rows[c] != nullptr; ++c)
-        processPlainInTurn (*first[c], second != nullptr ? (*second)[c] : nullptr, rows[c], n);
-}
-
-#if HWY_TARGET == HWY_SCALAR
-
-template <int, int>
-void filterRows (const CascadePair& first, const CascadePair* second, float* left, float* right, int n)
-{
-    filterPlain (first, second, left, right, n);
-}
-
-#else
+#if HWY_TARGET != HWY_SCALAR
 
 namespace hn = hwy::HWY_NAMESPACE;
 
 // How the lanes are used: two neighbouring lanes, a pair, are one section of the left and the right channel. A vector
 // of four lanes holds a section of the cascade's first half and the one as far along in the second half, so that a
-// vector hands its outputs to the next as they stand, and only the last one's turn back to the first, moved up by a
-// pair. Every section works two samples behind the one that feeds it, one with vectors of a single pair: all lanes of a
+// vector hands its outputs to the next as they are, and only the last one's turn back to the first, moved up by a
+// pair. Every section works two samples after the one that feeds it, one with vectors of a single pair: all lanes of a
 // step are independent of each other, and what a vector hands on has two steps' time to arrive, so that the only chain
 // is a section's own recurrence.
 //
-// Four rows beside each other, all through equally many sections, fill the same lanes with the same numbers: what would
-// be the second half of the cascades are the cascades of the third and fourth row. Only the wires differ: every vector
-// hands on to the next as it stands, and what enters and leaves are four samples.
+// Four rows in parallel, all through equally many sections, fill the same lanes with the same numbers: what would be
+// the second half of the cascades are the cascades of the third and fourth row. Only the wires differ: every vector
+// hands on to the next as it is, and what enters and leaves are four samples.
 //
 // At the row's start a section's delay line is put in when the first sample comes to it, and at the end it is taken out
-// behind the last: the row comes out complete, without delay, and the states agree with the plain form's.
+// after the last: the row comes out complete, without delay, and the states agree with the plain form's.
 
 /** Longer rows are cut, so that the one that they are interleaved in stays on the stack. */
 constexpr int maxRowLength = 256;
 
-/** One pass through a first cascade and, if secondSections isn't 0, a second one, or beside one. */
-template <int firstSections, int secondSections, Wiring wiring = Wiring::inTurn>
+/** The cascades of two rows, then those that follow them in series or that filter two more rows in parallel. */
+using Cascades = std::array<BiquadCascade*, 4>;
+
+/** One pass through the first cascades and, if secondSections isn't 0, the second ones. */
+template <int firstSections, int secondSections, Wiring wiring>
 class LaneFilter
 {
     using Order = Layout<firstSections, secondSections, wiring>;
@@ -73,24 +61,24 @@ public:
     /** Rows must be longer than this. */
     static constexpr int delay = Order::delay;
 
-    HWY_INLINE LaneFilter (const CascadePair& first, const CascadePair* second)
+    HWY_INLINE LaneFilter (const Cascades& cascades)
     {
-        gather (&BiquadCascade::Sections::b0, first, second, b0);
-        gather (&BiquadCascade::Sections::c1, first, second, c1);
-        gather (&BiquadCascade::Sections::c2, first, second, c2);
-        gather (&BiquadCascade::Sections::a1, first, second, a1);
-        gather (&BiquadCascade::Sections::a2, first, second, a2);
-        gather (&BiquadCascade::Sections::s1, first, second, outer1);
-        gather (&BiquadCascade::Sections::s2, first, second, outer2);
+        gather (&BiquadCascade::Sections::b0, cascades, b0);
+        gather (&BiquadCascade::Sections::c1, cascades, c1);
+        gather (&BiquadCascade::Sections::c2, cascades, c2);
+        gather (&BiquadCascade::Sections::a1, cascades, a1);
+        gather (&BiquadCascade::Sections::a2, cascades, a2);
+        gather (&BiquadCascade::Sections::s1, cascades, outer1);
+        gather (&BiquadCascade::Sections::s2, cascades, outer2);
     }
 
-    HWY_INLINE void putStatesBack (const CascadePair& first, const CascadePair* second) const
+    HWY_INLINE void putStatesBack (const Cascades& cascades) const
     {
-        scatter (outer1, &BiquadCascade::Sections::s1, first, second);
-        scatter (outer2, &BiquadCascade::Sections::s2, first, second);
+        scatter (outer1, &BiquadCascade::Sections::s1, cascades);
+        scatter (outer2, &BiquadCascade::Sections::s2, cascades);
     }
 
-    /** Filters n samples of each row, which stand sample by sample, in place. */
+    /** Filters n samples of each row, interleaved, in place. */
     HWY_INLINE void run (double* samples, int n)
     {
         Memory memory;
@@ -121,7 +109,7 @@ private:
         Vectors waiting; ///< what each made at the last step; two samples apart, it is handed on a step later
     };
 
-    /** Stage after stage gets its delay line as the first sample reaches it. Vectors behind it are still empty. */
+    /** Stage after stage gets its delay line as the first sample reaches it. Vectors after it are still empty. */
     template <std::size_t stage = 0>
     HWY_INLINE void begin (Memory& memory, const double* samples) const
     {
@@ -136,7 +124,7 @@ private:
         }
     }
 
-    /** Stage after stage is read out behind the row's last sample. Vectors before it have nothing left to do. */
+    /** Stage after stage is read out after the row's last sample. Vectors before it have nothing left to do. */
     template <std::size_t stage = 0>
     HWY_INLINE void end (Memory& memory, double* samples)
     {
@@ -158,24 +146,24 @@ private:
     }
 
     /** A sample into the first section, and what the others have been handed into them; of the vectors from `first` up
-        to `behind` only. */
-    template <std::size_t first = 0, std::size_t behind = numVectors>
+        to before `end` only. */
+    template <std::size_t first = 0, std::size_t end = numVectors>
     HWY_INLINE void step (Memory& memory, [[maybe_unused]] New newest) const
     {
         if constexpr (first == 0)
         {
-            stepVectors<0, behind> (memory, putInFront (newest, memory.fed.back()));
+            stepVectors<0, end> (memory, putInFront (newest, memory.fed.back()));
         }
         else
         {
             const auto handedOn = memory.fed[first - 1];
             memory.fed[first - 1] = memory.waiting[first - 1]; // what it made last still has to arrive
-            stepVectors<first, behind> (memory, handedOn);
+            stepVectors<first, end> (memory, handedOn);
         }
     }
 
     /** x goes into vector v, and what that vector hands on into the next. */
-    template <std::size_t v, std::size_t behind>
+    template <std::size_t v, std::size_t end>
     HWY_INLINE void stepVectors (Memory& memory, V x) const
     {
         const auto handedOn = copyOf (memory.fed[v]);
@@ -191,8 +179,8 @@ private:
 
         memory.waiting[v] = copyOf (y);
 
-        if constexpr (v + 1 < behind)
-            stepVectors<v + 1, behind> (memory, handedOn);
+        if constexpr (v + 1 < end)
+            stepVectors<v + 1, end> (memory, handedOn);
     }
 
     /** What the last step made come out of the last section. */
@@ -212,26 +200,25 @@ private:
 
     /** Calls function (s, left, right) for each even section s with the member's numbers of sections s and s + 1. */
     template <typename Function>
-    static HWY_INLINE void forEachTwoSections (Member member, const CascadePair& first, const CascadePair* second,
-                                               Function function)
+    static HWY_INLINE void forEachTwoSections (Member member, const Cascades& cascades, Function function)
     {
         const auto numbers = [member] (BiquadCascade* cascade) { return (cascade->getSections().*member).data(); };
 
         HWY_UNROLL (2)
         for (std::size_t s = 0; s < firstSections; s += 2)
-            function (s, numbers (first[0]) + s, numbers (first[1]) + s);
+            function (s, numbers (cascades[0]) + s, numbers (cascades[1]) + s);
 
         HWY_UNROLL (2)
         for (std::size_t s = 0; s < secondSections; s += 2)
-            function (firstSections + s, numbers ((*second)[0]) + s, numbers ((*second)[1]) + s);
+            function (firstSections + s, numbers (cascades[2]) + s, numbers (cascades[3]) + s);
     }
 
     using Pairs = std::array<Pair, static_cast<std::size_t> (Order::numSections)>;
 
-    static HWY_INLINE void gather (Member member, const CascadePair& first, const CascadePair* second, Vectors& vectors)
+    static HWY_INLINE void gather (Member member, const Cascades& cascades, Vectors& vectors)
     {
         Pairs pairs;
-        forEachTwoSections (member, first, second,
+        forEachTwoSections (member, cascades,
                             [&] (std::size_t s, const double* left, const double* right) HWY_ATTR
                             {
                                 const auto ofLeft = hn::LoadU (PairTag(), left);
@@ -245,8 +232,7 @@ private:
             vectors[v] = join<V> (pairs[v], pairs[pairs.size() - numVectors + v]);
     }
 
-    static HWY_INLINE void scatter (const Vectors& vectors, Member member, const CascadePair& first,
-                                    const CascadePair* second)
+    static HWY_INLINE void scatter (const Vectors& vectors, Member member, const Cascades& cascades)
     {
         Pairs pairs;
 
@@ -257,7 +243,7 @@ private:
             pairs[v] = getPair<0> (vectors[v]);
         }
 
-        forEachTwoSections (member, first, second,
+        forEachTwoSections (member, cascades,
                             [&] (std::size_t s, double* left, double* right) HWY_ATTR
                             {
                                 hn::StoreU (hn::InterleaveLower (pairs[s], pairs[s + 1]), PairTag(), left);
@@ -269,99 +255,108 @@ private:
     Vectors outer1, outer2; ///< the delay lines before and after the row
 };
 
-template <int firstSections, int secondSections>
-HWY_NOINLINE void filterRows (const CascadePair& first, const CascadePair* second, float* left, float* right, int n)
+/** Filters as many rows as the pass takes; of two rows the second one may have no samples, and its cascades keep what
+    they have if their delay lines are clear. */
+template <int firstSections, int secondSections, Wiring wiring = Wiring::series>
+HWY_NOINLINE void filterTogether (const CascadeRow* rows, int n)
 {
-    HWY_ALIGN std::array<double, static_cast<std::size_t> (channels * maxRowLength)> pairs;
+    constexpr auto numRows = static_cast<std::size_t> (Layout<firstSections, secondSections, wiring>::numRows);
+    using Filter = LaneFilter<firstSections, secondSections, wiring>;
+
+    Cascades cascades { rows[0].first, rows[1].first, rows[0].second, rows[1].second };
+
+    if constexpr (wiring == Wiring::parallel)
+        cascades = { rows[0].first, rows[1].first, rows[2].first, rows[3].first };
+
+    HWY_ALIGN std::array<double, numRows* static_cast<std::size_t> (maxRowLength)> samples;
+    std::array<float*, numRows> parts {};
 
     for (int done = 0; done < n; done += maxRowLength)
     {
         const auto length = std::min (n - done, maxRowLength);
-        auto* const rightPart = right != nullptr ? right + done : nullptr;
 
-        if (length <= LaneFilter<firstSections, secondSections>::delay)
-        {
-            filterPlain (first, second, left + done, rightPart, length);
-            continue;
-        }
-
-        interleave (left + done, rightPart, pairs.data(), length);
-
-        LaneFilter<firstSections, secondSections> filter (first, second);
-        filter.run (pairs.data(), length);
-        filter.putStatesBack (first, second);
-
-        separate (pairs.data(), left + done, rightPart, length);
-    }
-}
-
-#if HWY_MAX_BYTES >= 32
-
-template <int sections>
-HWY_NOINLINE void filterFourRows (const CascadePair& first, const CascadePair& second, float* const* rows, int n)
-{
-    using Filter = LaneFilter<sections, sections, Wiring::sideBySide>;
-    HWY_ALIGN std::array<double, static_cast<std::size_t> (2 * channels * maxRowLength)> samples;
-
-    for (int done = 0; done < n; done += maxRowLength)
-    {
-        const auto length = std::min (n - done, maxRowLength);
-        const std::array parts { rows[0] + done, rows[1] + done, rows[2] + done, rows[3] + done };
+        for (std::size_t row = 0; row < numRows; ++row)
+            parts[row] = rows[row].samples != nullptr ? rows[row].samples + done : nullptr;
 
         if (length <= Filter::delay)
         {
-            filterPlain (first, nullptr, parts[0], parts[1], length);
-            filterPlain (second, nullptr, parts[2], parts[3], length);
+            for (std::size_t row = 0; row < numRows && parts[row] != nullptr; ++row)
+                filterPlainly ({ parts[row], rows[row].first, rows[row].second }, length);
+
             continue;
         }
 
-        interleaveFour (parts.data(), samples.data(), length);
+        interleave (parts, samples.data(), length);
 
-        Filter filter (first, &second);
+        Filter filter (cascades);
         filter.run (samples.data(), length);
-        filter.putStatesBack (first, &second);
+        filter.putStatesBack (cascades);
 
-        separateFour (samples.data(), parts.data(), length);
+        separate (samples.data(), parts, length);
     }
 }
 
-#endif
-#endif
+int firstLength (const CascadeRow& row) { return row.first->getNumSections(); }
 
-/** The template for the cascades' lengths, if there is one. */
-bool filter (const CascadePair& first, const CascadePair* second, float* left, float* right, int n)
+int secondLength (const CascadeRow& row) { return row.second != nullptr ? row.second->getNumSections() : 0; }
+
+/** How many of the rows have cascades as long as those of the first one; counts up to four. */
+std::size_t countAlike (std::span<const CascadeRow> rows)
 {
-    const auto firstLength = first[0]->getNumSections();
-    const auto secondLength = second != nullptr ? (*second)[0]->getNumSections() : 0;
+    std::size_t count = 1;
 
-    if (firstLength == 2 && secondLength == 4)
-        filterRows<2, 4> (first, second, left, right, n);
-    else if (firstLength == 2 && secondLength == 2)
-        filterRows<2, 2> (first, second, left, right, n);
-    else if (firstLength == 2 && second == nullptr)
-        filterRows<2, 0> (first, nullptr, left, right, n);
-    else if (firstLength == 4 && second == nullptr)
-        filterRows<4, 0> (first, nullptr, left, right, n);
-    else
-        return false;
+    while (count < std::min<std::size_t> (rows.size(), 4) && firstLength (rows[count]) == firstLength (rows[0])
+           && secondLength (rows[count]) == secondLength (rows[0]))
+        ++count;
 
-    return true;
+    return count;
 }
 
-bool filterFour ([[maybe_unused]] const CascadePair& first, [[maybe_unused]] const CascadePair& second,
-                 [[maybe_unused]] float* const* rows, [[maybe_unused]] int n)
+using Pass = void (*) (const CascadeRow*, int);
+
+/** The pass for two rows of these lengths, or null. */
+Pass choosePass (int first, int second)
 {
-#if HWY_TARGET != HWY_SCALAR && HWY_MAX_BYTES >= 32
-    const auto length = first[0]->getNumSections();
+    if (first == 4 && second == 0)
+        return &filterTogether<4, 0>;
 
-    if (length == 2)
-        filterFourRows<2> (first, second, rows, n);
-    else if (length == 4)
-        filterFourRows<4> (first, second, rows, n);
+    if (first != 2)
+        return nullptr;
 
-    return length == 2 || length == 4;
+    return second == 0   ? &filterTogether<2, 0>
+           : second == 2 ? &filterTogether<2, 2>
+           : second == 4 ? &filterTogether<2, 4>
+                         : nullptr;
+}
+
+#endif
+
+std::size_t filter ([[maybe_unused]] std::span<const CascadeRow> rows, [[maybe_unused]] int n)
+{
+#if HWY_TARGET == HWY_SCALAR
+    return 0;
 #else
-    return false; // vectors of two lanes would only go through them one after the other
+    const auto first = firstLength (rows[0]), second = secondLength (rows[0]);
+    const auto numAlike = countAlike (rows);
+
+#if HWY_MAX_BYTES >= 32
+    if (numAlike == 4 && second == 0 && (first == 2 || first == 4))
+    {
+        first == 2 ? filterTogether<2, 2, Wiring::parallel> (rows.data(), n)
+                   : filterTogether<4, 4, Wiring::parallel> (rows.data(), n);
+        return 4;
+    }
+#endif
+
+    const auto pass = choosePass (first, second);
+
+    if (pass == nullptr)
+        return 0;
+
+    BiquadCascade silent; // in the lanes of a missing second row
+    const std::array<CascadeRow, 2> single { rows[0], { nullptr, &silent, &silent } };
+    pass (numAlike >= 2 ? rows.data() : single.data(), n);
+    return std::min<std::size_t> (numAlike, 2);
 #endif
 }
 } // namespace
@@ -375,32 +370,12 @@ namespace tarvik
 {
 namespace biquads
 {
-namespace
-{
 HWY_EXPORT (filter);
-
-bool filterOnBestSet (const CascadePair& first, const CascadePair* second, float* left, float* right, int n)
-{
-    return TARVIK_DISPATCH (filter) (first, second, left, right, n);
 }
 
-HWY_EXPORT (filterFour);
-
-bool filterFourOnBestSet (const CascadePair& first, const CascadePair& second, float* const* rows, int n)
+std::size_t filterInVectors (std::span<const CascadeRow> rows, int n) noexcept
 {
-    return TARVIK_DISPATCH (filterFour) (first, second, rows, n);
-}
-} // namespace
-} // namespace biquads
-
-bool filterInVectors (const CascadePair& first, const CascadePair* second, float* left, float* right, int n) noexcept
-{
-    return biquads::filterOnBestSet (first, second, left, right, n);
-}
-
-bool filterFourInVectors (const CascadePair& first, const CascadePair& second, float* const* rows, int n) noexcept
-{
-    return biquads::filterFourOnBestSet (first, second, rows, n);
+    return TARVIK_DISPATCH (biquads::filter) (rows, n);
 }
 } // namespace tarvik
 

@@ -34,11 +34,11 @@ using Pair = hn::Vec<PairTag>;
 /** How the second cascades are fed: by the first ones, or by rows of their own. */
 enum class Wiring
 {
-    inTurn,
-    sideBySide
+    series,
+    parallel
 };
 
-/** Where the sections stand: section s in vector s % numVectors, in its lower pair as long as s < numVectors. */
+/** Where the sections are: section s in vector s % numVectors, in its lower pair as long as s < numVectors. */
 template <int firstSections, int secondSections, Wiring wiring>
 struct Layout
 {
@@ -46,17 +46,17 @@ struct Layout
     static constexpr int numVectors = numSections * channels / vectorLanes;
     static_assert (firstSections % 2 == 0 && secondSections % 2 == 0);
 
-    /** A vector's lanes must be full of rows where the rows lie side by side. */
-    static constexpr int numRows = wiring == Wiring::inTurn ? channels : 2 * channels;
-    static_assert (wiring == Wiring::inTurn || (numRows == vectorLanes && firstSections == secondSections));
+    /** Rows in parallel fill a vector's lanes. */
+    static constexpr int numRows = wiring == Wiring::series ? channels : 2 * channels;
+    static_assert (wiring == Wiring::series || (numRows == vectorLanes && firstSections == secondSections));
 
-    /** How many samples a section works behind the one that feeds it. */
+    /** How many samples a section works after the one that feeds it. */
     static constexpr int samplesApart = numRows == vectorLanes ? 1 : 2;
 
-    /** A stage is what works equally many samples behind the first section: a section, or one of each pair of rows. */
-    static constexpr auto numStages = static_cast<std::size_t> (wiring == Wiring::inTurn ? numSections : firstSections);
+    /** A stage is what works equally many samples after the first section: a section, or one of each pair of rows. */
+    static constexpr auto numStages = static_cast<std::size_t> (wiring == Wiring::series ? numSections : firstSections);
 
-    /** Stage s stands in vector s % numVectors: all of it, or one pair of its lanes, first the lower ones. */
+    /** Stage s is in vector s % numVectors: all of it, or one pair of its lanes, first the lower ones. */
     static constexpr bool isWholeVector = numStages == static_cast<std::size_t> (numVectors);
 
     static constexpr int delay = (static_cast<int> (numStages) - 1) * samplesApart;
@@ -156,8 +156,9 @@ HWY_INLINE hn::Vec<Floats> loadDemoted (Tag tag, const double* from)
 }
 
 /** Writes the two rows into one, sample by sample; a missing right row counts as silent. */
-HWY_INLINE void interleave (const float* left, const float* right, double* pairs, int n)
+HWY_INLINE void interleave (const std::array<float*, 2>& rows, double* pairs, int n)
 {
+    const auto *const left = rows[0], *const right = rows[1];
     int i = 0;
 
     for (; i + floats <= n; i += floats)
@@ -175,8 +176,9 @@ HWY_INLINE void interleave (const float* left, const float* right, double* pairs
     }
 }
 
-HWY_INLINE void separate (const double* pairs, float* left, float* right, int n)
+HWY_INLINE void separate (const double* pairs, const std::array<float*, 2>& rows, int n)
 {
+    auto *const left = rows[0], *const right = rows[1];
     int i = 0;
 
     for (; i + floats <= n; i += floats)
@@ -210,7 +212,7 @@ HWY_INLINE FourSamples turn (const FourSamples& rows)
              hn::InterleaveLower (evenUpper, oddUpper), hn::InterleaveUpper (Floats(), evenUpper, oddUpper) };
 }
 
-HWY_INLINE void interleaveFour (float* const* rows, double* fours, int n)
+HWY_INLINE void interleave (const std::array<float*, 4>& rows, double* fours, int n)
 {
     int i = 0;
 
@@ -224,11 +226,11 @@ HWY_INLINE void interleaveFour (float* const* rows, double* fours, int n)
     }
 
     for (; i < n; ++i)
-        for (int row = 0; row < floats; ++row)
-            fours[i * floats + row] = static_cast<double> (rows[row][i]);
+        for (std::size_t row = 0; row < rows.size(); ++row)
+            fours[static_cast<std::size_t> (i) * rows.size() + row] = static_cast<double> (rows[row][i]);
 }
 
-HWY_INLINE void separateFour (const double* fours, float* const* rows, int n)
+HWY_INLINE void separate (const double* fours, const std::array<float*, 4>& rows, int n)
 {
     int i = 0;
 
@@ -238,13 +240,13 @@ HWY_INLINE void separateFour (const double* fours, float* const* rows, int n)
         const auto parts = turn ({ loadDemoted (D(), from), loadDemoted (D(), from + floats),
                                    loadDemoted (D(), from + 2 * floats), loadDemoted (D(), from + 3 * floats) });
 
-        for (int row = 0; row < floats; ++row)
-            hn::StoreU (parts[static_cast<std::size_t> (row)], Floats(), rows[row] + i);
+        for (std::size_t row = 0; row < rows.size(); ++row)
+            hn::StoreU (parts[row], Floats(), rows[row] + i);
     }
 
     for (; i < n; ++i)
-        for (int row = 0; row < floats; ++row)
-            rows[row][i] = static_cast<float> (fours[i * floats + row]);
+        for (std::size_t row = 0; row < rows.size(); ++row)
+            rows[row][i] = static_cast<float> (fours[static_cast<std::size_t> (i) * rows.size() + row]);
 }
 
 #endif

@@ -2,7 +2,6 @@
 #include "dsp/ConsoleEQ.h"
 
 #include "dsp/AnalogBiquad.h"
-#include "dsp/BiquadCascade.h"
 #include "dsp/EqualiserComponents.h"
 #include "dsp/EqualiserNetwork.h"
 
@@ -45,16 +44,16 @@ void ConsoleEQ::update (const EQControls& controls, bool force) noexcept
 
     if (networkChanges)
     {
-        const auto response = solveEqualiserNetwork (selectElements (components, controls));
-        network.setAnalogue (response.numerator, response.denominator);
-        network.bringInCoefficients();
+        const auto response = solveEqualiserNetwork (components, controls);
+        filters.second.setAnalogue (response.numerator, response.denominator);
+        filters.second.bringInCoefficients();
     }
 
     if (highPassChanges)
         updateHighPass (controls.highPass);
 }
 
-/** "OFF" is s^2 / s^2, which comes out as a section that hands its input through bit for bit. */
+/** "OFF" is s^2 / s^2, which comes out as a section that returns its input bit for bit. */
 void ConsoleEQ::updateHighPass (int position) noexcept
 {
     AnalogBiquad prototype;
@@ -66,72 +65,16 @@ void ConsoleEQ::updateHighPass (int position) noexcept
         prototype = AnalogBiquad::make (AnalogBiquad::Type::highPass, values.q, 1.0, 1.0, values.omega0);
     }
 
-    highPass.setAnalogue (prototype.numerator, prototype.denominator);
-    highPass.bringInCoefficients();
+    filters.first.setAnalogue (prototype.numerator, prototype.denominator);
+    filters.first.bringInCoefficients();
 }
 
-void ConsoleEQ::prepare (double sampleRate, int maxSamples)
+void ConsoleEQ::prepare (double sampleRate, int maxSamples) { filters.prepare (sampleRate, 1, maxSamples); }
+
+void ConsoleEQ::reset() noexcept { filters.reset(); }
+
+void ConsoleEQ::process (std::span<const std::unique_ptr<ConsoleEQ>> channels, float* const* rows, int n) noexcept
 {
-    highPass.prepare (sampleRate, 1, maxSamples);
-    network.prepare (sampleRate, 1, maxSamples);
-}
-
-void ConsoleEQ::reset() noexcept
-{
-    highPass.reset();
-    network.reset();
-}
-
-bool ConsoleEQ::beginSlice() noexcept
-{
-    const auto highPassRests = highPass.beginSlice();
-    const auto networkRests = network.beginSlice();
-    return highPassRests && networkRests && ! network.getActiveCascades().empty();
-}
-
-// At rest the samples between the two filters keep their 64 bits, in a move they don't. So what rests goes by itself,
-// and it rests from the sample at which the last move ends.
-
-void ConsoleEQ::process (float* row, int n) noexcept
-{
-    for (int length = 0; n > 0; row += length, n -= length)
-    {
-        if (beginSlice())
-            return processInTurn (highPass.getActiveCascades(), network.getActiveCascades(), &row, n);
-
-        length = getPieceLength (n);
-        highPass.process (&row, length);
-        network.process (&row, length);
-    }
-}
-
-void ConsoleEQ::processPair (ConsoleEQ& left, ConsoleEQ& right, float* leftRow, float* rightRow, int n) noexcept
-{
-    for (int length = 0; n > 0; leftRow += length, rightRow += length, n -= length)
-    {
-        const std::array<float*, 2> rows { leftRow, rightRow };
-        const auto leftRests = left.beginSlice(), rightRests = right.beginSlice();
-
-        if (leftRests && rightRests)
-        {
-            const auto first = [] (auto& filter) { return filter.getActiveCascades().front(); };
-            return processInTurn (std::array { first (left.highPass), first (right.highPass) },
-                                  std::array { first (left.network), first (right.network) }, rows.data(), n);
-        }
-
-        length = right.getPieceLength (left.getPieceLength (n));
-
-        if (leftRests || rightRests)
-        {
-            left.process (leftRow, length);
-            right.process (rightRow, length);
-            continue;
-        }
-
-        using HighPass = decltype (left.highPass);
-        using Network = decltype (left.network);
-        HighPass::processTogether (std::array { &left.highPass, &right.highPass }, rows.data(), length);
-        Network::processTogether (std::array { &left.network, &right.network }, rows.data(), length);
-    }
+    decltype (filters)::process (channels, &ConsoleEQ::filters, rows, n);
 }
 } // namespace tarvik

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "dsp/ComponentTable.h"
-#include "dsp/EQControls.h"
 
 #include <array>
 
@@ -10,7 +9,7 @@ namespace tarvik
 {
 /** The components of the equaliser: ohms, farads and henries. A switch picks one of several rows of the same name.
 
-    "lowInductor" and "inductorRes" hold a place in the list, but no design reads them: on every channel the inductor of
+    "lowInductor" and "inductorRes" keep a place in the list, but no design reads them: on every channel the inductor of
     the low boost is 10 H and the loss of the mid inductor 1 ohm. */
 inline constexpr std::array<Component, 50> equaliserComponents { {
     { "lowCutShunt", 180e3, 0.01 },    // 0
@@ -64,31 +63,4 @@ inline constexpr std::array<Component, 50> equaliserComponents { {
     { "highBoostRes", 8.2e3, 0.01 },   // 48
     { "highBoostRes", 3.3e3, 0.01 },   // 49, highGain 10
 } };
-
-/** What the switches and pots leave standing in the circuit. */
-struct EqualiserElements
-{
-    bool lowBoost = false;  ///< else a low cut
-    bool midBoost = false;  ///< else a mid cut
-    bool highBoost = false; ///< else a high cut
-
-    double lowCutShuntOhms = 0.0;
-    double outputShuntOhms = 0.0;
-    double seriesResOhms = 0.0;
-    double cutArmResOhms = 0.0;
-    double lowCutCapFarads = 0.0;   ///< of a low cut
-    double lowBoostCapFarads = 0.0; ///< of a low boost
-    double lowGainOhms = 0.0;       ///< of a low boost: the pot and what stands in series with it
-    double midPotAcrossOhms = 0.0;  ///< the part of the mid pot that the resonant branch bridges
-    double midPotRestOhms = 0.0;    ///< the other part
-    double midInductorHenries = 0.0;
-    double midCapFarads = 0.0;
-    double highCutCapFarads = 0.0;   ///< of a high cut
-    double highBoostCapFarads = 0.0; ///< of a high boost
-    double highBoostResOhms = 0.0;   ///< of a high boost
-};
-
-/** Reads the elements off a table made from equaliserComponents, on the table's active channel. Positions outside a
-    control's range are limited to it, and a pot at NaN counts as 0: whatever comes in, the elements are finite. */
-EqualiserElements selectElements (const ComponentTable& table, const EQControls& controls) noexcept;
 } // namespace tarvik

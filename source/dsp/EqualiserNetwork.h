@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "dsp/EqualiserComponents.h"
+#include "dsp/ComponentTable.h"
+#include "dsp/EQControls.h"
 
 #include <array>
 
@@ -16,7 +17,9 @@ struct EqualiserResponse
     std::array<double, 6> denominator {};
 };
 
-/** Solves the network: output voltage without load over input voltage. Any thread; well below a microsecond.
+/** Solves the network: output voltage without load over input voltage, with the components of the table's active channel;
+    the table is made from equaliserComponents. Positions outside a control's range are limited to it, and a pot at NaN
+    counts as 0: whatever comes in, the coefficients are finite. Any thread; well below a microsecond.
 
     low cut      in o---- lowCutCap ----+---- series arm ----+----o out
                                         |                    |
@@ -35,5 +38,5 @@ struct EqualiserResponse
     series arm   mid boost: the mid pot; mid cut: seriesRes. Across it, for a high boost, highBoostRes + highBoostCap;
                  for a low boost, the low gain pot + lowInductor + lowBoostCap.
     shunt arm    outputShunt. Across it, for a high cut, highCutCap; for a mid cut, cutArmRes + the mid pot. */
-EqualiserResponse solveEqualiserNetwork (const EqualiserElements& elements) noexcept;
+EqualiserResponse solveEqualiserNetwork (const ComponentTable& table, const EQControls& controls) noexcept;
 } // namespace tarvik

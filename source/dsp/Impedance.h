@@ -94,13 +94,13 @@ constexpr Impedance operator| (const Impedance& a, const Impedance& b) noexcept
 /** A ladder of arms from the input to an output without load. Its response is the voltage at the output over that
     at the input.
 
-    Each arm multiplies the ladder's chain matrix (A B; C D) by its own: (1 Z; 0 1) for an arm in the signal's way,
+    Each arm multiplies the ladder's chain matrix (A B; C D) by its own: (1 Z; 0 1) for an arm in series with the signal,
     (1 0; 1/Z 1) for an arm to ground. The response without load is 1 / A, for which the first row is enough. Both
     entries are kept multiplied by the arms' denominators, whose product is `product`, so that H(s) = product / a. */
 class Ladder
 {
 public:
-    /** An arm in the signal's way. */
+    /** An arm in series with the signal. */
     constexpr void addSeries (const Impedance& arm) noexcept
     {
         b = a * arm.over + b * arm.under;
@@ -108,7 +108,7 @@ public:
         product = product * arm.under;
     }
 
-    /** An arm from the present node to ground. */
+    /** An arm from the current node to ground. */
     constexpr void addShunt (const Impedance& arm) noexcept
     {
         a = a * arm.over + b * arm.under;

@@ -16,7 +16,7 @@ public:
     void runTest() override;
 };
 
-/** The same for the way up to each processing rate and back: 52 samples late, and at its level. */
+/** The same for upsampling to each processing rate and back: 52 samples late, and at its level. */
 class PolyphaseTest final : public juce::UnitTest
 {
 public:

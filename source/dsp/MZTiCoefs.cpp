@@ -158,7 +158,7 @@ auto MZTiCoefs<Real, n, d>::pairRoots (const Roots& roots) noexcept -> Quadratic
         }
     }
 
-    for (auto root = reals.begin(); root < end; root += 2) // the element behind the last root is 0
+    for (auto root = reals.begin(); root < end; root += 2) // the element after the last root is 0
         quadratics.add (-root[0] - root[1], root[0] * root[1]);
 
     return quadratics;

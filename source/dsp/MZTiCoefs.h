@@ -38,7 +38,7 @@ public:
 
     /** Designs `taps` from `numerator`, `denominator` and `sampleRate` (above 0), and divides both polynomials by the
         denominator's first coefficient that isn't 0. The caller holds designLock. Allocates nothing and ends in bounded
-        time whatever stands in the polynomials: if nothing finite comes out of them, the taps are neutral.
+        time whatever the polynomials hold: if nothing finite comes out of them, the taps are neutral.
 
         Any thread, but only one at a time on an object. About 5 microseconds for five poles. */
     void design() noexcept;

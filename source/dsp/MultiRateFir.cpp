@@ -11,7 +11,7 @@ namespace tarvik
 {
 namespace
 {
-// Outputs that one call of the way down's kernel computes; longer blocks are cut. The inputs stay within the innermost
+// Outputs that one call of the downsampler's kernel computes; longer blocks are cut. The inputs stay within the innermost
 // cache at every factor.
 int maxDownPass (const MultiRateFirSpec& spec) noexcept
 {
@@ -20,7 +20,7 @@ int maxDownPass (const MultiRateFirSpec& spec) noexcept
     return std::clamp (maxInputs / spec.factor, spec.outputsPerGroup, maxOutputs);
 }
 
-// The way up's scratch memory stands behind its inputs and what the kernel reads behind them, on a vector's boundary.
+// The upsampler's scratch memory comes after its inputs and what the kernel reads beyond them, on a vector's boundary.
 int upScratchOffset (const MultiRateFirSpec& spec) noexcept
 {
     constexpr int alignment = HWY_ALIGNMENT / static_cast<int> (sizeof (float));

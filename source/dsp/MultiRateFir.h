@@ -7,8 +7,8 @@
 
 namespace tarvik
 {
-// FIR filters that change the sample rate by an integer factor F. The way up computes no product with the zeros that
-// interpolation puts between the samples, the way down no output that decimation drops:
+// FIR filters that change the sample rate by an integer factor F. Upsampling computes no product with the zeros that
+// interpolation puts between the samples, downsampling no output that decimation drops:
 //
 //   up:   out[F t + p] = sum over j of taps[p + F j] * in[t - j],  p from 0 to F - 1
 //   down: out[t]       = sum over n of taps[n] * in[F t - n]
@@ -16,7 +16,7 @@ namespace tarvik
 // Each sum is taken in the same order wherever a block begins or ends, so any cutting into blocks gives the same bits.
 // (Only a sample that is not finite can tell: it may reach a few outputs more or less.)
 //
-// Three parts, which the owner keeps together: the layout, MultiRateFirSpec (the taps as the kernels want them), the
+// Three parts, which the owner keeps together: the layout, MultiRateFirSpec (the taps in the order that the kernels need), the
 // delay line (the signal's history), and the work buffer, which holds nothing between calls.
 
 /** Floats aligned for the widest vectors. */
@@ -39,7 +39,7 @@ struct MultiRateFirSpec
     /** Up: how the sums are computed. */
     UpMethod upMethod {};
 
-    /** Down: `outputsPerGroup` neighbouring outputs begin `planes` whole vectors behind the group before, so that
+    /** Down: `outputsPerGroup` neighbouring outputs begin `planes` whole vectors after the previous group, so that
         their inputs share one alignment. A group's inputs are `rowsPerGroup` rows of one vector each. Row i of the
         signal is kept in plane i modulo `planes`, so that the groups stand one vector apart and loads spread over
         the cache's banks. */
@@ -48,7 +48,7 @@ struct MultiRateFirSpec
     int planeSize = 0; ///< floats
     int rowsPerGroup = 0;
 
-    /** Up: as the method wants them. Down: plane after plane, row after row, the taps that the row's inputs have in
+    /** Up: in the order that the method needs. Down: plane after plane, row after row, the taps that the row's inputs have in
         each of the group's outputs, zero outside the filter. */
     AlignedFloats taps;
 

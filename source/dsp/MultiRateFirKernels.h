@@ -7,13 +7,13 @@
 
 namespace tarvik
 {
-/** How the way up computes its sums; each needs its own order of the taps. */
+/** How the upsampler computes its sums; each needs its own order of the taps. */
 enum class UpMethod
 {
-    /** Any filter, any factor: up to four phases side by side. */
+    /** Any filter, any factor: up to four phases in parallel. */
     direct,
 
-    /** Factor 2: two neighbouring samples' two phases side by side, so that there are four sums for each input that is
+    /** Factor 2: two neighbouring samples' two phases in parallel, so that there are four sums for each input that is
         loaded. Even and odd samples are kept apart. */
     pairs,
 
@@ -23,16 +23,16 @@ enum class UpMethod
     folded
 };
 
-/** Phases of the way up that are computed side by side, at most. */
+/** Phases of the upsampler that are computed in parallel, at most. */
 inline constexpr int upPhasesPerGroup = 4;
 
-/** Outputs of the way down that are computed side by side come in multiples of this, and of the group. */
+/** Outputs of the downsampler that are computed in parallel come in multiples of this, and of the group. */
 inline constexpr int downOutputsPerStep = 4;
 
-/** One instruction set's way up. */
+/** One instruction set's upsampler. */
 struct UpKernel
 {
-    /** Samples of the base rate that are computed at once, at most. As many are read behind the last input; what
+    /** Samples of the base rate that are computed at once, at most. As many are read after the last input; what
         they hold does not matter. */
     int tile;
 
@@ -44,7 +44,7 @@ struct UpKernel
     void (*run) (const MultiRateFirSpec& spec, const float* in, float* scratch, float* out, int numIn);
 };
 
-/** One instruction set's way down. */
+/** One instruction set's downsampler. */
 struct DownKernel
 {
     int lanes; ///< floats of a vector
@@ -62,7 +62,7 @@ const DownKernel& downKernel();
 /** Longest run of inputs for one call of UpKernel::run. */
 inline constexpr int maxUpPass = 256;
 
-/** Floats that one call needs: the inputs' even and odd samples, or their sums and differences and all E and O; behind
+/** Floats that one call needs: the inputs' even and odd samples, or their sums and differences and all E and O; after
     them a tile of outputs for the block's end. */
 constexpr int upScratchSize (const MultiRateFirSpec& spec, int tile) noexcept
 {
@@ -71,7 +71,7 @@ constexpr int upScratchSize (const MultiRateFirSpec& spec, int tile) noexcept
     return std::max (forPairs, forFolded) + tile * spec.factor;
 }
 
-/** Floats that the way down's work buffer begins with for `numOut` outputs from the beginning of a group, a whole
+/** Floats that the downsampler's work buffer begins with for `numOut` outputs from the beginning of a group, a whole
     number of vectors in each plane: what the kernel reads, and all inputs of the last output, which it does not
     read yet. */
 constexpr int downReach (const MultiRateFirSpec& spec, int numOut) noexcept

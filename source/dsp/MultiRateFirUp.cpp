@@ -156,11 +156,12 @@ void directTile (const MultiRateFirSpec& spec, const float* in, float*, float* o
 
 // `even` and `odd` are where the tile's samples begin in the two rows.
 template <int T>
-void pairsTile (const MultiRateFirSpec& spec, const float* even, const float* odd, float* out)
+void pairsTile (const MultiRateFirSpec& spec, const float* even, float* odd, float* out)
 {
     Vectors<T> sums[static_cast<std::size_t> (upPhasesPerGroup)];
     clear<upPhasesPerGroup, T> (sums);
-    accumulate<upPhasesPerGroup, T> (std::array { odd, even }, -1, spec.taps.get(), spec.tapsPerPhase / 2 + 1, sums);
+    accumulate<upPhasesPerGroup, T> (std::array<const float*, 2> { odd, even }, -1, spec.taps.get(),
+                                     spec.tapsPerPhase / 2 + 1, sums);
 
     HWY_UNROLL (6)
     for (int t = 0; t < T; ++t)
@@ -262,25 +263,38 @@ void foldedTile (const MultiRateFirSpec& spec, const float* in, float* scratch, 
     }
 }
 
+// A tile of T vectors: where its inputs begin, scratch memory (of the pairs: the other row), and its outputs.
 using TileFunction = void (*) (const MultiRateFirSpec&, const float*, float*, float*);
 
-// Walks through the block in tiles; tileFunctions[T - 1] computes T vectors of `samplesPerVector` samples. The call
-// tile (function, position, out) computes one.
-template <typename Function, std::size_t maxT, typename Call>
-HWY_INLINE void forTiles (const std::array<Function, maxT>& tileFunctions, int samplesPerVector, int factor,
-                          float* bounce, float* out, int numIn, Call call)
+template <UpMethod method, int... T>
+constexpr std::array<TileFunction, sizeof...(T)> tileFunctions (std::integer_sequence<int, T...>)
 {
+    if constexpr (method == UpMethod::pairs)
+        return { &pairsTile<T + 1>... };
+    else if constexpr (method == UpMethod::folded)
+        return { &foldedTile<T + 1>... };
+    else
+        return { &directTile<T + 1>... };
+}
+
+// Walks through the block in tiles of up to maxT vectors of `samplesPerVector` samples. The call
+// tile (function, position, out) computes one.
+template <UpMethod method, int maxT, typename Call>
+HWY_INLINE void forTiles (int samplesPerVector, int factor, float* bounce, float* out, int numIn, Call call)
+{
+    static constexpr auto functions = tileFunctions<method> (std::make_integer_sequence<int, maxT>());
+
     for (int pos = 0; pos < numIn;)
     {
         // Tiles of about equal size, since a small one keeps the multipliers waiting.
         const auto left = (numIn - pos + samplesPerVector - 1) / samplesPerVector;
-        const auto tilesLeft = (left + static_cast<int> (maxT) - 1) / static_cast<int> (maxT);
+        const auto tilesLeft = (left + maxT - 1) / maxT;
         const auto vectors = (left + tilesLeft - 1) / tilesLeft;
         const auto samples = std::min (vectors * samplesPerVector, numIn - pos);
         const auto isWhole = samples == vectors * samplesPerVector;
         auto* const dst = out + pos * factor;
 
-        call (tileFunctions[static_cast<std::size_t> (vectors - 1)], pos, isWhole ? dst : bounce);
+        call (functions[static_cast<std::size_t> (vectors - 1)], pos, isWhole ? dst : bounce);
 
         if (! isWhole)
             std::copy_n (bounce, samples * factor, dst);
@@ -289,60 +303,36 @@ HWY_INLINE void forTiles (const std::array<Function, maxT>& tileFunctions, int s
     }
 }
 
-template <int... T>
-constexpr std::array<TileFunction, sizeof...(T)> directTiles (std::integer_sequence<int, T...>)
-{
-    return { &directTile<T + 1>... };
-}
-
-template <int... T>
-constexpr std::array<TileFunction, sizeof...(T)> foldedTiles (std::integer_sequence<int, T...>)
-{
-    return { &foldedTile<T + 1>... };
-}
-
-using PairsFunction = void (*) (const MultiRateFirSpec&, const float*, const float*, float*);
-
-template <int... T>
-constexpr std::array<PairsFunction, sizeof...(T)> pairsTiles (std::integer_sequence<int, T...>)
-{
-    return { &pairsTile<T + 1>... };
-}
-
 void runPairs (const MultiRateFirSpec& spec, const float* in, float* scratch, float* bounce, float* out, int numIn)
 {
-    static constexpr auto functions = pairsTiles (std::make_integer_sequence<int, maxVectors>());
     const auto history = spec.tapsPerPhase / 2;
     const auto pairs = history + (numIn + 1) / 2;
     auto* const even = scratch;
     auto* const odd = even + spec.tapsPerPhase + maxUpPass + maxTile;
 
-    // An odd number of inputs leaves a sample behind the last one; its outputs are computed and dropped.
+    // An odd number of inputs leaves a sample after the last one; its outputs are computed and dropped.
     for (int i = 0; i < pairs; ++i)
     {
         even[i] = in[2 * (i - history)];
         odd[i] = in[2 * (i - history) + 1];
     }
 
-    forTiles (functions, 2 * lanes, spec.factor, bounce, out, numIn,
-              [&] (PairsFunction tile, int pos, float* dst) HWY_ATTR
-              { tile (spec, even + history + pos / 2, odd + history + pos / 2, dst); });
+    forTiles<UpMethod::pairs, maxVectors> (2 * lanes, spec.factor, bounce, out, numIn,
+                                           [&] (TileFunction tile, int pos, float* dst) HWY_ATTR
+                                           { tile (spec, even + history + pos / 2, odd + history + pos / 2, dst); });
 }
 
 void run (const MultiRateFirSpec& spec, const float* in, float* scratch, float* out, int numIn)
 {
-    static constexpr auto direct = directTiles (std::make_integer_sequence<int, maxVectors>());
-    static constexpr auto folded = foldedTiles (std::make_integer_sequence<int, maxFoldedVectors>());
     auto* const bounce = scratch + upScratchSize (spec, maxTile) - maxTile * spec.factor; // its end
-
     const auto compute = [&] (TileFunction tile, int pos, float* dst) HWY_ATTR { tile (spec, in + pos, scratch, dst); };
 
     if (spec.upMethod == UpMethod::pairs)
         runPairs (spec, in, scratch, bounce, out, numIn);
     else if (spec.upMethod == UpMethod::folded)
-        forTiles (folded, lanes, spec.factor, bounce, out, numIn, compute);
+        forTiles<UpMethod::folded, maxFoldedVectors> (lanes, spec.factor, bounce, out, numIn, compute);
     else
-        forTiles (direct, lanes, spec.factor, bounce, out, numIn, compute);
+        forTiles<UpMethod::direct, maxVectors> (lanes, spec.factor, bounce, out, numIn, compute);
 }
 
 const UpKernel* kernel()

@@ -95,7 +95,7 @@ HWY_INLINE hn::Vec<Block> sumOfBlocks (D d, V v)
     }
 }
 
-// Stores element i of the four vectors side by side at dst + i * stride.
+// Stores element i of the four vectors next to each other at dst + i * stride.
 HWY_INLINE void storeColumns (Vector v0, Vector v1, Vector v2, Vector v3, float* dst, int stride)
 {
     const Tag d;

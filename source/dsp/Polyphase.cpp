@@ -70,12 +70,6 @@ void Polyphase::setup (int channels, int newFactor)
         record.setup (factor);
 }
 
-void Polyphase::reset() noexcept
-{
-    for (auto& record : records)
-        record.reset();
-}
-
 void Polyphase::up (int channel, const float* in, float* out, int numIn) noexcept
 {
     records[static_cast<std::size_t> (channel)].up (in, out, numIn);

@@ -8,7 +8,7 @@
 
 namespace tarvik
 {
-/** Rate conversion of one audio channel by an integer factor: up before the processing, down behind it.
+/** Rate conversion of one audio channel by an integer factor: up before the processing, down after it.
 
     Memory is allocated in `setup` only. One thread at a time; `setup` never while another call runs. */
 class PolyphaseChannel
@@ -53,10 +53,7 @@ public:
         audio is processed. */
     void setup (int channels, int newFactor);
 
-    /** Clears the history of every channel. */
-    void reset() noexcept;
-
-    /** Clears that of one, which is below getNumChannels(). */
+    /** Clears the history of a channel, which is below getNumChannels(). */
     void reset (int channel) noexcept { records[static_cast<std::size_t> (channel)].reset(); }
 
     int getFactor() const noexcept { return factor; }

@@ -5,7 +5,7 @@
 
 namespace tarvik
 {
-/** Delay of the way up and the way down together, in samples of the base rate; also the taps of each phase. */
+/** Delay of up- and downsampling together, in samples of the base rate; also the taps of each phase. */
 inline constexpr int polyphaseLatencySamples = 52;
 
 /** The low-pass filter of a rate conversion by `factor`, at the high rate: polyphaseLatencySamples * factor + 1 taps,

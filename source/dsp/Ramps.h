@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "dsp/RampRows.h"
+#include "dsp/RowOperations.h"
 
 #include <algorithm>
 #include <array>
@@ -13,21 +13,18 @@
 namespace tarvik
 {
 
-/** What the two kinds of smoothed value have in common: a value on its way from `current` to `target`, which it reaches
-    in `steps` samples whatever the distance.
-
-    `Kind` says how samples are taken and how a new way begins. A ramp belongs to one thread; `SharedRamp` below is
-    the way in for other threads. Nothing here allocates or throws.
-*/
+/** A value that moves from `current` to `target` within `steps` samples whatever the distance. `Kind` says how samples
+    are taken and how a move begins. A ramp belongs to one thread; `SharedRamp` below lets other threads give it a
+    target. Nothing here allocates or throws. */
 template <typename Kind>
 struct Ramp
 {
     std::uint32_t steps = 100;   ///< Samples of a full move.
-    std::uint32_t remaining = 0; ///< Samples left of the move in progress; 0 at rest.
+    std::uint32_t remaining = 0; ///< Samples left of the current move; 0 while idle.
     double current = 1.0;
     double target = 1.0;
     double increment = 0.0;          ///< Per sample: a difference or a factor, by the kind.
-    [[no_unique_address]] Kind kind; ///< What else the kind has to know about the move in progress.
+    [[no_unique_address]] Kind kind; ///< What else the kind has to know about the current move.
 
     Ramp() = default;
 
@@ -35,13 +32,11 @@ struct Ramp
 
     bool isIdle() const noexcept { return remaining == 0; }
 
-    /** True while every sample of a row would be exactly 1, so that multiplying by it can be left out. */
-    bool restsAtOne() const noexcept { return isIdle() && current == 1.0; }
+    /** Whether the coming samples are all exactly 1. */
+    bool isIdleAtOne() const noexcept { return isIdle() && current == 1.0; }
 
-    /** Starts a move to t. A t within 1e-6 of the present value is taken at once; the target already on its way is left
-        alone; anything else begins a move of `steps` samples from the present value. Values that are not finite are
-        ignored.
-    */
+    /** Starts a move of `steps` samples to t, or jumps there from closer than 1e-6. If it is the current target, the
+        move goes on. Values that are not finite are ignored. */
     void set (double t) noexcept
     {
         if (! std::isfinite (t))
@@ -52,7 +47,7 @@ struct Ramp
             current = target = t;
             remaining = 0;
         }
-        else if (t != target) // exact: only the very same request counts as "already on its way"
+        else if (t != target) // exact: only the very same request lets the move go on
         {
             Kind::begin (*this, t);
             remaining = steps;
@@ -142,7 +137,7 @@ struct GeometricStep
             takeOne();
     }
 
-    /** A geometric way has no zero on it, so both ends are lifted to at least -80 dB. */
+    /** A geometric move cannot reach zero, so both ends are lifted to at least -80 dB. */
     static void begin (Ramp<GeometricStep>& ramp, double t) noexcept
     {
         constexpr double lowest = 1e-4;
@@ -160,7 +155,7 @@ struct GeometricStep
     static constexpr std::size_t groupLength = 8;
 
     std::array<double, groupLength> powers {}; ///< Of the factor, from the first.
-    double before = 1.0;                       ///< The value that the group under way starts from.
+    double before = 1.0;                       ///< The value that the current group starts from.
     std::size_t taken = 0;                     ///< Samples of that group so far.
 };
 
@@ -172,10 +167,9 @@ using GeometricRamp = Ramp<GeometricStep>;
 
 /** A ramp that any thread may give a target, while the audio thread runs it.
 
-    A request is one value behind one flag. The audio thread takes it up at the start of a slice with `takeRequest`, so
-    the ramp's own fields have a single writer; of several requests between two slices the last one counts. Neither side
-    waits.
-*/
+    A request is one value and one flag. The audio thread takes it with `takeRequest` at the start of a slice, so the
+    ramp's own fields have a single writer; of several requests between two slices the last one counts. Neither side
+    waits. */
 template <typename RampType>
 class SharedRamp
 {
@@ -198,40 +192,39 @@ public:
             ramp.set (requested.load (std::memory_order_relaxed));
     }
 
-    /** While no audio runs: sets the length of a move, which must be at least one sample, and ends the present one. */
+    /** While no audio runs: sets the length of a move, at least one sample, and ends the current one. */
     void prepare (std::uint32_t stepsPerMove) noexcept
     {
         snap();
         ramp.steps = std::max<std::uint32_t> (1, stepsPerMove);
     }
 
-    /** While no audio runs: takes up what waits and goes there at once. */
+    /** While no audio runs: takes what waits and jumps there. */
     void snap() noexcept
     {
         takeRequest();
         ramp.snap();
     }
 
-    /** Audio thread: takes up what waits and writes the next n values. */
+    /** Audio thread: takes what waits and writes the next n values. */
     void fill (float* row, int n) noexcept
     {
         takeRequest();
         fillTaken (row, n);
     }
 
-    /** Audio thread: the same without a look at what waits, for a slice that has called `takeRequest` and drawn its
-        conclusions from it. */
+    /** Audio thread: the same without taking what waits, for a slice that has called `takeRequest` already. */
     void fillTaken (float* row, int n) noexcept { ramp.fill (row, n); }
 
-    /** Audio thread: takes up what waits, and says whether the coming samples are all exactly 1. */
-    bool restsAtOne() noexcept
+    /** Audio thread: takes what waits, and returns whether the coming samples are all exactly 1. */
+    bool isIdleAtOne() noexcept
     {
         takeRequest();
-        return ramp.restsAtOne();
+        return ramp.isIdleAtOne();
     }
 
-    /** Audio thread: whether the ramp is idle and nothing waits, so that its value is what it was. */
-    bool rests() const noexcept { return ramp.isIdle() && ! isWaiting.load (std::memory_order_relaxed); }
+    /** Audio thread: whether the ramp is idle and nothing waits. */
+    bool isIdle() const noexcept { return ramp.isIdle() && ! isWaiting.load (std::memory_order_relaxed); }
 
     const RampType& get() const noexcept { return ramp; }
 

@@ -54,7 +54,7 @@ HWY_INLINE V orEdgeOfLogarithm (D d, V x, V y)
 }
 
 // Calls `operation` with vectors; the last, incomplete one is filled up with ones, so that each sample passes through
-// the same arithmetic wherever it stands.
+// the same arithmetic wherever it is.
 template <typename T, typename Operation>
 HWY_INLINE void forRow (Operation operation, T* dst, const T* src, int n)
 {
@@ -150,28 +150,22 @@ void tanh (double* dst, const double* src, int n) noexcept { TARVIK_DISPATCH (ta
 
 // The powers are the library's, sample by sample: at the precision asked for, which needs 64-bit vectors of logarithm
 // and exponential, vectors are no faster.
-void pow (float* dst, const float* base, const float* exponent, int n) noexcept
+template <typename T>
+static void powEach (T* dst, const T* base, const T* exponents, int exponentStep, int n) noexcept
 {
     for (int i = 0; i < n; ++i)
-        dst[i] = std::pow (base[i], exponent[i]);
+        dst[i] = std::pow (base[i], exponents[i * exponentStep]);
 }
+
+void pow (float* dst, const float* base, const float* exponent, int n) noexcept { powEach (dst, base, exponent, 1, n); }
 
 void pow (double* dst, const double* base, const double* exponent, int n) noexcept
 {
-    for (int i = 0; i < n; ++i)
-        dst[i] = std::pow (base[i], exponent[i]);
+    powEach (dst, base, exponent, 1, n);
 }
 
-void pow (float* dst, const float* base, float exponent, int n) noexcept
-{
-    for (int i = 0; i < n; ++i)
-        dst[i] = std::pow (base[i], exponent);
-}
+void pow (float* dst, const float* base, float exponent, int n) noexcept { powEach (dst, base, &exponent, 0, n); }
 
-void pow (double* dst, const double* base, double exponent, int n) noexcept
-{
-    for (int i = 0; i < n; ++i)
-        dst[i] = std::pow (base[i], exponent);
-}
+void pow (double* dst, const double* base, double exponent, int n) noexcept { powEach (dst, base, &exponent, 0, n); }
 } // namespace tarvik::rows
 #endif

@@ -19,45 +19,40 @@ namespace
 {
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Walks from sample i as far as whole vectors of `d` reach, and returns where it stopped.
-template <typename D, typename T, typename Operation>
-HWY_INLINE int walk (D d, Operation operation, T* dst, const T* a, const T* b, int i, int n)
+// Calls step (d, i) for every vector of d's length from sample i on, and returns where these end.
+template <typename D, typename Step>
+HWY_INLINE int walk (D d, Step step, int i, int n)
 {
     const auto lanes = static_cast<int> (hn::Lanes (d));
 
     for (; n - i >= lanes; i += lanes)
-        hn::StoreU (operation (hn::LoadU (d, a + i), hn::LoadU (d, b + i)), d, dst + i);
-
-    return i;
-}
-
-template <typename D, typename T, typename Operation>
-HWY_INLINE int walk (D d, Operation operation, T* dst, const T* src, int i, int n)
-{
-    const auto lanes = static_cast<int> (hn::Lanes (d));
-
-    for (; n - i >= lanes; i += lanes)
-        hn::StoreU (operation (d, hn::LoadU (d, src + i)), d, dst + i);
+        step (d, i);
 
     return i;
 }
 
 // The processor's widest vectors first, then groups of four, then single samples: lanes never mix, so that the width
 // that a sample happens to be computed in cannot change its value.
+template <typename T, typename Step>
+HWY_INLINE void forRow (Step step, int n)
+{
+    int i = walk (hn::ScalableTag<T>(), step, 0, n);
+    i = walk (hn::CappedTag<T, 4>(), step, i, n);
+    walk (hn::CappedTag<T, 1>(), step, i, n);
+}
+
 template <typename T, typename Operation>
 HWY_INLINE void forTwoRows (Operation operation, T* dst, const T* a, const T* b, int n)
 {
-    int i = walk (hn::ScalableTag<T>(), operation, dst, a, b, 0, n);
-    i = walk (hn::CappedTag<T, 4>(), operation, dst, a, b, i, n);
-    walk (hn::CappedTag<T, 1>(), operation, dst, a, b, i, n);
+    forRow<T> ([=] (auto d, int i) HWY_ATTR
+               { hn::StoreU (operation (hn::LoadU (d, a + i), hn::LoadU (d, b + i)), d, dst + i); },
+               n);
 }
 
 template <typename T, typename Operation>
 HWY_INLINE void forOneRow (Operation operation, T* dst, const T* src, int n)
 {
-    int i = walk (hn::ScalableTag<T>(), operation, dst, src, 0, n);
-    i = walk (hn::CappedTag<T, 4>(), operation, dst, src, i, n);
-    walk (hn::CappedTag<T, 1>(), operation, dst, src, i, n);
+    forRow<T> ([=] (auto d, int i) HWY_ATTR { hn::StoreU (operation (d, hn::LoadU (d, src + i)), d, dst + i); }, n);
 }
 
 // Comparing and choosing instead of the processors' own minimum and maximum, which differ among each other on NaN.
@@ -153,38 +148,24 @@ void clampedProductFloat (float* dst, const float* a, const float* b, float limi
     forTwoRows (product, dst, a, b, n);
 }
 
-template <typename D>
-HWY_INLINE int scalesByMix (D d, float* row, float limit, const float* dry, const float* wet, const float* gain, int i,
-                            int n)
+void scaleByMixFloat (float* row, float limit, const float* dry, const float* wet, const float* gain, int n)
 {
-    const auto lanes = static_cast<int> (hn::Lanes (d));
-
-    for (; n - i >= lanes; i += lanes)
+    const auto scaled = [=] (auto d, int i) HWY_ATTR
     {
         const auto clamped = clampedToFinite (d, hn::LoadU (d, row + i), hn::Set (d, limit));
         const auto wetGain = hn::Mul (hn::LoadU (d, wet + i), hn::LoadU (d, gain + i));
         hn::StoreU (hn::Mul (clamped, hn::Add (hn::LoadU (d, dry + i), wetGain)), d, row + i);
-    }
+    };
 
-    return i;
+    forRow<float> (scaled, n);
 }
 
-void scaleByMixFloat (float* row, float limit, const float* dry, const float* wet, const float* gain, int n)
+void meanMagnitudeFloat (float* dst, const float* const* sources, int numSources, int n)
 {
-    int i = scalesByMix (hn::ScalableTag<float>(), row, limit, dry, wet, gain, 0, n);
-    i = scalesByMix (hn::CappedTag<float, 4>(), row, limit, dry, wet, gain, i, n);
-    scalesByMix (hn::CappedTag<float, 1>(), row, limit, dry, wet, gain, i, n);
-}
-
-template <typename D>
-HWY_INLINE int meanMagnitudes (D d, float* dst, const float* const* sources, int numSources, int i, int n)
-{
-    const auto lanes = static_cast<int> (hn::Lanes (d));
-    const auto share = hn::Set (d, 1.0f / static_cast<float> (numSources));
-    const auto infinity = hn::Set (d, std::numeric_limits<float>::infinity());
-
-    for (; n - i >= lanes; i += lanes)
+    const auto magnitudeOfMean = [=] (auto d, int i) HWY_ATTR
     {
+        const auto share = hn::Set (d, 1.0f / static_cast<float> (numSources));
+        const auto infinity = hn::Set (d, std::numeric_limits<float>::infinity());
         auto mean = hn::Mul (hn::LoadU (d, sources[0] + i), share);
 
         for (int c = 1; c < numSources; ++c)
@@ -192,16 +173,55 @@ HWY_INLINE int meanMagnitudes (D d, float* dst, const float* const* sources, int
 
         const auto magnitude = hn::Abs (mean);
         hn::StoreU (hn::IfThenElseZero (hn::Lt (magnitude, infinity), magnitude), d, dst + i);
-    }
+    };
 
-    return i;
+    forRow<float> (magnitudeOfMean, n);
 }
 
-void meanMagnitudeFloat (float* dst, const float* const* sources, int numSources, int n)
+/** The doubles of a vector, rounded to as many floats. */
+template <typename V>
+HWY_INLINE void storeAsFloats (V x, float* dst)
 {
-    int i = meanMagnitudes (hn::ScalableTag<float>(), dst, sources, numSources, 0, n);
-    i = meanMagnitudes (hn::CappedTag<float, 4>(), dst, sources, numSources, i, n);
-    meanMagnitudes (hn::CappedTag<float, 1>(), dst, sources, numSources, i, n);
+    const hn::Rebind<float, hn::DFromV<V>> floats;
+    hn::StoreU (hn::DemoteTo (floats, x), floats, dst);
+}
+
+void line (float* dst, double target, double increment, int remaining, int n)
+{
+    const hn::ScalableTag<double> d;
+    const auto lanes = static_cast<int> (hn::Lanes (d));
+    const auto countUp = hn::Iota (d, 0.0);
+    int i = 0;
+
+    for (; n - i >= lanes; i += lanes)
+    {
+        const auto left = hn::Sub (hn::Set (d, static_cast<double> (remaining - 1 - i)), countUp);
+        storeAsFloats (hn::Sub (hn::Set (d, target), hn::Mul (hn::Set (d, increment), left)), dst + i);
+    }
+
+    for (; i < n; ++i)
+        dst[i] = static_cast<float> (target - increment * (remaining - 1 - i));
+}
+
+double groupsOfPowers (float* dst, double before, const double* powers, std::size_t groupLength, int groups)
+{
+    const hn::ScalableTag<double> d;
+    const auto lanes = hn::Lanes (d);
+
+    for (int g = 0; g < groups; ++g, dst += groupLength)
+    {
+        std::size_t k = 0;
+
+        for (; groupLength - k >= lanes; k += lanes)
+            storeAsFloats (hn::Mul (hn::Set (d, before), hn::LoadU (d, powers + k)), dst + k);
+
+        for (; k < groupLength; ++k)
+            dst[k] = static_cast<float> (before * powers[k]);
+
+        before *= powers[groupLength - 1];
+    }
+
+    return before;
 }
 
 // The dispatch tables below hold plain functions, one set for each sample type.
@@ -252,6 +272,8 @@ HWY_EXPORT (multiplyAddDouble);
 HWY_EXPORT (clampedProductFloat);
 HWY_EXPORT (scaleByMixFloat);
 HWY_EXPORT (meanMagnitudeFloat);
+HWY_EXPORT (line);
+HWY_EXPORT (groupsOfPowers);
 
 void combine (RowOperation operation, float* dst, const float* a, const float* b, int n) noexcept
 {
@@ -301,6 +323,16 @@ void scaleByMix (float* row, float limit, const float* dry, const float* wet, co
 void meanMagnitude (float* dst, const float* const* sources, int numSources, int n) noexcept
 {
     TARVIK_DISPATCH (meanMagnitudeFloat) (dst, sources, numSources, n);
+}
+
+void fillLine (float* dst, double target, double increment, int remaining, int n) noexcept
+{
+    TARVIK_DISPATCH (line) (dst, target, increment, remaining, n);
+}
+
+double fillPowers (float* dst, double before, std::span<const double> powers, int groups) noexcept
+{
+    return TARVIK_DISPATCH (groupsOfPowers) (dst, before, powers.data(), powers.size(), groups);
 }
 } // namespace tarvik::rows
 #endif

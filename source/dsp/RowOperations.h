@@ -4,6 +4,7 @@
 #include <concepts>
 #include <cstddef>
 #include <cstring>
+#include <span>
 #include <type_traits>
 
 /** Arithmetic on rows: plain arrays of `n` samples, 32-bit or 64-bit floats.
@@ -18,7 +19,7 @@ namespace tarvik::rows
 template <typename T>
 concept Sample = std::same_as<T, float> || std::same_as<T, double>;
 
-/** A scalar beside a row of T: converted to the row's type, never deduced from. */
+/** A scalar that goes with a row of T: converted to the row's type, never deduced from. */
 template <typename T>
 using Scalar = std::type_identity_t<T>;
 
@@ -47,7 +48,7 @@ enum class ScalarOperation
     clampToFinite // see the function of that name
 };
 
-/** dst[i] = operation (a[i], b[i]). The named functions below are the readable way in. */
+/** dst[i] = operation (a[i], b[i]). The named functions below read better. */
 void combine (RowOperation operation, float* dst, const float* a, const float* b, int n) noexcept;
 void combine (RowOperation operation, double* dst, const double* a, const double* b, int n) noexcept;
 
@@ -72,6 +73,14 @@ void scaleByMix (float* row, float limit, const float* dry, const float* wet, co
 /** dst[i] = |mean of sources[0][i], sources[1][i] and so on|, 0 where that is not finite. Each sample is multiplied by
     1 / numSources, then they are added in order. There is at least one source; `dst` is none of them. */
 void meanMagnitude (float* dst, const float* const* sources, int numSources, int n) noexcept;
+
+/** dst[i] = target - increment * (remaining - 1 - i), computed in 64 bits: the next n samples of a linear move of
+    which `remaining` samples are left. */
+void fillLine (float* dst, double target, double increment, int remaining, int n) noexcept;
+
+/** Fills groups of as many samples as there are powers: the value before the group times each of them. Returns the last
+    value, which is the one before the next group. */
+double fillPowers (float* dst, double before, std::span<const double> powers, int groups) noexcept;
 
 /** dst[i] = |src[i]|. Clears the sign bit, of NaNs as well. */
 template <Sample T>
@@ -126,13 +135,6 @@ template <Sample T>
 void subtract (T* dst, const T* src, int n) noexcept
 {
     combine (RowOperation::subtract, dst, dst, src, n);
-}
-
-/** dst[i] = dst[i] / src[i] */
-template <Sample T>
-void divide (T* dst, const T* src, int n) noexcept
-{
-    combine (RowOperation::divide, dst, dst, src, n);
 }
 
 /** dst[i] = s */

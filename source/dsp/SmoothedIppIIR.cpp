@@ -1,22 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dsp/SmoothedIppIIR.h"
 
-#include "dsp/RampTimes.h"
-
-#include <algorithm>
-#include <cmath>
-#include <cstdint>
-#include <functional>
 #include <mutex>
 
 namespace tarvik
 {
-namespace
-{
-constexpr auto retryMilliseconds = 10;
-constexpr auto hurriedTailSeconds = 0.01;
-} // namespace
-
 template <typename Sample, typename Coefs>
 SmoothedIppIIR<Sample, Coefs>::SmoothedIppIIR() = default;
 
@@ -38,6 +26,8 @@ void SmoothedIppIIR<Sample, Coefs>::setAnalogue (const Polynomial& numerator, co
 template <typename Sample, typename Coefs>
 void SmoothedIppIIR<Sample, Coefs>::bringInCoefficients() noexcept
 {
+    constexpr auto retryMilliseconds = 10;
+
     isBringInWanted = true;
     isDisturbed = true;
     work();
@@ -64,7 +54,7 @@ void SmoothedIppIIR<Sample, Coefs>::timerCallback()
 {
     work();
 
-    if (! hasWork() && ! (isCrossfading.load() && (published.hasNews() || isWaiting.load())))
+    if (! hasWork() && ! (isCrossfading.load() && (published.hasNewValue() || isWaiting.load())))
     {
         stopTimer();
         isRetrying = false;
@@ -74,7 +64,7 @@ void SmoothedIppIIR<Sample, Coefs>::timerCallback()
 template <typename Sample, typename Coefs>
 bool SmoothedIppIIR<Sample, Coefs>::hasWork() const noexcept
 {
-    return analogue.hasNews() || isBringInWanted.load();
+    return analogue.hasNewValue() || isBringInWanted.load();
 }
 
 /** Designs and publishes what the control side has left, unless there is nothing or another thread is at it. */
@@ -117,7 +107,7 @@ void SmoothedIppIIR<Sample, Coefs>::doWorkLocked() noexcept
     {
         published.getWriteSlot() = coefs.taps;
         published.publish();
-        isDisturbed = true;
+        isDisturbed = true; // again: a slice may have looked while this was designed
     }
 }
 
@@ -126,24 +116,7 @@ void SmoothedIppIIR<Sample, Coefs>::prepare (double sampleRate, int channels, in
 {
     stopTimer();
     isRetrying = false;
-
-    numChannels = static_cast<std::size_t> (std::max (channels, 0));
-    const auto rowLength = static_cast<std::size_t> (std::max (maxSamples, 1));
-    filters.resize (2 * numChannels);
-    filterPointers.resize (filters.size());
-    std::transform (filters.begin(), filters.end(), filterPointers.begin(), [] (auto& filter) { return &filter; });
-    workRows.resize (2 * numChannels);
-
-    for (auto* const row : { &bankRow, &onRow, &tailRow })
-        row->resize (rowLength);
-
-    for (auto& row : workRows)
-        row.resize (rowLength);
-
-    const auto steps = rampSteps (sampleRate);
-    onRamp.prepare (steps);
-    bankRamp.steps = tailSteps = steps;
-    hurrySteps = rampSteps (sampleRate, hurriedTailSeconds);
+    CascadeBanks::prepare (sampleRate, channels, maxSamples);
 
     {
         const std::lock_guard lock (coefs.designLock);
@@ -151,14 +124,14 @@ void SmoothedIppIIR<Sample, Coefs>::prepare (double sampleRate, int channels, in
         const auto isNewRate = ! (sampleRate == coefs.sampleRate); // NaN differs from everything
         coefs.sampleRate = sampleRate;
 
-        if (isNewRate && ! analogue.hasNews())
+        if (isNewRate && ! analogue.hasNewValue())
             coefs.design();
 
         isBringInWanted = true;
         doWorkLocked();
     }
 
-    settle();
+    takeNewest();
     work(); // what came on another thread while the lock was held
 }
 
@@ -166,45 +139,32 @@ template <typename Sample, typename Coefs>
 void SmoothedIppIIR<Sample, Coefs>::reset() noexcept
 {
     {
-        // No audio runs, so this may wait for a design in progress: what is newest must be in when it does.
         const std::lock_guard lock (coefs.designLock);
         doWorkLocked();
     }
 
     onRamp.snap();
-    settle();
+    takeNewest();
     work(); // what came on another thread while the lock was held
 }
 
-/** Ends a crossfade and leaves both banks at rest, on the newest published design if there is one. */
+/** Without a crossfade. */
 template <typename Sample, typename Coefs>
-void SmoothedIppIIR<Sample, Coefs>::settle() noexcept
+void SmoothedIppIIR<Sample, Coefs>::takeNewest() noexcept
 {
-    bankRamp.snap();
-    endTail();
     isCrossfading = false;
-    isAtRest = false;
+    isUndisturbed = false;
 
-    const auto isNew = published.takeNewest() || isWaiting.load();
-    isWaiting = false;
-
-    if (isNew)
-        currentTaps = published.getReadSlot();
-
-    for (auto& filter : filters)
+    if (published.takeNewest() || isWaiting.load())
     {
-        if (isNew)
-            filter.setTaps (currentTaps);
-        else
-            filter.clear();
+        isWaiting = false;
+        currentTaps = published.getReadSlot();
+        settle (currentTaps);
     }
-}
-
-template <typename Sample, typename Coefs>
-bool SmoothedIppIIR<Sample, Coefs>::isOff() const noexcept
-{
-    const auto& ramp = onRamp.get();
-    return ramp.isIdle() && static_cast<float> (ramp.target) != 1.0f;
+    else
+    {
+        settle();
+    }
 }
 
 template <typename Sample, typename Coefs>
@@ -220,207 +180,49 @@ bool SmoothedIppIIR<Sample, Coefs>::beginDisturbedSlice() noexcept
 
     tryToWork(); // once: a slice lends a hand, it doesn't take over
 
-    const auto wasOff = isOff();
+    const auto wasOut = isOut();
     onRamp.takeRequest();
 
-    takePublished();
-
-    if (isOff() ? isWaiting.load() : wasOff) // nothing is heard of it: no crossfade is needed
-        settle();
-    else if (isWaiting.load() && ! isChanging())
-        beginCrossfade();
-    else if (isWaiting.load() && ! tail.isIdle() && hurry.isIdle())
-        hurry.begin (hurrySteps);
-
-    noteCrossfading();
-    const auto rests = ! isChanging() && onRamp.get().isIdle() && ! isOff();
-    isAtRest = rests && ! hasWork(); // else the lock was taken, and the next slice looks again
-    return rests;
-}
-
-/** A design equal to the current one replaces one that waited, and nothing is left to do. */
-template <typename Sample, typename Coefs>
-void SmoothedIppIIR<Sample, Coefs>::takePublished() noexcept
-{
     if (published.takeNewest())
-        isWaiting = published.getReadSlot() != currentTaps;
-}
+        isWaiting = published.getReadSlot() != currentTaps; // else it replaces one that waited, and nothing is left
 
-template <typename Sample, typename Coefs>
-void SmoothedIppIIR<Sample, Coefs>::beginCrossfade() noexcept
-{
-    const auto idleBank = 1 - static_cast<int> (bankRamp.target);
-    currentTaps = published.getReadSlot();
-    isWaiting = false;
+    if (isOut() ? isWaiting.load() : wasOut) // nothing is heard of it: no crossfade is needed
+    {
+        takeNewest();
+    }
+    else if (isWaiting.load())
+    {
+        if (isChanging())
+        {
+            hurryTail();
+        }
+        else
+        {
+            currentTaps = published.getReadSlot();
+            isWaiting = false;
+            beginCrossfade (currentTaps);
+        }
+    }
 
-    for (auto* const filter : getBank (static_cast<std::size_t> (idleBank)))
-        filter->setTaps (currentTaps);
-
-    bankRamp.set (idleBank);
-}
-
-template <typename Sample, typename Coefs>
-int SmoothedIppIIR<Sample, Coefs>::getPieceLength (int n) const noexcept
-{
-    if (isOff())
-        return n;
-
-    auto length = static_cast<std::uint32_t> (n);
-
-    for (const auto remaining :
-         { onRamp.get().remaining, bankRamp.remaining, tail.getRemaining(), hurry.getRemaining() })
-        if (remaining > 0)
-            length = std::min (length, remaining);
-
-    return static_cast<int> (length);
-}
-
-template <typename Sample, typename Coefs>
-void SmoothedIppIIR<Sample, Coefs>::noteCrossfading() noexcept
-{
     if (isCrossfading.load (std::memory_order_relaxed) != isChanging())
         isCrossfading = isChanging();
+
+    isUndisturbed = isIdle() && ! hasWork(); // else the lock was taken, and the next slice looks again
+    return isIdle();
 }
 
 template <typename Sample, typename Coefs>
 void SmoothedIppIIR<Sample, Coefs>::process (Sample* const* rows, int n) noexcept
 {
-    auto* const self = this;
-    processTogether (std::span (&self, 1), rows, n);
-}
-
-template <typename Sample, typename Coefs>
-void SmoothedIppIIR<Sample, Coefs>::processTogether (std::span<SmoothedIppIIR* const> filters, Sample* const* rows,
-                                                     int n) noexcept
-{
     for (int done = 0, length = 0; done < n; done += length)
     {
-        length = n - done;
+        length = beginSlice() ? n - done : getPieceLength (n - done);
 
-        for (auto* const filter : filters)
-        {
-            filter->beginSlice();
-            length = filter->getPieceLength (length);
-
-            if (filter->numChannels > 0)
-                length = std::min (length, static_cast<int> (filter->bankRow.size()));
-        }
-
-        CascadePass pass (length);
-
-        for (std::size_t f = 0, row = 0; f < filters.size(); row += filters[f++]->numChannels)
-            filters[f]->feed (rows + row, done, pass);
-
-        pass.finish();
-
-        for (std::size_t f = 0, row = 0; f < filters.size(); row += filters[f++]->numChannels)
-            filters[f]->finish (rows + row, done, length);
+        CascadeBatch batch (length);
+        feed (rows, done, batch);
+        batch.run();
+        finish (rows, done, length);
     }
-}
-
-/** Begins a piece: gives the pass what the cascades have to filter. Where nothing moves, that is the rows
-    themselves. */
-template <typename Sample, typename Coefs>
-void SmoothedIppIIR<Sample, Coefs>::feed (Sample* const* rows, int begin, CascadePass& pass) noexcept
-{
-    const auto n = pass.n;
-
-    if (numChannels == 0 || isOff())
-    {
-        moves = {};
-        return;
-    }
-
-    moves = { .isFading = ! onRamp.get().isIdle(),
-              .isChangingBanks = ! bankRamp.isIdle(),
-              .hasTail = ! tail.isIdle(),
-              .isHurried = ! hurry.isIdle() };
-    const auto [isFading, isChangingBanks, hasTail, isHurried] = moves;
-
-    if (isFading)
-        onRamp.fillTaken (onRow.data(), n);
-
-    if (isChangingBanks)
-        bankRamp.fill (bankRow.data(), n);
-
-    if (hasTail)
-    {
-        std::fill_n (tailRow.data(), n, Sample (1));
-        tail.multiply (tailRow.data(), n);
-
-        if (isHurried)
-            hurry.multiply (tailRow.data(), n);
-    }
-
-    if (hasTail && isFading)
-        std::transform (tailRow.data(), tailRow.data() + n, onRow.data(), tailRow.data(), std::multiplies<>());
-
-    const auto active = isChangingBanks ? 0 : static_cast<std::size_t> (bankRamp.target);
-
-    for (std::size_t c = 0; c < numChannels; ++c)
-    {
-        auto* const x = rows[c] + begin;
-        auto* const first = workRows[2 * c].data();
-        auto* const second = workRows[2 * c + 1].data();
-
-        if (isChangingBanks)
-        {
-            rows::distribute (first, second, x, bankRow.data(), n);
-        }
-        else if (isFading)
-        {
-            std::transform (x, x + n, onRow.data(), first, std::multiplies<>());
-        }
-
-        if (hasTail)
-            std::fill_n (second, n, Sample());
-
-        pass.add (getBank (active)[c], isChangingBanks || isFading ? first : x);
-
-        if (isChangingBanks || hasTail)
-            pass.add (getBank (1 - active)[c], second);
-    }
-}
-
-/** Ends a piece: puts together what the cascades have made of it. */
-template <typename Sample, typename Coefs>
-void SmoothedIppIIR<Sample, Coefs>::finish (Sample* const* rows, int begin, int n) noexcept
-{
-    const auto [isFading, isChangingBanks, hasTail, isHurried] = moves;
-
-    if (! isFading && ! isChangingBanks && ! hasTail)
-        return;
-
-    const auto* const on = onRow.data();
-    const auto* const tailShare = tailRow.data();
-
-    for (std::size_t c = 0; c < numChannels; ++c)
-    {
-        auto* const x = rows[c] + begin;
-        const auto* const second = workRows[2 * c + 1].data();
-        auto* const wet = isFading || isChangingBanks ? workRows[2 * c].data() : x;
-
-        if (isChangingBanks)
-            std::transform (wet, wet + n, second, isFading ? wet : x, std::plus<>());
-        else if (hasTail)
-            for (int i = 0; i < n; ++i)
-                wet[i] += tailShare[i] * second[i];
-
-        if (isFading && isChangingBanks)
-            for (int i = 0; i < n; ++i)
-                x[i] = (1 - on[i]) * x[i] + on[i] * wet[i];
-        else if (isFading)
-            for (int i = 0; i < n; ++i)
-                x[i] = (1 - on[i]) * x[i] + wet[i];
-    }
-
-    if (isChangingBanks && bankRamp.isIdle())
-        tail.begin (tailSteps);
-
-    if (hasTail && (tail.isIdle() || (isHurried && hurry.isIdle())))
-        endTail();
-
-    noteCrossfading();
 }
 
 template class SmoothedIppIIR<float, MZTiCoefs<double, 2, 2>>;

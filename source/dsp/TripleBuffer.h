@@ -8,11 +8,10 @@
 namespace tarvik
 {
 /** Hands values of any size from one thread to another without lock or wait. The reader always finds the newest
-    finished value; those that it came too late for are lost, which is wanted.
+    published value; older ones that it missed are dropped.
 
     One writer and one reader at a time. Each side may move from thread to thread as long as the users of that side
-    order themselves (by a mutex, say). The slots are written again and again; T should be a plain array or struct.
-    */
+    order themselves (by a mutex, say). Slots are reused; T should be a plain array or struct. */
 template <typename T>
 class TripleBuffer
 {
@@ -24,12 +23,12 @@ public:
     void publish() noexcept { writeSlot = middle.exchange (writeSlot | fresh) & slotMask; }
 
     /** Any thread: whether a value waits for the reader. */
-    bool hasNews() const noexcept { return (middle.load() & fresh) != 0; }
+    bool hasNewValue() const noexcept { return (middle.load() & fresh) != 0; }
 
     /** Reader: brings the newest value into the read slot; false if there is none that the reader doesn't have. */
     bool takeNewest() noexcept
     {
-        if (! hasNews())
+        if (! hasNewValue())
             return false;
 
         readSlot = middle.exchange (readSlot) & slotMask;

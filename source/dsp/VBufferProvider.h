@@ -12,13 +12,11 @@
 
 namespace tarvik
 {
-/** A pool of rows of T (32-bit or 64-bit floats): one block of memory, and a stack of the rows that are free. Each row
-    counts its users and returns to the stack when the last one is gone; the row that came back last goes out first,
-    since the processor's cache still knows it.
+/** A pool of rows of T (32-bit or 64-bit floats): one block of memory, and a stack of the free rows. Each row counts its
+    users and returns to the stack with the last one; the row freed last is taken first, while the cache still has it.
 
     setSize and release belong to preparation: no VBuffer of the pool may be alive, and no audio running. Everything
-    else belongs to the one audio thread of the stage that owns the pool, allocates nothing and checks nothing (debug
-    builds assert): the pool is made as large as its stage needs. */
+    else belongs to one audio thread, allocates nothing and checks nothing (debug builds assert). */
 template <rows::Sample T>
 class VBufferProvider
 {
@@ -80,8 +78,6 @@ public:
 
     T* getRow (int row) const noexcept { return rows[static_cast<std::size_t> (row)]; }
 
-    const T* getData() const noexcept { return data.get(); }
-
     int getCapacityRows() const noexcept { return capacityRows; }
 
     int getCapacitySize() const noexcept { return capacitySize; }
@@ -91,8 +87,6 @@ public:
     int getRowSize() const noexcept { return rowSize; }
 
     int getLength() const noexcept { return length; }
-
-    int getFreeListEntry (int index) const noexcept { return freeList[static_cast<std::size_t> (index)]; }
 
     int getUseCount (int row) const noexcept { return useCount[static_cast<std::size_t> (row)]; }
 

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "editor/Box.h"
 #include "editor/ScaledPictures.h"
 #include "editor/Sites.h"
 
 #include <juce_gui_basics/juce_gui_basics.h>
+
+#include <array>
 
 namespace tarvik
 {
@@ -22,7 +25,7 @@ public:
     void mouseUp (const juce::MouseEvent& event) override;
 
 private:
-    juce::Label version, developers, developersWork, designers, designersWork;
+    std::array<juce::Label, 5> texts;
     juce::HyperlinkButton link;
     ScaledPicture productLogo { Picture::aboutLogoA }, makerLogo { Picture::aboutLogoB };
 

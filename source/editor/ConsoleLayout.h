@@ -1,38 +1,36 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "editor/Box.h"
+#include "editor/Palette.h"
 #include "editor/PictureCatalogue.h"
 #include "plugin/ParameterRows.h"
-
-#include <juce_graphics/juce_graphics.h>
 
 #include <string_view>
 
 namespace tarvik
 {
 
-/** A place on the console panel, as shares of its width (x, w) and height (y, h). */
-struct Box
-{
-    float x = 0.0f, y = 0.0f, w = 0.0f, h = 0.0f;
-
-    juce::Rectangle<int> on (int panelWidth, int panelHeight) const
-    {
-        const auto width = static_cast<float> (panelWidth);
-        const auto height = static_cast<float> (panelHeight);
-        return { juce::roundToInt (x * width), juce::roundToInt (y * height), juce::roundToInt (w * width),
-                 juce::roundToInt (h * height) };
-    }
-};
-
-/** Where everything on the console panel is and what it stands for: one row for each control. */
+/** Where everything on the console panel is, what it stands for and what it is called: one row for each control. They are
+    painted in the order in which they stand here, from back to front; of the push buttons the lamps, and the caps last.
+*/
 namespace consoleLayout
 {
-/** The panel's size in the pixels of its picture, and at 100 %. */
-inline constexpr int designWidth = 2700, designHeight = 2030;
-inline constexpr int width = 900, height = 677;
+/** The panel's size in the pixels of its picture, and, rounded, at 100 %. */
+inline constexpr int designWidth = rowOf (Picture::panel).width, designHeight = rowOf (Picture::panel).height;
+inline constexpr int width = designWidth / picturePixelsPerPixel, height = (designHeight + 1) / picturePixelsPerPixel;
 
+/** The host's index of a parameter. A name that no parameter has does not compile. */
 consteval int parameter (std::string_view id) { return parameterNamed (id); }
+
+/** Tab goes through the controls in the order of their parameters, which is the signal's, with room between two for those
+    without one. JUCE's own order would be that of the pixel rows.
+*/
+constexpr int focusOrderOf (int parameterIndex)
+{
+    constexpr int stride = 10;
+    return stride * (parameterIndex + 1);
+}
 
 struct KnobRow
 {
@@ -66,13 +64,28 @@ struct PushRow
     Box lampBox = {};
 };
 
+/** A button with a class of its own. */
+struct ButtonRow
+{
+    int parameter;
+    Box box;
+    const char* tooltip = nullptr; ///< Null for the parameter's own.
+};
+
+/** What a control without a parameter is called, and its place in the order of focus. */
+struct Words
+{
+    const char* tooltip = "";     ///< Also its title; empty for a picture that is only shown.
+    const char* description = ""; ///< For assistive technology.
+    int focusOrder = 0;
+};
+
 /** A button that shows one picture, or one of three. */
 struct PictureButtonRow
 {
     Box box;
     Picture normal, over, pressed;
-    const char* tooltip = "";
-    const char* description = ""; ///< For assistive technology.
+    Words words = {};
 };
 
 struct LabelRow
@@ -81,12 +94,60 @@ struct LabelRow
     const char* text;
     float height; ///< Of the font, in the editor's pixels; it does not grow with the panel.
     juce::uint32 colour;
+    const char* title = "";
     bool isEditable = false;
     bool isCentred = true;
 };
 
+struct MeterRow
+{
+    Box box;
+    const char* title;
+    const char* description;
+};
+
 // The bounds are kept as they were drawn, rows of numbers under one another.
 // clang-format off
+inline constexpr PictureButtonRow outputLegend { { 0.0867f, 0.1172f, 0.0289f, 0.0133f }, Picture::outputLegend, Picture::none, Picture::none };
+
+// The track plate.
+inline constexpr PictureButtonRow plateMono       { { 0.6f,    0.0566f, 0.2f,    0.0965f }, Picture::plateMono, Picture::none, Picture::none };
+inline constexpr PictureButtonRow plateStereo     { { 0.6f,    0.0566f, 0.2f,    0.0965f }, Picture::plateStereo, Picture::none, Picture::none };
+inline constexpr LabelRow channelName             { { 0.6056f, 0.0842f, 0.1889f, 0.0517f }, "",   26.0f, palette::trackName, "Track name", false, false };
+inline constexpr PictureButtonRow previousChannel { { 0.6015f, 0.1261f, 0.0267f, 0.0251f }, Picture::previousNormal, Picture::previousOver, Picture::previousPressed, { "Previous channel", "Takes the console channel before this one", focusOrderOf (parameter ("TolChannel")) - 1 } };
+inline constexpr PictureButtonRow nextChannel     { { 0.7719f, 0.1261f, 0.0267f, 0.0251f }, Picture::nextNormal, Picture::nextOver, Picture::nextPressed, { "Next channel", "Takes the console channel after this one", focusOrderOf (parameter ("TolChannel")) + 1 } };
+inline constexpr ButtonRow link                   { parameter ("TolLink"), { 0.6556f, 0.0103f, 0.0333f, 0.0369f }, "Link channels" };
+inline constexpr PictureButtonRow randomChannel   { { 0.7056f, 0.0103f, 0.0333f, 0.0369f }, Picture::randomNormal, Picture::randomOver, Picture::randomPressed, { "Random Channel", "Draws one of the console's 32 channels", focusOrderOf (parameter ("TolChannel")) + 2 } };
+inline constexpr PictureButtonRow randomInAll     { { 0.7533f, 0.0103f, 0.0333f, 0.0369f }, Picture::randomAllNormal, Picture::randomAllOver, Picture::randomAllPressed, { "Random Channel\nin ALL instances", "Has every instance of this process draw a console channel of its own", focusOrderOf (parameter ("TolChannel")) + 3 } };
+inline constexpr LabelRow leftNumber              { { 0.6f,    0.0566f, 0.027f,  0.0256f }, "10",    15.0f, palette::channelNumber, "", true };
+inline constexpr LabelRow rightNumber             { { 0.7f,    0.0566f, 0.027f,  0.0256f }, "11",    15.0f, palette::channelNumber, "", true };
+
+inline constexpr LabelRow mixReadout    { { 0.5133f, 0.0562f, 0.06f,   0.0355f }, "0 %",   12.0f, palette::lightPrint, "Comp Mix" };
+inline constexpr LabelRow filterReadout { { 0.4233f, 0.0562f, 0.06f,   0.0355f }, "20 Hz", 12.0f, palette::lightPrint, "Comp High Pass Filter" };
+
+// The height of the pad button differs from the others' by a pixel.
+inline constexpr std::array<PushRow, 12> pushButtons
+{ {
+    { parameter ("pad"),         { 0.0126f, 0.8374f, 0.0667f, 0.0887f }, Picture::lampAmber, { 0.0378f, 0.8286f, 0.0189f, 0.0251f } },
+    { noParameter,               { 0.0667f, 0.8374f, 0.0667f, 0.0892f } },
+    { parameter ("unity"),       { 0.12f,   0.8374f, 0.0667f, 0.0892f }, Picture::lampGreen, { 0.1444f, 0.8286f, 0.0189f, 0.0251f } },
+    { parameter ("equalizer"),   { 0.2156f, 0.8374f, 0.0667f, 0.0892f }, Picture::lampGreen, { 0.2389f, 0.8286f, 0.0189f, 0.0251f } },
+    { parameter ("eqPost"),      { 0.2667f, 0.8374f, 0.0667f, 0.0892f } },
+    { parameter ("midMode"),     { 0.3111f, 0.4177f, 0.0667f, 0.0892f } },
+    { parameter ("compLimit"),   { 0.4222f, 0.2167f, 0.0667f, 0.0892f }, Picture::lampAmber, { 0.4467f, 0.2128f, 0.0189f, 0.0251f } },
+    { parameter ("compIn"),      { 0.4156f, 0.8374f, 0.0667f, 0.0892f }, Picture::lampGreen, { 0.44f,   0.8286f, 0.0189f, 0.0251f } },
+    { parameter ("compNiveau"),  { 0.4667f, 0.8374f, 0.0667f, 0.0892f }, Picture::lampAmber, { 0.4911f, 0.8286f, 0.0189f, 0.0251f } },
+    { parameter ("compNuke"),    { 0.5148f, 0.8374f, 0.0667f, 0.0892f }, Picture::lampRed,   { 0.54f,   0.8286f, 0.0189f, 0.0251f } },
+    { parameter ("expHold"),     { 0.6667f, 0.8374f, 0.0667f, 0.0892f }, Picture::lampAmber, { 0.6911f, 0.8286f, 0.0189f, 0.0251f } },
+    { parameter ("expInverted"), { 0.7148f, 0.8374f, 0.0667f, 0.0892f }, Picture::lampRed,   { 0.74f,   0.8286f, 0.0189f, 0.0251f } },
+} };
+
+inline constexpr Words meterMode { "Meter mode", "What the VU meter shows: the input while pressed, otherwise the output", focusOrderOf (parameter ("pad")) + 1 };
+
+inline constexpr SliderRow levelFader { parameter ("level"), { 0.8437f, 0.1552f, 0.1111f, 0.8404f }, "sldLevel" };
+inline constexpr ButtonRow mute       { parameter ("mute"),  { 0.82f,   0.0369f, 0.0611f, 0.0813f } };
+inline constexpr ButtonRow phase      { parameter ("phase"), { 0.92f,   0.0369f, 0.0611f, 0.0813f } };
+
 inline constexpr std::array<KnobRow, 16> knobs
 { {
     { parameter ("gain"),          { 0.0444f, 0.6685f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        1 },
@@ -107,9 +168,6 @@ inline constexpr std::array<KnobRow, 16> knobs
     { parameter ("compOutput"),    { 0.6f,    0.6685f, 0.1111f, 0.1478f }, 210, 510, 0.0f,        1 },
 } };
 
-inline constexpr SliderRow levelFader { parameter ("level"), { 0.8437f, 0.1552f, 0.1111f, 0.8404f }, "sldLevel" };
-inline constexpr SliderRow trim       { parameter ("thd"),   { 0.09f,   0.5906f, 0.02f,   0.0266f }, "sldTHD" };
-
 inline constexpr std::array<SwitchRow, 5> switches
 { {
     { parameter ("highPass"),   { 0.3156f, 0.8389f, 0.0667f, 0.0887f }, 3 },
@@ -119,47 +177,12 @@ inline constexpr std::array<SwitchRow, 5> switches
     { parameter ("expAttack"),  { 0.7111f, 0.4507f, 0.0667f, 0.0887f }, 3 },
 } };
 
-// The height of the pad button differs from the others' by a pixel.
-inline constexpr std::array<PushRow, 12> pushButtons
-{ {
-    { parameter ("pad"),         { 0.0126f, 0.8374f, 0.0667f, 0.0887f }, Picture::lampAmber, { 0.0378f, 0.8286f, 0.0189f, 0.0251f } },
-    { noParameter,               { 0.0667f, 0.8374f, 0.0667f, 0.0892f } },
-    { parameter ("unity"),       { 0.12f,   0.8374f, 0.0667f, 0.0892f }, Picture::lampGreen, { 0.1444f, 0.8286f, 0.0189f, 0.0251f } },
-    { parameter ("equalizer"),   { 0.2156f, 0.8374f, 0.0667f, 0.0892f }, Picture::lampGreen, { 0.2389f, 0.8286f, 0.0189f, 0.0251f } },
-    { parameter ("eqPost"),      { 0.2667f, 0.8374f, 0.0667f, 0.0892f } },
-    { parameter ("midMode"),     { 0.3111f, 0.4177f, 0.0667f, 0.0892f } },
-    { parameter ("compLimit"),   { 0.4222f, 0.2167f, 0.0667f, 0.0892f }, Picture::lampAmber, { 0.4467f, 0.2128f, 0.0189f, 0.0251f } },
-    { parameter ("compIn"),      { 0.4156f, 0.8374f, 0.0667f, 0.0892f }, Picture::lampGreen, { 0.44f,   0.8286f, 0.0189f, 0.0251f } },
-    { parameter ("compNiveau"),  { 0.4667f, 0.8374f, 0.0667f, 0.0892f }, Picture::lampAmber, { 0.4911f, 0.8286f, 0.0189f, 0.0251f } },
-    { parameter ("compNuke"),    { 0.5148f, 0.8374f, 0.0667f, 0.0892f }, Picture::lampRed,   { 0.54f,   0.8286f, 0.0189f, 0.0251f } },
-    { parameter ("expHold"),     { 0.6667f, 0.8374f, 0.0667f, 0.0892f }, Picture::lampAmber, { 0.6911f, 0.8286f, 0.0189f, 0.0251f } },
-    { parameter ("expInverted"), { 0.7148f, 0.8374f, 0.0667f, 0.0892f }, Picture::lampRed,   { 0.74f,   0.8286f, 0.0189f, 0.0251f } },
-} };
-
-inline constexpr Box mute                { 0.82f,   0.0369f, 0.0611f, 0.0813f };
-inline constexpr Box phase               { 0.92f,   0.0369f, 0.0611f, 0.0813f };
-inline constexpr Box vuMeter             { 0.0311f, 0.0399f, 0.1378f, 0.0931f };
-inline constexpr Box gainReductionMeter  { 0.0311f, 0.2719f, 0.1378f, 0.0931f };
-inline constexpr Box link                { 0.6556f, 0.0103f, 0.0333f, 0.0369f };
-
-inline constexpr const char* linkTooltip = "Link channels";
-
-inline constexpr PictureButtonRow outputLegend    { { 0.0867f, 0.1172f, 0.0289f, 0.0133f }, Picture::outputLegend, Picture::none, Picture::none };
-inline constexpr PictureButtonRow compressorLed   { { 0.5222f, 0.2335f, 0.0444f, 0.0591f }, Picture::none, Picture::none, Picture::ledRed };
-inline constexpr PictureButtonRow expanderLed     { { 0.7222f, 0.2335f, 0.0444f, 0.0591f }, Picture::none, Picture::none, Picture::ledGreen };
-inline constexpr PictureButtonRow plateMono       { { 0.6f,    0.0566f, 0.2f,    0.0965f }, Picture::plateMono, Picture::none, Picture::none };
-inline constexpr PictureButtonRow plateStereo     { { 0.6f,    0.0566f, 0.2f,    0.0965f }, Picture::plateStereo, Picture::none, Picture::none };
-inline constexpr PictureButtonRow previousChannel { { 0.6015f, 0.1261f, 0.0267f, 0.0251f }, Picture::previousNormal, Picture::previousOver, Picture::previousPressed, "Previous channel", "Takes the console channel before this one" };
-inline constexpr PictureButtonRow nextChannel     { { 0.7719f, 0.1261f, 0.0267f, 0.0251f }, Picture::nextNormal, Picture::nextOver, Picture::nextPressed, "Next channel", "Takes the console channel behind this one" };
-inline constexpr PictureButtonRow randomChannel   { { 0.7056f, 0.0103f, 0.0333f, 0.0369f }, Picture::randomNormal, Picture::randomOver, Picture::randomPressed, "Random Channel", "Draws one of the console's 32 channels" };
-inline constexpr PictureButtonRow randomInAll     { { 0.7533f, 0.0103f, 0.0333f, 0.0369f }, Picture::randomAllNormal, Picture::randomAllOver, Picture::randomAllPressed, "Random Channel\nin ALL instances", "Has every instance of this process draw a console channel of its own" };
-
-inline constexpr LabelRow channelName   { { 0.6056f, 0.0842f, 0.1889f, 0.0517f }, "",      26.0f, 0xe5d56223, false, false };
-inline constexpr LabelRow leftNumber    { { 0.6f,    0.0566f, 0.027f,  0.0256f }, "10",    15.0f, 0xffaa362b, true };
-inline constexpr LabelRow rightNumber   { { 0.7f,    0.0566f, 0.027f,  0.0256f }, "11",    15.0f, 0xffaa362b, true };
-inline constexpr LabelRow mixReadout    { { 0.5133f, 0.0562f, 0.06f,   0.0355f }, "0 %",   12.0f, 0xffe4e3de };
-inline constexpr LabelRow filterReadout { { 0.4233f, 0.0562f, 0.06f,   0.0355f }, "20 Hz", 12.0f, 0xffe4e3de };
-inline constexpr LabelRow debug         { { 0.8178f, 0.0f,    0.1667f, 0.0355f }, "DEBUG", 12.0f, 0xffff0000 };
+inline constexpr PictureButtonRow compressorLed { { 0.5222f, 0.2335f, 0.0444f, 0.0591f }, Picture::none, Picture::none, Picture::ledRed };
+inline constexpr PictureButtonRow expanderLed   { { 0.7222f, 0.2335f, 0.0444f, 0.0591f }, Picture::none, Picture::none, Picture::ledGreen };
+inline constexpr SliderRow trim                 { parameter ("thd"), { 0.09f,   0.5906f, 0.02f,   0.0266f }, "sldTHD" };
+inline constexpr MeterRow vuMeter               { { 0.0311f, 0.0399f, 0.1378f, 0.0931f }, "VU", "Level of the input or of the output, by the meter mode button" };
+inline constexpr MeterRow gainReductionMeter    { { 0.0311f, 0.2719f, 0.1378f, 0.0931f }, "Gain reduction", "By how much the compressor turns down" };
+inline constexpr LabelRow debug                 { { 0.8178f, 0.0f,    0.1667f, 0.0355f }, "DEBUG", 12.0f, palette::debugPrint };
 // clang-format on
 } // namespace consoleLayout
 

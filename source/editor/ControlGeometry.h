@@ -72,26 +72,6 @@ inline float trimAngle (float share)
     return (share - 0.5f) * eighthsOfATurn * juce::MathConstants<float>::pi / 4.0f;
 }
 
-/** Whole steps of a slider that a notched wheel's movement makes. The rest stays in the accumulator. */
-struct WheelSteps
-{
-    int steps = 0;
-    float accumulator = 0.0f;
-};
-
-/** `delta` is the wheel's, upwards positive; `fine` divides it by ten; the sensitivity is the pixels of a full drag. */
-inline WheelSteps wheelSteps (float accumulator, float delta, bool isReversed, bool fine, int dragSensitivity)
-{
-    constexpr float stepsPerDeltaAndPixel = 0.02f, fineFactor = 0.1f;
-
-    const auto signedDelta = isReversed ? -delta : delta;
-    const auto sum =
-        accumulator
-        + signedDelta * (fine ? fineFactor : 1.0f) * stepsPerDeltaAndPixel * static_cast<float> (dragSensitivity);
-    const auto whole = std::round (sum); // a half goes away from zero
-    return { static_cast<int> (whole), sum - whole };
-}
-
 /** What a toggle switch's lever shows. */
 enum class LeverPosition
 {

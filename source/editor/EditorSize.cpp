@@ -11,7 +11,7 @@ namespace tarvik::editorSize
 namespace
 {
 constexpr double shareOfDisplay = 0.9;
-constexpr double wholeHeight = 740.66669; ///< At a zoom of 1, with the frame.
+constexpr double wholeHeight = panelHeight + frameHeight; ///< At a zoom of 1.
 constexpr float smallestOnTinyDisplay = 0.1f;
 
 /** A zoom setting may come from a damaged project. */

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <juce_graphics/juce_graphics.h>
+#include "editor/ConsoleLayout.h"
 
 #include <optional>
 
@@ -15,8 +15,9 @@ inline constexpr int stripHeight = 24; ///< Of the strip above and of the bar be
 inline constexpr int shadowHeight = 8; ///< Between each of them and the console.
 inline constexpr int frameHeight = 2 * (stripHeight + shadowHeight);
 
-inline constexpr double panelWidth = 900.0;
-inline constexpr float panelHeight = 676.66669f; ///< A third of the picture's height.
+/** The console's, at a zoom of 1. */
+inline constexpr double panelWidth = consoleLayout::designWidth / static_cast<double> (picturePixelsPerPixel);
+inline constexpr float panelHeight = consoleLayout::designHeight / static_cast<float> (picturePixelsPerPixel);
 
 /** The editor's width and height for a zoom setting, held within what a window can be drawn at; one that is not a number
     counts as 1. The window takes at most nine tenths of the display's width and height, if there is a display with an

@@ -22,11 +22,6 @@ public:
     /** The whole strip, also beside the cap. */
     bool hitTest (int, int) override { return true; }
 
-    void paint (juce::Graphics& g) override { Slider::paint (g); }
-
-    /** Tells the base class where the track is. */
-    void resized() override { Slider::resized(); }
-
     /** The cap, and a track as long as its middle can go. */
     class FaderLNF final : public juce::LookAndFeel_V3
     {

@@ -33,9 +33,6 @@ Taps interpolationTaps (double centre, int length)
     const auto first = std::min (static_cast<int> (place), std::max (0, length - 2));
     const auto share = static_cast<float> (place - first);
 
-    if (length == 1)
-        return { 0, { 1.0f } };
-
     return { first, { 1.0f - share, share } };
 }
 
@@ -121,20 +118,12 @@ juce::Image resampled (const juce::Image& source, int width, int height, int num
     const juce::Image::BitmapData from (source, juce::Image::BitmapData::readOnly);
     juce::Image::BitmapData to (target, juce::Image::BitmapData::writeOnly);
 
-    switch (from.pixelStride)
-    {
-        case 1:
-            resample<1> (from, to, numFrames);
-            break;
-        case 3:
-            resample<3> (from, to, numFrames);
-            break;
-        case 4:
-            resample<4> (from, to, numFrames);
-            break;
-        default:
-            return {};
-    }
+    if (from.pixelStride == 3)
+        resample<3> (from, to, numFrames);
+    else if (from.pixelStride == 4)
+        resample<4> (from, to, numFrames);
+    else
+        return {};
 
     return target;
 }

@@ -2,6 +2,7 @@
 #include "editor/KVLEditor.h"
 
 #include "editor/EditorSize.h"
+#include "editor/Palette.h"
 #include "editor/SettingsMenu.h"
 
 namespace tarvik
@@ -10,26 +11,43 @@ namespace tarvik
 namespace
 {
 constexpr int statePeriodMs = 80, meterPeriodMs = 50, zoomDelayMs = 100;
-constexpr int widthAt100 = 900, heightAt100 = 741;
-
-constexpr int inLevelIndex = consoleLayout::parameter ("inLevel");
-constexpr int outLevelIndex = consoleLayout::parameter ("outLevel");
 constexpr double potStep = 0.0005;
-constexpr int potSize = editorSize::stripHeight;
+constexpr int stripHeight = editorSize::stripHeight;
 
-/** Where the strip's controls are, whatever the zoom. The two copy buttons share a place: one of them is visible. */
-namespace stripBounds
+using Bounds = juce::Rectangle<int>; // of the top strip's controls, whatever the zoom
+
+juce::AudioProcessorParameter& parameterAt (Tarvik41Processor& processor, int index)
 {
-using Bounds = juce::Rectangle<int>;
-const Bounds slotA { 0, 0, 24, 24 };
-const Bounds copy { 24, 0, 10, 24 };
-const Bounds slotB { 34, 0, 24, 24 };
-const Bounds inputLabel { 90, 0, 24, 24 };
-const Bounds inputPot { 114, 0, potSize, potSize };
-const Bounds outputLabel { 154, 0, 32, 24 };
-const Bounds outputPot { 186, 0, potSize, potSize };
-} // namespace stripBounds
+    return *processor.getParameters().getUnchecked (index);
+}
 } // namespace
+
+KVLEditor::LevelPot::LevelPot (juce::AudioProcessorParameter& parameterToShow, const char* text, Bounds labelBounds,
+                               Bounds potBounds)
+    : parameter (parameterToShow), label ("new label", text),
+      pot (juce::Slider::RotaryVerticalDrag, stripHeight, stripHeight)
+{
+    constexpr int textBoxWidth = 50;
+    constexpr double middle = 0.5;
+
+    label.setBounds (labelBounds);
+    label.setColour (juce::Label::textColourId, juce::Colour (palette::topStripPrint));
+    label.setAccessible (false); // the pot beside it has the same title
+    pot.setBounds (potBounds);
+    pot.setRange (0.0, 1.0, potStep);
+    pot.setTextBoxStyle (juce::Slider::NoTextBox, true, textBoxWidth, pot.getTextBoxHeight());
+    pot.setColour (juce::Slider::rotarySliderOutlineColourId, juce::Colour (palette::potOutline));
+    pot.setColour (juce::Slider::rotarySliderFillColourId, juce::Colour (palette::lightPrint));
+    pot.setColour (juce::Slider::textBoxTextColourId, juce::Colour (palette::potText));
+    pot.setColour (juce::Slider::textBoxHighlightColourId, juce::Colour (palette::potTextHighlight));
+    pot.setColour (juce::Slider::textBoxBackgroundColourId, juce::Colours::black);
+    pot.setDoubleClickReturnValue (true, middle, juce::ModifierKeys::altModifier);
+    pot.setTitle (parameter.getName (100));
+    pot.setTooltip (parameterRow (parameter.getParameterIndex()).help);
+    pot.setDescription (pot.getTooltip());
+    pot.setWantsKeyboardFocus (true);
+    OrvaneConsoleUI::attachSlider (parameter, pot);
+}
 
 KVLEditor::KVLEditor (Tarvik41Processor& processorToShow)
     : juce::AudioProcessorEditor (processorToShow), processor (processorToShow), console (processorToShow),
@@ -37,46 +55,50 @@ KVLEditor::KVLEditor (Tarvik41Processor& processorToShow)
       slotA (Picture::slotANormal, Picture::slotAOver, Picture::slotAPressed),
       copyToB (Picture::copyToBNormal, Picture::copyToBOver, Picture::copyToBPressed),
       slotB (Picture::slotBNormal, Picture::slotBOver, Picture::slotBPressed),
-      copyToA (Picture::copyToANormal, Picture::copyToAOver, Picture::copyToAPressed),
-      inputPot (juce::Slider::RotaryVerticalDrag, potSize, potSize),
-      outputPot (juce::Slider::RotaryVerticalDrag, potSize, potSize)
+      copyToA (Picture::copyToANormal, Picture::copyToAOver, Picture::copyToAPressed), levelPots {
+          LevelPot (parameterAt (processor, parameterNamed ("inLevel")), "IN", Bounds (90, 0, 24, stripHeight),
+                    Bounds (114, 0, stripHeight, stripHeight)),
+          LevelPot (parameterAt (processor, parameterNamed ("outLevel")), "OUT", Bounds (154, 0, 32, stripHeight),
+                    Bounds (186, 0, stripHeight, stripHeight))
+      }
 {
     setOpaque (true);
     setLookAndFeel (&look);
     addAndMakeVisible (console); // first, so that everything else is above it
 
-    const std::tuple<PictureButton&, const char*, const char*, juce::Rectangle<int>> buttons[] {
+    // The two copy buttons share a place: one of them is visible.
+    const std::tuple<PictureButton&, const char*, const char*, Bounds> buttons[] {
         { menuButton, "Menu", "Settings of this instance and of all", {} }, // at the right end, which `resized` knows
-        { slotA, "Slot A", "Puts the first of two sets of settings in force", stripBounds::slotA },
-        { copyToB, "Copy to B", "Copies the settings in force to slot B", stripBounds::copy },
-        { slotB, "Slot B", "Puts the second of two sets of settings in force", stripBounds::slotB },
-        { copyToA, "Copy to A", "Copies the settings in force to slot A", stripBounds::copy },
+        { slotA, "Slot A", "Uses the first of two sets of settings", { 0, 0, 24, stripHeight } },
+        { copyToB, "Copy to B", "Copies the current settings to slot B", { 24, 0, 10, stripHeight } },
+        { slotB, "Slot B", "Uses the second of two sets of settings", { 34, 0, 24, stripHeight } },
+        { copyToA, "Copy to A", "Copies the current settings to slot A", { 24, 0, 10, stripHeight } },
     };
 
-    for (const auto& [button, tooltip, description, bounds] : buttons)
+    for (const auto& [button, title, description, bounds] : buttons)
     {
-        button.setName ("new button");
-        button.setTitle (tooltip);
-        button.setTooltip (tooltip);
-        button.setDescription (description);
+        button.setWords ({ title, description });
         button.setBounds (bounds);
         button.addListener (this);
         addAndMakeVisible (button);
     }
 
     addAndMakeVisible (bottomBar);
-    setUpPresetBox();
+    presetBox.setName ("new combo box");
+    presetBox.addItem ("Default", 1);
+    presetBox.addListener (this);
+    addChildComponent (presetBox); // a place for programs, which hosts have boxes of their own for: never shown
     addChildComponent (about);
-    setUpLabel (inputLabel, "IN");
-    setUpLevelPot (inputPot, inLevelIndex);
-    setUpLabel (outputLabel, "OUT");
-    setUpLevelPot (outputPot, outLevelIndex);
-    inputLabel.setBounds (stripBounds::inputLabel);
-    inputPot.setBounds (stripBounds::inputPot);
-    outputLabel.setBounds (stripBounds::outputLabel);
-    outputPot.setBounds (stripBounds::outputPot);
 
-    setSize (widthAt100, heightAt100);
+    for (auto& level : levelPots)
+    {
+        addAndMakeVisible (level.label);
+        addAndMakeVisible (level.pot);
+        level.pot.addListener (this);
+    }
+
+    const auto size = editorSize::atZoom (1.0f);
+    setSize (size.x, size.y);
     updateEditorSize();
 }
 
@@ -86,71 +108,13 @@ KVLEditor::~KVLEditor()
     setLookAndFeel (nullptr);
 }
 
-juce::AudioProcessorParameter& KVLEditor::parameterAt (int index) const
-{
-    return *processor.getParameters().getUnchecked (index);
-}
-
-void KVLEditor::setUpLabel (juce::Label& label, const char* text)
-{
-    constexpr float fontHeight = 15.0f;
-    constexpr juce::uint32 textColour = 0xc5ffffff;
-
-    label.setName ("new label");
-    label.setText (text, juce::dontSendNotification);
-    label.setFont (juce::Font (fontHeight));
-    label.setJustificationType (juce::Justification::centredLeft);
-    label.setColour (juce::Label::textColourId, juce::Colour (textColour));
-    label.setColour (juce::TextEditor::textColourId, juce::Colours::white);
-    label.setColour (juce::TextEditor::backgroundColourId, juce::Colours::transparentBlack);
-    label.setAccessible (false); // the pot beside it has the same title
-    addAndMakeVisible (label);
-}
-
-void KVLEditor::setUpLevelPot (KVLSlider& pot, int parameterIndex)
-{
-    constexpr int textBoxWidth = 50;
-    constexpr double middle = 0.5;
-    constexpr juce::uint32 outline = 0x66000000, text = 0xff595959, highlight = 0xff12b9ff;
-    constexpr juce::uint32 pointer = 0xffe4e3de; // JUCE's own would be dark blue on black
-
-    auto& parameter = parameterAt (parameterIndex);
-    pot.setName ("new slider");
-    pot.setRange (0.0, 1.0, potStep);
-    pot.setTextBoxStyle (juce::Slider::NoTextBox, true, textBoxWidth, pot.getTextBoxHeight());
-    pot.setColour (juce::Slider::rotarySliderOutlineColourId, juce::Colour (outline));
-    pot.setColour (juce::Slider::rotarySliderFillColourId, juce::Colour (pointer));
-    pot.setColour (juce::Slider::textBoxTextColourId, juce::Colour (text));
-    pot.setColour (juce::Slider::textBoxHighlightColourId, juce::Colour (highlight));
-    pot.setColour (juce::Slider::textBoxBackgroundColourId, juce::Colours::black);
-    pot.setDoubleClickReturnValue (true, middle, juce::ModifierKeys::altModifier);
-    pot.setTitle (parameter.getName (100));
-    pot.setTooltip (parameterRow (parameterIndex).help);
-    pot.setDescription (pot.getTooltip());
-    pot.setWantsKeyboardFocus (true);
-    pot.addListener (this);
-    addAndMakeVisible (pot);
-    OrvaneConsoleUI::attachSlider (parameter, pot);
-}
-
-/** A place for programs, which hosts have boxes of their own for: it exists and is never shown. */
-void KVLEditor::setUpPresetBox()
-{
-    presetBox.setName ("new combo box");
-    presetBox.setEditableText (false);
-    presetBox.setJustificationType (juce::Justification::centredLeft);
-    presetBox.setTextWhenNothingSelected ({});
-    presetBox.setTextWhenNoChoicesAvailable ("(no choices)");
-    presetBox.addItem ("Default", 1);
-    presetBox.addListener (this);
-    addChildComponent (presetBox);
-}
-
 //==============================================================================
 void KVLEditor::zoomSettingChanged() { startTimer (kEditorTimerZoom, zoomDelayMs); }
 
 void KVLEditor::updateEditorSize()
 {
+    stopTimer (kEditorTimerZoom);
+
     // Without a screen, as under a validator, there is no display and no limit.
     const auto* const display = juce::Desktop::getInstance().getDisplays().getDisplayForRect (getScreenBounds());
     const auto size = editorSize::forZoom (processor.uiZoomSetting().getValue(),
@@ -175,18 +139,11 @@ void KVLEditor::visibilityChanged()
 void KVLEditor::timerCallback (int timerID)
 {
     if (timerID == kEditorTimerState)
-    {
         showState();
-    }
     else if (timerID == kEditorTimerMeters)
-    {
         showMeters();
-    }
     else if (timerID == kEditorTimerZoom)
-    {
-        stopTimer (kEditorTimerZoom);
         updateEditorSize();
-    }
 }
 
 void KVLEditor::showState()
@@ -199,24 +156,15 @@ void KVLEditor::showState()
     slotB.setToggleState (! isA, juce::dontSendNotification);
     copyToA.setVisible (! isA);
 
-    const auto showPot = [] (KVLSlider& pot, const juce::AudioProcessorParameter& parameter, double& known)
-    {
-        if (pot.hasUnsentStep())
-            return;
+    for (auto& level : levelPots)
+        level.showParameter();
 
-        pot.setValue (static_cast<double> (parameter.getValue()), juce::sendNotificationAsync);
-        known = pot.getValue();
-    };
-
-    showPot (inputPot, parameterAt (inLevelIndex), knownInput);
-    showPot (outputPot, parameterAt (outLevelIndex), knownOutput);
     console.updateState (snapshot);
 }
 
 void KVLEditor::showMeters()
 {
-    const auto snapshot = processor.currentSnapshot(); // a copy here too
-    console.updateMeters (snapshot);
+    console.updateMeters (ParameterSnapshot (processor.currentSnapshot())); // a copy here too
 }
 
 //==============================================================================
@@ -253,21 +201,34 @@ void KVLEditor::showMenu()
 
 void KVLEditor::sliderValueChanged (juce::Slider* slider)
 {
-    const auto isInput = slider == &inputPot;
-    auto& known = isInput ? knownInput : knownOutput;
+    for (auto& level : levelPots)
+        if (slider == &level.pot)
+            level.sendChange();
+}
 
-    // What the state pass puts on a pot comes by here as well, later, when the host may have moved on: that is no edit.
-    if (std::abs (slider->getValue() - known) < potStep / 2.0)
+void KVLEditor::LevelPot::showParameter()
+{
+    if (pot.hasUnsentStep())
         return;
 
-    known = slider->getValue();
-    parameterAt (isInput ? inLevelIndex : outLevelIndex).setValueNotifyingHost (static_cast<float> (known));
+    pot.setValue (static_cast<double> (parameter.getValue()), juce::sendNotificationAsync);
+    known = pot.getValue();
+}
+
+void KVLEditor::LevelPot::sendChange()
+{
+    // What the state pass puts on a pot arrives here as well, later, when the host may have moved on: not an edit.
+    if (std::abs (pot.getValue() - known) < potStep / 2.0)
+        return;
+
+    known = pot.getValue();
+    parameter.setValueNotifyingHost (static_cast<float> (known));
 }
 
 //==============================================================================
 void KVLEditor::paint (juce::Graphics& g)
 {
-    using namespace editorSize;
+    using editorSize::shadowHeight;
     g.fillAll (juce::Colours::black);
     topShadow.draw (g, { 0, stripHeight, getWidth(), shadowHeight });
     bottomShadow.draw (g, { 0, getHeight() - stripHeight - shadowHeight, getWidth(), shadowHeight });
@@ -275,19 +236,17 @@ void KVLEditor::paint (juce::Graphics& g)
 
 void KVLEditor::resized()
 {
-    using namespace editorSize;
     constexpr float presetShare = 0.2f;
     const auto width = static_cast<float> (getWidth());
-    const auto middle = getLocalBounds().toFloat().getCentre();
 
-    console.setBounds (0, stripHeight + shadowHeight, getWidth(), getHeight() - frameHeight);
+    console.setBounds (0, editorSize::frameHeight / 2, getWidth(), getHeight() - editorSize::frameHeight);
     menuButton.setBounds (getWidth() - stripHeight, 0, stripHeight, stripHeight);
     bottomBar.setBounds (0, getHeight() - stripHeight, getWidth(), stripHeight);
     presetBox.setBounds (juce::roundToInt ((1.0f - presetShare) * width), 0,
                          juce::roundToInt (presetShare * width) - stripHeight, stripHeight);
-    about.setBounds (juce::Rectangle (About::size, About::size)
-                         .withPosition (juce::roundToInt (middle.x - About::size / 2.0f),
-                                        juce::roundToInt (middle.y - About::size / 2.0f)));
+    about.setBounds (juce::roundToInt ((width - About::size) / 2.0f),
+                     juce::roundToInt (static_cast<float> (getHeight() - About::size) / 2.0f), About::size,
+                     About::size);
 }
 
 void KVLEditor::setControlHighlight (ParameterControlHighlightInfo info)

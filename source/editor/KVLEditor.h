@@ -12,7 +12,7 @@ namespace tarvik
 {
 
 /** The plug-in's window: the console, above it a strip with the two slots, the level pots and the menu, below it a bar.
-    It asks the processor on timers, which run only while it is visible. Message thread, but for `zoomSettingChanged`.
+    It asks the processor on timers, which run only while it is visible. Message thread, except `zoomSettingChanged`.
 */
 class KVLEditor final : public juce::AudioProcessorEditor,
                         public ZoomableEditor,
@@ -53,10 +53,21 @@ private:
 
     void sliderValueChanged (juce::Slider* slider) override;
 
-    juce::AudioProcessorParameter& parameterAt (int index) const;
-    void setUpLevelPot (KVLSlider& pot, int parameterIndex);
-    void setUpLabel (juce::Label& label, const char* text);
-    void setUpPresetBox();
+    /** A pot of the top strip and what is written before it. */
+    struct LevelPot
+    {
+        LevelPot (juce::AudioProcessorParameter& parameterToShow, const char* text, juce::Rectangle<int> labelBounds,
+                  juce::Rectangle<int> potBounds);
+
+        void showParameter();
+        void sendChange();
+
+        juce::AudioProcessorParameter& parameter;
+        juce::Label label;
+        KVLSlider pot;
+        double known = 0.0; ///< What pot and parameter last agreed on.
+    };
+
     void showMenu();
     void showState();
     void showMeters();
@@ -69,9 +80,7 @@ private:
     ZQBar bottomBar;
     juce::ComboBox presetBox;
     About about;
-    juce::Label inputLabel, outputLabel;
-    KVLSlider inputPot, outputPot;
-    double knownInput = 0.0, knownOutput = 0.0; ///< What pot and parameter last agreed on.
+    std::array<LevelPot, 2> levelPots;
     FocusMark focusMark { *this };
     ScaledPicture topShadow { Picture::shadowTop }, bottomShadow { Picture::shadowBottom };
 

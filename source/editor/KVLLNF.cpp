@@ -1,67 +1,63 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/KVLLNF.h"
 
+#include "editor/Palette.h"
+
 namespace tarvik
 {
 
-namespace menuDrawing
-{
 namespace
 {
-constexpr juce::uint32 sheetColour = 0xfffcfcfc;
-constexpr juce::uint32 highlightColour = 0xff626c77;
-constexpr juce::uint32 printColour = 0xff2a3136;
-constexpr juce::uint32 highlightedPrintColour = 0xffffffff;
-constexpr juce::uint32 tickColour = 0xffc47a14; // the window's amber, dark enough for a light sheet
-constexpr float cornerSize = 5.0f;
 constexpr int sideMargin = 5;
 
 void drawSeparator (juce::Graphics& g, juce::Rectangle<int> area)
 {
     constexpr float alpha = 0.2f;
-    g.setColour (juce::Colour (printColour).withAlpha (alpha));
+    g.setColour (juce::Colour (palette::menuPrint).withAlpha (alpha));
     g.fillRect (area.reduced (2 * sideMargin, 0).withSizeKeepingCentre (area.getWidth() - 4 * sideMargin, 1));
 }
 } // namespace
 
-void setColours (juce::LookAndFeel& look)
+MenuLook::MenuLook()
 {
-    look.setColour (juce::PopupMenu::backgroundColourId, juce::Colours::transparentBlack);
-    look.setColour (juce::PopupMenu::highlightedBackgroundColourId, juce::Colour (highlightColour));
+    setColour (juce::PopupMenu::backgroundColourId,
+               juce::Colours::transparentBlack); // so that the corners can be round
+    setColour (juce::PopupMenu::highlightedBackgroundColourId, juce::Colour (palette::menuHighlight));
 }
 
-void drawBackground (juce::Graphics& g, int width, int height)
+void MenuLook::drawPopupMenuBackground (juce::Graphics& g, int width, int height)
 {
-    g.setColour (juce::Colour (sheetColour));
+    constexpr float cornerSize = 5.0f;
+    g.setColour (juce::Colour (palette::menuSheet));
     g.fillRoundedRectangle (0.0f, 0.0f, static_cast<float> (width), static_cast<float> (height), cornerSize);
 }
 
-void drawRow (juce::Graphics& g, juce::LookAndFeel_V3& look, juce::Rectangle<int> area, const Row& row)
+void MenuLook::drawPopupMenuItem (juce::Graphics& g, const juce::Rectangle<int>& area, bool isSeparator, bool isActive,
+                                  bool isHighlighted, bool isTicked, bool hasSubMenu, const juce::String& text,
+                                  const juce::String& shortcut, const juce::Drawable* icon,
+                                  const juce::Colour* textColour)
 {
-    if (row.isSeparator)
-    {
-        drawSeparator (g, area);
-        return;
-    }
+    if (isSeparator)
+        return drawSeparator (g, area);
 
     constexpr float rowsPerFontHeight = 1.3f, inactiveAlpha = 0.4f, rowCorner = 3.0f;
-    const auto isMarked = row.isHighlighted && row.isActive;
+    const auto isMarked = isHighlighted && isActive;
     auto place = area.reduced (sideMargin, 1);
 
     if (isMarked)
     {
-        g.setColour (look.findColour (juce::PopupMenu::highlightedBackgroundColourId));
+        g.setColour (findColour (juce::PopupMenu::highlightedBackgroundColourId));
         g.fillRoundedRectangle (place.toFloat(), rowCorner);
     }
 
-    auto colour = isMarked                    ? juce::Colour (highlightedPrintColour)
-                  : row.textColour != nullptr ? *row.textColour
-                                              : juce::Colour (printColour);
+    auto colour = isMarked                ? juce::Colour (palette::menuHighlightedPrint)
+                  : textColour != nullptr ? *textColour
+                                          : juce::Colour (palette::menuPrint);
 
-    if (! row.isActive)
+    if (! isActive)
         colour = colour.withMultipliedAlpha (inactiveAlpha);
 
-    auto font = look.getPopupMenuFont();
+    auto font = getPopupMenuFont();
     font.setHeight (std::min (font.getHeight(), static_cast<float> (area.getHeight()) / rowsPerFontHeight));
     g.setFont (font);
 
@@ -69,20 +65,20 @@ void drawRow (juce::Graphics& g, juce::LookAndFeel_V3& look, juce::Rectangle<int
     const auto signWidth = place.getHeight() - sideMargin;
     const auto markPlace = place.removeFromLeft (signWidth).toFloat().reduced (1.0f);
 
-    if (row.icon != nullptr)
+    if (icon != nullptr)
     {
-        row.icon->drawWithin (g, markPlace, juce::RectanglePlacement::centred, 1.0f);
+        icon->drawWithin (g, markPlace, juce::RectanglePlacement::centred, 1.0f);
     }
-    else if (row.isTicked)
+    else if (isTicked)
     {
-        const auto tick = look.getTickShape (1.0f);
-        g.setColour (isMarked ? colour : juce::Colour (tickColour));
+        const auto tick = getTickShape (1.0f);
+        g.setColour (isMarked ? colour : juce::Colour (palette::menuTick));
         g.fillPath (tick, tick.getTransformToScaleToFit (markPlace, true));
     }
 
     g.setColour (colour);
 
-    if (row.hasSubMenu)
+    if (hasSubMenu)
     {
         const auto size = font.getHeight() * 0.25f; // half of the arrow's height
         const auto centre = place.removeFromRight (signWidth).toFloat().getCentre();
@@ -92,10 +88,9 @@ void drawRow (juce::Graphics& g, juce::LookAndFeel_V3& look, juce::Rectangle<int
         g.fillPath (arrow);
     }
 
-    g.drawText (row.text, place, juce::Justification::centredLeft);
-    g.drawText (row.shortcut, place, juce::Justification::centredRight);
+    g.drawText (text, place, juce::Justification::centredLeft);
+    g.drawText (shortcut, place, juce::Justification::centredRight);
 }
-} // namespace menuDrawing
 
 //==============================================================================
 void KVLLNF::drawButtonBackground (juce::Graphics& g, juce::Button& button, const juce::Colour& colour,
@@ -113,21 +108,6 @@ void KVLLNF::drawButtonBackground (juce::Graphics& g, juce::Button& button, cons
                                              : ! button.isEnabled()         ? disabledOutline
                                                                             : outline));
     g.drawRect (button.getLocalBounds());
-}
-
-void KVLLNF::drawPopupMenuBackground (juce::Graphics& g, int width, int height)
-{
-    menuDrawing::drawBackground (g, width, height);
-}
-
-void KVLLNF::drawPopupMenuItem (juce::Graphics& g, const juce::Rectangle<int>& area, bool isSeparator, bool isActive,
-                                bool isHighlighted, bool isTicked, bool hasSubMenu, const juce::String& text,
-                                const juce::String& shortcut, const juce::Drawable* icon,
-                                const juce::Colour* textColour)
-{
-    menuDrawing::drawRow (
-        g, *this, area,
-        { isSeparator, isActive, isHighlighted, isTicked, hasSubMenu, text, shortcut, icon, textColour });
 }
 
 void KVLLNF::drawComboBox (juce::Graphics& g, int width, int height, bool, int buttonX, int buttonY, int buttonWidth,

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/KVLSlider.h"
 
-#include "editor/ControlGeometry.h"
+#include <cmath>
 
 namespace tarvik
 {
 
 KVLSlider::KVLSlider (SliderStyle style, int width, int height) : juce::Slider (style, NoTextBox)
 {
+    setName ("new slider");
     setRange (0.0, 1.0);
     addListener (this);
     setSize (width, height);
@@ -30,14 +31,15 @@ void KVLSlider::mouseWheelMove (const juce::MouseEvent& event, const juce::Mouse
         return;
     }
 
-    const auto counted =
-        wheelSteps (wheelAccumulator, wheel.deltaY, wheel.isReversed, isFine, getMouseDragSensitivity());
-    wheelAccumulator = counted.accumulator;
+    constexpr float stepsPerDeltaAndPixel = 0.02f;
+    const auto delta = (wheel.isReversed ? -wheel.deltaY : wheel.deltaY) * (isFine ? fineFactor : 1.0f);
+    wheelAccumulator += delta * stepsPerDeltaAndPixel * static_cast<float> (getMouseDragSensitivity());
 
-    if (counted.steps != 0)
+    if (const auto steps = std::round (wheelAccumulator); steps != 0.0f) // a half goes away from zero
     {
+        wheelAccumulator -= steps;
         const auto old = getValue();
-        setValue (juce::jlimit (getMinimum(), getMaximum(), old + counted.steps * getInterval()),
+        setValue (juce::jlimit (getMinimum(), getMaximum(), old + static_cast<double> (steps) * getInterval()),
                   juce::sendNotificationAsync);
         unsentStep = unsentStep || getValue() != old;
     }

@@ -27,10 +27,16 @@ void KVLUI::registerControl (int index, juce::Component& control)
     controlToParameter[&control] = index;
 }
 
+juce::Rectangle<int> KVLUI::boundsOf (int index) const
+{
+    const auto* const control = controlsOf (index).front();
+    return getLocalArea (control, control->getLocalBounds());
+}
+
 void KVLUI::setHighlight (int index, juce::Colour colour)
 {
-    if (const auto controls = controlsOf (index); ! controls.empty())
-        highlights[index] = { controls.front()->getBounds(), colour };
+    if (! controlsOf (index).empty())
+        highlights[index] = { boundsOf (index), colour };
 
     repaint();
 }
@@ -44,7 +50,7 @@ void KVLUI::clearHighlight (int index)
 void KVLUI::resized()
 {
     for (auto& [index, highlight] : highlights)
-        highlight.bounds = controlsOf (index).front()->getBounds();
+        highlight.bounds = boundsOf (index);
 
     repaint();
 }

@@ -23,7 +23,7 @@ public:
     /** The host's index of what a control stands for, or `noParameter`. */
     int parameterOf (const juce::Component& control) const;
 
-    /** The controls that stand for a parameter, in no order; empty for most that have none. */
+    /** The controls that stand for a parameter, in the order of their registration. */
     std::vector<juce::Component*> controlsOf (int index) const;
 
     /** Frames a parameter's control in the host's colour; does nothing for a parameter without a control. */
@@ -43,6 +43,8 @@ protected:
     std::map<const juce::Component*, int> controlToParameter;
 
 private:
+    juce::Rectangle<int> boundsOf (int index) const;
+
     struct Highlight
     {
         juce::Rectangle<int> bounds;

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/OrvaneConsoleUI.h"
 
+#include "editor/ControlGeometry.h"
+#include "editor/SetInGesture.h"
+
 namespace tarvik
 {
 
@@ -8,172 +11,181 @@ namespace layout = consoleLayout;
 
 namespace
 {
-constexpr const char* sliderName = "new slider";
-constexpr const char* buttonName = "new button";
-constexpr const char* labelName = "new label";
-constexpr juce::uint32 underPicture = 0xff323e44;
-constexpr float narrowestText = 0.5f;
+constexpr int meterShowsInput = 0, meterShowsOutput = 1;
 
-/** A picture that is no control, although its class could be one. */
-void setShownOnly (PictureButton& picture)
+/** On a slider 0 is at its start; an inverted parameter has its end there. The same both ways. */
+float turnedFor (const juce::AudioProcessorParameter& parameter, float value)
 {
-    picture.setAccessible (false);
-    picture.setWantsKeyboardFocus (false);
+    return parameter.isOrientationInverted() ? 1.0f - value : value;
 }
 } // namespace
 
+OrvaneConsoleUI::PushButton::PushButton (const layout::PushRow& row)
+    : cap (Picture::pushReleased, Picture::none, Picture::pushPressed),
+      lamp (layout::PictureButtonRow { row.lampBox, Picture::none, Picture::none, row.lamp })
+{
+    cap.setToggleable (true);
+    cap.setTriggeredOnMouseDown (true);
+}
+
 OrvaneConsoleUI::OrvaneConsoleUI (Tarvik41Processor& processorToShow)
     : KVLUI (processorToShow), meterMode (processorToShow.meterModeSetting()), outputLegend (layout::outputLegend),
-      plateMono (layout::plateMono), plateStereo (layout::plateStereo), compressorLed (layout::compressorLed),
-      expanderLed (layout::expanderLed), previousChannel (layout::previousChannel), nextChannel (layout::nextChannel),
-      randomChannel (layout::randomChannel), randomInAll (layout::randomInAll)
+      trackPlate (processorToShow, parameterAt (parameterIndex::tolChannel), parameterAt (parameterIndex::tolLink)),
+      mixReadout (layout::mixReadout), filterReadout (layout::filterReadout), compressorLed (layout::compressorLed),
+      expanderLed (layout::expanderLed), debug (layout::debug)
 {
     setOpaque (true);
     setTitle ("Console channel");
-    placeAll();
-    setUpSliders();
-    setUpLabels();
-    registerControls();
+
+    // In the order of the table: what is placed later covers what was placed before, and takes its clicks.
+    place (outputLegend, layout::outputLegend.box);
+    placeTrackPlate();
+    place (mixReadout, layout::mixReadout.box);
+    place (filterReadout, layout::filterReadout.box);
+
+    for (const auto& row : layout::pushButtons)
+        if (auto& lamp = pushButtons.emplace_back (row).lamp; row.lamp != Picture::none)
+            place (lamp, row.lampBox);
+
+    placeSlider (fader, layout::levelFader.box, layout::levelFader.parameter);
+    fader.setName (layout::levelFader.name);
+    placeButton (mute, layout::mute.box, layout::mute.parameter);
+    placeButton (phase, layout::phase.box, layout::phase.parameter);
+    placeKnobsAndSwitches();
+    place (compressorLed, layout::compressorLed.box);
+    place (expanderLed, layout::expanderLed.box);
+    expanderLed.setToggleState (true, juce::dontSendNotification);
+    placeSlider (trim, layout::trim.box, layout::trim.parameter);
+    trim.setName (layout::trim.name);
+    placeMeter (vuMeter, layout::vuMeter);
+    placeMeter (gainReductionMeter, layout::gainReductionMeter);
+    place (debug, layout::debug.box);
+    debug.setVisible (false);
+
+    for (std::size_t i = 0; i < pushButtons.size(); ++i)
+        placeButton (pushButtons[i].cap, layout::pushButtons[i].box, layout::pushButtons[i].parameter);
+
     applyParameterDefaults();
-    listenToControls();
     setSize (layout::designWidth, layout::designHeight);
 }
 
-OrvaneConsoleUI::~OrvaneConsoleUI() = default;
-
 //==============================================================================
-void OrvaneConsoleUI::place (juce::Component& control, const Box& box, const juce::String& name)
+void OrvaneConsoleUI::place (juce::Component& control, const Box& box)
 {
-    control.setName (name);
     placed.emplace_back (&control, box);
     addAndMakeVisible (control);
 }
 
-void OrvaneConsoleUI::placeKnob (std::size_t index) { place (knobs[index], layout::knobs[index].box, sliderName); }
-
-void OrvaneConsoleUI::placeLamp (std::size_t index)
+void OrvaneConsoleUI::placeSlider (juce::Slider& slider, const Box& box, int parameter)
 {
-    const auto& row = layout::pushButtons[index];
-
-    if (row.lamp == Picture::none || lamps[index] != nullptr)
-        return;
-
-    lamps[index] = std::make_unique<PictureButton> (Picture::none, Picture::none, row.lamp);
-    lamps[index]->setInterceptsMouseClicks (false, false);
-    setShownOnly (*lamps[index]); // the button beside it says the same
-    place (*lamps[index], row.lampBox, buttonName);
+    place (slider, box);
+    connect (parameter, slider);
+    attachSlider (parameterAt (parameter), slider);
+    slider.addListener (this);
+    slider.setWantsKeyboardFocus (true);
 }
 
-void OrvaneConsoleUI::placeLabel (juce::Label& label, const layout::LabelRow& row, const juce::String& title)
+void OrvaneConsoleUI::placeButton (juce::Button& button, const Box& box, int parameter)
 {
-    label.setText (row.text, juce::dontSendNotification);
-    label.setFont (juce::Font (row.height));
-    label.setJustificationType (row.isCentred ? juce::Justification::centred : juce::Justification::centredLeft);
-    label.setBorderSize ({});                        // the boxes are hardly wider than their texts,
-    label.setMinimumHorizontalScale (narrowestText); // and the smallest zoom makes them narrower
-    label.setColour (juce::Label::textColourId, juce::Colour (row.colour));
-    label.setColour (juce::TextEditor::textColourId, juce::Colours::black);
-    label.setColour (juce::TextEditor::backgroundColourId, juce::Colours::transparentBlack);
-    label.setTitle (title);
+    place (button, box);
+    button.addListener (this);
 
-    if (row.isEditable)
-    {
-        label.setEditable (true, true, false);
-        label.setColour (juce::Label::outlineColourId, juce::Colours::transparentBlack);
-        label.setColour (juce::Label::textWhenEditingColourId, juce::Colours::black);
-        label.addListener (this);
-    }
+    if (parameter != noParameter)
+        connect (parameter, button);
     else
-    {
-        label.setInterceptsMouseClicks (false, false);
-    }
-
-    place (label, row.box, labelName);
+        dynamic_cast<PictureButton&> (button).setWords (layout::meterMode);
 }
 
-void OrvaneConsoleUI::placePushButtons()
+void OrvaneConsoleUI::placeMeter (OrvaneMeter& meter, const layout::MeterRow& row)
 {
-    for (std::size_t i = 0; i < pushButtons.size(); ++i)
+    place (meter, row.box);
+    meter.setTitle (row.title);
+    meter.setDescription (row.description);
+}
+
+void OrvaneConsoleUI::placeTrackPlate()
+{
+    addAndMakeVisible (trackPlate);
+    trackPlate.link.setTooltip (layout::link.tooltip);
+    connect (layout::link.parameter, trackPlate.link);
+
+    for (auto* const number : { &trackPlate.leftNumber, &trackPlate.rightNumber })
     {
-        auto& button = pushButtons[i];
-        button = std::make_unique<PictureButton> (Picture::pushReleased, Picture::none, Picture::pushPressed);
-        button->setToggleable (true);
-        button->setTriggeredOnMouseDown (true);
-        place (*button, layout::pushButtons[i].box, buttonName);
+        connect (parameterIndex::tolChannel, *number);
+        number->addListener (this);
     }
 }
 
-/** From back to front: what is placed later covers what was placed before, and takes its clicks. */
-void OrvaneConsoleUI::placeAll()
+void OrvaneConsoleUI::placeKnobsAndSwitches()
 {
-    const auto placePicture = [this] (PictureButton& button, const layout::PictureButtonRow& row)
+    for (std::size_t i = 0; i < knobs.size(); ++i)
     {
-        button.setTooltip (row.tooltip);
-        button.setTitle (juce::String (row.tooltip).replace ("\n", " "));
-        button.setDescription (row.description);
-        place (button, row.box, buttonName);
-    };
+        const auto& row = layout::knobs[i];
+        knobs[i].setFilmstripRange (juce::degreesToRadians (row.startDegrees), juce::degreesToRadians (row.endDegrees));
+        knobs[i].setRange (0.0, 1.0, static_cast<double> (row.step));
+        knobs[i].setKnobStyle (row.style);
+        placeSlider (knobs[i], row.box, row.parameter);
+    }
 
-    placeKnob (0);
-    placePicture (outputLegend, layout::outputLegend);
-    placePicture (plateMono, layout::plateMono);
-    placePicture (plateStereo, layout::plateStereo);
-
-    for (std::size_t i = 0; i < layout::pushButtons.size(); ++i)
-        if (layout::pushButtons[i].parameter == layout::parameter ("compLimit"))
-            placeLamp (i);
-
-    placeLabel (mixReadout, layout::mixReadout, "Comp Mix");
-    placeLabel (filterReadout, layout::filterReadout, "Comp High Pass Filter");
-
-    for (std::size_t i = 0; i < layout::pushButtons.size(); ++i)
-        placeLamp (i);
-
-    place (fader, layout::levelFader.box, layout::levelFader.name);
-    placeLabel (channelName, layout::channelName, "Track name");
-    placePicture (previousChannel, layout::previousChannel);
-    placePicture (nextChannel, layout::nextChannel);
-    place (link, layout::link, link.getName());
-    placePicture (randomChannel, layout::randomChannel);
-    place (mute, layout::mute, mute.getName());
-    place (phase, layout::phase, phase.getName());
-    placePicture (randomInAll, layout::randomInAll);
-    placeLabel (leftNumber, layout::leftNumber, "Console channel");
-    placeLabel (rightNumber, layout::rightNumber, "Console channel of the right side");
-
-    for (std::size_t i = 1; i < knobs.size(); ++i)
-        placeKnob (i);
+    constexpr double leverStep = 0.5;
 
     for (std::size_t i = 0; i < switches.size(); ++i)
-        place (switches[i], layout::switches[i].box, sliderName);
-
-    placePicture (compressorLed, layout::compressorLed);
-    placePicture (expanderLed, layout::expanderLed);
-    place (trim, layout::trim.box, layout::trim.name);
-    place (vuMeter, layout::vuMeter, "VU");
-    place (gainReductionMeter, layout::gainReductionMeter, "gain reduction");
-    vuMeter.setTitle ("VU");
-    vuMeter.setDescription ("Level of the input or of the output, by the meter mode button");
-    gainReductionMeter.setTitle ("Gain reduction");
-    gainReductionMeter.setDescription ("By how much the compressor turns down");
-    placeLabel (debug, layout::debug, {});
-    debug.setVisible (false);
-    placePushButtons();
-
-    for (auto* const shownOnly : { &outputLegend, &plateMono, &plateStereo, &compressorLed, &expanderLed })
-        setShownOnly (*shownOnly);
-
-    for (auto* const led : { &compressorLed, &expanderLed })
-        led->setInterceptsMouseClicks (false, false);
-
-    expanderLed.setToggleState (true, juce::dontSendNotification);
-    link.setTooltip (layout::linkTooltip);
+    {
+        const auto& row = layout::switches[i];
+        switches[i].setRange (0.0, 1.0, leverStep);
+        switches[i].setPositions (row.plate);
+        placeSlider (switches[i], row.box, row.parameter);
+    }
 }
 
-//==============================================================================
+/** Registers a control and gives it the parameter's words. */
+void OrvaneConsoleUI::connect (int index, juce::Component& control)
+{
+    registerControl (index, control);
+    const auto& parameter = parameterAt (index);
+    const auto* const help = parameterRow (index).help;
+    control.setTitle (parameter.getName (100));
+    control.setDescription (help);
+    control.setExplicitFocusOrder (layout::focusOrderOf (index));
+
+    if (auto& tooltip = dynamic_cast<juce::SettableTooltipClient&> (control); tooltip.getTooltip().isEmpty())
+        tooltip.setTooltip (help);
+}
+
+void OrvaneConsoleUI::attachSlider (juce::AudioProcessorParameter& parameter, juce::Slider& slider)
+{
+    const juce::String unit (parameterRow (parameter.getParameterIndex()).unitAfterText());
+    constexpr int longestText = 5, hoverMilliseconds = 2000;
+    slider.setPopupDisplayEnabled (true, false, slider.getTopLevelComponent(), hoverMilliseconds);
+    slider.textFromValueFunction = [&parameter, unit] (double value)
+    { return parameter.getText (static_cast<float> (value), longestText) + " " + unit; };
+    slider.valueFromTextFunction = [&parameter] (const juce::String& text)
+    { return static_cast<double> (parameter.getValueForText (text)); };
+}
+
+void OrvaneConsoleUI::applyParameterDefaults()
+{
+    for (const auto& [index, controls] : parameterToControls)
+    {
+        auto* const slider = dynamic_cast<juce::Slider*> (controls.front());
+
+        if (slider == nullptr)
+            continue;
+
+        const auto& parameter = parameterAt (index);
+
+        if (parameter.isDiscrete())
+            slider->setRange (0.0, 1.0, 1.0 / (parameter.getNumSteps() - 1));
+
+        slider->setDoubleClickReturnValue (true,
+                                           static_cast<double> (turnedFor (parameter, parameter.getDefaultValue())),
+                                           juce::ModifierKeys::altModifier);
+    }
+}
+
 void OrvaneConsoleUI::paint (juce::Graphics& g)
 {
-    g.fillAll (juce::Colour (underPicture));
+    g.fillAll (juce::Colour (palette::panelGround));
     background.draw (g, getLocalBounds());
 }
 
@@ -182,7 +194,92 @@ void OrvaneConsoleUI::resized()
     for (const auto& [control, box] : placed)
         control->setBounds (box.on (getWidth(), getHeight()));
 
+    trackPlate.placeOn (getWidth(), getHeight());
     KVLUI::resized();
+}
+
+//==============================================================================
+void OrvaneConsoleUI::sliderValueChanged (juce::Slider* slider)
+{
+    auto& parameter = parameterAt (parameterOf (*slider));
+    parameter.setValueNotifyingHost (turnedFor (parameter, static_cast<float> (slider->getValue())));
+}
+
+void OrvaneConsoleUI::sliderDragStarted (juce::Slider* slider)
+{
+    parameterAt (parameterOf (*slider)).beginChangeGesture();
+}
+
+void OrvaneConsoleUI::sliderDragEnded (juce::Slider* slider) { parameterAt (parameterOf (*slider)).endChangeGesture(); }
+
+void OrvaneConsoleUI::toggleParameter (int index)
+{
+    auto& parameter = parameterAt (index);
+    setInGesture (parameter, 1.0f - parameter.getValue());
+}
+
+void OrvaneConsoleUI::buttonClicked (juce::Button* button)
+{
+    if (const auto index = parameterOf (*button); index != noParameter)
+        toggleParameter (index);
+    else
+        meterMode.setValue (1 - meterMode.getValue()); // the one button without a parameter
+}
+
+//==============================================================================
+void OrvaneConsoleUI::updateMeters (const ParameterSnapshot& snapshot)
+{
+    constexpr float silenceDb = -100.0f;
+
+    if (const auto activity = snapshot.expanderAmount.get(); std::isfinite (activity))
+        expanderLed.setAlpha (juce::jlimit (0.0f, 1.0f, activity));
+
+    if (const auto mode = meterMode.getValue(); mode == meterShowsInput || mode == meterShowsOutput)
+    {
+        const auto& level = mode == meterShowsInput ? snapshot.inputMeter : snapshot.outputMeter;
+        vuMeter.setDecibels (juce::Decibels::gainToDecibels (level.get(), silenceDb));
+    }
+
+    gainReductionMeter.setAngle (gainReductionAngle (snapshot.gainReductionDb));
+}
+
+void OrvaneConsoleUI::showParameters()
+{
+    for (const auto& [index, controls] : parameterToControls)
+    {
+        const auto& parameter = parameterAt (index);
+        const auto value = turnedFor (parameter, parameter.getValue());
+        auto* const control = controls.front();
+
+        // The listeners have not heard of a wheel's step yet, so the parameter is late.
+        if (const auto* const kvl = dynamic_cast<KVLSlider*> (control); kvl != nullptr && kvl->hasUnsentStep())
+            continue;
+
+        if (auto* const slider = dynamic_cast<juce::Slider*> (control))
+            slider->setValue (static_cast<double> (value), juce::dontSendNotification);
+        else if (auto* const button = dynamic_cast<juce::Button*> (control))
+            button->setToggleState (value > 0.5f, juce::dontSendNotification);
+    }
+}
+
+void OrvaneConsoleUI::updateState (const ParameterSnapshot& snapshot)
+{
+    showParameters();
+    trackPlate.show (snapshot.trackName);
+    compressorLed.setToggleState (snapshot.limiterActive, juce::dontSendNotification);
+    outputLegend.setVisible (meterMode.getValue() == meterShowsOutput);
+
+    for (auto& push : pushButtons)
+    {
+        if (parameterOf (push.cap) == noParameter)
+            push.cap.setToggleState (meterMode.getValue() == meterShowsInput, juce::dontSendNotification);
+
+        push.lamp.setToggleState (push.cap.getToggleState(), juce::dontSendNotification);
+    }
+
+    for (const auto& [readout, index] :
+         { std::pair (&mixReadout, layout::parameter ("compMix")), { &filterReadout, layout::parameter ("compHPF") } })
+        readout->setText (parameterAt (index).getCurrentValueAsText(), juce::dontSendNotification);
 }
 
 } // namespace tarvik

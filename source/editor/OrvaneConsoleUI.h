@@ -1,18 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "editor/ConsoleLayout.h"
 #include "editor/Fader.h"
 #include "editor/KVLUI.h"
 #include "editor/OrvaneKnob.h"
 #include "editor/OrvaneMeter.h"
-#include "editor/PictureButtons.h"
 #include "editor/ToggleSwitch.h"
+#include "editor/TrackPlate.h"
 #include "editor/TrimPot.h"
 #include "plugin/Tarvik41Processor.h"
 
 #include <array>
-#include <memory>
+#include <deque>
 
 namespace tarvik
 {
@@ -28,7 +27,6 @@ class OrvaneConsoleUI final : public KVLUI,
 {
 public:
     explicit OrvaneConsoleUI (Tarvik41Processor& processorToShow);
-    ~OrvaneConsoleUI() override;
 
     /** Moves the needles and the expander's LED. */
     void updateMeters (const ParameterSnapshot& snapshot);
@@ -43,56 +41,51 @@ public:
     void resized() override;
 
 private:
-    // Construction, in the order of painting.
-    void place (juce::Component& control, const Box& box, const juce::String& name);
-    void placeAll();
-    void placeKnob (std::size_t index);
-    void placeLamp (std::size_t index);
-    void placeLabel (juce::Label& label, const consoleLayout::LabelRow& row, const juce::String& title);
-    void placePushButtons();
-    void setUpSliders();
-    void setUpLabels();
-    void registerControls();
+    struct PushButton
+    {
+        explicit PushButton (const consoleLayout::PushRow& row);
+
+        PictureButton cap, lamp;
+    };
+
+    // Construction.
+    void place (juce::Component& control, const Box& box);
+    void placeSlider (juce::Slider& slider, const Box& box, int parameter);
+    void placeButton (juce::Button& button, const Box& box, int parameter);
+    void placeMeter (OrvaneMeter& meter, const consoleLayout::MeterRow& row);
+    void placeTrackPlate();
+    void placeKnobsAndSwitches();
+    void connect (int parameter, juce::Component& control);
     void applyParameterDefaults();
-    void listenToControls();
 
     // From a control to its parameter.
     void sliderValueChanged (juce::Slider* slider) override;
     void sliderDragStarted (juce::Slider* slider) override;
     void sliderDragEnded (juce::Slider* slider) override;
     void buttonClicked (juce::Button* button) override;
-    void labelTextChanged (juce::Label* label) override;
+
+    void labelTextChanged (juce::Label* label) override { trackPlate.numberTyped (*label); }
+
     void toggleParameter (int index);
-    void setInGesture (juce::RangedAudioParameter& parameter, float plainValue);
-    void stepChannel (int direction);
-    void toggleLink();
-
-    // From the parameters to the controls.
     void showParameters();
-    void showChannel (const ParameterSnapshot& snapshot);
-
-    int numMainChannels() const;
-    int channelNumber() const;
-    bool isLinked() const;
 
     ProcessorSetting<int>& meterMode;
     std::vector<std::pair<juce::Component*, Box>> placed;
 
     ScaledPicture background { Picture::panel };
-    std::array<OrvaneKnob, consoleLayout::knobs.size()> knobs;
+    PictureButton outputLegend;
+    TrackPlate trackPlate;
+    ConsoleLabel mixReadout, filterReadout;
     Fader fader;
-    TrimPot trim;
-    std::array<ToggleSwitch, consoleLayout::switches.size()> switches;
-    std::array<std::unique_ptr<PictureButton>, consoleLayout::pushButtons.size()> pushButtons;
-    std::array<std::unique_ptr<PictureButton>, consoleLayout::pushButtons.size()> lamps; ///< Null where there is none.
-    PhaseButton phase;
     CutButton mute;
-    LinkButton link;
+    PhaseButton phase;
+    std::array<OrvaneKnob, consoleLayout::knobs.size()> knobs;
+    std::array<ToggleSwitch, consoleLayout::switches.size()> switches;
+    PictureButton compressorLed, expanderLed;
+    TrimPot trim;
     OrvaneMeter vuMeter, gainReductionMeter;
-    PictureButton outputLegend, plateMono, plateStereo, compressorLed, expanderLed;
-    PictureButton previousChannel, nextChannel, randomChannel, randomInAll;
-    juce::Label channelName, leftNumber, rightNumber, mixReadout, filterReadout, debug;
-    juce::SharedResourcePointer<NameTypeface> nameTypeface;
+    ConsoleLabel debug;
+    std::deque<PushButton> pushButtons; ///< In the order of their rows.
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (OrvaneConsoleUI)
 };

@@ -2,6 +2,7 @@
 #include "editor/OrvaneMeter.h"
 
 #include "editor/ControlGeometry.h"
+#include "editor/Palette.h"
 
 namespace tarvik
 {
@@ -9,7 +10,6 @@ namespace tarvik
 namespace
 {
 constexpr int defaultWidth = 124;
-constexpr juce::uint32 needleColour = 0xfffee853;
 } // namespace
 
 OrvaneMeter::OrvaneMeter() : angle (meterAngle (meter::lowestDb))
@@ -21,7 +21,7 @@ void OrvaneMeter::setDecibels (float decibels) { setAngle (meterAngle (decibels)
 
 void OrvaneMeter::setAngle (float radians)
 {
-    // A needle that rests costs nothing.
+    // A needle that does not move costs nothing.
     if (! std::isfinite (radians) || radians == angle)
         return;
 
@@ -36,7 +36,7 @@ void OrvaneMeter::paint (juce::Graphics& g)
     const auto pivotY = scale * meter::pivotY;
 
     g.addTransform (juce::AffineTransform::rotation (angle, x, pivotY));
-    g.setColour (juce::Colour (needleColour));
+    g.setColour (juce::Colour (palette::needle));
     g.drawLine (x, pivotY, x, scale * meter::needleTipY, meter::needleThickness);
 }
 

@@ -28,6 +28,28 @@ PictureButton::PictureButton (Picture normalPicture, Picture overPicture, Pictur
     : normal (normalPicture), over (firstOf (overPicture, normalPicture)),
       pressed (firstOf (pressedPicture, over.getPicture()))
 {
+    setName ("new button");
+}
+
+PictureButton::PictureButton (const consoleLayout::PictureButtonRow& row)
+    : PictureButton (row.normal, row.over, row.pressed)
+{
+    setWords (row.words);
+
+    if (getTitle().isEmpty())
+    {
+        setInterceptsMouseClicks (false, false);
+        setAccessible (false);
+        setWantsKeyboardFocus (false);
+    }
+}
+
+void PictureButton::setWords (const consoleLayout::Words& words)
+{
+    setTooltip (words.tooltip);
+    setTitle (juce::String (words.tooltip).replace ("\n", " "));
+    setDescription (words.description);
+    setExplicitFocusOrder (words.focusOrder);
 }
 
 void PictureButton::paintButton (juce::Graphics& g, bool isHighlighted, bool isHeld)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "editor/ConsoleLayout.h"
 #include "editor/ScaledPictures.h"
 
 #include <juce_gui_basics/juce_gui_basics.h>
@@ -20,11 +21,10 @@ class PictureButton : public juce::ImageButton
 public:
     PictureButton (Picture normalPicture, Picture overPicture, Picture pressedPicture);
 
-    /** The same from a row of a layout that names the three. */
-    template <typename Row>
-    explicit PictureButton (const Row& row) : PictureButton (row.normal, row.over, row.pressed)
-    {
-    }
+    /** The same with its words. Without any it is a picture that is only shown: it takes neither clicks nor focus. */
+    explicit PictureButton (const consoleLayout::PictureButtonRow& row);
+
+    void setWords (const consoleLayout::Words& words);
 
     void paintButton (juce::Graphics& g, bool isHighlighted, bool isHeld) override;
 
@@ -41,9 +41,6 @@ public:
     TwoPictureButton (const juce::String& name, Picture offPicture, Picture onPicture);
 
     void paintButton (juce::Graphics& g, bool isHighlighted, bool isHeld) override;
-
-    /** Nothing inside has bounds. */
-    void resized() override {}
 
 private:
     ScaledPicture off, on;
@@ -71,9 +68,6 @@ public:
     LinkButton();
 
     void paintButton (juce::Graphics& g, bool isHighlighted, bool isHeld) override;
-
-    /** Nothing inside has bounds. */
-    void resized() override {}
 
 private:
     std::array<ScaledPicture, 6> pictures;

@@ -8,9 +8,9 @@ namespace tarvik
 {
 
 // clang-format off
-/** Every picture of the window: its name in the code, its file's name in resources/pictures, its size in pixels (three
-    times what it takes at 100 %), whether it has an alpha channel, and who draws it. The build reads the rows of this
-    list, too, and embeds one symbol for each, so a row keeps to one line.
+/** Every picture of the window: its name in the code, its file's name in resources/pictures, its size in pixels, whether
+    it has an alpha channel, and who draws it. The build reads the rows of this list, too, and embeds one symbol for each,
+    so a row keeps to one line.
 */
 #define TARVIK_PICTURES(X) \
     X (panel,             "panel",               2700, 2030, rgb,  "console panel, the whole background") \
@@ -62,16 +62,16 @@ namespace tarvik
     X (menuPressed,       "menu-pressed",          72,   72, rgba, "editor's menu button") \
     X (slotANormal,       "slot-a-normal",         72,   72, rgba, "editor's slot A button") \
     X (slotAOver,         "slot-a-over",           72,   72, rgba, "editor's slot A button") \
-    X (slotAPressed,      "slot-a-pressed",        72,   72, rgba, "editor's slot A button, also while A is in force") \
+    X (slotAPressed,      "slot-a-pressed",        72,   72, rgba, "editor's slot A button, also while A is current") \
     X (slotBNormal,       "slot-b-normal",         72,   72, rgba, "editor's slot B button") \
     X (slotBOver,         "slot-b-over",           72,   72, rgba, "editor's slot B button") \
-    X (slotBPressed,      "slot-b-pressed",        72,   72, rgba, "editor's slot B button, also while B is in force") \
-    X (copyToANormal,     "copy-to-a-normal",      30,   72, rgba, "editor's copy button while B is in force") \
-    X (copyToAOver,       "copy-to-a-over",        30,   72, rgba, "editor's copy button while B is in force") \
-    X (copyToAPressed,    "copy-to-a-pressed",     30,   72, rgba, "editor's copy button while B is in force") \
-    X (copyToBNormal,     "copy-to-b-normal",      30,   72, rgba, "editor's copy button while A is in force") \
-    X (copyToBOver,       "copy-to-b-over",        30,   72, rgba, "editor's copy button while A is in force") \
-    X (copyToBPressed,    "copy-to-b-pressed",     30,   72, rgba, "editor's copy button while A is in force") \
+    X (slotBPressed,      "slot-b-pressed",        72,   72, rgba, "editor's slot B button, also while B is current") \
+    X (copyToANormal,     "copy-to-a-normal",      30,   72, rgba, "editor's copy button while B is current") \
+    X (copyToAOver,       "copy-to-a-over",        30,   72, rgba, "editor's copy button while B is current") \
+    X (copyToAPressed,    "copy-to-a-pressed",     30,   72, rgba, "editor's copy button while B is current") \
+    X (copyToBNormal,     "copy-to-b-normal",      30,   72, rgba, "editor's copy button while A is current") \
+    X (copyToBOver,       "copy-to-b-over",        30,   72, rgba, "editor's copy button while A is current") \
+    X (copyToBPressed,    "copy-to-b-pressed",     30,   72, rgba, "editor's copy button while A is current") \
     X (shadowTop,         "shadow-top",          2700,   24, rgb,  "editor, under the top strip") \
     X (shadowBottom,      "shadow-bottom",       2700,   25, rgb,  "editor, over the bottom strip") \
     X (barLogoNormal,     "bar-logo-normal",      480,   96, rgba, "bottom bar's logo") \
@@ -94,6 +94,9 @@ enum class Picture
 };
 
 #undef TARVIK_PICTURE_ID
+
+/** Of the pictures, for each of the window at 100 %. */
+inline constexpr int picturePixelsPerPixel = 3;
 
 inline constexpr std::size_t numPictures = static_cast<std::size_t> (Picture::none);
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/SettingsMenu.h"
 
-#include "editor/ConsoleLayout.h"
+#include "editor/SetInGesture.h"
+#include "plugin/ParameterRows.h"
 
 #include <algorithm>
 #include <cmath>
@@ -74,57 +75,43 @@ Text zoomHeading (double value)
 
 using AnySetting = std::variant<ProcessorSetting<double>*, ProcessorSetting<int>*, ProcessorSetting<bool>*>;
 
+using Strip = const Tarvik41Processor&;
+
 /** One sub-menu, in the menu's order. Its items have consecutive ids: the options, "Set in all instances" where there
     is a message for it, and "Save as default".
 */
 struct SubMenu
 {
-    int firstId;
     std::span<const Option> options;
     Text (*heading) (double value);
-    AnySetting (*settingOf) (const Tarvik41Processor&);
+    AnySetting (*settingOf) (Strip);
     std::optional<BroadcastMessage::Type> message;
 
-    constexpr int idAfterOptions() const { return firstId + static_cast<int> (options.size()); }
+    constexpr int numOptions() const { return static_cast<int> (options.size()); }
 
-    constexpr int setInAllId() const { return message ? idAfterOptions() : 0; }
-
-    constexpr int saveId() const { return idAfterOptions() + (message ? 1 : 0); }
+    constexpr int numItems() const { return numOptions() + (message ? 2 : 1); }
 };
 
-using Strip = const Tarvik41Processor&;
-
 constexpr std::array<SubMenu, numSubMenus> subMenus { {
-    { 2, calibrations, calibrationHeading, [] (Strip p) -> AnySetting { return &p.calibrationSetting(); },
+    { calibrations, calibrationHeading, [] (Strip p) -> AnySetting { return &p.calibrationSetting(); },
       BroadcastMessage::calibration },
-    { 13, oversamplings, oversamplingHeading, [] (Strip p) -> AnySetting { return &p.oversamplingSetting(); },
+    { oversamplings, oversamplingHeading, [] (Strip p) -> AnySetting { return &p.oversamplingSetting(); },
       BroadcastMessage::oversampling },
-    { 20, noises, noiseHeading, [] (Strip p) -> AnySetting { return &p.analogSetting(); }, BroadcastMessage::analog },
-    { 24, sensitivities, sensitivityHeading, [] (Strip p) -> AnySetting { return &p.limiterSensitivitySetting(); },
+    { noises, noiseHeading, [] (Strip p) -> AnySetting { return &p.analogSetting(); }, BroadcastMessage::analog },
+    { sensitivities, sensitivityHeading, [] (Strip p) -> AnySetting { return &p.limiterSensitivitySetting(); },
       BroadcastMessage::limiterSensitivity },
-    { 29, zooms, zoomHeading, [] (Strip p) -> AnySetting { return &p.uiZoomSetting(); }, std::nullopt },
+    { zooms, zoomHeading, [] (Strip p) -> AnySetting { return &p.uiZoomSetting(); }, std::nullopt },
 } };
+
+constexpr auto zoomMenu = subMenus.size() - 1;
 
 enum : int
 {
     aboutId = 1,
+    firstSubMenuId,
     compressorKeyId = 35,
-    expanderKeyId = 36
+    expanderKeyId
 };
-
-static_assert (
-    []
-    {
-        auto id = aboutId + 1;
-
-        for (const auto& menu : subMenus)
-            id = menu.firstId == id ? menu.saveId() + 1 : -1;
-
-        return id == compressorKeyId;
-    }(),
-    "every id once, without gaps");
-
-constexpr auto zoomMenu = subMenus.size() - 1;
 
 double valueOf (const AnySetting& setting)
 {
@@ -136,20 +123,14 @@ double defaultOf (const AnySetting& setting)
     return std::visit ([] (auto* s) { return static_cast<double> (s->storedDefault()); }, setting);
 }
 
-template <typename T>
-T convert (const ProcessorSetting<T>*, double value)
-{
-    return static_cast<T> (value);
-}
-
 void setValue (const AnySetting& setting, double value)
 {
-    std::visit ([value] (auto* s) { s->setValue (convert (s, value)); }, setting);
+    std::visit ([value] (auto* s) { s->setValue (static_cast<decltype (s->getValue())> (value)); }, setting);
 }
 
 void saveDefault (const AnySetting& setting, double value)
 {
-    std::visit ([value] (auto* s) { s->saveAsDefault (convert (s, value)); }, setting);
+    std::visit ([value] (auto* s) { s->saveAsDefault (static_cast<decltype (s->getValue())> (value)); }, setting);
 }
 
 /** Two values that the menu shows as the same: the zoom of an old project may be 1.2 or the float next to it. */
@@ -164,53 +145,45 @@ void setInAll (const SubMenu& menu, double value)
             { *menu.message, static_cast<std::int32_t> (std::clamp (value, -largest, largest)) });
 }
 
-juce::PopupMenu buildSubMenu (const SubMenu& menu, const Tarvik41Processor& processor, double present)
+juce::PopupMenu buildSubMenu (const SubMenu& menu, int id, Strip processor, double current)
 {
     const auto stored = defaultOf (menu.settingOf (processor));
     juce::PopupMenu items;
-    auto id = menu.firstId;
 
     for (const auto& option : menu.options)
         items.addItem (id++, Text (option.text) + (isSame (option.value, stored) ? " (default)" : ""), true,
-                       isSame (option.value, present));
+                       isSame (option.value, current));
 
     items.addSeparator();
 
     if (menu.message)
-        items.addItem (menu.setInAllId(), "Set in all instances");
+        items.addItem (id++, "Set in all instances");
 
-    items.addItem (menu.saveId(), "Save as default");
+    items.addItem (id, "Save as default");
     return items;
 }
 
-void applyToSetting (const SubMenu& menu, int id, juce::ModifierKeys modifiers, double captured,
-                     const Tarvik41Processor& processor)
+/** Does what the item at a place of a sub-menu says. */
+void applyToSetting (const SubMenu& menu, int place, juce::ModifierKeys modifiers, double captured, Strip processor)
 {
     const auto setting = menu.settingOf (processor);
-    const auto isOption = id < menu.idAfterOptions();
-    const auto value = isOption ? menu.options[static_cast<std::size_t> (id - menu.firstId)].value : captured;
+    const auto isOption = place < menu.numOptions();
+    const auto isSaving = place == menu.numItems() - 1;
+    const auto value = isOption ? menu.options[static_cast<std::size_t> (place)].value : captured;
 
     if (isOption)
         setValue (setting, value);
 
-    if (id == menu.setInAllId() || (isOption && modifiers.isShiftDown()))
+    if (isOption ? modifiers.isShiftDown() : ! isSaving)
         setInAll (menu, value);
 
-    if (id == menu.saveId() || (isOption && modifiers.isAltDown()))
+    if (isOption ? modifiers.isAltDown() : isSaving)
         saveDefault (setting, value);
 }
 
 /** The two switches that have no control on the panel. */
-constexpr int compressorKeyParameter = consoleLayout::parameter ("compExtSideChain");
-constexpr int expanderKeyParameter = consoleLayout::parameter ("expExtSideChain");
-
-void setInGesture (juce::AudioProcessor& processor, int index, bool isOn)
-{
-    auto& parameter = *processor.getParameters()[index];
-    parameter.beginChangeGesture();
-    parameter.setValueNotifyingHost (isOn ? 1.0f : 0.0f);
-    parameter.endChangeGesture();
-}
+constexpr int compressorKeyParameter = parameterNamed ("compExtSideChain");
+constexpr int expanderKeyParameter = parameterNamed ("expExtSideChain");
 } // namespace
 
 Captured capture (const Tarvik41Processor& processor)
@@ -230,6 +203,7 @@ juce::PopupMenu build (const Tarvik41Processor& processor, const Captured& captu
     juce::PopupMenu menu;
     menu.addItem (aboutId, "About...");
     menu.addSeparator();
+    auto id = static_cast<int> (firstSubMenuId);
 
     for (std::size_t i = 0; i < subMenus.size(); ++i)
     {
@@ -237,7 +211,8 @@ juce::PopupMenu build (const Tarvik41Processor& processor, const Captured& captu
             menu.addSeparator();
 
         const auto value = captured.values[i];
-        menu.addSubMenu (subMenus[i].heading (value), buildSubMenu (subMenus[i], processor, value));
+        menu.addSubMenu (subMenus[i].heading (value), buildSubMenu (subMenus[i], id, processor, value));
+        id += subMenus[i].numItems();
     }
 
     menu.addSeparator();
@@ -249,24 +224,27 @@ juce::PopupMenu build (const Tarvik41Processor& processor, const Captured& captu
 void apply (int id, juce::ModifierKeys modifiers, const Captured& captured, Tarvik41Processor& processor,
             const WindowActions& actions)
 {
+    const auto setSwitch = [&processor] (int index, bool isOn)
+    { setInGesture (*processor.getParameters()[index], isOn ? 1.0f : 0.0f); };
+
     if (id == aboutId)
         actions.showAbout();
     else if (id == compressorKeyId)
-        setInGesture (processor, compressorKeyParameter, ! captured.isCompressorKeyExternal);
+        setSwitch (compressorKeyParameter, ! captured.isCompressorKeyExternal);
     else if (id == expanderKeyId)
-        setInGesture (processor, expanderKeyParameter, ! captured.isExpanderKeyExternal);
+        setSwitch (expanderKeyParameter, ! captured.isExpanderKeyExternal);
+
+    auto place = id - firstSubMenuId;
 
     for (std::size_t i = 0; i < subMenus.size(); ++i)
     {
-        const auto& menu = subMenus[i];
+        if (place >= 0 && place < subMenus[i].numItems())
+            applyToSetting (subMenus[i], place, modifiers, captured.values[i], processor);
 
-        if (id < menu.firstId || id > menu.saveId())
-            continue;
-
-        applyToSetting (menu, id, modifiers, captured.values[i], processor);
-
-        if (i == zoomMenu && id < menu.idAfterOptions())
+        if (i == zoomMenu && place >= 0 && place < subMenus[i].numOptions())
             actions.updateSize();
+
+        place -= subMenus[i].numItems();
     }
 }
 

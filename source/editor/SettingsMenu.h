@@ -29,7 +29,7 @@ struct Captured
 
 Captured capture (const Tarvik41Processor& processor);
 
-/** The items, with ticks at the captured values and " (default)" behind those that the settings file holds. */
+/** The items, with ticks at the captured values and " (default)" after those that the settings file holds. */
 juce::PopupMenu build (const Tarvik41Processor& processor, const Captured& captured);
 
 /** What an answer can ask of the window. */

@@ -20,9 +20,6 @@ public:
 
     void paint (juce::Graphics& g) override;
 
-    /** Tells the base class where the track is, without which no press finds it. */
-    void resized() override { Slider::resized(); }
-
 private:
     int plate = 1;
     std::array<ScaledPicture, 3> plates { ScaledPicture (Picture::togglePlate1), ScaledPicture (Picture::togglePlate2),

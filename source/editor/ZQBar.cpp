@@ -2,7 +2,7 @@
 #include "editor/ZQBar.h"
 
 #include "editor/EditorSize.h"
-#include "editor/KVLLNF.h"
+#include "editor/Palette.h"
 
 namespace tarvik
 {
@@ -34,30 +34,11 @@ constexpr PageLink pageLinks[] = {
 };
 } // namespace
 
-ZQBar::LNF::LNF() { menuDrawing::setColours (*this); }
-
-void ZQBar::LNF::drawPopupMenuBackground (juce::Graphics& g, int width, int height)
-{
-    menuDrawing::drawBackground (g, width, height);
-}
-
-void ZQBar::LNF::drawPopupMenuItem (juce::Graphics& g, const juce::Rectangle<int>& area, bool isSeparator,
-                                    bool isActive, bool isHighlighted, bool isTicked, bool hasSubMenu,
-                                    const juce::String& text, const juce::String& shortcut, const juce::Drawable* icon,
-                                    const juce::Colour* textColour)
-{
-    menuDrawing::drawRow (
-        g, *this, area,
-        { isSeparator, isActive, isHighlighted, isTicked, hasSubMenu, text, shortcut, icon, textColour });
-}
-
-//==============================================================================
 ZQBar::ZQBar() : ZQBar (World()) {}
 
 ZQBar::ZQBar (World worldOutside) : world (std::move (worldOutside))
 {
     constexpr float fontHeight = 10.0f, disabledAlpha = 0.35f;
-    constexpr juce::uint32 textColour = 0xd2ffffff;
 
     setTitle ("Bottom bar");
     setOpaque (true);
@@ -69,8 +50,7 @@ ZQBar::ZQBar (World worldOutside) : world (std::move (worldOutside))
 
     for (const auto& [button, tooltip] : buttons)
     {
-        button.setTitle (tooltip);
-        button.setTooltip (tooltip);
+        button.setWords ({ tooltip });
         button.addListener (this);
         addAndMakeVisible (button);
     }
@@ -84,7 +64,7 @@ ZQBar::ZQBar (World worldOutside) : world (std::move (worldOutside))
     status.setText ("(loading)", juce::dontSendNotification);
     status.setFont (juce::Font (fontHeight));
     status.setJustificationType (juce::Justification::centred);
-    status.setColour (juce::Label::textColourId, juce::Colour (textColour));
+    status.setColour (juce::Label::textColourId, juce::Colour (palette::statusPrint));
     addAndMakeVisible (status);
 
     setSize (initialWidth, editorSize::stripHeight);
@@ -104,15 +84,13 @@ void ZQBar::paint (juce::Graphics& g) { g.fillAll (juce::Colours::black); }
 
 void ZQBar::resized()
 {
-    const auto fromRight = [this] (int place)
-    { return juce::Rectangle (getWidth() - place * buttonSize, 0, buttonSize, buttonSize); };
-
     logo.setBounds (0, 0, logoWidth, buttonSize);
     status.setBounds (juce::roundToInt (0.5f * static_cast<float> (getWidth())) - statusWidth / 2, 0, statusWidth,
                       buttonSize);
-    links.setBounds (fromRight (1));
-    licence.setBounds (fromRight (2));
-    shop.setBounds (fromRight (3));
+    auto x = getWidth();
+
+    for (auto* const button : { &links, &licence, &shop })
+        button->setBounds (x -= buttonSize, 0, buttonSize, buttonSize);
 }
 
 void ZQBar::timerCallback() { updateStatus(); }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "editor/KVLLNF.h"
 #include "editor/PictureButtons.h"
 #include "editor/Sites.h"
 #include "plugin/LicenceCheck.h"
@@ -28,16 +29,8 @@ public:
     };
 
     /** The look of the bar's menu. */
-    class LNF final : public juce::LookAndFeel_V3
+    struct LNF final : MenuLook
     {
-    public:
-        LNF();
-
-        void drawPopupMenuBackground (juce::Graphics& g, int width, int height) override;
-        void drawPopupMenuItem (juce::Graphics& g, const juce::Rectangle<int>& area, bool isSeparator, bool isActive,
-                                bool isHighlighted, bool isTicked, bool hasSubMenu, const juce::String& text,
-                                const juce::String& shortcut, const juce::Drawable* icon,
-                                const juce::Colour* textColour) override;
     };
 
     ZQBar();

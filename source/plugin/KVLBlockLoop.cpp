@@ -221,7 +221,7 @@ void KVLProcessor::processSlice (float** channels, int numMain, int numSide, int
 
     // Both look at their requests now, so that one change of both gains is heard in one slice. A gain of 1 costs
     // nothing.
-    const auto changesInput = ! inputGainRamp.restsAtOne(), changesOutput = ! outputGainRamp.restsAtOne();
+    const auto changesInput = ! inputGainRamp.isIdleAtOne(), changesOutput = ! outputGainRamp.isIdleAtOne();
 
     if (changesInput)
     {

@@ -38,16 +38,10 @@ void settle (std::span<BiquadCascade* const> cascades) noexcept
 
 void DetectorFilters::prepare (double rateHz, int numChannels, int maxSamples)
 {
-    highPass.prepare (rateHz, numChannels, maxSamples);
-    niveau.prepare (rateHz, numChannels, maxSamples);
-    pieces.assign (static_cast<std::size_t> (std::max (numChannels, 0)), nullptr);
+    filters.prepare (rateHz, numChannels, maxSamples);
 }
 
-void DetectorFilters::reset() noexcept
-{
-    highPass.reset();
-    niveau.reset();
-}
+void DetectorFilters::reset() noexcept { filters.reset(); }
 
 void DetectorFilters::setHighPass (float cutoffHz) noexcept
 {
@@ -56,6 +50,7 @@ void DetectorFilters::setHighPass (float cutoffHz) noexcept
     const auto omega = 2.0 * std::numbers::pi * static_cast<double> (heldHz);
     const auto analogue = AnalogBiquad::make (AnalogBiquad::Type::highPass, std::sqrt (0.5), 1.0, 1.0, omega);
 
+    auto& highPass = filters.first;
     highPass.setAnalogue (analogue.numerator, analogue.denominator);
     highPass.bringInCoefficients();
     highPass.setOn (heldHz >= lowestOnHz);
@@ -63,33 +58,9 @@ void DetectorFilters::setHighPass (float cutoffHz) noexcept
 
 void DetectorFilters::process (float* const* rows, int n) noexcept
 {
-    std::copy_n (rows, pieces.size(), pieces.begin());
-
-    // Cut where a fade ends: at rest the samples between the filters keep 64 bits, and a filter that has faded out is
-    // not heard any more.
-    for (int length = 0; n > 0; n -= length)
-    {
-        const auto highPassRests = highPass.beginSlice();
-        const auto niveauRests = niveau.beginSlice();
-
-        if (highPassRests && niveauRests)
-        {
-            length = n;
-            processInTurn (highPass.getActiveCascades(), niveau.getCascades(), pieces.data(), length);
-        }
-        else
-        {
-            length = niveau.getPieceLength (highPass.getPieceLength (n));
-            highPass.process (pieces.data(), length);
-            niveau.process (pieces.data(), length);
-        }
-
-        for (auto& piece : pieces)
-            piece += length;
-    }
-
-    settle (highPass.getActiveCascades());
-    settle (niveau.getCascades());
+    filters.process (rows, n);
+    settle (filters.first.getActiveCascades());
+    settle (filters.second.getActiveCascades());
 }
 
 } // namespace tarvik

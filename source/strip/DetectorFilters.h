@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "dsp/FilterSeries.h"
 #include "dsp/MZTiCoefs.h"
 #include "dsp/SmoothedIppIIR.h"
 #include "strip/NiveauFilter.h"
-
-#include <vector>
 
 namespace tarvik
 {
@@ -30,15 +29,13 @@ public:
     void setHighPass (float cutoffHz) noexcept;
 
     /** Any thread. */
-    void setNiveau (bool isOn) noexcept { niveau.setOn (isOn); }
+    void setNiveau (bool isOn) noexcept { filters.second.setOn (isOn); }
 
     /** Audio thread: one row of n finite samples per channel, in place; n is at most maxSamples. */
     void process (float* const* rows, int n) noexcept;
 
 private:
-    SmoothedIppIIR<float, MZTiCoefs<double, 2, 2>> highPass;
-    NiveauFilter niveau;
-    std::vector<float*> pieces; ///< where the rows go on
+    FilterSeries<SmoothedIppIIR<float, MZTiCoefs<double, 2, 2>>, NiveauFilter> filters;
 };
 
 } // namespace tarvik

@@ -129,7 +129,7 @@ void DynamicsSection::takeSettings() noexcept
 
     for (auto* const ramp : getRamps())
     {
-        areCurvesKept = areCurvesKept && ramp->rests();
+        areCurvesKept = areCurvesKept && ramp->isIdle();
         ramp->takeRequest();
     }
 }

@@ -4,6 +4,8 @@
 #include "dsp/RowOperations.h"
 #include "strip/ToleranceChannel.h"
 
+#include <span>
+
 namespace tarvik
 {
 
@@ -75,12 +77,7 @@ void EqualiserSection::process (float* const* channels, int n) noexcept
 {
     fader.begin (channels, n);
 
-    if (numInUse == 2)
-        ConsoleEQ::processPair (*equalisers[0], *equalisers[1], channels[0], channels[1], n);
-    else
-        for (std::size_t c = 0; c < numInUse; ++c)
-            equalisers[c]->process (channels[c], n);
-
+    ConsoleEQ::process (std::span (equalisers).first (numInUse), channels, n);
     rows::scale (channels, static_cast<int> (numInUse), makeupGain, n);
 
     fader.end (channels, n);

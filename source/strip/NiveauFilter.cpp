@@ -3,13 +3,11 @@
 
 #include "dsp/AnalogBiquad.h"
 #include "dsp/MZTiCoefs.h"
-#include "dsp/RampTimes.h"
-#include "dsp/RowOperations.h"
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <numbers>
+#include <vector>
 
 namespace tarvik
 {
@@ -46,8 +44,10 @@ Design::Taps designShelf (const Shelf& shelf, double rateHz)
 }
 } // namespace
 
-void NiveauFilter::prepare (double rateHz, int numChannels, int maxSamples)
+void NiveauFilter::prepare (double rateHz, int channels, int maxSamples)
 {
+    CascadeBanks::prepare (rateHz, channels, maxSamples);
+
     std::vector<double> taps;
 
     for (const auto& shelf : shelves)
@@ -56,69 +56,24 @@ void NiveauFilter::prepare (double rateHz, int numChannels, int maxSamples)
         taps.insert (taps.end(), shelfTaps.begin(), shelfTaps.end());
     }
 
-    cascades.resize (static_cast<std::size_t> (std::max (numChannels, 0)));
-    cascadePointers.clear();
-
-    for (auto& cascade : cascades)
-    {
-        cascade.setTaps (taps);
-        cascadePointers.push_back (&cascade);
-    }
-
-    onRamp.prepare (rampSteps (rateHz));
-
-    const auto rowLength = static_cast<std::size_t> (std::max (maxSamples, 0));
-    wetShare.resize (rowLength);
-    dryShare.resize (rowLength);
-    wet.resize (rowLength * cascades.size());
-    wetRows.clear();
-
-    for (std::size_t c = 0; c < cascades.size(); ++c)
-        wetRows.push_back (wet.data() + c * rowLength);
+    settle (taps);
 }
 
 void NiveauFilter::reset() noexcept
 {
     onRamp.snap();
-
-    for (auto& cascade : cascades)
-        cascade.clear();
+    settle();
 }
 
 bool NiveauFilter::beginSlice() noexcept
 {
-    const auto wasOff = isOff();
+    const auto wasOut = isOut();
     onRamp.takeRequest();
 
-    if (wasOff && ! isOff())
-        for (auto& cascade : cascades)
-            cascade.clear();
+    if (wasOut && ! isOut())
+        settle();
 
-    return onRamp.restsAtOne();
-}
-
-void NiveauFilter::process (float* const* channels, int n) noexcept
-{
-    if (beginSlice())
-        return processSideBySide (cascadePointers, channels, n);
-
-    if (isOff())
-        return;
-
-    // The fade scales the filter's input, not its output: fading out, what it remembers rings on.
-    onRamp.fill (wetShare.data(), n);
-    rows::combine (rows::ScalarOperation::subtractFrom, dryShare.data(), wetShare.data(), 1.0f, n);
-
-    for (std::size_t c = 0; c < cascades.size(); ++c)
-    {
-        rows::multiply (wetRows[c], channels[c], wetShare.data(), n);
-        rows::multiply (channels[c], dryShare.data(), n);
-    }
-
-    processSideBySide (cascadePointers, wetRows.data(), n);
-
-    for (std::size_t c = 0; c < cascades.size(); ++c)
-        rows::add (channels[c], wetRows[c], n);
+    return isIdle();
 }
 
 } // namespace tarvik

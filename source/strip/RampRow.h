@@ -39,7 +39,7 @@ public:
     /** Audio thread: the next n values. */
     const float* advance (int n) noexcept
     {
-        if (isConstant && ramp.rests())
+        if (isConstant && ramp.isIdle())
             return row.data();
 
         ramp.takeRequest();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "dsp/ComponentTable.h"
+#include "dsp/FilterSeries.h"
 #include "dsp/MZTiCoefs.h"
 #include "dsp/SmoothedIppIIR.h"
 #include "strip/SaturationShaper.h"
@@ -33,7 +34,7 @@ public:
 
     SaturationShaper& getShaper() noexcept { return shaper; }
 
-    /** The output filters of one or two channels in one pass, each with its row of n samples, in place; the same bits
+    /** The output filters of several channels in shared passes, each with its row of n samples, in place; the same bits
         as one by one. */
     static void filter (std::span<SaturationChannel* const> channels, float* const* rows, int n) noexcept;
 
@@ -44,7 +45,6 @@ private:
 
     ComponentTable components;
     SaturationShaper shaper;
-    Filter highPass;
-    Filter lowPass;
+    FilterSeries<Filter, Filter> filters; ///< high pass, low pass
 };
 } // namespace tarvik

@@ -29,7 +29,7 @@ public:
     /** Audio thread; n is at most maxSamples. */
     void begin (const float* const* channels, int n) noexcept
     {
-        isActive = ! fade.restsAtOne();
+        isActive = ! fade.isIdleAtOne();
 
         if (isActive)
             blend.split (fade, channels, n);

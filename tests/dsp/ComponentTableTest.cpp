@@ -38,15 +38,5 @@ TEST (ComponentTable, HasTheIndependentlyComputedBits)
     EXPECT_EQ (hashOf (ComponentTable (equaliserComponents)), equaliserHash);
     EXPECT_EQ (hashOf (ComponentTable (saturationComponents)), saturationHash);
 }
-
-TEST (ComponentTable, ActiveChannelIsLimitedToTheTable)
-{
-    ComponentTable table (equaliserComponents);
-    table.setActiveChannel (32);
-    EXPECT_EQ (table.getActiveChannel(), 31);
-    EXPECT_EQ (table.getActive (7), table.get (7, 31));
-    table.setActiveChannel (-1);
-    EXPECT_EQ (table.getActiveChannel(), 0);
-}
 } // namespace
 } // namespace tarvik

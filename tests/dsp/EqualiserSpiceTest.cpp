@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "FilterTestTools.h"
+#include "dsp/EqualiserComponents.h"
 #include "dsp/EqualiserNetwork.h"
 
 #include <gtest/gtest.h>
 #include <juce_core/juce_core.h>
 
+#include <limits>
 #include <sstream>
 
 // The equaliser's circuit, drawn here once more from the values of its parts and solved by a circuit simulator: what
@@ -167,13 +169,31 @@ TEST (EqualiserCircuit, PolynomialsAgreeWithACircuitSimulator)
             double real = 0.0, imaginary = 0.0;
             numbers >> real >> imaginary;
             components.setActiveChannel (settings[i].toleranceChannel);
-            const auto response = solveEqualiserNetwork (selectElements (components, settings[i]));
+            const auto response = solveEqualiserNetwork (components, settings[i]);
             const auto expected = analogueResponse (response.numerator, response.denominator, hz);
             ASSERT_LT (std::abs (Complex (real, imaginary) - expected), relativeTolerance * std::abs (expected))
                 << "setting " << i << " at " << hz << " Hz";
         }
 
     EXPECT_EQ (numFrequencies, 121) << "This test needs ngspice (Debian package ngspice). It said: " << log;
+}
+
+TEST (EqualiserCircuit, PositionsBeyondAnEndCountAsItAndNaNAsZero)
+{
+    constexpr auto nan = std::numeric_limits<float>::quiet_NaN(), infinity = std::numeric_limits<float>::infinity();
+    const ComponentTable table (equaliserComponents);
+    const auto solve = [&table] (std::int32_t position, float pot, std::int32_t midMode)
+    {
+        const EQControls controls { position, position, position, pot, midMode, position, pot, 0, 0 };
+        const auto [numerator, denominator] = solveEqualiserNetwork (table, controls);
+        return std::pair (numerator, denominator);
+    };
+
+    for (const auto pot : { nan, -infinity, -1.0f })
+        EXPECT_EQ (solve (-1, pot, 1), solve (0, 0.0f, 1));
+
+    EXPECT_EQ (solve (99, infinity, 0), solve (10, 1.0f, 0));
+    EXPECT_NE (solve (9, 1.0f, 0), solve (10, 1.0f, 0)); // "High Gain", of eleven positions
 }
 } // namespace
 } // namespace tarvik

@@ -2,6 +2,7 @@
 #include "FilterTestTools.h"
 #include "dsp/AnalogBiquad.h"
 #include "dsp/ComponentTable.h"
+#include "dsp/EqualiserComponents.h"
 #include "dsp/EqualiserNetwork.h"
 #include "dsp/MZTiCoefs.h"
 #include "dsp/PolynomialRoots.h"
@@ -38,43 +39,23 @@ std::unique_ptr<Coefs> design (const typename Coefs::Polynomial& numerator,
 TEST (AnalogBiquad, HasTheGainsOfItsTypeAtZeroCentreAndInfinity)
 {
     using Type = AnalogBiquad::Type;
-
-    struct Case
-    {
-        Type type;
-        double shelf, atZero, atCentre, atInfinity; // gains
-    };
-
-    // A shelf whose far end is a^2 passes a at its centre; another far end moves that end only, and the centre in no
-    // simple way (hence -1).
+    using Case = std::pair<Type, std::array<double, 3>>;
     constexpr auto a = 3.0, q = 0.7, centreHz = 1000.0;
-    constexpr Case cases[] = {
-        { Type::lowPass, 1.0, 1.0, q, 0.0 },        { Type::highPass, 1.0, 0.0, q, 1.0 },
-        { Type::peak, 1.0, 1.0, a * a, 1.0 },       { Type::allPass, 1.0, 1.0, 1.0, 1.0 },
-        { Type::bandPass, 1.0, 0.0, 1.0, 0.0 },     { Type::lowShelf, a * a, a * a, a, 1.0 },
-        { Type::highShelf, a * a, 1.0, a, a * a },  { Type::lowShelf, 0.25, 0.25, -1.0, 1.0 },
-        { Type::highShelf, 0.25, 1.0, -1.0, 0.25 },
-    };
+    constexpr Case cases[] = { { Type::lowPass, { 1.0, q, 0.0 } },    { Type::highPass, { 0.0, q, 1.0 } },
+                               { Type::peak, { 1.0, a * a, 1.0 } },   { Type::allPass, { 1.0, 1.0, 1.0 } },
+                               { Type::bandPass, { 0.0, 1.0, 0.0 } }, { Type::lowShelf, { a * a, a, 1.0 } },
+                               { Type::highShelf, { 1.0, a, a * a } } };
 
-    for (const auto& [type, shelf, atZero, atCentre, atInfinity] : cases)
+    for (const auto& [type, gains] : cases)
     {
-        const auto prototype = AnalogBiquad::make (type, q, shelf, a, 2.0 * std::numbers::pi * centreHz);
-        const auto response = [&] (double hz)
-        { return analogueResponse (prototype.numerator, prototype.denominator, hz); };
+        const auto prototype = AnalogBiquad::make (type, q, a * a, a, 2.0 * std::numbers::pi * centreHz);
+        const auto gainAt = [&p = prototype] (double hz)
+        { return std::abs (analogueResponse (p.numerator, p.denominator, hz)); };
 
         SCOPED_TRACE (static_cast<int> (type));
-        EXPECT_NEAR (std::abs (response (0.0)), atZero, 1e-6);
-        EXPECT_NEAR (std::abs (response (centreHz * 1e6)), atInfinity, 1e-5);
-
-        if (atCentre >= 0.0)
-        {
-            EXPECT_NEAR (std::abs (response (centreHz)), atCentre, 1e-6);
-        }
-
-        if (type == Type::allPass)
-        {
-            EXPECT_NEAR (response (centreHz).real(), -1.0, 1e-6); // the phase turns round
-        }
+        EXPECT_NEAR (gainAt (0.0), gains[0], 1e-6);
+        EXPECT_NEAR (gainAt (centreHz), gains[1], 1e-6);
+        EXPECT_NEAR (gainAt (centreHz * 1e6), gains[2], 1e-5);
     }
 }
 
@@ -106,7 +87,7 @@ TEST (FilterDesign, NeutralPrototypesAndConstantsAreExact)
     EXPECT_EQ (design<FifthOrder> ({ 0.0, 0.0, 0.0, 0.0, 0.0, 0.5 }, { 0.0, 0.0, 0.0, 0.0, 0.0, 2.0 })->taps, quarter);
 }
 
-TEST (FilterDesign, MagnitudeIsExactAtTheFitPointsOrAtTheFirstAlone)
+TEST (FilterDesign, MagnitudeIsExactAtTheFitPointsOrTheFirstAlone)
 {
     constexpr auto third = std::numbers::pi / 3.0;
     std::mt19937 random (3);
@@ -176,33 +157,27 @@ TEST (FilterDesign, FollowsTheNetworkUpToNearlyHalfTheRate)
 {
     // Bounds in dB up to these parts of half the rate. The first setting comes nearest to them, at 44.1 kHz: all of the
     // mid boost at 6 kHz under a high cut at 14 kHz.
-    using Bounds = std::array<std::pair<double, double>, 3>;
-    constexpr Bounds boundsFrom88200 { { { 0.5, 0.03 }, { 0.8, 0.26 }, { 0.9, 0.75 } } };
-    constexpr Bounds boundsBelow { { { 0.5, 0.03 }, { 0.8, 0.27 }, { 0.9, 0.85 } } };
-    constexpr auto numFrequencies = 90;
+    constexpr std::pair<double, double> bounds[] = { { 0.5, 0.03 }, { 0.8, 0.27 }, { 0.9, 0.85 } };
     ComponentTable table (equaliserComponents);
     std::mt19937 random (4);
 
-    for (int trial = 0; trial < 200; ++trial)
-        for (const auto sampleRate : { 44100.0, 48000.0, 88200.0, 96000.0, 192000.0, 384000.0 })
+    for (int trial = 0; trial < 100; ++trial)
+        for (const auto sampleRate : { 44100.0, 96000.0, 384000.0 })
         {
             const auto controls = trial == 0 ? EQControls { 2, 1, 7, 1.0f, 1, 7, 0.0f, 0, 18 } : drawControls (random);
-            const auto& bounds = sampleRate < 88200.0 ? boundsBelow : boundsFrom88200;
             table.setActiveChannel (controls.toleranceChannel);
-            const auto response = solveEqualiserNetwork (selectElements (table, controls));
-            const auto coefs = design<FifthOrder> (response.numerator, response.denominator, sampleRate);
+            const auto [numerator, denominator] = solveEqualiserNetwork (table, controls);
+            const auto coefs = design<FifthOrder> (numerator, denominator, sampleRate);
+            auto part = 0.01;
 
-            for (int i = 1; i <= numFrequencies; ++i)
-            {
-                const auto part = 0.9 * i / numFrequencies;
-                const auto wanted =
-                    std::abs (analogueResponse (response.numerator, response.denominator, part * sampleRate / 2.0));
-                const auto got = std::abs (digitalResponse (coefs->taps, part * std::numbers::pi));
-                const auto bound =
-                    std::find_if (bounds.begin(), bounds.end(), [part] (auto b) { return part <= b.first + 1e-9; });
-                ASSERT_LT (std::abs (toDecibels (got / wanted)), bound->second)
-                    << "trial " << trial << ", rate " << sampleRate << ", part of half the rate " << part;
-            }
+            for (const auto& [end, bound] : bounds)
+                for (; part <= end; part += 0.01)
+                {
+                    const auto wanted = std::abs (analogueResponse (numerator, denominator, part * sampleRate / 2.0));
+                    const auto got = std::abs (digitalResponse (coefs->taps, part * std::numbers::pi));
+                    ASSERT_LT (std::abs (toDecibels (got / wanted)), bound)
+                        << "trial " << trial << ", rate " << sampleRate << ", part of half the rate " << part;
+                }
         }
 }
 

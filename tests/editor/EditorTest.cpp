@@ -2,45 +2,18 @@
 #include "editor/EditorSize.h"
 #include "tests/support/ConsoleTestTools.h"
 #include "tests/support/Golden.h"
+#include "tests/support/HeadlessWindow.h"
 
 namespace tarvik
 {
 namespace
 {
 using namespace test;
-
-/** A strip with its window, found the way a host finds it. */
-struct EditorUnderTest
-{
-    EditorUnderTest() : strip (makeStrip (2)), ears (*strip)
-    {
-        strip->uiZoomSetting().setValue (1.0);
-        open();
-    }
-
-    ~EditorUnderTest() { strip->editorBeingDeleted (editor.get()); }
-
-    void open()
-    {
-        editor.reset (strip->createEditorIfNeeded());
-        editor->setVisible (true);
-    }
-
-    OrvaneConsoleUI& console() { return childOf<OrvaneConsoleUI> (*editor, "Console channel"); }
-
-    juce::Button& button (const char* title) { return childOf (*editor, title); }
-
-    juce::Slider& pot (const char* title) { return childOf<juce::Slider> (*editor, title); }
-
-    std::unique_ptr<Tarvik41Processor> strip;
-    HostEars ears;
-    std::unique_ptr<juce::AudioProcessorEditor> editor;
-};
-} // namespace
+}
 
 TEST (Editor, EverythingHasItsPlaceAndThePresetBoxIsNeverShown)
 {
-    EditorUnderTest t;
+    WindowUnderTest t;
     juce::String all;
     const auto list = [&all] (juce::Component& parent, const char* indent)
     {
@@ -54,101 +27,136 @@ TEST (Editor, EverythingHasItsPlaceAndThePresetBoxIsNeverShown)
     expectGolden ("editor.txt", all);
 }
 
-TEST (Editor, OpensAtTheZoomOfTheSettingAndFollowsIt)
+TEST (Editor, FollowsTheZoomSettingALittleLater)
 {
-    EditorUnderTest t;
-    EXPECT_EQ (t.editor->getBounds().withZeroOrigin(), juce::Rectangle (900, 741));
+    WindowUnderTest t;
     t.strip->uiZoomSetting().setValue (1.5);
-    EXPECT_EQ (t.editor->getWidth(), 900) << "a little later";
+    EXPECT_EQ (t.editor->getWidth(), 900);
     runMessagesFor (200);
     EXPECT_EQ (t.editor->getBounds().withZeroOrigin(), juce::Rectangle (1350, 1079));
 }
 
-TEST (EditorSize, FollowsTheZoomAndStaysOnTheDisplay)
+TEST (Editor, ItsSizeFollowsTheZoomAndStaysOnTheDisplay)
 {
     const juce::Rectangle small (1024, 768), nothing (0, 0), large (1920, 1080);
     const auto nan = std::numeric_limits<double>::quiet_NaN();
 
     // (768 x 0.9 - 64) / 740.67 is 0.8468, less than the width allows. From a damaged project comes a window of a usable
-    // size; a display that says nothing is none.
+    // size; a display without an area does not limit it.
     for (const auto& [zoom, display, width, height] : { std::tuple (0.8, nothing, 720, 605),
                                                         { 0.9, nothing, 810, 673 },
                                                         { 1.2, nothing, 1080, 876 },
-                                                        { 1.5, nothing, 1350, 1079 },
                                                         { 1.5, small, 762, 637 },
                                                         { 0.8, small, 720, 605 },
-                                                        { 0.0, nothing, 720, 605 },
                                                         { -3.0, large, 720, 605 },
                                                         { nan, large, 900, 741 },
                                                         { 1e300, nothing, 1350, 1079 } })
         EXPECT_EQ (editorSize::forZoom (zoom, display), juce::Point (width, height)) << zoom;
 
+    EXPECT_EQ (editorSize::forZoom (1.5, juce::Rectangle (1000, 2000)), juce::Point (900, 741)) << "by the width";
     EXPECT_EQ (editorSize::forZoom (1.0, {}), juce::Point (900, 741));
 }
 
-TEST (Editor, AHostsChangeIsShownWithinATickAndNotEchoed)
+TEST (Editor, AHostsChangeIsShownWithinATickUnlessHidden)
 {
-    EditorUnderTest t;
-    auto& pot = t.pot ("Input Level");
+    WindowUnderTest t;
+    auto& pot = childOf<juce::Slider> (*t.editor, "Input Level");
     setPlain (*t.strip, { { "inLevel", 3.333f }, { "gain", 12.0f } });
     t.ears.heard();
     runMessagesFor (250);
-    EXPECT_EQ (t.ears.heard(), "");
+    EXPECT_EQ (t.ears.heard(), "") << "an echo";
     EXPECT_NEAR (pot.getValue(), (3.333 + 10.0) / 20.0, 0.0005);
-    EXPECT_NEAR (dynamic_cast<juce::Slider&> (*t.console().controlsOf (1).front()).getValue(), 0.4, 1e-6);
+    EXPECT_NEAR (t.control<juce::Slider> ("gain").getValue(), 0.4, 1e-6);
 
-    // What the mouse does goes to the host, without a gesture.
-    pot.setValue (1.0, juce::sendNotificationSync);
-    EXPECT_EQ (t.ears.heard(), "v38 ");
-    EXPECT_FLOAT_EQ (plainOf (*t.strip, "inLevel"), 10.0f);
-}
-
-TEST (Editor, HiddenItDoesNothingAndShownAgainItIsRightAtOnce)
-{
-    EditorUnderTest t;
     t.editor->setVisible (false);
-    setPlain (*t.strip, "outLevel", 10.0f);
+    setPlain (*t.strip, { { "inLevel", 10.0f }, { "gain", 48.0f } });
     runMessagesFor (200);
-    EXPECT_NEAR (t.pot ("Output Level").getValue(), 0.5, 1e-3);
+    EXPECT_LT (std::max (pot.getValue(), t.control<juce::Slider> ("gain").getValue()), 0.9);
     t.editor->setVisible (true);
-    EXPECT_NEAR (t.pot ("Output Level").getValue(), 1.0, 1e-3);
+    EXPECT_EQ (pot.getValue(), 1.0) << "at once";
+    EXPECT_EQ (t.control<juce::Slider> ("gain").getValue(), 1.0);
 }
 
 TEST (Editor, TheSlotsAreChosenAndCopied)
 {
-    EditorUnderTest t;
-    const auto state = [&t]
+    WindowUnderTest t;
+    const auto clicked = [&t] (const char* button)
     {
-        juce::String text;
+        click (t.button (button));
+        runMessagesFor (150);
+        juce::String shown;
 
-        for (const auto* const title : { "Slot A", "Slot B" })
-            text << (t.button (title).getToggleState() ? title : "");
+        for (const auto* const title : { "Slot A", "Slot B", "Copy to A", "Copy to B" })
+            if (auto& b = t.button (title); b.isVisible() && (b.getToggleState() || b.getTitle().startsWith ("Copy")))
+                shown << title << " ";
 
-        for (const auto* const title : { "Copy to A", "Copy to B" })
-            text << (t.button (title).isVisible() ? juce::String (", ") + title : "");
-
-        return text;
+        return shown << plainOf (*t.strip, "gain");
     };
 
-    EXPECT_EQ (state(), "Slot A, Copy to B");
     setPlain (*t.strip, "gain", 20.0f);
-    click (t.button ("Copy to B"));
-    EXPECT_EQ (t.strip->getCurrentSlot(), 0) << "copying does not choose";
+    EXPECT_EQ (clicked ("Copy to B"), "Slot A Copy to B 20") << "copying does not choose";
     setPlain (*t.strip, "gain", 5.0f);
-    click (t.button ("Slot B"));
+    EXPECT_EQ (clicked ("Slot B"), "Slot B Copy to A 20");
     EXPECT_EQ (t.strip->getCurrentSlot(), 1);
-    EXPECT_FLOAT_EQ (plainOf (*t.strip, "gain"), 20.0f);
-    runMessagesFor (150);
-    EXPECT_EQ (state(), "Slot B, Copy to A");
+    clicked ("Copy to A");
+    EXPECT_EQ (clicked ("Slot A"), "Slot A Copy to B 20");
+}
 
-    click (t.button ("Copy to A"));
-    click (t.button ("Slot A"));
-    EXPECT_FLOAT_EQ (plainOf (*t.strip, "gain"), 20.0f);
+TEST (Editor, TheMenusOpenInItsWindowAndOutliveItWithoutHarm)
+{
+    WindowUnderTest t;
+    HeadlessWindow window (*t.editor);
+
+    const auto openMenu = [&] (juce::Button& button)
+    {
+        click (button);
+        runMessagesFor (20);
+        return juce::Component::getCurrentlyModalComponent();
+    };
+    const auto choose = [&] (int row)
+    {
+        while (row-- > 0)
+            window.press (juce::KeyPress::downKey);
+
+        window.press (juce::KeyPress::returnKey);
+        runMessagesFor (20);
+    };
+
+    for (auto* const button : { &t.button ("Menu"), &t.button ("Manual and links") })
+    {
+        auto* const menu = openMenu (*button);
+        ASSERT_NE (menu, nullptr);
+        EXPECT_EQ (menu->getParentComponent(), &window);
+        const auto picture = snapshotOf (*menu);
+        EXPECT_LT (picture.getPixelAt (0, 0).getAlpha(), 100) << "a round corner";
+        EXPECT_EQ (picture.getPixelAt (picture.getWidth() / 2, 1), juce::Colour (0xfffcfcfc)) << "a light sheet";
+        window.press (juce::KeyPress::escapeKey);
+        runMessagesFor (20);
+        EXPECT_EQ (juce::Component::getCurrentlyModalComponent(), nullptr);
+    }
+
+    auto& about = childOf<About> (*t.editor, "About");
+    EXPECT_FALSE (about.isVisible());
+    openMenu (t.button ("Menu"));
+    choose (1);
+    EXPECT_TRUE (about.isVisible());
+
+    t.ears.heard();
+    openMenu (t.button ("Menu"));
+    choose (8); // About, five sub-menus, the compressor's key, the expander's
+    EXPECT_EQ (t.ears.heard(), "(34 v34 )34 ");
+
+    ASSERT_NE (openMenu (t.button ("Menu")), nullptr);
+    t.strip->editorBeingDeleted (t.editor.get());
+    t.editor.reset();
+    runMessagesFor (20);
+    EXPECT_EQ (juce::Component::getCurrentlyModalComponent(), nullptr);
+    t.open();
 }
 
 TEST (Editor, HighlightsFrameTheControl)
 {
-    EditorUnderTest t;
+    WindowUnderTest t;
     auto& console = t.console();
     const auto plain = snapshotOf (console);
     const auto withHighlight = [&] (int index, bool isHighlighted)
@@ -156,51 +164,53 @@ TEST (Editor, HighlightsFrameTheControl)
         t.editor->setControlHighlight ({ index, isHighlighted, juce::Colours::red });
         return snapshotOf (console);
     };
+    const auto expectFramed = [&] (const juce::Image& framed, juce::Rectangle<int> area, int arm)
+    {
+        EXPECT_EQ (std::lround (difference (framed, plain) * 900 * 677), 4 * (2 * arm - 1)) << "four L";
 
-    const auto framed = withHighlight (1, true);
-    const auto gain = console.controlsOf (1)[0]->getBounds();
-    EXPECT_EQ (difference (framed, plain) * 900 * 677, 4 * 19) << "four L of 10 and 9 pixels";
+        for (const auto& corner : { area.getTopLeft(), area.getBottomRight().translated (-1, -1) })
+            EXPECT_NE (framed.getPixelAt (corner.x, corner.y), plain.getPixelAt (corner.x, corner.y));
+    };
 
-    for (const auto& corner : { gain.getTopLeft(), gain.getBottomRight().translated (-1, -1) })
-        EXPECT_NE (framed.getPixelAt (corner.x, corner.y), plain.getPixelAt (corner.x, corner.y));
-
-    EXPECT_EQ (difference (withHighlight (38, true), framed), 0.0) << "a parameter without a control";
+    expectFramed (withHighlight (1, true), t.control ("gain").getBounds(), 10);
     EXPECT_EQ (difference (withHighlight (1, false), plain), 0.0);
-    EXPECT_EQ (t.editor->getControlParameterIndex (*console.controlsOf (37).front()), 37);
-    EXPECT_EQ (t.editor->getControlParameterIndex (t.pot ("Input Level")), -1);
+    auto& link = t.control ("TolLink"); // on the track plate
+    expectFramed (withHighlight (41, true), console.getLocalArea (&link, link.getLocalBounds()), 5);
+    withHighlight (41, false);
+    EXPECT_EQ (difference (withHighlight (38, true), plain), 0.0) << "a parameter without a control there";
+    EXPECT_EQ (t.editor->getControlParameterIndex (t.control ("level")), 37);
+    EXPECT_EQ (t.editor->getControlParameterIndex (childOf<juce::Slider> (*t.editor, "Input Level")), -1);
 }
 
-TEST (Editor, TwentyCanBeOpenWhileAudioRunsAndLeaveNothingBehind)
+TEST (Editor, TwentyCanBeOpenWhileAudioRunsAndLeaveNothing)
 {
     std::atomic<bool> isStopping { false };
-    std::vector<std::unique_ptr<EditorUnderTest>> editors;
+    std::vector<std::unique_ptr<WindowUnderTest>> windows;
 
     for (int i = 0; i < 20; ++i)
     {
-        editors.push_back (std::make_unique<EditorUnderTest>());
-        editors.back()->strip->prepareToPlay (48000.0, 256);
+        windows.push_back (std::make_unique<WindowUnderTest>());
+        windows.back()->strip->prepareToPlay (48000.0, 256);
     }
 
     std::thread audio (
         [&]
         {
             while (! isStopping)
-                for (const auto& e : editors)
-                    process (*e->strip, { noise (256, 1), noise (256, 2) }, 256);
+                for (const auto& w : windows)
+                    process (*w->strip, { noise (256, 1), noise (256, 2) }, 256);
         });
 
-    juce::Image sheet;
-
-    for (const auto& e : editors)
-        sheet = snapshotOf (*e->editor);
+    for (const auto& w : windows)
+        snapshotOf (*w->editor);
 
     runMessagesFor (300);
 
     // Some go, and come back, while it plays.
     for (const std::size_t i : { 3u, 11u, 19u })
     {
-        editors[i]->strip->editorBeingDeleted (editors[i]->editor.get());
-        editors[i]->open();
+        windows[i]->strip->editorBeingDeleted (windows[i]->editor.get());
+        windows[i]->open();
     }
 
     runMessagesFor (300);
@@ -208,7 +218,7 @@ TEST (Editor, TwentyCanBeOpenWhileAudioRunsAndLeaveNothingBehind)
     audio.join();
     EXPECT_GT (juce::SharedResourcePointer<juce::TooltipWindow>().getReferenceCount(), 20);
     EXPECT_GT (juce::SharedResourcePointer<ScaledPictures>()->memoryInUse(), 1000000u);
-    editors.clear();
+    windows.clear();
     EXPECT_EQ (juce::SharedResourcePointer<juce::TooltipWindow>().getReferenceCount(), 1);
     EXPECT_EQ (juce::SharedResourcePointer<ScaledPictures>()->memoryInUse(), 0u);
 }
@@ -216,7 +226,7 @@ TEST (Editor, TwentyCanBeOpenWhileAudioRunsAndLeaveNothingBehind)
 /** A needle that moves must not have the whole console painted. */
 TEST (Editor, AMeterTickRepaintsTheMetersAlone)
 {
-    EditorUnderTest t;
+    WindowUnderTest t;
 
     struct Watch : juce::CachedComponentImage
     {
@@ -244,14 +254,14 @@ TEST (Editor, AMeterTickRepaintsTheMetersAlone)
     t.console().updateMeters (snapshot);
     EXPECT_FALSE (watch->areas.isEmpty());
 
-    for (const auto* const box : { &consoleLayout::vuMeter, &consoleLayout::gainReductionMeter })
-        watch->areas.subtract (box->on (900, 677).translated (0, 32));
+    for (const auto* const row : { &consoleLayout::vuMeter, &consoleLayout::gainReductionMeter })
+        watch->areas.subtract (row->box.on (900, 677).translated (0, 32));
 
     EXPECT_TRUE (watch->areas.isEmpty());
 
-    // A second tick with the same levels costs nothing, and nor does a state pass in which nothing has changed.
+    // A second tick with the same levels costs nothing, nor does a state pass in which nothing has changed.
     t.console().updateMeters (snapshot);
-    t.console().updateState (t.strip->currentSnapshot());
+    t.show();
     EXPECT_TRUE (watch->areas.isEmpty());
 }
 

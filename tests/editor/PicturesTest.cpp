@@ -40,7 +40,7 @@ TEST (Pictures, EveryFileHasTheSizeAndTheChannelsOfTheCatalogue)
         const auto file = embeddedPicture (row.id);
         ASSERT_GT (file.size(), 33u);
 
-        // Behind the signature comes the header: width, height, bits a channel, kind of colours (2 RGB, 6 RGBA).
+        // After the signature comes the header: width, height, bits a channel, kind of colours (2 RGB, 6 RGBA).
         const auto* const header = reinterpret_cast<const char*> (file.data()) + 16;
         EXPECT_EQ (juce::ByteOrder::bigEndianInt (header), static_cast<juce::uint32> (row.width));
         EXPECT_EQ (juce::ByteOrder::bigEndianInt (header + 4), static_cast<juce::uint32> (row.height));

@@ -68,7 +68,7 @@ double wantedGain (const ParameterSnapshot& snapshot, int side, double hz)
                                 .lowFreq = snapshot.lowFreq,
                                 .lowGain = snapshot.lowGain,
                                 .highPass = snapshot.highPass };
-    const auto network = solveEqualiserNetwork (selectElements (table, controls));
+    const auto network = solveEqualiserNetwork (table, controls);
     const Complex s (0.0, juce::MathConstants<double>::twoPi * hz);
     auto gain = std::abs (valueAt (network.numerator, s) / valueAt (network.denominator, s)) * ConsoleEQ::makeupGain;
 

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "strip/DetectorFilters.h"
 
-#include "DynamicsTestTools.h"
+#include "tests/support/Signals.h"
 
 #include <gtest/gtest.h>
+
+#include <limits>
 
 namespace tarvik::test
 {
@@ -20,7 +22,7 @@ Signal run (DetectorFilters& filters, Signal signal)
     return signal;
 }
 
-// Gain in dB of the filters, at rest, for a tone.
+/** Gain in dB of the idle filters for a tone. */
 double gainDb (DetectorFilters& filters, double hz, double rateHz)
 {
     filters.reset();
@@ -29,34 +31,27 @@ double gainDb (DetectorFilters& filters, double hz, double rateHz)
            * std::log10 (std::numbers::sqrt2 * rmsOfEnd (run (filters, sine (hz, 1.0, rateHz, 0.6)), wholePeriods));
 }
 
-TEST (DetectorFilters, NiveauTiltsFromMinusSixteenToPlusTwelveDecibels)
+TEST (DetectorFilters, NiveauTiltsFromMinus16ToPlus12Decibels)
 {
-    for (const auto rateHz : { 44100.0, 96000.0, 384000.0 })
+    for (const auto rateHz : { 44100.0, 384000.0 })
     {
         DetectorFilters filters;
         filters.prepare (rateHz, 1, 256);
         filters.setNiveau (true);
-        EXPECT_NEAR (gainDb (filters, 20.0, rateHz), -16.1, 0.1) << rateHz;
-        EXPECT_NEAR (gainDb (filters, 1000.0, rateHz), 0.0, 0.3) << rateHz;
-        EXPECT_NEAR (gainDb (filters, 16000.0, rateHz), 11.6, 0.3) << rateHz;
-        auto last = -99.0;
 
-        for (auto hz = 20.0; hz < 20000.0; hz *= 1.4)
-        {
-            const auto now = gainDb (filters, hz, rateHz);
-            EXPECT_GT (now, last - 0.01) << hz << " at " << rateHz;
-            last = now;
-        }
+        for (const auto& [hz, db] :
+             { std::pair (20.0, -16.1), { 125.0, -9.0 }, { 1000.0, 0.0 }, { 8000.0, 9.0 }, { 16000.0, 11.6 } })
+            EXPECT_NEAR (gainDb (filters, hz, rateHz), db, 0.3) << hz << " at " << rateHz;
     }
 }
 
-TEST (DetectorFilters, HighPassIsThreeDecibelsDownAtItsFrequencyAndOutAtTwentyHertz)
+TEST (DetectorFilters, HighPassIs3dBDownAtItsFrequencyAndOutAt20Hz)
 {
     constexpr double rateHz = 48000.0;
     DetectorFilters filters;
     filters.prepare (rateHz, 1, 256);
 
-    for (const auto hz : { 60.0f, 200.0f, 400.0f })
+    for (const auto hz : { 60.0f, 400.0f })
     {
         filters.setHighPass (hz);
         EXPECT_NEAR (gainDb (filters, static_cast<double> (hz), rateHz), -3.01, 0.05) << hz;
@@ -70,21 +65,20 @@ TEST (DetectorFilters, HighPassIsThreeDecibelsDownAtItsFrequencyAndOutAtTwentyHe
     }
 }
 
-TEST (DetectorFilters, FadesLastATenthOfASecondAndOutMeansUntouched)
+TEST (DetectorFilters, NiveauFadesForATenthOfASecondAndOutIsUntouched)
 {
-    constexpr double rateHz = 48000.0;
-    const auto in = bursts (1, 1.0, rateHz, 0.3);
-    DetectorFilters moving, resting;
+    const auto in = noise (14400, 1);
+    DetectorFilters moving, idle;
 
-    for (auto* const filters : { &moving, &resting })
+    for (auto* const filters : { &moving, &idle })
     {
-        filters->prepare (rateHz, 1, 256);
+        filters->prepare (48000.0, 1, 256);
         filters->setHighPass (20.0f);
-        filters->setNiveau (filters == &resting);
+        filters->setNiveau (filters == &idle);
         filters->reset();
     }
 
-    // Fading in: the filter hears its share of the signal, and the rest goes past it.
+    // Fading in: the filter hears its share of the signal, and the rest passes it by.
     moving.setNiveau (true);
     const auto faded = run (moving, in);
     const auto wetShare = [] (std::size_t i) { return std::min (1.0f, static_cast<float> (i + 1) / 4800.0f); };
@@ -93,7 +87,7 @@ TEST (DetectorFilters, FadesLastATenthOfASecondAndOutMeansUntouched)
     for (std::size_t i = 0; i < in.size(); ++i)
         filtered[i] *= wetShare (i);
 
-    filtered = run (resting, filtered);
+    filtered = run (idle, filtered);
 
     for (std::size_t i = 0; i < in.size(); ++i)
         ASSERT_NEAR (faded[i], filtered[i] + (1.0f - wetShare (i)) * in[i], 1e-5f) << i;

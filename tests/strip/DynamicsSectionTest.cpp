@@ -1,29 +1,93 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "DynamicsTestTools.h"
+#include "strip/DynamicsSection.h"
+
+#include "PlainDynamics.h"
 #include "dsp/InstructionSets.h"
-#include "tests/support/RealTimeTrap.h"
+#include "tests/support/StripTestTools.h"
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <atomic>
 #include <limits>
-#include <thread>
 
 namespace tarvik::test
 {
 namespace
 {
-constexpr std::array ratesHz { 44100.0, 48000.0, 96000.0, 192000.0, 705600.0 };
+/** Noise whose level jumps every 20 ms, up to `loudest` and down to 60 dB below. */
+Signal bursts (unsigned seed, double loudest, double rateHz, double seconds)
+{
+    auto signal = noise (static_cast<int> (seconds * rateHz), seed);
 
-// Largest difference of the fast form's outputs from the plain ones, as a part of these.
-// Beyond any level that a console carries the feedback becomes chaotic: every rounding grows until nothing is left in
-// common. So a twin of the plain form is nudged by 1e-10 per sample, and the comparison ends where the twins part.
+    for (std::size_t i = 0; i < signal.size(); ++i)
+    {
+        const auto passage = std::floor (static_cast<double> (i) / rateHz / 0.02);
+        signal[i] *= static_cast<float> (loudest * std::pow (10.0, -1.5 - 1.5 * std::cos (2.4 * passage + seed)));
+    }
+
+    return signal;
+}
+
+/** A section that is idle on its settings. */
+struct PreparedSection
+{
+    explicit PreparedSection (const ParameterSnapshot& snapshot, int numMain = 2, double rateHz = 48000.0)
+        : main (numMain)
+    {
+        section.prepare (rateHz, numMain, 256);
+        section.update (snapshot, true);
+        section.reset();
+    }
+
+    /** Whole channels, main ones first, in slices of the given lengths in turn; the main ones come back changed. */
+    std::vector<Signal> process (std::vector<Signal> channels, const std::vector<int>& slices = { 256 })
+    {
+        inPieces (channels.front().size(), slices,
+                  [&] (std::size_t begin, int n)
+                  {
+                      std::vector<float*> rows;
+
+                      for (auto& channel : channels)
+                          rows.push_back (channel.data() + begin);
+
+                      section.process (rows.data(), n, static_cast<int> (channels.size()) - main);
+                  });
+        channels.resize (static_cast<std::size_t> (main));
+        return channels;
+    }
+
+    ParameterSnapshot readOuts() const
+    {
+        ParameterSnapshot snapshot;
+        section.writeReadOuts (snapshot);
+        return snapshot;
+    }
+
+    float reductionDb() const { return readOuts().gainReductionDb; }
+
+    int main;
+    DynamicsSection section;
+};
+
+/** Every parameter by chance, except those of the detector's filters, which stay out. */
+ParameterSnapshot randomSettings (std::mt19937& random)
+{
+    Tarvik41Processor processor;
+    setRandomly (processor, random);
+    auto settings = processor.currentSnapshot();
+    settings.compIn = true;
+    settings.compHPF = 20.0f;
+    settings.compNiveau = false;
+    settings.limiterSensitivity = static_cast<int> (random() % 3);
+    return settings;
+}
+
+/** Largest difference of the fast form's outputs from the plain ones, as a part of these. Beyond any level that a
+    console carries the feedback becomes chaotic: every rounding grows until nothing is left in common. So a twin of the
+    plain form is nudged by 1e-10 per sample, and the comparison ends where the twins part. */
 double compareWithPlain (const ParameterSnapshot& settings, double rateHz, const std::vector<Signal>& in,
                          bool& isComplete)
 {
-    PreparedSection fast (settings, rateHz, 2);
-    const auto out = fast.process (in);
+    const auto out = PreparedSection (settings, 2, rateHz).process (in);
     auto worst = 0.0;
 
     for (std::size_t c = 0; c < 2; ++c)
@@ -56,9 +120,10 @@ double compareWithPlain (const ParameterSnapshot& settings, double rateHz, const
 
 TEST (DynamicsSection, FastFormGivesThePlainFormsGain)
 {
+    constexpr std::array ratesHz { 44100.0, 48000.0, 96000.0, 192000.0, 705600.0 };
+    constexpr auto numCases = 120;
     std::mt19937 random (41);
     auto numComplete = 0;
-    constexpr auto numCases = 120;
 
     for (int i = 0; i < numCases; ++i)
     {
@@ -80,7 +145,7 @@ TEST (DynamicsSection, FastFormGivesThePlainFormsGain)
     EXPECT_GT (numComplete, numCases * 2 / 3);
 }
 
-// All at once: filters, limiter, gate and Smash, on a signal that moves everything.
+/** All at once: filters, limiter, gate and Smash, on a signal that moves everything. */
 ParameterSnapshot busySettings (int expMode = 2)
 {
     ParameterSnapshot settings;
@@ -96,162 +161,145 @@ ParameterSnapshot busySettings (int expMode = 2)
     return settings;
 }
 
-std::vector<Signal> busySignal (double rateHz, double seconds = 0.5)
+std::vector<Signal> busySignal (double seconds = 0.5)
 {
-    return { bursts (1, 5.0, rateHz, seconds), bursts (2, 5.0, rateHz, seconds) };
+    return { bursts (1, 5.0, 48000.0, seconds), bursts (2, 5.0, 48000.0, seconds) };
 }
 
-TEST (DynamicsSection, StreamCutAnywhereIsTheSameStream)
+TEST (DynamicsSection, SameBitsHoweverCutAndOnEveryInstructionSet)
 {
-    for (const auto mode : { 0, 1, 2 })
-    {
-        const auto in = busySignal (48000.0);
-        PreparedSection whole (busySettings (mode), 48000.0, 2), cut (busySettings (mode), 48000.0, 2);
-        EXPECT_EQ (whole.process (in), cut.process (in, { 1, 256, 7, 33, 2, 250, 64, 191, 5 })) << mode;
-        EXPECT_NEAR (whole.readOuts().gainReductionDb.get(), cut.readOuts().gainReductionDb.get(), 1e-4f);
-    }
-}
-
-TEST (DynamicsSection, EveryInstructionSetGivesTheSameBitsAndMonoIsOneSideOfStereo)
-{
-    const auto in = busySignal (96000.0);
-    const auto expected = PreparedSection (busySettings(), 96000.0, 2).process (in);
+    const auto in = busySignal();
+    const auto expected = PreparedSection (busySettings()).process (in);
 
     for (const auto& set : supportedInstructionSets())
     {
         const ScopedInstructionSet scope (set);
-        EXPECT_EQ (PreparedSection (busySettings(), 96000.0, 2).process (in), expected) << set.name;
-        EXPECT_EQ (PreparedSection (busySettings(), 96000.0, 1).process ({ in[1] })[0], expected[1]) << set.name;
+        EXPECT_EQ (PreparedSection (busySettings()).process (in, { 1, 256, 7, 64 }), expected) << set.name;
+        EXPECT_EQ (PreparedSection (busySettings(), 1).process ({ in[1] })[0], expected[1]) << set.name;
     }
 }
 
 TEST (DynamicsSection, SideChainGoesChannelToChannelOrItsMeanToAll)
 {
-    auto settings = busySettings();
-    settings.compExtSideChain = true;
-    settings.expExtSideChain = true;
-    const auto main = busySignal (48000.0, 0.2);
-    const auto a = bursts (7, 5.0, 48000.0, 0.2), b = bursts (8, 5.0, 48000.0, 0.2);
-    Signal mean (a.size());
-    std::transform (a.begin(), a.end(), b.begin(), mean.begin(), [] (float x, float y) { return 0.5f * x + 0.5f * y; });
+    const Signal quiet (24000, 1e-3f), loud (24000, 4.0f), opposite (24000, -4.0f);
 
-    const auto run = [&] (std::vector<Signal> channels, int numMain)
-    { return PreparedSection (settings, 48000.0, numMain).process (std::move (channels)); };
+    // Which main channels are turned down; for the gate, which ones it opens for.
+    const auto isHeard = [&] (bool isGate, const std::vector<Signal>& channels, std::size_t numMain)
+    {
+        ParameterSnapshot settings;
+        settings.compExtSideChain = ! isGate;
+        settings.expExtSideChain = isGate;
+        settings.compRatio = isGate ? 0 : 3;
+        settings.compThreshold = -20.0f;
+        settings.expMode = isGate ? 2 : 1;
+        const auto out = PreparedSection (settings, static_cast<int> (numMain)).process (channels);
+        std::vector<bool> heard;
 
-    const auto pair = run ({ main[0], main[1], a, b }, 2);
-    EXPECT_EQ (pair[0], run ({ main[0], a }, 1)[0]);
-    EXPECT_EQ (pair[1], run ({ main[1], b }, 1)[0]);
-    EXPECT_EQ (run ({ main[0], main[1], a }, 2)[1], run ({ main[1], a }, 1)[0]);
-    EXPECT_EQ (run ({ main[0], a, b }, 1)[0], run ({ main[0], mean }, 1)[0]);
-    EXPECT_EQ (run (main, 2), run ({ main[0], main[1], main[0], main[1] }, 2)); // none: the main channels stand in
+        for (std::size_t c = 0; c < numMain; ++c)
+            heard.push_back ((std::abs (out[c].back() / channels[c].back()) > 0.5f) == isGate);
+
+        return heard;
+    };
+
+    using Heard = std::vector<bool>;
+
+    for (const auto isGate : { false, true })
+    {
+        EXPECT_EQ (isHeard (isGate, { quiet, quiet, loud, quiet }, 2), Heard ({ true, false })) << isGate;
+        EXPECT_EQ (isHeard (isGate, { loud, loud, quiet, loud }, 2), Heard ({ false, true })) << isGate;
+        EXPECT_EQ (isHeard (isGate, { quiet, quiet, loud }, 2), Heard ({ true, true })) << isGate;
+        EXPECT_EQ (isHeard (isGate, { quiet, loud, quiet }, 1), Heard ({ true })) << isGate;
+        EXPECT_EQ (isHeard (isGate, { quiet, quiet, loud }, 1), Heard ({ true })) << isGate;
+        EXPECT_EQ (isHeard (isGate, { loud, loud, opposite }, 1), Heard ({ false })) << isGate;
+        EXPECT_EQ (isHeard (isGate, { quiet, loud }, 2), Heard ({ false, true })) << "none: the main channels stand in";
+    }
 }
 
-TEST (DynamicsSection, CompInFadesWithinATenthOfASecondAndOutOfCircuitNothingIsTouched)
+TEST (DynamicsSection, CompInFadesForATenthOfASecondAndOutIsUntouched)
 {
-    constexpr double rateHz = 48000.0;
     auto settings = busySettings();
-    PreparedSection section (settings, rateHz, 2);
-    const auto in = busySignal (rateHz, 1.0);
+    PreparedSection section (settings);
+    const auto in = busySignal (1.0);
     section.process (in);
     EXPECT_TRUE (section.readOuts().limiterActive.get());
 
     settings.compIn = false;
     section.section.update (settings, false);
     const auto fading = section.process (in);
-    const auto resting = section.process (in);
-
     EXPECT_NE (fading[0][100], in[0][100]);
     EXPECT_TRUE (std::equal (fading[0].begin() + 4800, fading[0].end(), in[0].begin() + 4800));
-    EXPECT_EQ (resting, in);
-    EXPECT_NEAR (section.readOuts().gainReductionDb.get(), 0.0f, 1e-3f);
+    EXPECT_EQ (section.process (in), in);
+    EXPECT_NEAR (section.reductionDb(), 0.0f, 1e-3f);
     EXPECT_FALSE (section.readOuts().limiterActive.get());
     EXPECT_EQ (section.readOuts().expanderAmount.get(), 0.0f);
 
     // A ramp that moves takes the section along, unheard and unseen.
     settings.compInput = 4.0f;
     section.section.update (settings, false);
-    EXPECT_EQ (section.process ({ Signal (in[0].begin(), in[0].begin() + 4000), Signal (4000, 1.0f) })[1],
-               Signal (4000, 1.0f));
-    EXPECT_NEAR (section.readOuts().gainReductionDb.get(), 0.0f, 1e-3f);
+    EXPECT_EQ (section.process ({ Signal (4000, 9.0f), Signal (4000, 1.0f) })[1], Signal (4000, 1.0f));
+    EXPECT_NEAR (section.reductionDb(), 0.0f, 1e-3f);
     EXPECT_EQ (section.process (in), in);
-    EXPECT_NEAR (section.readOuts().gainReductionDb.get(), 0.0f, 1e-3f);
 
     settings.compIn = true;
     settings.compMix = 0.0f;
     section.section.update (settings, false);
     EXPECT_EQ (section.process (in), in); // dry
-    EXPECT_LT (section.readOuts().gainReductionDb.get(), -3.0f);
-}
-
-TEST (DynamicsSection, NeedleShowsTheGainOfASteadyTone)
-{
-    ParameterSnapshot settings;
-    settings.compThreshold = -15.0f;
-    settings.compRatio = 3;
-    settings.compInput = settings.compOutput = 5.0f; // gains of 1 and 10^0.2
-
-    for (const auto rateHz : { 48000.0, 705600.0 })
-        for (const auto level : { 0.01, 1.0, 4.0 })
-        {
-            PreparedSection section (settings, rateHz, 1);
-            const auto in = sine (4000.0, level, rateHz, 2.0);
-            const auto out = section.process ({ in })[0];
-            const auto change = rmsOfEnd (out, in.size() / 20) / rmsOfEnd (in, in.size() / 20);
-            EXPECT_NEAR (section.readOuts().gainReductionDb.get(),
-                         std::min (20.0 * std::log10 (change) - 4.0 - 30.0, 0.0), 0.05)
-                << rateHz << ", " << level;
-        }
+    EXPECT_LT (section.reductionDb(), -3.0f);
 }
 
 TEST (DynamicsSection, SettingsThatHaveNoRampAreTakenAtOnce)
 {
     auto settings = busySettings();
     settings.limiterSensitivity = 0;
-    PreparedSection fresh (settings, 48000.0, 2);
+    PreparedSection fresh (settings);
     settings.limiterSensitivity = 2;
-    PreparedSection changed (settings, 48000.0, 2);
-    changed.process ({ Signal (4800, 0.0f), Signal (4800, 0.0f) });
+    PreparedSection changed (settings);
+    const std::vector silence (2, Signal (480));
+    fresh.process (silence);
+    changed.process (silence);
     settings.limiterSensitivity = 0;
     changed.section.update (settings, false);
-    changed.section.reset();
-    EXPECT_EQ (changed.process (busySignal (48000.0)), fresh.process (busySignal (48000.0)));
+    EXPECT_EQ (changed.process (busySignal()), fresh.process (busySignal()));
 }
 
 // A detector that still held what was loud before would keep the gate open for 25 ms.
-TEST (DynamicsSection, ExpanderThatComesBackFromOffStartsItsDetectorFromRest)
+TEST (DynamicsSection, ExpanderBackFromOffStartsItsDetectorAnew)
 {
     for (const auto mode : { 0, 2 })
-        for (const auto goesThroughOff : { true, false })
+    {
+        ParameterSnapshot settings;
+        settings.compRatio = 0;
+        settings.expAttack = 2;
+        PreparedSection section (settings, 1);
+
+        const auto turnTo = [&] (int next)
         {
-            ParameterSnapshot settings;
-            settings.compRatio = 0;
-            settings.expMode = mode;
-            settings.expAttack = 2;
-            PreparedSection section (settings, 48000.0, 1);
-            section.process ({ sine (1000.0, 8.0, 48000.0, 3.0) });
+            settings.expMode = next;
+            section.section.update (settings, false);
+        };
 
-            if (goesThroughOff)
-            {
-                settings.expMode = 1;
-                section.section.update (settings, false);
-                section.process ({ sine (1000.0, 8.0, 48000.0, 0.1) });
-                settings.expMode = mode;
-                section.section.update (settings, false);
-            }
+        turnTo (mode);
+        section.process ({ sine (1000.0, 8.0, 48000.0, 1.0) });
+        section.process ({ Signal (240) });
+        EXPECT_LT (section.readOuts().expanderAmount.get(), 0.5f) << mode << ": still open";
 
-            section.process ({ Signal (240) });
-            EXPECT_EQ (section.readOuts().expanderAmount.get() > 0.5f, goesThroughOff) << mode;
-        }
+        section.process ({ sine (1000.0, 8.0, 48000.0, 1.0) });
+        turnTo (1);
+        section.process ({ sine (1000.0, 8.0, 48000.0, 0.1) });
+        turnTo (mode);
+        section.process ({ Signal (240) });
+        EXPECT_GT (section.readOuts().expanderAmount.get(), 0.5f) << mode;
+    }
 }
 
-TEST (DynamicsSection, SwitchedOffTheExpanderOpensWithinTenMillisecondsAndWithoutAJump)
+TEST (DynamicsSection, SwitchedOffTheExpanderOpensWithin10MsWithoutAStep)
 {
     for (const auto mode : { 0, 2 })
     {
         ParameterSnapshot settings;
         settings.compRatio = 0;
         settings.expMode = mode;
-        PreparedSection section (settings, 48000.0, 2);
+        PreparedSection section (settings);
         const std::vector quiet { Signal (48000, 0.01f), Signal (48000) }; // silence closes it, too
         const auto closed = section.process (quiet)[0].back();
         settings.expMode = 1;
@@ -272,97 +320,19 @@ TEST (DynamicsSection, SwitchedOffTheExpanderOpensWithinTenMillisecondsAndWithou
 
 TEST (DynamicsSection, OneBadSampleIsForgottenWithinASecond)
 {
-    constexpr double rateHz = 48000.0;
-    const auto bad = { std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(),
-                       std::numeric_limits<float>::max() };
-
     for (const auto mode : { 0, 1, 2 })
-        for (const auto sample : bad)
+        for (const auto sample : { std::nanf (""), std::numeric_limits<float>::max() })
         {
-            auto clean = busySignal (rateHz, 1.5), dirty = clean;
+            auto dirty = busySignal (1.5);
+            const auto expected = PreparedSection (busySettings (mode)).process (dirty);
             dirty[0][1000] = sample;
-            const auto expected = PreparedSection (busySettings (mode), rateHz, 2).process (clean);
-            const auto out = PreparedSection (busySettings (mode), rateHz, 2).process (dirty);
+            const auto out = PreparedSection (busySettings (mode)).process (dirty);
             EXPECT_TRUE (allFinite (out[0]));
             EXPECT_EQ (out[1], expected[1]);
 
             for (std::size_t i = 49000; i < out[0].size(); ++i)
-                ASSERT_NEAR (out[0][i], expected[0][i], 0.1f * std::abs (expected[0][i]) + 1e-3f)
-                    << mode << ", " << sample << ", " << i;
+                ASSERT_NEAR (out[0][i], expected[0][i], 0.1f * std::abs (expected[0][i]) + 1e-3f) << mode << sample;
         }
-}
-
-TEST (DynamicsSection, InSilenceNoStateCreepsThroughSubnormalNumbers)
-{
-    constexpr int n = 256;
-    std::vector<float> silence (n, 0.0f), loud (n, 3.0f);
-    std::vector<double> attenuations (n);
-    std::vector<float> gains (n);
-
-    DynamicsCircuits circuits;
-    circuits.compressor.prepare (44100.0);
-    circuits.limiter.prepare (44100.0);
-    circuits.limiter.setOn (true);
-    circuits.compressor.set ({ -10.0f, 3, 1, 1 });
-    circuits.expander.set ({ -30.0f, 0.0f, 1, 0.3f, static_cast<int> (Expander::Mode::expander), false, false });
-    circuits.expander.prepare (44100.0);
-
-    DynamicsChannel channel;
-    channel.expander.volts = 10.0;
-    constexpr int numBlocks = 300 * 44100 / n; // five minutes
-
-    for (int block = 0; block < numBlocks; ++block)
-    {
-        const DynamicsRows rows { block < 10 ? loud.data() : silence.data(), silence.data(), attenuations.data(),
-                                  gains.data() };
-        processDynamics (circuits, std::span (&channel, 1), std::span (&rows, 1), n);
-    }
-
-    EXPECT_EQ (channel.compressor.peak, 0.0);
-    EXPECT_EQ (channel.limiterVolts, 0.0);
-    EXPECT_EQ (channel.expander.volts, 0.0);
-    EXPECT_TRUE (std::isnormal (channel.compressor.c1Volts) && std::isnormal (channel.compressor.c2Volts));
-}
-
-TEST (DynamicsSection, AudioNeverAllocatesAndSettingsMayChangeUnderIt)
-{
-    constexpr double rateHz = 48000.0;
-    PreparedSection section (busySettings(), rateHz, 2);
-    std::atomic<bool> isDone { false };
-    std::atomic<int> allocations { 0 };
-
-    std::thread control (
-        [&]
-        {
-            std::mt19937 random (9);
-
-            while (! isDone)
-            {
-                auto settings = randomSettings (random);
-                settings.compHPF = 20.0f + static_cast<float> (random() % 380);
-                settings.compNiveau = random() % 2 == 0;
-                settings.compIn = random() % 8 != 0;
-                const RealTimeTrap trap;
-                section.section.update (settings, false);
-                allocations += trap.allocations();
-            }
-        });
-
-    std::array signals { bursts (1, 9.0, rateHz, 2.0), bursts (2, 9.0, rateHz, 2.0) };
-
-    for (int position = 0; position + 256 <= 96000; position += 256)
-    {
-        const std::array rows { signals[0].data() + position, signals[1].data() + position };
-        const RealTimeTrap trap;
-        section.section.process (rows.data(), 256, 0);
-        allocations += trap.allocations() + trap.locks();
-    }
-
-    isDone = true;
-    control.join();
-
-    EXPECT_TRUE (allFinite (signals[0]) && allFinite (signals[1]));
-    EXPECT_EQ (allocations, 0);
 }
 } // namespace
 } // namespace tarvik::test

@@ -145,8 +145,8 @@ public:
             sample = static_cast<float> (out * (1.0 - k) - std::tanh (0.5 - out) * k);
         }
 
-        highPass.processPlain (row.data(), static_cast<int> (row.size()));
-        lowPass.processPlain (row.data(), static_cast<int> (row.size()));
+        filterPlainly ({ row.data(), &highPass }, static_cast<int> (row.size()));
+        filterPlainly ({ row.data(), &lowPass }, static_cast<int> (row.size()));
     }
 
 private:

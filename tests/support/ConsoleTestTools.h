@@ -8,16 +8,26 @@
 namespace tarvik::test
 {
 
-/** A strip with its console, which shows it. */
-struct ConsoleUnderTest
+/** A strip with its window at 100 %, found the way a host finds it. */
+struct WindowUnderTest
 {
-    explicit ConsoleUnderTest (int channels = 2) : strip (makeStrip (channels)), console (*strip), ears (*strip)
+    explicit WindowUnderTest (int channels = 2) : strip (makeStrip (channels)), ears (*strip)
     {
-        console.setVisible (true);
-        show();
+        strip->uiZoomSetting().setValue (1.0);
+        open();
     }
 
-    void show() { console.updateState (strip->currentSnapshot()); }
+    ~WindowUnderTest() { strip->editorBeingDeleted (editor.get()); }
+
+    void open()
+    {
+        editor.reset (strip->createEditorIfNeeded());
+        editor->setVisible (true);
+    }
+
+    OrvaneConsoleUI& console() { return childOf<OrvaneConsoleUI> (*editor, "Console channel"); }
+
+    void show() { console().updateState (strip->currentSnapshot()); }
 
     /** Puts a parameter there as a host does, and shows it. */
     void set (const juce::String& id, float plain)
@@ -27,19 +37,29 @@ struct ConsoleUnderTest
         ears.heard();
     }
 
-    int channel() const { return strip->currentSnapshot().tolChannel; }
+    juce::RangedAudioParameter& parameter (const juce::String& id) { return test::parameter (*strip, id); }
 
-    juce::AudioProcessorParameter& parameter (const juce::String& id) { return test::parameter (*strip, id); }
+    static int indexOf (const juce::String& id)
+    {
+        int index = 0;
+
+        while (id != parameterTable()[static_cast<std::size_t> (index)].id)
+            ++index;
+
+        return index;
+    }
 
     template <typename Control = juce::Component>
     Control& control (const juce::String& id, std::size_t which = 0)
     {
-        return dynamic_cast<Control&> (*console.controlsOf (parameter (id).getParameterIndex()).at (which));
+        return dynamic_cast<Control&> (*console().controlsOf (indexOf (id)).at (which));
     }
 
+    juce::Button& button (const juce::String& title) { return childOf (*editor, title); }
+
     std::unique_ptr<Tarvik41Processor> strip;
-    OrvaneConsoleUI console;
     HostEars ears;
+    std::unique_ptr<juce::AudioProcessorEditor> editor;
 };
 
 } // namespace tarvik::test

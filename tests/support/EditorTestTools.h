@@ -110,12 +110,30 @@ inline void click (juce::Component& component)
     runMessagesFor (5);
 }
 
-/** The child of that kind that bears the title. */
+/** All of that kind in a component, at any depth, in the order of painting. */
+template <typename Control = juce::Component>
+std::vector<Control*> allIn (juce::Component& parent)
+{
+    std::vector<Control*> all;
+
+    for (auto* const child : parent.getChildren())
+    {
+        if (auto* const control = dynamic_cast<Control*> (child))
+            all.push_back (control);
+
+        const auto within = allIn<Control> (*child);
+        all.insert (all.end(), within.begin(), within.end());
+    }
+
+    return all;
+}
+
+/** The one of that kind that has the title, at any depth. */
 template <typename Control = juce::Button>
 Control& childOf (juce::Component& parent, const juce::String& title)
 {
-    for (auto* const child : parent.getChildren())
-        if (auto* const control = dynamic_cast<Control*> (child); control != nullptr && child->getTitle() == title)
+    for (auto* const control : allIn<Control> (parent))
+        if (control->getTitle() == title)
             return *control;
 
     throw std::runtime_error ("no such child: " + title.toStdString());
@@ -126,9 +144,8 @@ inline juce::StringArray labelTexts (juce::Component& parent)
 {
     juce::StringArray texts;
 
-    for (auto* const child : parent.getChildren())
-        if (const auto* const label = dynamic_cast<juce::Label*> (child))
-            texts.add (label->getText());
+    for (const auto* const label : allIn<juce::Label> (parent))
+        texts.add (label->getText());
 
     return texts;
 }

@@ -32,6 +32,36 @@ public:
     juce::ComponentPeer* createNewPeer (int style, void*) override { return new Peer (*this, style); }
 
 private:
+    /** Without a screen there is no display, and JUCE opens no menu without one. */
+    struct OnlyDisplay
+    {
+        OnlyDisplay()
+        {
+            if (isNeeded)
+                all.add (display());
+        }
+
+        ~OnlyDisplay()
+        {
+            if (isNeeded)
+                all.clear();
+        }
+
+        static juce::Displays::Display display()
+        {
+            juce::Displays::Display only;
+            only.isMain = true;
+            only.totalArea = only.userArea = { 1920, 1080 };
+            return only;
+        }
+
+        juce::Array<juce::Displays::Display>& all =
+            const_cast<juce::Displays&> (juce::Desktop::getInstance().getDisplays()).displays;
+        const bool isNeeded = all.isEmpty();
+    };
+
+    OnlyDisplay display;
+
     struct Peer final : juce::ComponentPeer
     {
         using juce::ComponentPeer::ComponentPeer;

@@ -28,7 +28,7 @@ struct Response
 Response network (const EQControls& controls)
 {
     const ComponentTable components (equaliserComponents);
-    const auto response = solveEqualiserNetwork (selectElements (components, controls));
+    const auto response = solveEqualiserNetwork (components, controls);
     return { response.numerator, response.denominator };
 }
 
