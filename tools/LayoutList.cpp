@@ -12,14 +12,6 @@ namespace
 {
 using namespace consoleLayout;
 
-juce::StringArray marksOf (const ParameterRow& row)
-{
-    if (! row.choices.empty())
-        return { row.choices.data(), static_cast<int> (row.choices.size()) };
-
-    return juce::StringArray::fromTokens (row.scale, false);
-}
-
 static_assert (std::ranges::all_of (knobs,
                                     [] (const auto& knob)
                                     {
@@ -28,116 +20,120 @@ static_assert (std::ranges::all_of (knobs,
                                     }),
                "a knob without a scale");
 
-using Object = juce::DynamicObject::Ptr;
+/** A JSON object's properties in their order. */
+using Fields = std::vector<std::pair<const char*, juce::var>>;
+
+juce::var object (const Fields& fields)
+{
+    const juce::DynamicObject::Ptr result = new juce::DynamicObject();
+
+    for (const auto& [name, value] : fields)
+        result->setProperty (name, value);
+
+    return result.get();
+}
 
 /** Values to a millionth are exact enough for a picture and read well. */
 juce::var rounded (double value) { return std::round (value * 1e6) / 1e6; }
 
+juce::var degrees (float radians) { return rounded (juce::radiansToDegrees (static_cast<double> (radians))); }
+
 class Listing
 {
 public:
-    /** An object for a control, in the list already. */
-    Object add (const char* kind, const Box& box)
+    void add (const char* kind, const Box& box, const Fields& fields)
     {
-        const Object control = new juce::DynamicObject();
         const auto pixels = box.on (designWidth, designHeight);
-        control->setProperty ("kind", kind);
-        control->setProperty ("x", pixels.getX());
-        control->setProperty ("y", pixels.getY());
-        control->setProperty ("w", pixels.getWidth());
-        control->setProperty ("h", pixels.getHeight());
-        controls.add (control.get());
-        return control;
+        Fields all { { "kind", kind },
+                     { "x", pixels.getX() },
+                     { "y", pixels.getY() },
+                     { "w", pixels.getWidth() },
+                     { "h", pixels.getHeight() } };
+        all.insert (all.end(), fields.begin(), fields.end());
+        controls.add (object (all));
     }
 
-    Object add (const char* kind, const Box& box, int index)
+    void add (const char* kind, const Box& box, const char* name) { add (kind, box, { { "name", name } }); }
+
+    /** A parameter's control. */
+    void add (const char* kind, const Box& box, int index, const Fields& fields = {})
     {
-        const auto control = add (kind, box);
         const auto& row = parameterRow (index);
-        control->setProperty ("parameter", row.id);
-        control->setProperty ("title", row.name);
-        return control;
-    }
-
-    Object add (const char* kind, const Box& box, const char* name)
-    {
-        const auto control = add (kind, box);
-        control->setProperty ("name", name);
-        return control;
+        Fields all { { "parameter", row.id }, { "title", row.name } };
+        all.insert (all.end(), fields.begin(), fields.end());
+        add (kind, box, all);
     }
 
     juce::String toJson() const
     {
-        const Object all = new juce::DynamicObject();
-        all->setProperty ("width", designWidth);
-        all->setProperty ("height", designHeight);
-        all->setProperty ("controls", controls);
-        return juce::JSON::toString (all.get());
+        return juce::JSON::toString (
+            object ({ { "width", designWidth }, { "height", designHeight }, { "controls", controls } }));
     }
 
 private:
     juce::Array<juce::var> controls;
 };
 
-/** Adds the marks of a parameter's scale, each with its value of 0 to 1 and with its place by `place (value)`. */
+/** The marks of a parameter's scale, each with its value of 0 to 1 and with its place by `placeOf (value)`. */
 template <typename PlaceOf>
-void addScale (const Object& control, int index, const char* placeName, PlaceOf&& placeOf)
+juce::var scaleOf (int index, const char* placeName, PlaceOf&& placeOf)
 {
+    const auto& row = parameterRow (index);
     const auto parameter = createParameter (index);
+    const auto texts = row.choices.empty()
+                           ? juce::StringArray::fromTokens (row.scale, false)
+                           : juce::StringArray { row.choices.data(), static_cast<int> (row.choices.size()) };
     juce::Array<juce::var> marks;
 
-    for (const auto& text : marksOf (parameterRow (index)))
+    for (const auto& text : texts)
     {
         const auto value = parameter->getValueForText (text);
-        const Object mark = new juce::DynamicObject();
-        mark->setProperty ("text", text);
-        mark->setProperty ("value", rounded (value));
-        mark->setProperty (placeName, placeOf (value));
-        marks.add (mark.get());
+        marks.add (object ({ { "text", text }, { "value", rounded (value) }, { placeName, placeOf (value) } }));
     }
 
-    control->setProperty ("scale", marks);
+    return marks;
 }
 
 void addSliders (Listing& listing)
 {
+    const auto unitOf = [] (int index) { return parameterRow (index).unitAfterText(); };
+
     for (const auto& row : knobs)
     {
-        const auto control = listing.add ("knob", row.box, row.parameter);
-        control->setProperty ("style", row.style);
-        control->setProperty ("unit", parameterRow (row.parameter).unitAfterText());
-        control->setProperty ("startDegrees", row.startDegrees);
-        control->setProperty ("endDegrees", row.endDegrees);
         const RotaryArc arc { row.startDegrees, row.endDegrees };
-        addScale (control, row.parameter, "degrees", [&] (float value) { return rounded (arc.angleAt (value)); });
+        const auto place = [&] (float value) { return rounded (arc.angleAt (value)); };
+        listing.add ("knob", row.box, row.parameter,
+                     { { "style", row.style },
+                       { "unit", unitOf (row.parameter) },
+                       { "startDegrees", row.startDegrees },
+                       { "endDegrees", row.endDegrees },
+                       { "scale", scaleOf (row.parameter, "degrees", place) } });
     }
 
-    const auto trimPot = listing.add ("trim", trim.box, trim.parameter);
-    trimPot->setProperty ("unit", parameterRow (trim.parameter).unitAfterText());
-    addScale (trimPot, trim.parameter, "degrees",
-              [] (float value) { return rounded (juce::radiansToDegrees (static_cast<double> (trimAngle (value)))); });
+    const auto trimPlace = [] (float value) { return degrees (trimAngle (value)); };
+    listing.add ("trim", trim.box, trim.parameter,
+                 { { "unit", unitOf (trim.parameter) }, { "scale", scaleOf (trim.parameter, "degrees", trimPlace) } });
 
-    const auto level = listing.add ("fader", levelFader.box, levelFader.parameter);
-    const auto place = levelFader.box.on (designWidth, designHeight);
-    level->setProperty ("unit", parameterRow (levelFader.parameter).unitAfterText());
-    level->setProperty ("capHeight", fader::capHeight (place.getHeight()));
-    addScale (level, levelFader.parameter, "y",
-              [&] (float value)
-              {
-                  const auto top = place.getY() + fader::trackTop (place.getHeight());
-                  return rounded (top + (1.0 - static_cast<double> (value)) * fader::trackHeight (place.getHeight()));
-              });
+    const auto box = levelFader.box.on (designWidth, designHeight);
+    const auto faderPlace = [&] (float value)
+    {
+        const auto top = box.getY() + fader::trackTop (box.getHeight());
+        return rounded (top + (1.0 - static_cast<double> (value)) * fader::trackHeight (box.getHeight()));
+    };
+    listing.add ("fader", levelFader.box, levelFader.parameter,
+                 { { "unit", unitOf (levelFader.parameter) },
+                   { "capHeight", fader::capHeight (box.getHeight()) },
+                   { "scale", scaleOf (levelFader.parameter, "y", faderPlace) } });
 
     for (const auto& row : switches)
     {
-        const auto control = listing.add ("switch", row.box, row.parameter);
-        control->setProperty ("plate", row.plate);
-        addScale (control, row.parameter, "lever",
-                  [] (float value)
-                  {
-                      constexpr const char* names[] = { "low", "middle", "high" };
-                      return juce::var (names[static_cast<int> (leverPosition (static_cast<double> (value)))]);
-                  });
+        const auto lever = [] (float value)
+        {
+            constexpr const char* names[] = { "low", "middle", "high" };
+            return juce::var (names[static_cast<int> (leverPosition (static_cast<double> (value)))]);
+        };
+        listing.add ("switch", row.box, row.parameter,
+                     { { "plate", row.plate }, { "scale", scaleOf (row.parameter, "lever", lever) } });
     }
 }
 
@@ -151,7 +147,7 @@ void addPushButtons (Listing& listing)
             listing.add ("push", row.box, row.parameter);
 
         if (row.lamp != Picture::none)
-            listing.add ("lamp", row.lampBox, row.parameter)->setProperty ("picture", rowOf (row.lamp).name);
+            listing.add ("lamp", row.lampBox, row.parameter, { { "picture", rowOf (row.lamp).name } });
     }
 
     listing.add ("mute", mute.box, mute.parameter);
@@ -159,43 +155,39 @@ void addPushButtons (Listing& listing)
     listing.add ("link", link.box, link.parameter);
 }
 
-/** The marks of a meter's scale: whole decibels from the lowest to the highest. */
+/** With the marks of its scale: whole decibels from the lowest to the highest. */
 template <typename AngleOf>
 void addMeter (Listing& listing, const char* name, const Box& box, float lowestDb, float highestDb, AngleOf&& angleOf)
 {
-    const auto control = listing.add ("meter", box, name);
     const auto place = box.on (designWidth, designHeight);
     const auto scale = place.getHeight() / static_cast<double> (meter::designHeight);
     const auto pivotY = static_cast<double> (meter::pivotY), tipY = static_cast<double> (meter::needleTipY);
-    control->setProperty ("pivotX", place.getX() + place.getWidth() / 2.0);
-    control->setProperty ("pivotY", place.getY() + scale * pivotY);
-    control->setProperty ("needleRadius", scale * (pivotY - tipY));
     juce::Array<juce::var> marks;
 
     for (auto decibels = lowestDb; decibels <= highestDb; ++decibels)
-    {
-        const Object mark = new juce::DynamicObject();
-        mark->setProperty ("decibels", decibels);
-        mark->setProperty ("degrees", rounded (juce::radiansToDegrees (static_cast<double> (angleOf (decibels)))));
-        marks.add (mark.get());
-    }
+        marks.add (object ({ { "decibels", decibels }, { "degrees", degrees (angleOf (decibels)) } }));
 
-    control->setProperty ("scale", marks);
+    listing.add ("meter", box,
+                 { { "name", name },
+                   { "pivotX", place.getX() + place.getWidth() / 2.0 },
+                   { "pivotY", place.getY() + scale * pivotY },
+                   { "needleRadius", scale * (pivotY - tipY) },
+                   { "scale", marks } });
 }
 
 void addPicture (Listing& listing, const char* kind, const char* name, const PictureButtonRow& row)
 {
-    const auto control = listing.add (kind, row.box, name);
-
-    if (juce::String (row.words.tooltip).isNotEmpty())
-        control->setProperty ("tooltip", row.words.tooltip);
+    if (*row.words.tooltip == '\0')
+        listing.add (kind, row.box, name);
+    else
+        listing.add (kind, row.box, { { "name", name }, { "tooltip", row.words.tooltip } });
 }
 
 void addLabel (Listing& listing, const char* name, const LabelRow& row)
 {
-    const auto control = listing.add ("label", row.box, name);
     constexpr auto designPixelsPerPixel = static_cast<double> (designWidth) / width;
-    control->setProperty ("textHeight", static_cast<double> (row.height) * designPixelsPerPixel);
+    listing.add ("label", row.box,
+                 { { "name", name }, { "textHeight", static_cast<double> (row.height) * designPixelsPerPixel } });
 }
 } // namespace
 

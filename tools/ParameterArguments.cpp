@@ -13,6 +13,11 @@ namespace tarvik
 
 namespace
 {
+bool isNumber (const ParameterRow& row)
+{
+    return row.kind == ParameterFieldKind::Int || row.kind == ParameterFieldKind::Float;
+}
+
 /** The number that a text consists of; nothing else may stand beside it. */
 std::optional<double> asNumber (const juce::String& text)
 {
@@ -75,24 +80,16 @@ juce::String valuesText (const ParameterRow& row)
 }
 
 //==============================================================================
-float boolValue (const ParameterRow& row, const juce::String& text)
+/** The place of a choice; of a switch 0 or 1. */
+float wordValue (const ParameterRow& row, const juce::String& text)
 {
-    for (const auto* const word : { "on", "true", "yes", "1" })
-        if (text.equalsIgnoreCase (word))
-            return 1.0f;
+    static constexpr const char* switchWords[] = { "off", "on", "false", "true", "no", "yes", "0", "1" };
+    const auto isSwitch = row.kind == ParameterFieldKind::Bool;
+    const auto words = isSwitch ? std::span<const char* const> (switchWords) : row.choices;
 
-    for (const auto* const word : { "off", "false", "no", "0" })
-        if (text.equalsIgnoreCase (word))
-            return 0.0f;
-
-    refuse (row, text);
-}
-
-float choiceValue (const ParameterRow& row, const juce::String& text)
-{
-    for (std::size_t i = 0; i < row.choices.size(); ++i)
-        if (text.equalsIgnoreCase (row.choices[i]))
-            return static_cast<float> (i);
+    for (std::size_t i = 0; i < words.size(); ++i)
+        if (text.equalsIgnoreCase (words[i]))
+            return static_cast<float> (isSwitch ? i % 2 : i);
 
     refuse (row, text);
 }
@@ -118,13 +115,6 @@ float numberValue (const ParameterRow& row, const juce::String& text)
     return static_cast<float> (*number);
 }
 
-float plainValue (const ParameterRow& row, const juce::String& text)
-{
-    return row.kind == ParameterFieldKind::Bool     ? boolValue (row, text)
-           : row.kind == ParameterFieldKind::Choice ? choiceValue (row, text)
-                                                    : numberValue (row, text);
-}
-
 float travel (const juce::String& argument, const juce::String& text)
 {
     const auto place = asNumber (text);
@@ -147,8 +137,10 @@ ParameterSetting parseParameterSetting (const juce::String& argument)
 
     for (int index = 0; index < numParameters; ++index)
         if (const auto& row = parameterRow (index); id == row.id)
-            return { index, argument[sign] == '@' ? travel (argument, text)
-                                                  : createParameter (index)->convertTo0to1 (plainValue (row, text)) };
+            return { index, argument[sign] == '@'
+                                ? travel (argument, text)
+                                : createParameter (index)->convertTo0to1 (isNumber (row) ? numberValue (row, text)
+                                                                                         : wordValue (row, text)) };
 
     throw ToolError ("there is no parameter '" + id + "' (see --list)");
 }

@@ -56,9 +56,7 @@ juce::String describeAudio (const AudioFileReader& audio)
 class PreparedModule
 {
 public:
-    /** The paths are those of the run's other files. Throws at the first mistake, as far as possible before it loads
-        the module.
-    */
+    /** Throws at the first mistake that shows without the module. */
     PreparedModule (const CommandLine& commandLine, std::ostream& output)
         : line (commandLine), report (output), settings (parseParameterSettings (line.assignments))
     {

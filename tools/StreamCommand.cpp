@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdio>
 #include <iostream>
 #include <string>
 #include <unistd.h>
@@ -48,35 +49,20 @@ void readSamples (std::vector<float>& samples)
         throw ToolError ("the input ends within a run of " + juce::String (samples.size()) + " samples");
 }
 
-/** The output, kept free of what the module itself prints while it is loaded: that goes where errors go. */
-class Output
+/** The output. What the module itself prints while it is loaded goes where errors go from here on. */
+std::FILE* takeOutput()
 {
-public:
-    Output() : descriptor (::dup (STDOUT_FILENO)) { ::dup2 (STDERR_FILENO, STDOUT_FILENO); }
+    auto* const output = ::fdopen (::dup (STDOUT_FILENO), "w");
+    ::dup2 (STDERR_FILENO, STDOUT_FILENO);
+    return output;
+}
 
-    ~Output() { ::close (descriptor); }
-
-    Output (const Output&) = delete;
-    Output& operator= (const Output&) = delete;
-
-    void write (const void* data, std::size_t numBytes) const
-    {
-        for (const auto *next = static_cast<const char*> (data), *const end = next + numBytes; next < end;)
-        {
-            const auto written = ::write (descriptor, next, static_cast<std::size_t> (end - next));
-
-            if (written < 0)
-                throw ToolError ("nobody takes the output");
-
-            next += written;
-        }
-    }
-
-    void write (const std::vector<float>& samples) const { write (samples.data(), samples.size() * sizeof (float)); }
-
-private:
-    const int descriptor;
-};
+void write (std::FILE* output, const std::vector<float>& samples)
+{
+    if (std::fwrite (samples.data(), sizeof (float), samples.size(), output) != samples.size()
+        || std::fflush (output) != 0)
+        throw ToolError ("nobody takes the output");
+}
 
 /** Every parameter to its default, then the settings. */
 void apply (ModuleHost& host, const Run& run, int blockSize)
@@ -117,7 +103,7 @@ void process (ModuleHost& host, double sampleRate, int blockSize, std::vector<fl
 
 void streamRuns (const CommandLine& line)
 {
-    const Output output;
+    auto* const output = takeOutput();
     ModuleHost host (ModuleHost::findBundle (line.modulePath));
     host.setLayout (1, false);
     std::string header;
@@ -129,7 +115,7 @@ void streamRuns (const CommandLine& line)
         readSamples (samples);
         apply (host, run, line.blockSize);
         process (host, run.sampleRate, line.blockSize, samples);
-        output.write (samples);
+        write (output, samples);
     }
 }
 
@@ -137,10 +123,9 @@ void decodeRecording (const CommandLine& line)
 {
     AudioFileReader recording (line.inputPath);
     const auto numChannels = recording.numChannels();
-    const auto header = juce::String (recording.sampleRate()) + "\t" + juce::String (numChannels) + "\t"
-                        + juce::String (recording.length()) + "\n";
-    const Output output;
-    output.write (header.toRawUTF8(), header.getNumBytesAsUTF8());
+    auto* const output = takeOutput();
+    std::fprintf (output, "%s\t%d\t%s\n", juce::String (recording.sampleRate()).toRawUTF8(), numChannels,
+                  juce::String (recording.length()).toRawUTF8());
     juce::AudioBuffer<float> block (numChannels, line.blockSize);
     std::vector<float> frames;
 
@@ -154,7 +139,7 @@ void decodeRecording (const CommandLine& line)
             for (int c = 0; c < numChannels; ++c)
                 frames.push_back (block.getSample (c, i));
 
-        output.write (frames);
+        write (output, frames);
     }
 }
 

@@ -14,8 +14,7 @@ class CircuitPolynomial
 public:
     static constexpr std::size_t maxDegree = 5;
 
-    constexpr CircuitPolynomial (double constant) noexcept
-        : coefficients { constant } {} // NOLINT: a number is a polynomial
+    constexpr CircuitPolynomial (double constant) noexcept : coefficients { constant } {} // a number is a polynomial
 
     /** slope * s */
     static constexpr CircuitPolynomial makeSlope (double slope) noexcept

@@ -72,7 +72,7 @@ private:
     void showState();
     void showMeters();
 
-    Tarvik41Processor& processor; // NOLINT: hides the base class's reference on purpose, with its real type
+    Tarvik41Processor& processor; // hides the base class's reference on purpose, with its real type
     KVLLNF look;
     juce::SharedResourcePointer<juce::TooltipWindow> tooltips;
     OrvaneConsoleUI console;

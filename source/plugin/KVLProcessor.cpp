@@ -61,7 +61,7 @@ bool KVLProcessor::isBusesLayoutSupported (const BusesLayout& layouts) const
     {
         auto adjusted = layouts;
         adjusted.inputBuses.getReference (1) = main;
-        const_cast<KVLProcessor*> (this)->setBusesLayout (adjusted); // NOLINT
+        const_cast<KVLProcessor*> (this)->setBusesLayout (adjusted);
     }
 
     return false;

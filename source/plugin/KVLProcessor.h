@@ -123,7 +123,7 @@ public:
     int getCurrentProgram() override { return currentProgram; }
 
     void setCurrentProgram (int index) override;
-    const juce::String getProgramName (int index) override; // NOLINT: JUCE's own signature
+    const juce::String getProgramName (int index) override; // JUCE's own signature
 
     void changeProgramName (int, const juce::String&) override {}
 

@@ -17,12 +17,12 @@ int main (int argc, char* argv[])
 
     if (juce::Desktop::getInstance().getDisplays().getPrimaryDisplay() == nullptr)
     {
-        const auto* const display = std::getenv ("DISPLAY"); // NOLINT: there is no other thread yet
+        const auto* const display = std::getenv ("DISPLAY"); // there is no other thread yet
         std::cerr << "tarvik41-channel: there is no screen for its window: "
                   << (display != nullptr ? "'" + std::string (display) + "' cannot be opened" : "DISPLAY is not set")
                   << std::endl;
         return EXIT_FAILURE;
     }
 
-    return juce::JUCEApplicationBase::main (argc, const_cast<const char**> (argv)); // NOLINT: JUCE's signature
+    return juce::JUCEApplicationBase::main (argc, const_cast<const char**> (argv)); // JUCE's signature
 }

@@ -15,7 +15,7 @@ public:
     Tarvik41Processor();
     ~Tarvik41Processor() override;
 
-    const juce::String getName() const override { return JucePlugin_Name; } // NOLINT: JUCE's own signature
+    const juce::String getName() const override { return JucePlugin_Name; } // JUCE's own signature
 
     ProcessorSetting<int>& limiterSensitivitySetting() const
     {

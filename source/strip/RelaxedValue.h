@@ -16,7 +16,7 @@ class RelaxedValue
 public:
     RelaxedValue() noexcept = default;
 
-    RelaxedValue (T initial) noexcept : value (initial) {} // NOLINT: implicit on purpose
+    RelaxedValue (T initial) noexcept : value (initial) {} // implicit on purpose
 
     RelaxedValue (const RelaxedValue& other) noexcept : value (other.get()) {}
 
@@ -34,7 +34,7 @@ public:
 
     ~RelaxedValue() = default;
 
-    operator T () const noexcept { return get(); } // NOLINT: implicit on purpose
+    operator T () const noexcept { return get(); } // implicit on purpose
 
     T get() const noexcept { return value.load (std::memory_order_relaxed); }
 

@@ -1,20 +1,17 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Checks of tools/plots. The offline host, with its module beside it, is $TARVIK_RENDER_TOOL."""
+"""Checks of tools/plots."""
 import os
 import re
 import subprocess
 import sys
-import tempfile
 import unittest
-import wave
 import xml.etree.ElementTree as xml
 from pathlib import Path
 
 import numpy as np
+from scratch import RATE, TOOL, Scratch, noise
 
 PLOTS = Path(__file__).resolve().parents[2] / "tools" / "plots"
-TOOL = os.environ["TARVIK_RENDER_TOOL"]
-RATE = 48000
 sys.path.insert(0, str(PLOTS))
 
 import comparison  # noqa: E402
@@ -22,11 +19,8 @@ import measure  # noqa: E402
 from host import Failure, Host, Strip  # noqa: E402
 
 
-class Charts(unittest.TestCase):
-    def setUp(self):
-        scratch = tempfile.TemporaryDirectory()
-        self.addCleanup(scratch.cleanup)
-        self.folder, self.printed = Path(scratch.name), ""
+class Charts(Scratch):
+    printed = ""
 
     def draw(self, *words: str, **environment: str) -> subprocess.CompletedProcess:
         done = subprocess.run(["/usr/bin/python3", "-B", PLOTS, "--tool", TOOL, *words], cwd=self.folder, text=True,
@@ -39,11 +33,6 @@ class Charts(unittest.TestCase):
         found = [line for line in self.printed.splitlines() if line.strip().startswith(beginning)]
         self.assertEqual(len(found), 1, beginning)
         return float(found[0].split()[-2])
-
-    def write(self, name: str, channels: np.ndarray, rate: int = RATE):
-        with wave.open(str(self.folder / name), "wb") as file:
-            file.setparams((len(channels), 2, rate, 0, "NONE", ""))
-            file.writeframes(np.round(32767 * channels.T).astype("<i2").tobytes())
 
 
 class Measurements(Charts):
@@ -84,8 +73,7 @@ class Measurements(Charts):
         host = Host(TOOL)
         settings = errors.draw_settings(3, host.positions())
         networks = host.numbers("list", "network", lines=["\t".join(setting) for setting in settings])
-        circuits = [errors.Circuit(setting, row) for setting, row in zip(settings, networks)]
-        cells = [float(cell) for cell in errors.measure_row(host, settings, circuits, 48000.0, 2).split("|")[3:-1]]
+        cells = [float(cell) for cell in errors.measure_row(host, settings, networks, 48000.0, 2).split("|")[3:-1]]
         self.assertTrue(0 < max(cells[:6]) <= 0.015, cells)  # the digital filters
         self.assertGreater(cells[-1], 0.1)  # a bilinear transform
 
@@ -113,10 +101,9 @@ class Comparison(Charts):
 
 class Mistakes(Charts):
     def test_each_is_one_line_status_two_and_no_file(self):
-        noise = np.random.default_rng(41).uniform(-0.5, 0.5, (2, 5000))
-        for name, samples, rate in (("in.wav", noise, RATE), ("two.wav", noise, RATE), ("slow.wav", noise, 22050),
-                                    ("silent.wav", noise[:, :0], RATE)):
-            self.write(name, samples, rate)
+        for name, length, rate in (("in.wav", 5000, RATE), ("two.wav", 5000, RATE), ("slow.wav", 5000, 22050),
+                                   ("silent.wav", 0, RATE)):
+            self.write(name, noise(2, length), rate)
         before = sorted(self.folder.iterdir())
         for words, said in (
                 ("plot", "kind"), ("plot eqs pictures", "'eqs pictures'"), ("plots eq pictures", "plots"),
@@ -166,11 +153,10 @@ class Figures(Charts):
         self.assertEqual(self.figure("gate, threshold -10 dB") - self.figure("gate, threshold -40 dB"), 30)
 
     def test_the_users_defaults_do_not_count_and_the_picture_is_the_same_each_time(self):
-        own = self.folder / "Tarvik Plugins"
-        own.mkdir()
-        (own / "Tarvik 41 Channel.settings").write_text('<PROPERTIES><VALUE name="Calibration" val="24"/></PROPERTIES>')
+        Path(self.environment["XDG_CONFIG_HOME"], "Tarvik Plugins", "Tarvik 41 Channel.settings").write_text(
+            '<PROPERTIES><VALUE name="Calibration" val="24"/></PROPERTIES>')
         self.draw("plot", "saturation", "first")
-        self.draw("plot", "saturation", "second", XDG_CONFIG_HOME=str(self.folder))
+        self.draw("plot", "saturation", "second", XDG_CONFIG_HOME=self.environment["XDG_CONFIG_HOME"])
         first, second = (Path(self.folder, name, "saturation-harmonics.svg").read_bytes()
                          for name in ("first", "second"))
         self.assertEqual(first, second)

@@ -52,11 +52,11 @@ def draw_charts(host: Host, kind: str, folder: Path):
 
 
 def compare(host: Host, first: str, second: str, target: Path):
+    if target.exists() and not target.is_file():
+        raise Failure(f"cannot write '{target}': it is not an ordinary file")
     for path, what in ((first, "first"), (second, "second")):
         if target.exists() and os.path.exists(path) and target.samefile(path):
             raise Failure(f"cannot write '{target}': it is the {what} recording")
-    if target.exists() and not target.is_file():
-        raise Failure(f"cannot write '{target}': it is not an ordinary file")
     import comparison
     comparison.compare(host, first, second, target)
 

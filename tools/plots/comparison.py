@@ -84,9 +84,9 @@ def overview(recording: Recording, length: int) -> Overview:
         for channel, row in zip(bands, np.clip(samples, -LOUDEST_SAMPLE, LOUDEST_SAMPLE)):
             channel.add(row)
 
-    (hz, _), powers = (found := [channel.finish() for channel in bands])[0], [power for _, power in found]
+    hz, powers = zip(*(channel.finish() for channel in bands))
     good_samples = max(1, recording.channels * length - bad)
-    return Overview(recording.name, length / recording.rate, np.array(outline), hz,
+    return Overview(recording.name, length / recording.rate, np.array(outline), hz[0],
                     decibels(np.sqrt(np.mean(powers, axis=0) / 0.5)), decibels(np.max(np.abs(outline))),
                     decibels(np.sqrt(power / good_samples)), bad)
 

@@ -4,7 +4,7 @@ import numpy as np
 
 from host import Host, Strip
 from measure import gain_over_time, last_time_far, report, tone, transfer_curve
-from style import INK, frame, linear, panels, shades, times
+from style import INK, frame, level_frame, linear, panels, shades, times
 
 LOWEST_DBFS = -50
 THRESHOLDS = ["0", "-10", "-20"]
@@ -31,12 +31,11 @@ def transfer(strip: Strip, positions):
         axes[3].plot(levels, output, color=colour, label=f"limiter {state}")
 
     for panel, title in zip(axes, [*(f"Threshold {db} dB" for db in THRESHOLDS), "Limiter, ratio 1:1"]):
-        frame(panel, title, "Level in / dBFS", "Level out / dBFS", (LOWEST_DBFS, 0), 10)
-        linear(panel, LOWEST_DBFS, 0, 10)
+        level_frame(panel, title, LOWEST_DBFS, LOWEST_DBFS, 10)
         panel.legend(loc="upper left")
-    for panel in (axes[0], axes[1]):
+    for panel in axes[:2]:
         panel.set_xlabel("")
-    for panel in (axes[1], axes[3]):
+    for panel in axes[1::2]:
         panel.set_ylabel("")
     return figure
 

@@ -31,24 +31,18 @@ def draw_settings(count: int, positions) -> list[list[str]]:
              switch("lowFreq"), pot("lowGain"), switch("highPass"), f"TolChannel={draw(32) + 1}"] for _ in range(count)]
 
 
-class Circuit:
-    """High pass, network and make-up gain of one setting."""
-
-    def __init__(self, setting: list[str], coefficients: np.ndarray):
-        self.numerator, self.denominator = np.split(coefficients, 2)
-        self.high_pass = HIGH_PASSES.get(setting[-2].removeprefix("highPass="))
-
-    def db(self, radians: np.ndarray) -> np.ndarray:
-        """Over radians per second."""
-        s = 1j * radians
-        gain = np.polyval(self.numerator, s) / np.polyval(self.denominator, s)
-        if self.high_pass:
-            corner, q = self.high_pass
-            gain = gain * s ** 2 / (s ** 2 + s * corner / q + corner ** 2)
-        return decibels(np.abs(gain)) + MAKE_UP_DB
+def circuit_db(setting: list[str], network: np.ndarray, radians: np.ndarray) -> np.ndarray:
+    """High pass, network and make-up gain of one setting, over radians per second."""
+    s = 1j * radians
+    numerator, denominator = np.split(network, 2)
+    gain = np.polyval(numerator, s) / np.polyval(denominator, s)
+    if high_pass := HIGH_PASSES.get(setting[-2].removeprefix("highPass=")):
+        corner, q = high_pass
+        gain = gain * s ** 2 / (s ** 2 + s * corner / q + corner ** 2)
+    return decibels(np.abs(gain)) + MAKE_UP_DB
 
 
-def measure_row(host: Host, settings: list[list[str]], circuits: list[Circuit], rate: float, factor: int) -> str:
+def measure_row(host: Host, settings: list[list[str]], networks: np.ndarray, rate: float, factor: int) -> str:
     hz = np.geomspace(20, SHARES[-1] * rate / 2, 96)
     inside = hz / (rate / 2) * (1 - 1e-9) <= SHARES[:, None]
     warped = 2 * rate * factor * np.tan(np.pi * hz / (rate * factor))  # without prewarping
@@ -56,11 +50,11 @@ def measure_row(host: Host, settings: list[list[str]], circuits: list[Circuit], 
 
     with Strip(host, rate, factor) as strip:
         bench = Response(strip, hz)
-        for setting, circuit in zip(settings, circuits):
-            wanted = circuit.db(2 * np.pi * hz)
+        for setting, network in zip(settings, networks):
+            wanted = circuit_db(setting, network, 2 * np.pi * hz)
             error = np.abs(bench.measure(*setting[:-1], channel=int(setting[-1].removeprefix("TolChannel="))) - wanted)
             has_level = wanted > np.max(wanted) - LEVEL_DB
-            rows = [error, error * has_level, np.abs(circuit.db(warped) - wanted) * has_level]
+            rows = [error, error * has_level, np.abs(circuit_db(setting, network, warped) - wanted) * has_level]
             largest = np.maximum(largest, [np.max(row * inside, axis=1) for row in rows])
 
     return f"| {rate / 1000:.1f} kHz | {factor} |" + "".join(f" {error:.3f} |" for error in largest.flat)
@@ -69,10 +63,9 @@ def measure_row(host: Host, settings: list[list[str]], circuits: list[Circuit], 
 def print_table(host: Host, count: int = 200):
     settings = draw_settings(count, host.positions())
     networks = host.numbers("list", "network", lines=["\t".join(setting) for setting in settings])
-    circuits = [Circuit(setting, row) for setting, row in zip(settings, networks)]
     print("| Host | Factor | to 0.5 | to 0.8 | to 0.9 | level, to 0.5 | to 0.8 | to 0.9 | bilinear, to 0.5 | to 0.8 | "
           "to 0.9 |\n" + "|---" * 11 + "|")
     with ThreadPoolExecutor(2) as pool:
         cases = [(rate, factor) for rate in (44100.0, 48000.0, 96000.0, 192000.0) for factor in (1, 2)]
-        for row in pool.map(lambda case: measure_row(host, settings, circuits, *case), cases):
+        for row in pool.map(lambda case: measure_row(host, settings, networks, *case), cases):
             print(row, flush=True)

@@ -4,7 +4,7 @@ import numpy as np
 
 from host import Host, Strip
 from measure import gain_over_time, report, tone, transfer_curve
-from style import INK, frame, linear, minus, panels, shades
+from style import INK, frame, level_frame, linear, minus, panels, shades
 
 LOWEST_IN, LOWEST_OUT = -70, -90  # dBFS
 LOUD_DBFS, QUIET_DBFS = -10, -60
@@ -41,10 +41,8 @@ def transfer(strip: Strip):
     thresholds(strip, axes[0], "Expander")
     thresholds(strip, axes[1], "Gate")
     ranges(strip, axes[2])
-    titles = ["Expander, by threshold", "Gate, by threshold", "Expander at -20 dB, by range"]
-    for panel, title in zip(axes, titles):
-        frame(panel, title, "Level in / dBFS", "Level out / dBFS", (LOWEST_OUT, 0), 10)
-        linear(panel, LOWEST_IN, 0, 20, 10)
+    for panel, title in zip(axes, ("Expander, by threshold", "Gate, by threshold", "Expander at -20 dB, by range")):
+        level_frame(panel, title, LOWEST_IN, LOWEST_OUT, 20, 10)
         panel.legend(loc="lower right")
         panel.label_outer()
     return figure

@@ -72,6 +72,12 @@ def frame(axes, title: str, x: str, y: str, ylim: tuple[float, float], ystep: fl
     axes.grid(True, which="major", color=GRID, linewidth=0.6)
 
 
+def level_frame(axes, title: str, lowest_in: float, lowest_out: float, step: float, fine: float | None = None):
+    """For level out over level in, both up to 0 dBFS."""
+    frame(axes, title, "Level in / dBFS", "Level out / dBFS", (lowest_out, 0), 10)
+    linear(axes, lowest_in, 0, step, fine)
+
+
 def linear(axes, low: float, high: float, step: float, fine: float | None = None):
     axes.set_xlim(low, high)
     axes.xaxis.set_major_locator(MultipleLocator(step))
