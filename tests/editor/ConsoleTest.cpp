@@ -29,6 +29,13 @@ struct Hand
             << (t.strip->getCurrentSlot() == 0 ? "" : "slot=B") << "\n";
     }
 
+    /** What a window does when it is shown, and at each tick. */
+    void statePass()
+    {
+        t.editor->setVisible (false);
+        t.editor->setVisible (true);
+    }
+
     void reset()
     {
         t.strip->selectSlot (0);
@@ -37,8 +44,7 @@ struct Hand
         for (auto* const p : t.strip->getParameters())
             p->setValueNotifyingHost (p->getDefaultValue());
 
-        t.editor->setVisible (false);
-        t.editor->setVisible (true); // shows all of it at once
+        statePass();
         runMessagesFor (2);
         t.ears.heard();
     }
@@ -57,7 +63,7 @@ struct Hand
         mouse.click (middle, juce::ModifierKeys::altModifier);
         note (slider, "Alt");
         mouse.wheel (start < 0.1 ? Mouse::notch : -Mouse::notch);
-        t.show(); // a tick in between does not undo it
+        statePass(); // does not undo it
         note (slider, "wheel");
     }
 
