@@ -90,6 +90,34 @@ TEST (GainStructure, ARenderBeginsWithEveryGainInPlace)
     }
 }
 
+// The running strip's prepare would hide a ramp that reset forgets: what has been asked for by then is in place.
+TEST (GainStructure, AResetPutsEveryGainInPlace)
+{
+    const auto run = [] (auto setUp)
+    {
+        ParameterSnapshot snapshot, readOuts;
+        snapshot.equalizer = snapshot.compIn = false;
+        setUp (snapshot);
+        ChannelStrip strip;
+        strip.prepare (sampleRate, 1, 1, 256);
+        strip.update (snapshot, true);
+        strip.reset();
+        auto row = tone (256, 0.01);
+        auto* const channel = row.data();
+        strip.processPre (&channel, 256, false);
+        strip.processMiddle (&channel, 256, 0, false);
+        strip.processPost (&channel, 256, false, readOuts);
+        return rmsOfEnd (row, 256) * (row[20] < 0.0f ? -1.0 : 1.0);
+    };
+
+    const auto reference = run ([] (auto&) {});
+    EXPECT_NEAR (run ([] (auto& s) { s.pad = true; }) / reference, 0.1, 1e-3);
+    EXPECT_NEAR (run ([] (auto& s) { s.gain = 20.0f; }) / reference, 10.0, 1e-2);
+    EXPECT_NEAR (run ([] (auto& s) { s.gain = 20.0f, s.unity = true; }) / reference, 1.0, 1e-3);
+    EXPECT_NEAR (run ([] (auto& s) { s.level = -20.0f; }) / reference, 0.1, 1e-3);
+    EXPECT_NEAR (run ([] (auto& s) { s.phase = true; }) / reference, -1.0, 1e-3);
+}
+
 TEST (GainStructure, UnityGainComesAfterTheSaturationAndBeforeTheDynamics)
 {
     const auto input = tone (4800, 0.06); // -4 dB at the saturation
