@@ -25,8 +25,11 @@ protected:
         juce::XmlElement all ("SETTINGS");
         juce::StringArray texts;
 
-        for (int i = 0; i < settingIndex::meterMode; ++i)
-            strip.getSetting (i).saveToXml (all);
+        strip.calibrationSetting().saveToXml (all);
+        strip.oversamplingSetting().saveToXml (all);
+        strip.analogSetting().saveToXml (all);
+        strip.uiZoomSetting().saveToXml (all);
+        strip.limiterSensitivitySetting().saveToXml (all);
 
         for (int i = 0; i < all.getNumAttributes(); ++i)
             texts.add (" " + all.getAttributeName (i) + "=" + all.getAttributeValue (i));
