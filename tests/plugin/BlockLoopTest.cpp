@@ -205,10 +205,17 @@ TEST (BlockLoop, ChangesUnderWayEndWhereAPreparedStripBegins)
     for (int run = 0; run < 12; ++run)
     {
         const auto moved = makeNoiselessStrip (2, 1), prepared = makeNoiselessStrip (2, 1);
-        moved->prepareToPlay (sampleRate, 512);
         setRandomly (*prepared, random);
         setPlain (*prepared, { { "mute", 0.0f }, { "level", 0.0f }, { "TolLink", run % 2 == 0 ? 0.0f : 1.0f } });
         prepared->prepareToPlay (sampleRate, 512);
+
+        if (run % 3 == 0) // all but the console channel is there from the start
+        {
+            moved->applySnapshot (prepared->currentSnapshot());
+            setPlain (*moved, "TolChannel", static_cast<float> (33 - prepared->currentSnapshot().tolChannel));
+        }
+
+        moved->prepareToPlay (sampleRate, 512);
         moved->applySnapshot (prepared->currentSnapshot());
         const Signal silence (96000), sound = noise (48000, 4, 0.1f);
         process (*moved, { silence, silence }, 512);

@@ -78,19 +78,20 @@ TEST (DynamicsTimes, EveryReleaseIsTheDischargeOfItsTwoCapacitors)
 
     for (int release = 0; release < 9; ++release)
     {
-        const auto end = periodsOf (quietSeconds + loudSeconds);
-        const auto deepest = gainsOf (release, 0.0)[end - 2];
-        const auto expected =
-            secondsToHalf (deepest, rlOhms[static_cast<std::size_t> (release)], release == 8 ? 33e3 : 153e3);
+        const auto loud = gainsOf (release, 0.0);
+        const auto expected = secondsToHalf (loud[loud.size() - 2], rlOhms[static_cast<std::size_t> (release)],
+                                             release == 8 ? 33e3 : 153e3);
         const auto gains = gainsOf (release, 2.0 * expected + 0.05);
+        const auto end = periodsOf (quietSeconds + loudSeconds);
+        const auto half = 0.5 * gains[end - 2];
         auto i = end;
 
-        while (i + 2 < gains.size() && gains[i + 1] < 0.5 * deepest)
+        while (i + 2 < gains.size() && gains[i + 1] < half)
             ++i;
 
         // On a line between two periods. The knee's trickle, which the capacitors on their own lack, and a tenth of a
         // period are allowed.
-        const auto way = (0.5 * deepest - gains[i]) / (gains[i + 1] - gains[i]);
+        const auto way = (half - gains[i]) / (gains[i + 1] - gains[i]);
         EXPECT_NEAR ((static_cast<double> (i - end) + 0.5 + way) * periodSeconds, expected,
                      0.1 * periodSeconds + 0.01 * expected)
             << release;

@@ -55,6 +55,9 @@ public:
     {
         Vst::ProcessSetup setup { Vst::kRealtime, Vst::kSample32, blockLength, 48000.0 };
 
+        for (const auto& [direction, bus] : { std::pair (Vst::kInput, 0), { Vst::kInput, 1 }, { Vst::kOutput, 0 } })
+            component->activateBus (Vst::kAudio, direction, bus, true);
+
         if (processor->setupProcessing (setup) != kResultOk || component->setActive (true) != kResultOk)
             throw std::runtime_error ("cannot play");
 
