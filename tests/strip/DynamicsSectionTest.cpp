@@ -183,8 +183,7 @@ TEST (DynamicsSection, SideChainGoesChannelToChannelOrItsMeanToAll)
 {
     const Signal quiet (24000, 1e-3f), loud (24000, 4.0f), opposite (24000, -4.0f);
 
-    // Which main channels are turned down; for the gate, which ones it opens for.
-    const auto isHeard = [&] (bool isGate, const std::vector<Signal>& channels, std::size_t numMain)
+    const auto run = [] (bool isGate, const std::vector<Signal>& channels, std::size_t numMain)
     {
         ParameterSnapshot settings;
         settings.compExtSideChain = ! isGate;
@@ -192,7 +191,13 @@ TEST (DynamicsSection, SideChainGoesChannelToChannelOrItsMeanToAll)
         settings.compRatio = isGate ? 0 : 3;
         settings.compThreshold = -20.0f;
         settings.expMode = isGate ? 2 : 1;
-        const auto out = PreparedSection (settings, static_cast<int> (numMain)).process (channels);
+        return PreparedSection (settings, static_cast<int> (numMain)).process (channels);
+    };
+
+    // Which main channels are turned down; for the gate, which ones it opens for.
+    const auto isHeard = [&] (bool isGate, const std::vector<Signal>& channels, std::size_t numMain)
+    {
+        const auto out = run (isGate, channels, numMain);
         std::vector<bool> heard;
 
         for (std::size_t c = 0; c < numMain; ++c)
@@ -211,6 +216,7 @@ TEST (DynamicsSection, SideChainGoesChannelToChannelOrItsMeanToAll)
         EXPECT_EQ (isHeard (isGate, { quiet, loud, quiet }, 1), Heard ({ true })) << isGate;
         EXPECT_EQ (isHeard (isGate, { quiet, quiet, loud }, 1), Heard ({ true })) << isGate;
         EXPECT_EQ (isHeard (isGate, { loud, loud, opposite }, 1), Heard ({ false })) << isGate;
+        EXPECT_EQ (run (isGate, { quiet, loud, loud }, 1), run (isGate, { quiet, loud }, 1)) << "a mean, not a sum";
         EXPECT_EQ (isHeard (isGate, { quiet, loud }, 2), Heard ({ false, true })) << "none: the main channels stand in";
     }
 }
