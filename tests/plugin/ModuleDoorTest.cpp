@@ -98,17 +98,46 @@ protected:
     double slowestMs = 0.0;
 };
 
-/** First each bit flipped, then cut to each length. */
+constexpr std::size_t numRandomDamages = 500;
+
+std::size_t numDamages (const std::string& good) { return good.size() * 9 + numRandomDamages; }
+
+/** First each bit flipped, then cut to each length, then at random. */
 std::string damaged (std::string state, std::size_t number)
 {
-    if (number >= state.size() * 8)
-        return state.substr (0, number - state.size() * 8);
+    if (number < state.size() * 8)
+    {
+        state[number / 8] = static_cast<char> (state[number / 8] ^ (1 << number % 8));
+        return state;
+    }
 
-    state[number / 8] = static_cast<char> (state[number / 8] ^ (1 << number % 8));
-    return state;
+    number -= state.size() * 8;
+
+    if (number < state.size())
+        return state.substr (0, number);
+
+    std::mt19937 random (static_cast<unsigned> (number - state.size()));
+    const auto place = random() % state.size(), length = random() % 100;
+    const auto kind = random() % 4;
+
+    if (kind == 0)
+        return state.erase (place, length);
+
+    if (kind == 1)
+        return state.insert (random() % state.size(), state.substr (place, length));
+
+    // Something else in front of the private part's mark, from anywhere or from within that part.
+    state.resize (kind == 2 ? place : state.size() - tail / 2);
+
+    for (auto i = random() % 40; i > 0; --i)
+        state += static_cast<char> (random() % 4 == 0 ? random() : random() % 4);
+
+    const auto anyNumber = static_cast<int64> (random());
+    const auto size = anyNumber % 2 == 0 ? anyNumber % 64 : -anyNumber;
+    return state + std::string (reinterpret_cast<const char*> (&size), sizeof (size)) + "JUCEPrivateData";
 }
 
-/** The damages to try: all around the document, one bit of each byte within it, all cuts; every one with TARVIK_DAMAGE=all
+/** The damages to try: all around the document, one bit of each byte within it, all others; every one with TARVIK_DAMAGE=all
     in the environment, or the one of that number.
 */
 std::vector<std::size_t> damagesToTry (const std::string& good)
@@ -121,7 +150,7 @@ std::vector<std::size_t> damagesToTry (const std::string& good)
 
     std::vector<std::size_t> numbers;
 
-    for (std::size_t n = 0; n < good.size() * 9; ++n)
+    for (std::size_t n = 0; n < numDamages (good); ++n)
     {
         const auto byte = n / 8;
 
@@ -165,7 +194,7 @@ TEST_F (ModuleDoor, DamagedStatesWhileItPlays)
 
     EXPECT_TRUE (isHeard);
 
-    if (numbers.size() == good.size() * 9)
+    if (numbers.size() == numDamages (good))
         std::cout << numbers.size() << " damages to " << good.size() << " bytes, " << blocks
                   << " blocks played, at most " << slowestMs << " ms to load\n";
 }
