@@ -14,11 +14,11 @@ namespace
 /** A value as a user would read it off the panel: a number, a switch, or the words of a choice. */
 struct Value
 {
-    constexpr Value (float number) : plain (number) {} // NOLINT: implicit, as are the next two
+    constexpr Value (float number) : plain (number) {} // implicit, as are the next two
 
-    constexpr Value (bool isOn) : plain (isOn ? 1.0f : 0.0f) {} // NOLINT
+    constexpr Value (bool isOn) : plain (isOn ? 1.0f : 0.0f) {}
 
-    constexpr Value (const char* words) : plain (-1), choice (words) {} // NOLINT
+    constexpr Value (const char* words) : plain (-1), choice (words) {}
 
     /** A parameter's plain value; -1 for words that none of its choices has. */
     constexpr float of (const ParameterRow& row) const

@@ -141,7 +141,7 @@ ParameterFieldRef fieldForParameter (ParameterSnapshot& snapshot, int index) noe
 
 float plainValueOf (const ParameterSnapshot& snapshot, int index) noexcept
 {
-    return fieldForParameter (const_cast<ParameterSnapshot&> (snapshot), index).get(); // NOLINT: nothing is written
+    return fieldForParameter (const_cast<ParameterSnapshot&> (snapshot), index).get(); // nothing is written
 }
 
 std::unique_ptr<juce::RangedAudioParameter> createParameter (int index)
