@@ -79,9 +79,13 @@ protected:
     {
         const auto path = folder.getFullPathName();
         juce::ChildProcess process;
-        process.start (juce::StringArray { "env", "-C", path, "XDG_CONFIG_HOME=" + path, TARVIK_RENDER_TOOL }
+
+        // By a shell, whose status tells of a signal as well.
+        process.start (juce::StringArray { "sh", "-c", "env -C \"$0\" XDG_CONFIG_HOME=\"$0\" \"$@\"; exit", path,
+                                           TARVIK_RENDER_TOOL }
                        + arguments);
         const auto printed = process.readAllProcessOutput();
+        EXPECT_TRUE (process.waitForProcessToFinish (60000)); // or there is no status yet
         EXPECT_EQ (process.getExitCode(), expectedStatus) << arguments.joinIntoString (" ") << "\n" << printed;
         return printed;
     }
