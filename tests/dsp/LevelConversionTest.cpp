@@ -17,19 +17,18 @@ namespace
 template <typename T>
 void expectDefinition()
 {
-    const std::array levels { T (2), T (0.01), T (0) };
+    const std::array levels { T (2), T (0) };
     auto decibels = levels, back = levels, inPlace = levels;
-    DecibelConverter::levelToDB (levels.data(), decibels.data(), 3);
+    DecibelConverter::levelToDB (levels.data(), decibels.data(), 2);
     EXPECT_NEAR (static_cast<double> (decibels[0]), 6.0205999132796239, 1e-6);
-    EXPECT_NEAR (static_cast<double> (decibels[1]), -40.0, 1e-5);
-    EXPECT_EQ (decibels[2], -std::numeric_limits<T>::infinity()); // no floor
+    EXPECT_EQ (decibels[1], -std::numeric_limits<T>::infinity()); // no floor
 
-    DecibelConverter::levelToDBInPlace (inPlace.data(), 3);
+    DecibelConverter::levelToDBInPlace (inPlace.data(), 2);
     EXPECT_EQ (inPlace, decibels);
-    DecibelConverter::dBToLevel (decibels.data(), back.data(), 3);
+    DecibelConverter::dBToLevel (decibels.data(), back.data(), 2);
     EXPECT_NEAR (static_cast<double> (back[0]), 2.0, 1e-6);
-    EXPECT_EQ (back[2], T (0));
-    DecibelConverter::dBToLevelInPlace (inPlace.data(), 3);
+    EXPECT_EQ (back[1], T (0));
+    DecibelConverter::dBToLevelInPlace (inPlace.data(), 2);
     EXPECT_EQ (inPlace, back);
 
     std::array row { T (0.1), T (0.3), T (0.3) };

@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <complex>
 #include <string>
 
 namespace tarvik
@@ -36,12 +35,7 @@ std::vector<double> convertPlainly (const Samples& taps, const Samples& in, std:
 // Gain of the filter at a frequency in cycles per sample of the high rate, dB.
 double gainDb (const Samples& taps, double frequency)
 {
-    std::complex<double> sum;
-
-    for (std::size_t n = 0; n < taps.size(); ++n)
-        sum += static_cast<double> (taps[n]) * std::polar (1.0, -2.0 * std::numbers::pi * frequency * double (n));
-
-    return 20.0 * std::log10 (std::abs (sum));
+    return 20.0 * std::log10 (std::abs (test::spectrumAt (taps, 2.0 * std::numbers::pi * frequency)));
 }
 
 TEST (PolyphaseDesign, FilterIsFlatBelowAndQuietAboveTheBaseNyquist)
@@ -105,23 +99,22 @@ TEST (Polyphase, AnyCuttingGivesThePlainFormsValuesOnEverySet)
 
 TEST (Polyphase, SetupAndResetForgetTheSignalAndChannelsAreApart)
 {
-    for (const auto factor : { 1, 2, 3, 16 })
+    for (const auto factor : { 1, 3, 16 })
     {
         Polyphase sampler;
-        sampler.setup (2, factor);
         const auto base = noise (101, 1), high = noise (101 * factor, 1);
-
         const auto run = [&]
         {
             Samples up (high.size()), down (base.size()), quiet (high.size(), 1.0f);
             sampler.up (0, base.data(), up.data(), 101);
             sampler.down (0, high.data(), down.data(), 101);
             sampler.up (1, Samples (101).data(), quiet.data(), 101);
-            EXPECT_EQ (quiet, Samples (high.size()));
-            return std::pair (up, down);
+            return std::array { up, down, quiet };
         };
 
+        sampler.setup (2, factor);
         const auto fresh = run();
+        EXPECT_EQ (fresh[2], Samples (high.size()));
         EXPECT_EQ (run() == fresh, factor == 1);
         sampler.reset (0);
         EXPECT_EQ (run(), fresh);

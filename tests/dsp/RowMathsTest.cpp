@@ -42,18 +42,13 @@ std::vector<Function<T>> functions()
 template <typename T>
 bool isWithin (T value, long double exact, double bound)
 {
-    const auto nearest = static_cast<T> (exact);
+    const auto nearest = static_cast<T> (exact), magnitude = std::abs (nearest);
 
-    if (std::isnan (exact))
-        return std::isnan (value);
+    if (! std::isfinite (nearest) || nearest == T (0))
+        return value == nearest || (std::isnan (value) && std::isnan (nearest));
 
-    if (std::isinf (nearest) || nearest == T (0))
-        return value == nearest;
-
-    int exponent = 0;
-    std::frexp (std::max (std::abs (nearest), std::numeric_limits<T>::min()), &exponent);
-    const auto unit = std::ldexp (1.0L, exponent - std::numeric_limits<T>::digits);
-    return std::abs ((static_cast<long double> (value) - exact) / unit) <= static_cast<long double> (bound);
+    const auto unit = std::nextafter (magnitude, std::numeric_limits<T>::infinity()) - magnitude;
+    return std::abs (static_cast<long double> (value) - exact) <= static_cast<long double> (bound) * unit;
 }
 
 template <typename T>
