@@ -5,10 +5,10 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <chrono>
+#include <csignal>
 #include <limits>
-#include <thread>
+#include <sys/time.h>
 
 namespace tarvik
 {
@@ -93,37 +93,45 @@ TEST (Ramps, SharedRampTakesTheNewestRequestWhenAsked)
     EXPECT_TRUE (ramp.isIdle());
 }
 
-// Of two requests in a row the first is being taken while the second comes.
+// A timer's signal interrupts takeRequest() and asks for another value, as another thread may at any instruction.
+SharedRamp<LinearRamp> interrupted;
+volatile std::sig_atomic_t isTaking = 0, hasInterrupted = 0, numInterrupts = 0;
+
+void askMeanwhile (int)
+{
+    if (isTaking != 0)
+    {
+        interrupted.request (1.0);
+        hasInterrupted = 1;
+        numInterrupts = numInterrupts + 1;
+    }
+}
+
 TEST (Ramps, NoRequestIsLostWhileAnotherIsTaken)
 {
-    SharedRamp<LinearRamp> ramp;
-    std::atomic<double> taken { 0.0 };
-    std::atomic<bool> isDone { false };
-    std::thread audio (
-        [&]
+    constexpr auto enough = 500; // interrupts; one in fifty falls between the value and a late clearing
+    constexpr itimerval often { { 0, 200 }, { 0, 200 } }, never {};
+    std::signal (SIGALRM, askMeanwhile);
+    setitimer (ITIMER_REAL, &often, nullptr);
+    auto numLost = 0;
+
+    for (auto end = std::chrono::steady_clock::now() + std::chrono::seconds (5);
+         numInterrupts < enough && std::chrono::steady_clock::now() < end;)
+        for (int i = 0; i < 1000; ++i)
         {
-            while (! isDone)
-            {
-                ramp.takeRequest();
-                taken = ramp.get().target;
-            }
-        });
-    auto isKept = true;
+            hasInterrupted = 0;
+            interrupted.request (-1.0);
+            isTaking = 1;
+            interrupted.takeRequest();
+            isTaking = 0;
+            interrupted.takeRequest();
+            numLost += interrupted.get().target == (hasInterrupted != 0 ? 1.0 : -1.0) ? 0 : 1;
+        }
 
-    for (auto value = 1.0; value <= 50000.0 && isKept; ++value)
-    {
-        ramp.request (-value);
-        ramp.request (value);
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds (5);
-
-        do
-            isKept = taken == value;
-        while (! isKept && std::chrono::steady_clock::now() < end);
-    }
-
-    isDone = true;
-    audio.join();
-    EXPECT_TRUE (isKept);
+    setitimer (ITIMER_REAL, &never, nullptr);
+    std::signal (SIGALRM, SIG_IGN);
+    EXPECT_EQ (numLost, 0);
+    EXPECT_GT (numInterrupts, enough / 10);
 }
 } // namespace
 } // namespace tarvik
