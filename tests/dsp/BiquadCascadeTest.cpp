@@ -79,6 +79,17 @@ TEST (BiquadCascade, RowsTogetherGiveThePlainBitsOnEverySet)
         }
 }
 
+TEST (BiquadCascade, EqualNumeratorAndDenominatorReturnTheInputsBits)
+{
+    // As at high rates: near z = 1, where a contracted multiply-add would leave a remainder.
+    BiquadCascade cascade;
+    cascade.setTaps (std::array { 1.0, -1.99731, 0.99732, 1.0, -1.99731, 0.99732, // the first section
+                                  1.0, -1.98431, 0.98632, 1.0, -1.98431, 0.98632 });
+    auto row = noise (20000, 1);
+    filterPlainly ({ row.data(), &cascade }, 20000);
+    EXPECT_EQ (row, noise (20000, 1));
+}
+
 TEST (BiquadCascade, DividesByA0AndClears)
 {
     BiquadCascade cascade;

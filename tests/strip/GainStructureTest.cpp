@@ -166,6 +166,24 @@ TEST (GainStructure, NoControlStepsHoweverItIsMovedOrAutomated)
     }
 }
 
+TEST (GainStructure, UnityGainsRampLastsTheSameTimeAtEveryFactor)
+{
+    for (const auto factor : { 1, 2, 8 })
+    {
+        const auto strip = makeQuietStrip (factor, { { "gain", 20.0f } });
+        const auto before = gainDb (*strip);
+        setPlain (*strip, "unity", 1.0f);
+
+        // Equal factors over 4800 samples: 10 dB half way. A short sine about that moment, two cycles long.
+        const auto output = leftOf (*strip, tone (2400 + 48 + (factor > 1 ? 52 : 0)));
+        const auto [lowest, highest] = std::minmax_element (output.end() - 96, output.end());
+        EXPECT_NEAR (20.0 * std::log10 (static_cast<double> (std::max (-*lowest, *highest)) / quiet) - before, -10.0,
+                     0.4)
+            << factor;
+        EXPECT_NEAR (gainDb (*strip, 2400) - before, -20.0, 0.01) << factor;
+    }
+}
+
 TEST (GainStructure, CalibrationCancelsAndASlotKeepsTheCurrentSensitivity)
 {
     const auto bare = makeBareStrip();
