@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "dsp/MZTiCoefs.h"
+
+#include <array>
 #include <complex>
 #include <cstddef>
 #include <numbers>
@@ -39,6 +42,19 @@ inline Complex digitalResponse (std::span<const double> taps, double omega)
                     / (taps[i + 3] + delay * (taps[i + 4] + delay * taps[i + 5]));
 
     return response;
+}
+
+// The taps that a design makes of H(s).
+template <std::size_t degree>
+auto designTaps (const std::array<double, degree + 1>& numerator, const std::array<double, degree + 1>& denominator,
+                 double rateHz)
+{
+    MZTiCoefs<double, degree, degree> coefs;
+    coefs.numerator = numerator;
+    coefs.denominator = denominator;
+    coefs.sampleRate = rateHz;
+    coefs.design();
+    return coefs.taps;
 }
 
 } // namespace tarvik::test

