@@ -192,10 +192,10 @@ TEST_F (Lv2Module, DamagedStateTextsAndProgramNumbers)
 
     juce::Thread::sleep (600); // until programs are taken again
 
-    const auto text = std::string ("\"-2147483648\"^^<http://www.w3.org/2001/XMLSchema#int>");
+    const auto text = std::string ("\"2147483647\"^^<http://www.w3.org/2001/XMLSchema#int>");
     loadProperty (std::string (fresh).replace (open, length, text).replace (property, 11, "Program"));
     const auto strip = makeStrip();
-    strip->setCurrentProgram (0);
+    strip->setCurrentProgram (25);
     const Hosted threshold (*plugin, rowOf ("compThreshold"));
     EXPECT_NEAR (threshold.plain (threshold.parameter.getValue()), plainOf (*strip, "compThreshold"), 1e-3f);
 }
