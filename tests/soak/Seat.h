@@ -23,14 +23,14 @@ struct Seat
     {
         struct Visitor final : juce::ExtensionsVisitor
         {
-            void visitVST3Client (const VST3Client& client) override { component = client.getIComponentPtr(); }
+            explicit Visitor (Seat& seatToFill) : seat (seatToFill) {}
 
-            Steinberg::Vst::IComponent* component = nullptr;
-        };
+            void visitVST3Client (const VST3Client& client) override { seat.component = client.getIComponentPtr(); }
 
-        Visitor visitor;
+            Seat& seat;
+        } visitor (*this);
+
         instance->getExtensions (visitor);
-        component = visitor.component;
     }
 
     /** Message thread. */
