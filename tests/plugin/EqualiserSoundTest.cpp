@@ -170,6 +170,29 @@ TEST (EqualiserSound, NoControlClicksUnderASine)
     }
 }
 
+TEST (EqualiserSound, AutomationOfAnotherControlDoesNotModulateTheBass)
+{
+    const auto run = [] (bool isAutomated)
+    {
+        const auto strip = makeEqualiserStrip (1);
+        setPlain (*strip, { { "TolChannel", 32.0f }, { "lowFreq", 3.0f }, { "lowGain", 1.0f }, { "highPass", 1.0f } });
+        strip->prepareToPlay (48000.0, 256);
+        const auto tone = sine (61.0, 0.1, 48000.0, 1.0);
+        auto threshold = 0.0f;
+
+        return process (*strip, { tone, tone },
+                        [&]
+                        {
+                            if (isAutomated)
+                                setPlain (*strip, "compThreshold", threshold -= 0.1f);
+
+                            return 512;
+                        });
+    };
+
+    EXPECT_EQ (run (true), run (false));
+}
+
 TEST (EqualiserSound, PreparingAgainBeginsAnewOnTheNewestSettings)
 {
     std::mt19937 random (9);

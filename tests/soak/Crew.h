@@ -77,7 +77,7 @@ private:
         endMs = juce::Time::getMillisecondCounterHiRes() + roundsMs.front();
         roundsMs.pop_front();
 
-        for (std::size_t i = 0; i < numAudioThreads; ++i)
+        for (int i = 0; i < numAudioThreads; ++i)
             workers.emplace_back ([this, i, chance = Random (++seed)] (const std::stop_token& stop)
                                   { playInstances (stop, i, chance); });
 
@@ -86,14 +86,18 @@ private:
         startTimer (1);
     }
 
-    void playInstances (const std::stop_token& stop, std::size_t first, Random chance)
+    void playInstances (const std::stop_token& stop, int first, Random chance)
     {
         juce::AudioBuffer<float> buffer (Seat::numChannels, 8192);
 
         while (! stop.stop_requested())
-            for (auto i = first; i < seats.size(); i += numAudioThreads)
-                if (const std::unique_lock lock (seats[i]->audioLock, std::try_to_lock); lock.owns_lock())
-                    play (*seats[i], buffer, chance);
+            for (auto i = static_cast<std::size_t> (first); i < seats.size(); i += numAudioThreads)
+            {
+                auto& seat = *seats[i];
+
+                if (const std::unique_lock lock (seat.audioLock, std::try_to_lock); lock.owns_lock())
+                    play (seat, buffer, chance);
+            }
     }
 
     void play (Seat& seat, juce::AudioBuffer<float>& buffer, Random& chance)
@@ -164,14 +168,20 @@ private:
         const auto choice = random.nextInt (16);
 
         if (choice == 0)
+        {
             openWindow (seat);
-        else if (choice == 3)
-            loadOrSave (seat);
+        }
         else if (choice < 3)
         {
-            seat.prepare (oneOf ({ 8000.0, 22050.0, 44100.0, 48000.0, 96000.0, 192000.0, 384000.0 }, random),
+            seat.prepare (oneOf ({ 8000.0, 11025.0, 16000.0, 22050.0, 32000.0, 44100.0, 48000.0, 88200.0, 96000.0,
+                                   176400.0, 192000.0, 384000.0 },
+                                 random),
                           randomLength (random));
             ++preparations.number;
+        }
+        else if (choice == 3)
+        {
+            loadOrSave (seat);
         }
         else
         {
@@ -233,7 +243,8 @@ private:
         ++(isLoad ? loads : saves).number;
     }
 
-    static constexpr std::size_t numAudioThreads = 4, maxWindows = 4;
+    static constexpr int numAudioThreads = 4;
+    static constexpr std::size_t maxWindows = 4;
     static constexpr int leastWindowMs = 500; ///< A window stays open for at least as long.
 
     Seats& seats;

@@ -5,6 +5,7 @@
 #include "plugin/StateSchema.h"
 
 #include <cmath>
+#include <limits>
 
 namespace tarvik::soak
 {
@@ -67,20 +68,12 @@ inline juce::MemoryBlock randomState (juce::Random& random)
     return blockOf (root);
 }
 
-/** The project with something else in its document. */
-template <typename Change>
-juce::MemoryBlock changed (const juce::MemoryBlock& state, Change change)
-{
-    const auto root = juce::AudioProcessor::getXmlFromBinary (state.getData(), static_cast<int> (state.getSize()));
-    change (*root);
-    return blockOf (*root);
-}
-
 /** The project with its other slot in use. */
 inline juce::MemoryBlock withOtherSlot (const juce::MemoryBlock& state)
 {
-    return changed (state, [key = stateSchema::currentSlot] (auto& root)
-                    { root.setAttribute (key, 1 - root.getIntAttribute (key)); });
+    const auto root = juce::AudioProcessor::getXmlFromBinary (state.getData(), static_cast<int> (state.getSize()));
+    root->setAttribute (stateSchema::currentSlot, 1 - root->getIntAttribute (stateSchema::currentSlot));
+    return blockOf (*root);
 }
 
 /** A tone in noise at a random level. */
@@ -96,7 +89,10 @@ inline void fillWithAudio (juce::AudioBuffer<float>& block, juce::Random& random
 
 inline void fillWithBadAudio (juce::AudioBuffer<float>& block, juce::Random& random)
 {
-    const float bad[] = { std::nanf (""), HUGE_VALF, -HUGE_VALF, -3.0e38f, 1.0e10f, -1.0e-40f };
+    using Limits = std::numeric_limits<float>;
+    constexpr float bad[] = { Limits::quiet_NaN(),  Limits::infinity(), -Limits::infinity(),
+                              Limits::max(),        -Limits::max(),     1.0e10f,
+                              Limits::denorm_min(), -1.0e-40f };
 
     for (int c = 0; c < block.getNumChannels(); ++c)
         for (int i = 0; i < block.getNumSamples(); ++i)

@@ -23,14 +23,14 @@ struct Seat
     {
         struct Visitor final : juce::ExtensionsVisitor
         {
-            explicit Visitor (Seat& seatToFill) : seat (seatToFill) {}
+            void visitVST3Client (const VST3Client& client) override { component = client.getIComponentPtr(); }
 
-            void visitVST3Client (const VST3Client& client) override { seat.component = client.getIComponentPtr(); }
+            Steinberg::Vst::IComponent* component = nullptr;
+        };
 
-            Seat& seat;
-        } visitor (*this);
-
+        Visitor visitor;
         instance->getExtensions (visitor);
+        component = visitor.component;
     }
 
     /** Message thread. */
