@@ -32,7 +32,6 @@ constexpr std::pair<float, float> badAudio[] = { { 0.0f, 0.0f },
 */
 TEST (HostileAudio, AnyAudioLeavesTheStripFiniteAndCleanASecondLater)
 {
-    constexpr unsigned seed = 41;
 #ifdef __SANITIZE_ADDRESS__
     constexpr int numCases = 500; // each takes twenty times as long
 #else
@@ -40,7 +39,7 @@ TEST (HostileAudio, AnyAudioLeavesTheStripFiniteAndCleanASecondLater)
 #endif
     constexpr int blockLength = 256;
     constexpr auto second = static_cast<int> (sampleRate);
-    std::mt19937 random (seed);
+    std::mt19937 random (41);
     std::vector<std::unique_ptr<Tarvik41Processor>> strips;
     const auto programme = noise (second, 5, 0.03f);
 
@@ -53,11 +52,11 @@ TEST (HostileAudio, AnyAudioLeavesTheStripFiniteAndCleanASecondLater)
     for (int run = 0; run < numCases; ++run)
     {
         // The high factors cost most and differ least: they get a share of the cases.
-        const auto share = run % 100;
-        auto& strip = *strips[share < 66 ? 0u : share < 90 ? 1u : share < 97 ? 2u : share < 99 ? 3u : 4u];
+        const auto percent = run % 100;
+        auto& strip = *strips[percent < 66 ? 0u : percent < 90 ? 1u : percent < 97 ? 2u : percent < 99 ? 3u : 4u];
         const auto kind = random() % std::size (badAudio);
         const auto isIn = random() % 4 != 0;
-        SCOPED_TRACE ("case " + std::to_string (run) + ", seed " + std::to_string (seed));
+        SCOPED_TRACE (run);
 
         const auto play = [&] (const Signal& left, const Signal& right)
         {
@@ -66,8 +65,8 @@ TEST (HostileAudio, AnyAudioLeavesTheStripFiniteAndCleanASecondLater)
             for (const auto& channel : output)
                 EXPECT_TRUE (allFinite (channel));
 
-            const auto& readOuts = strip.currentSnapshot();
-            EXPECT_TRUE (std::isfinite (readOuts.inputMeter + readOuts.outputMeter + readOuts.gainReductionDb));
+            const auto& snapshot = strip.currentSnapshot();
+            EXPECT_TRUE (std::isfinite (snapshot.inputMeter + snapshot.outputMeter + snapshot.gainReductionDb));
             return output;
         };
 
@@ -84,7 +83,7 @@ TEST (HostileAudio, AnyAudioLeavesTheStripFiniteAndCleanASecondLater)
         }
 
         setPlain (strip, { { "TolLink", 1.0f },
-                           { "compIn", isIn ? 1.0f : 0.0f },
+                           { "compIn", static_cast<float> (isIn) },
                            { "compRelease", 0.0f },
                            { "expRelease", 0.025f },
                            { "expHold", 0.0f },
@@ -92,7 +91,7 @@ TEST (HostileAudio, AnyAudioLeavesTheStripFiniteAndCleanASecondLater)
         const auto output = play (programme, programme);
         auto difference = 0.0f, level = 0.0f;
 
-        for (std::size_t i = programme.size() - 1024; i < programme.size(); ++i)
+        for (auto i = programme.size() - 1024; i < programme.size(); ++i)
         {
             difference = std::max (difference, std::abs (output[0][i] - output[1][i]));
             level = std::max (level, std::abs (output[1][i]));
@@ -100,17 +99,6 @@ TEST (HostileAudio, AnyAudioLeavesTheStripFiniteAndCleanASecondLater)
 
         EXPECT_LE (difference, level * (isIn ? 0.05f : 2e-5f)) << "kind " << kind;
     }
-}
-
-TEST (HostileAudio, SilenceAfterASignalStaysFreeOfSubnormals)
-{
-    const auto strip = makeNoiselessStrip();
-    strip->prepareToPlay (sampleRate, 512);
-    process (*strip, { noise (4800, 1, 0.5f), noise (4800, 2, 0.5f) }, 512);
-
-    for (int second = 0; second < 20; ++second)
-        for (const auto sample : firstOf (process (*strip, { Signal (48000), Signal (48000) }, 512)))
-            ASSERT_TRUE (sample == 0.0f || std::isnormal (sample)) << "second " << second;
 }
 
 } // namespace tarvik

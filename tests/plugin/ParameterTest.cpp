@@ -3,8 +3,6 @@
 #include "tests/support/Golden.h"
 #include "tests/support/StateTestTools.h"
 
-#include <limits>
-
 namespace tarvik
 {
 
@@ -69,11 +67,8 @@ TEST (Parameters, EachReachesItsOwnFieldAndNoOther)
         previous = strip.currentSnapshot();
     }
 
-    EXPECT_EQ (previous.lowFreq.get(), 9);
-    EXPECT_EQ (previous.level.get(), -80.0f) << "its default lies above the middle of the travel";
-    EXPECT_EQ (fieldForParameter (strip.currentSnapshot(), parameterIndex::gainReduction + 1).kind,
-               ParameterFieldKind::None);
-    EXPECT_EQ (fieldForParameter (strip.currentSnapshot(), -1).kind, ParameterFieldKind::None);
+    for (const auto none : { -1, parameterIndex::gainReduction + 1 })
+        EXPECT_EQ (fieldForParameter (strip.currentSnapshot(), none).kind, ParameterFieldKind::None);
 }
 
 /** A host may set a switch to any number, and shows what it reads back. */
@@ -105,16 +100,13 @@ TEST (Parameters, TextRulesReadLikeTheConsoleAndReadBack)
     Tarvik41Processor strip;
 
     for (const auto& [id, plain, text] : { std::tuple ("midGain", 0.0f, "0.00"),
-                                           { "midGain", 1.0f, "15.42" },
                                            { "lowGain", 0.2f, "3.34" },
                                            { "lowGain", 1.0f, "15.42" },
                                            { "compMix", 0.476f, "48 %" },
                                            { "compHPF", 20.0f, "Off" },
                                            { "compHPF", 123.4f, "123.4 Hz" },
                                            { "expRelease", 0.3f, "0.300" },
-                                           { "level", -80.0f, "-80.0" },
-                                           { "lowFreq", 8.0f, "-12 dB" },
-                                           { "TolChannel", 17.0f, "17" } })
+                                           { "level", -80.0f, "-80.0" } })
         EXPECT_EQ (textOf (strip, id, plain), text) << id;
 
     for (float x = 0.0f; x <= 1.0f; x += 0.01f)
@@ -135,16 +127,14 @@ TEST (Parameters, TextRulesReadLikeTheConsoleAndReadBack)
 TEST (Parameters, TravelsAreTheFadersAndTheLogarithmic)
 {
     Tarvik41Processor strip;
-    auto& level = parameter (strip, "level");
 
-    for (const auto& [travel, db] :
-         { std::pair (0.125f, -40.0f), { 0.3125f, -25.0f }, { 0.5f, -10.0f }, { 0.75f, 0.0f } })
-        EXPECT_FLOAT_EQ (level.convertFrom0to1 (travel), db);
-
-    auto& release = parameter (strip, "expRelease");
-    EXPECT_FLOAT_EQ (release.convertFrom0to1 (0.5f), 0.2f);
-    EXPECT_EQ (release.convertFrom0to1 (1.0f), 1.6f);
-    EXPECT_EQ (release.convertFrom0to1 (0.0f), 0.025f);
+    for (const auto& [id, travel, plain] : { std::tuple ("level", 0.125f, -40.0f),
+                                             { "level", 0.3125f, -25.0f },
+                                             { "level", 0.75f, 0.0f },
+                                             { "expRelease", 0.0f, 0.025f },
+                                             { "expRelease", 0.5f, 0.2f },
+                                             { "expRelease", 1.0f, 1.6f } })
+        EXPECT_FLOAT_EQ (parameter (strip, id).convertFrom0to1 (travel), plain) << id;
 
     for (const auto& row : parameterRows)
         for (int i = 0; i <= 1000; ++i)
@@ -157,25 +147,24 @@ TEST (Parameters, TravelsAreTheFadersAndTheLogarithmic)
 
 TEST (Parameters, WhatIsNotANumberIsIgnoredByEveryKind)
 {
-    for (const auto bad : { std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity() })
-        for (const auto* id : { "gain", "pad", "lowFreq", "TolChannel", "expRelease", "level" })
+    Tarvik41Processor strip;
+
+    for (const auto bad : { std::nanf (""), HUGE_VALF })
+        for (auto* const p : strip.getParameters())
         {
-            Tarvik41Processor strip;
-            auto& p = parameter (strip, id);
-            p.setValueNotifyingHost (0.7f);
-            const auto before = plainOf (strip, id);
-            p.setValueNotifyingHost (bad);
-            EXPECT_EQ (plainOf (strip, id), before) << id;
-            EXPECT_FLOAT_EQ (plainValueOf (strip.currentSnapshot(), p.getParameterIndex()), before) << id;
+            p->setValueNotifyingHost (0.7f);
+            const auto before = p->getValue();
+            const auto field = plainValueOf (strip.currentSnapshot(), p->getParameterIndex());
+            p->setValueNotifyingHost (bad);
+            EXPECT_EQ (p->getValue(), before) << p->getName (50);
+            EXPECT_EQ (plainValueOf (strip.currentSnapshot(), p->getParameterIndex()), field) << p->getName (50);
         }
 }
 
 TEST (Parameters, ASnapshotIsOneUpdateAndTellsOnlyWhatDiffers)
 {
     BareStrip strip;
-    std::mt19937 random (3);
-    setRandomly (strip, random);
-    strip.applySnapshot (ParameterSnapshot (strip.currentSnapshot())); // tells what the switches made of it
+    setPlain (strip, { { "gain", 7.0f }, { "pad", 1.0f } });
     strip.takeLog();
     HostEars host (strip);
     strip.applySnapshot (ParameterSnapshot (strip.currentSnapshot()));
@@ -186,12 +175,11 @@ TEST (Parameters, ASnapshotIsOneUpdateAndTellsOnlyWhatDiffers)
     other.trackName = "not a parameter";
     other.calibration = 1.0;
     strip.applySnapshot (other);
+    EXPECT_EQ (host.heard(), "v1 v2 ");
     EXPECT_EQ (strip.takeLog(), std::vector<std::string> { "update" });
     EXPECT_EQ (strip.currentSnapshot().trackName, juce::String());
     EXPECT_EQ (strip.currentSnapshot().calibration.get(), ParameterSnapshot::defaultCalibration);
-
-    for (int i = 0; i < numParameters; ++i)
-        EXPECT_FLOAT_EQ (plainValueOf (strip.currentSnapshot(), i), plainValueOf (other, i)) << i;
+    EXPECT_EQ (strip.currentSnapshot().gain.get(), 0.0f);
 }
 
 } // namespace tarvik

@@ -32,10 +32,8 @@ TEST (RealTime, BlocksAndParameterChangesAllocateNothingAndLockNothing)
         strip->oversamplingSetting().setValue (factor);
         setPlain (*strip, "compExtSideChain", 1.0f);
         strip->prepareToPlay (48000.0, 4096);
-
-        juce::AudioBuffer<float> buffer (4, 4096);
+        const auto input = noise (4 * 4096, 1, 0.5f);
         juce::MidiBuffer midi;
-        std::mt19937 random (1);
         std::size_t lengthIndex = 0;
 
         // Running with every parameter moved, then the same while the bypass fades and when it is done.
@@ -44,22 +42,15 @@ TEST (RealTime, BlocksAndParameterChangesAllocateNothingAndLockNothing)
                 for (const auto value : { 1.0f, 0.0f, 0.3f })
                 {
                     const auto n = blockLengths[lengthIndex++ % std::size (blockLengths)];
-                    juce::AudioBuffer<float> block (buffer.getArrayOfWritePointers(), 4, n);
-
-                    for (int c = 0; c < 4; ++c)
-                        for (int i = 0; i < n; ++i)
-                            block.setSample (c, i, static_cast<float> (random() % 1000) * 1e-3f - 0.5f);
+                    auto audio = input;
+                    float* const channels[] = { &audio[0], &audio[4096], &audio[8192], &audio[12288] };
+                    juce::AudioBuffer<float> block (channels, 4, n);
 
                     // As a host's automation does, but without JUCE's own lock around its list of listeners.
                     p->setValue (value);
                     const RealTimeTrap trap;
                     strip->parameterValueChanged (p->getParameterIndex(), value);
-
-                    if (isBypassed)
-                        strip->processBlockBypassed (block, midi);
-                    else
-                        strip->processBlock (block, midi);
-
+                    isBypassed ? strip->processBlockBypassed (block, midi) : strip->processBlock (block, midi);
                     ASSERT_EQ (trap.allocations(), 0) << p->getName (50) << ", " << n << " samples, factor " << factor;
                     ASSERT_EQ (trap.locks(), 0) << p->getName (50) << ", " << n << " samples, factor " << factor;
                 }

@@ -14,28 +14,22 @@ TEST (UpdateGate, ARequestDuringTheWorkOrAHoldIsDoneOnceAfterIt)
 {
     UpdateGate gate;
     int runs = 0;
-    bool isAsking = true;
-    const auto work = [&]
+    const auto work = [&] { ++runs; };
+    const auto workAndAsk = [&]
     {
         ++runs;
-
-        if (isAsking)
-            for (int i = 0; i < 3; ++i)
-                gate.request ([] { ADD_FAILURE() << "whoever asks meanwhile goes without working"; });
+        gate.request ([] { ADD_FAILURE() << "whoever asks meanwhile goes without working"; });
     };
 
-    gate.request (work);
+    gate.request (workAndAsk);
     EXPECT_EQ (runs, 1) << "nobody works for others without end";
-    EXPECT_TRUE (gate.catchUp (work));
+    EXPECT_TRUE (gate.catchUp (workAndAsk));
     EXPECT_EQ (runs, 2);
-    isAsking = false;
     gate.request (work); // takes up the note as well
     EXPECT_FALSE (gate.catchUp (work));
     EXPECT_EQ (runs, 3);
 
-    isAsking = true;
-    gate.request (work);
-    isAsking = false;
+    gate.request (workAndAsk);
     {
         const UpdateGate::Hold hold (gate, work);
         EXPECT_FALSE (gate.catchUp (work));
@@ -61,23 +55,22 @@ TEST (UpdateGate, NoChangeOfManyThreadsIsLost)
     UpdateGate gate;
     std::atomic<int> newest[numThreads] {};
     int seen[numThreads] {}; // written by whoever is at work
-    std::vector<std::thread> threads;
+    const auto look = [&] { std::copy (std::begin (newest), std::end (newest), seen); };
+    {
+        std::vector<std::jthread> threads;
 
-    for (auto& own : newest)
-        threads.emplace_back (
-            [&]
-            {
-                for (int i = 1; i <= changesPerThread; ++i)
+        for (auto& own : newest)
+            threads.emplace_back (
+                [&]
                 {
-                    own = i;
-                    gate.request ([&] { std::copy (std::begin (newest), std::end (newest), seen); });
-                }
-            });
-
-    for (auto& thread : threads)
-        thread.join();
-
-    gate.catchUp ([&] { std::copy (std::begin (newest), std::end (newest), seen); });
+                    for (int i = 1; i <= changesPerThread; ++i)
+                    {
+                        own = i;
+                        gate.request (look);
+                    }
+                });
+    }
+    gate.catchUp (look);
 
     for (const auto value : seen)
         EXPECT_EQ (value, changesPerThread);
