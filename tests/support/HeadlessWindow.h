@@ -12,13 +12,21 @@ class HeadlessWindow final : public juce::Component
 public:
     explicit HeadlessWindow (juce::Component& content)
     {
+        juce::Displays::Display only;
+        only.isMain = true;
+        only.totalArea = only.userArea = { 1920, 1080 };
+        displays().add (only); // without a screen there is none, and JUCE opens no menu
         addAndMakeVisible (content);
         setSize (content.getWidth(), content.getHeight());
         setVisible (true);
         addToDesktop (0);
     }
 
-    ~HeadlessWindow() override { removeFromDesktop(); }
+    ~HeadlessWindow() override
+    {
+        removeFromDesktop();
+        displays().clear();
+    }
 
     void press (int keyCode, int modifiers = 0) { getPeer()->handleKeyPress ({ keyCode, modifiers, 0 }); }
 
@@ -29,38 +37,15 @@ public:
                                          juce::Time::currentTimeMillis());
     }
 
-    juce::ComponentPeer* createNewPeer (int style, void*) override { return new Peer (*this, style); }
+    juce::RectangleList<int> repainted; ///< What is to be drawn anew.
 
 private:
-    /** Without a screen there is no display, and JUCE opens no menu without one. */
-    struct OnlyDisplay
+    juce::ComponentPeer* createNewPeer (int style, void*) override { return new Peer (*this, style); }
+
+    static juce::Array<juce::Displays::Display>& displays()
     {
-        OnlyDisplay()
-        {
-            if (isNeeded)
-                all.add (display());
-        }
-
-        ~OnlyDisplay()
-        {
-            if (isNeeded)
-                all.clear();
-        }
-
-        static juce::Displays::Display display()
-        {
-            juce::Displays::Display only;
-            only.isMain = true;
-            only.totalArea = only.userArea = { 1920, 1080 };
-            return only;
-        }
-
-        juce::Array<juce::Displays::Display>& all =
-            const_cast<juce::Displays&> (juce::Desktop::getInstance().getDisplays()).displays;
-        const bool isNeeded = all.isEmpty();
-    };
-
-    OnlyDisplay display;
+        return const_cast<juce::Displays&> (juce::Desktop::getInstance().getDisplays()).displays;
+    }
 
     struct Peer final : juce::ComponentPeer
     {
@@ -92,10 +77,7 @@ private:
 
         bool contains (juce::Point<int>, bool) const override { return true; }
 
-        OptionalBorderSize getFrameSizeIfPresent() const override
-        {
-            return OptionalBorderSize (juce::BorderSize<int>());
-        }
+        OptionalBorderSize getFrameSizeIfPresent() const override { return OptionalBorderSize (getFrameSize()); }
 
         juce::BorderSize<int> getFrameSize() const override { return {}; }
 
@@ -109,7 +91,10 @@ private:
 
         void grabFocus() override {}
 
-        void repaint (const juce::Rectangle<int>&) override {}
+        void repaint (const juce::Rectangle<int>& area) override
+        {
+            static_cast<HeadlessWindow&> (component).repainted.add (area);
+        }
 
         void performAnyPendingRepaintsNow() override {}
 
@@ -117,7 +102,6 @@ private:
 
         juce::StringArray getAvailableRenderingEngines() override { return {}; }
 
-    private:
         void textInputRequired (juce::Point<int>, juce::TextInputTarget&) override {}
     };
 };
