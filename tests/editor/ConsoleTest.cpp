@@ -12,6 +12,16 @@ namespace
 {
 using namespace test;
 
+void type (
+    juce::Label& label, const juce::String& text, const std::function<void()>& meanwhile = [] {})
+{
+    label.showEditor();
+    label.getCurrentTextEditor()->setText (text);
+    meanwhile();
+    ASSERT_NE (label.getCurrentTextEditor(), nullptr) << "closed by a tick";
+    label.hideEditor (false);
+}
+
 /** Works each control of a window from the default settings, and writes down what the host hears and what then differs. */
 struct Hand
 {
@@ -76,14 +86,6 @@ struct Hand
         note (button, "click", ! isRandom);
     }
 
-    void work (juce::Label& label)
-    {
-        label.showEditor();
-        label.getCurrentTextEditor()->setText ("12");
-        label.hideEditor (false);
-        note (label, "12");
-    }
-
     void workAll (juce::Component& parent)
     {
         for (auto* const control : parent.getChildren())
@@ -105,10 +107,13 @@ struct Hand
 
             if (slider != nullptr)
                 work (*slider);
-            else if (isText)
-                work (*label);
-            else if (control->getTitle() != "Menu")
+            else if (button != nullptr && control->getTitle() != "Menu")
                 work (*button);
+            else if (isText)
+            {
+                type (*label, "12");
+                note (*label, "12");
+            }
         }
     }
 
@@ -129,7 +134,6 @@ TEST (Console, EverythingIsWhereTheDrawingHasIt)
                 << t.console().getLocalArea (child, child->getLocalBounds()).toString() << "\n";
 
     expectGolden ("console.txt", all);
-
     t.console().setSize (900, 677);
     EXPECT_EQ (t.control ("gain").getBounds(), juce::Rectangle (40, 453, 100, 100)) << "rounded anew";
 }
@@ -262,11 +266,7 @@ TEST (TrackPlate, ANumberCanBeTypedAndNoTickDisturbsIt)
                     t.set ("TolChannel", 20.0f);
                     auto& label = t.control<juce::Label> ("TolChannel", side);
                     const auto shown = label.getText();
-                    label.showEditor();
-                    label.getCurrentTextEditor()->setText (text);
-                    t.show();
-                    EXPECT_NE (label.getCurrentTextEditor(), nullptr) << "a tick has closed it";
-                    label.hideEditor (false);
+                    type (label, text, [&t] { t.show(); });
                     t.show();
                     all << channels << (isLinked > 0.0f ? " linked, " : ", ") << shown << " <- '" << text
                         << "': " << plainOf (*t.strip, "TolChannel") << ", " << label.getText() << "\n";
@@ -280,12 +280,13 @@ TEST (TrackPlate, RandomInAllDrawsAChannelInEveryInstance)
 {
     WindowUnderTest here, there;
     std::set<float> drawn;
+    click (here.button ("Random Channel"));
+    EXPECT_EQ (plainOf (*there.strip, "TolChannel"), 1.0f) << "for this one alone";
 
-    for (int i = 0; i < 40; ++i)
+    for (int i = 0; i < 20; ++i)
     {
-        click (here.button (i < 20 ? "Random Channel" : "Random Channel in ALL instances"));
+        click (here.button ("Random Channel in ALL instances"));
         drawn.insert (plainOf (*there.strip, "TolChannel"));
-        EXPECT_TRUE (i >= 20 || drawn.size() == 1u) << "for this one alone";
     }
 
     EXPECT_GT (drawn.size(), 3u);

@@ -2,7 +2,6 @@
 #include "editor/EditorSize.h"
 #include "tests/support/ConsoleTestTools.h"
 #include "tests/support/Golden.h"
-#include "tests/support/HeadlessWindow.h"
 
 namespace tarvik
 {
@@ -148,27 +147,17 @@ TEST (Editor, TheMenusOpenInItsWindowAndOutliveItWithoutHarm)
 TEST (Editor, HighlightsFrameTheControl)
 {
     WindowUnderTest t;
-    auto& console = t.console();
-    const auto plain = snapshotOf (console);
-    const auto withHighlight = [&] (int index, bool isHighlighted)
-    {
-        t.editor->setControlHighlight ({ index, isHighlighted, juce::Colours::red });
-        return snapshotOf (console);
-    };
+    const auto plain = snapshotOf (t.console());
 
-    for (const auto& [id, arm] : { std::pair ("gain", 10), { "TolLink", 5 } }) // the other is on the track plate
+    for (const auto* const id : { "gain", "TolLink" }) // the other is on the track plate
     {
-        auto& control = t.control (id);
-        const auto framed = withHighlight (t.indexOf (id), true);
-        const auto area = console.getLocalArea (&control, control.getLocalBounds());
-        EXPECT_EQ (std::lround (difference (framed, plain) * 900 * 677), 4 * (2 * arm - 1)) << "four L";
-
-        EXPECT_NE (framed.getPixelAt (area.getX(), area.getY()), plain.getPixelAt (area.getX(), area.getY()));
-        EXPECT_EQ (difference (withHighlight (t.indexOf (id), false), plain), 0.0);
+        const auto index = t.editor->getControlParameterIndex (t.control (id));
+        const auto corner = t.console().getLocalPoint (&t.control (id), juce::Point<int>());
+        t.editor->setControlHighlight ({ index, true, juce::Colours::red });
+        EXPECT_NE (snapshotOf (t.console()).getPixelAt (corner.x, corner.y), plain.getPixelAt (corner.x, corner.y));
+        t.editor->setControlHighlight ({ index, false, juce::Colours::red });
+        EXPECT_EQ (difference (snapshotOf (t.console()), plain), 0.0);
     }
-
-    EXPECT_EQ (difference (withHighlight (38, true), plain), 0.0) << "a parameter without a control there";
-    EXPECT_EQ (t.editor->getControlParameterIndex (t.control ("level")), 37);
 }
 
 TEST (Editor, TwentyCanBeOpenWhileAudioRunsAndLeaveNothing)

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/ConsoleTestTools.h"
 #include "tests/support/Golden.h"
-#include "tests/support/HeadlessWindow.h"
 
 namespace tarvik
 {
@@ -42,14 +41,12 @@ TEST (Keyboard, TabVisitsEveryControlOnceInTheSignalsOrder)
     t.control ("thd").grabKeyboardFocus();
     auto* const start = focusedControl();
     juce::String visited;
-    int count = 0;
 
     do
     {
-        ASSERT_NE (focusedControl(), nullptr);
         visited << focusedControl()->getTitle() << "\n";
         t.press (KeyPress::tabKey);
-    } while (focusedControl() != start && ++count < 100);
+    } while (focusedControl() != start && visited.length() < 5000);
 
     expectGolden ("tab-order.txt", visited);
 }
