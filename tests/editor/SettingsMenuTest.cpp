@@ -7,7 +7,6 @@
 #include "tests/support/SettingsFileTest.h"
 #include "tests/support/StateTestTools.h"
 
-#include <limits>
 #include <optional>
 
 namespace tarvik
@@ -144,17 +143,6 @@ TEST_F (SettingsMenu, SavingOneDefaultKeepsTheOthers)
     Tarvik41Processor fresh;
     EXPECT_EQ (inFile().size(), 5);
     EXPECT_EQ (settingsOf (fresh), settingsOf (a));
-}
-
-TEST_F (SettingsMenu, OddValuesOfADamagedProjectAreSentUnharmed)
-{
-    for (const auto value : { 17.5, 1e300, std::numeric_limits<double>::quiet_NaN() })
-    {
-        set (a, value, 2, true, 2, value);
-        EXPECT_TRUE (rows().contains ("UI Zoom ("));
-        choose (11);
-        EXPECT_EQ (std::round (b.calibrationSetting().getValue()), b.calibrationSetting().getValue());
-    }
 }
 
 TEST_F (SettingsMenu, SideChainsBecomeTheOppositeOfWhatTheMenuShowed)

@@ -69,18 +69,19 @@ inline juce::String differencesFromDefault (const ParameterSnapshot& snapshot)
 /** The name of a parameter, in either slot or on the outside, that has left its range; empty if all is well. */
 inline juce::String firstFieldOutOfRange (Tarvik41Processor& strip)
 {
+    for (const auto* const parameter : strip.getParameters())
+        if (const auto position = parameter->getValue(); ! (position >= 0.0f && position <= 1.0f))
+            return parameter->getName (50) + ", the parameter";
+
     for (int i = 0; i < numParameters; ++i)
-    {
-        const auto& row = parameterRow (i);
-        const auto isWithin = [] (float x, float least, float most) { return x >= least && x <= most; };
-
-        if (! isWithin (strip.getParameters()[i]->getValue(), 0.0f, 1.0f))
-            return juce::String (row.id) + ", the parameter";
-
         for (int slot = 0; slot < KVLProcessor::numSlots; ++slot)
-            if (! isWithin (plainValueOf (strip.getSlot (slot), i), row.range.start, row.range.end))
+        {
+            const auto& row = parameterRow (i);
+            const auto value = plainValueOf (strip.getSlot (slot), i);
+
+            if (! (value >= row.range.start && value <= row.range.end))
                 return juce::String (row.id) + ", slot " + juce::String (slot);
-    }
+        }
 
     return {};
 }
