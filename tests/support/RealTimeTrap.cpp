@@ -7,32 +7,32 @@
 #include <dlfcn.h>
 #include <pthread.h>
 
+#if defined(__SANITIZE_ADDRESS__)
+// The sanitizer's own interface, whose header g++ does not bring along.
+extern "C" int __sanitizer_install_malloc_and_free_hooks (void (*onMalloc) (const volatile void*, std::size_t),
+                                                          void (*onFree) (const volatile void*));
+#endif
+
 namespace tarvik::test
 {
 
 namespace
 {
 thread_local bool isArmed = false;
-thread_local int allocationCount = 0, lockCount = 0;
+thread_local int allocationCount = 0;
+thread_local int lockCount = 0;
 
-/** Counts, and passes on what the allocator is given. */
-template <typename Argument>
-[[maybe_unused]] Argument counted (Argument argument) noexcept
+[[maybe_unused]] void countAllocation() noexcept
 {
-    allocationCount += isArmed ? 1 : 0;
-    return argument;
+    if (isArmed)
+        ++allocationCount;
 }
-
-using LockFunction = int (*) (pthread_mutex_t*);
-
-LockFunction systemLock() { return reinterpret_cast<LockFunction> (dlsym (RTLD_NEXT, "pthread_mutex_lock")); }
-
-const auto realLock = systemLock(); // before a trap is armed, because the look-up itself may allocate
 } // namespace
 
 RealTimeTrap::RealTimeTrap() noexcept
 {
-    allocationCount = lockCount = 0;
+    allocationCount = 0;
+    lockCount = 0;
     isArmed = true;
 }
 
@@ -42,6 +42,20 @@ int RealTimeTrap::allocations() const noexcept { return allocationCount; }
 
 int RealTimeTrap::locks() const noexcept { return lockCount; }
 
+namespace
+{
+using LockFunction = int (*) (pthread_mutex_t*);
+
+// Looked up before main, since the look-up itself may allocate.
+const auto realLock = reinterpret_cast<LockFunction> (dlsym (RTLD_NEXT, "pthread_mutex_lock"));
+
+#if defined(__SANITIZE_ADDRESS__)
+// The sanitizer owns malloc, and tells.
+[[maybe_unused]] const int hooksInstalled = __sanitizer_install_malloc_and_free_hooks (
+    [] (const volatile void*, std::size_t) { countAllocation(); }, [] (const volatile void*) { countAllocation(); });
+#endif
+} // namespace
+
 } // namespace tarvik::test
 
 // These stand in front of the C library's own, for the whole program.
@@ -50,44 +64,59 @@ extern "C"
     int pthread_mutex_lock (pthread_mutex_t* mutex) noexcept
     {
         using namespace tarvik::test;
-        lockCount += isArmed ? 1 : 0;
-        return (realLock != nullptr ? realLock : systemLock()) (mutex); // a static initialiser may lock before ours ran
+
+        if (isArmed)
+            ++lockCount;
+
+        // Static initialisers of other files may lock before the look-up above has run.
+        const auto lock =
+            realLock != nullptr ? realLock : reinterpret_cast<LockFunction> (dlsym (RTLD_NEXT, "pthread_mutex_lock"));
+        return lock (mutex);
     }
 
-#if defined(__SANITIZE_ADDRESS__)
-    // The sanitizer owns malloc, and tells: its own interface, whose header g++ does not bring along.
-    int __sanitizer_install_malloc_and_free_hooks (void (*onMalloc) (const volatile void*, std::size_t),
-                                                   void (*onFree) (const volatile void*));
-
-    [[maybe_unused]] const int hooksInstalled = __sanitizer_install_malloc_and_free_hooks (
-        [] (const volatile void* block, std::size_t) { tarvik::test::counted (block); },
-        [] (const volatile void* block) { tarvik::test::counted (block); });
-#elif ! defined(__SANITIZE_THREAD__)
+// The ThreadSanitizer must see all memory itself; there the trap counts locks alone.
+#if ! defined(__SANITIZE_ADDRESS__) && ! defined(__SANITIZE_THREAD__)
     void* __libc_malloc (std::size_t size);
     void* __libc_calloc (std::size_t count, std::size_t size);
     void* __libc_realloc (void* block, std::size_t size);
     void* __libc_memalign (std::size_t alignment, std::size_t size);
     void __libc_free (void* block);
 
-    using tarvik::test::counted;
+    void* malloc (std::size_t size) noexcept
+    {
+        tarvik::test::countAllocation();
+        return __libc_malloc (size);
+    }
 
-    void* malloc (std::size_t size) noexcept { return __libc_malloc (counted (size)); }
+    void* calloc (std::size_t count, std::size_t size) noexcept
+    {
+        tarvik::test::countAllocation();
+        return __libc_calloc (count, size);
+    }
 
-    void* calloc (std::size_t count, std::size_t size) noexcept { return __libc_calloc (counted (count), size); }
-
-    void* realloc (void* block, std::size_t size) noexcept { return __libc_realloc (counted (block), size); }
+    void* realloc (void* block, std::size_t size) noexcept
+    {
+        tarvik::test::countAllocation();
+        return __libc_realloc (block, size);
+    }
 
     void* aligned_alloc (std::size_t alignment, std::size_t size) noexcept
     {
-        return __libc_memalign (counted (alignment), size);
+        tarvik::test::countAllocation();
+        return __libc_memalign (alignment, size);
     }
 
     int posix_memalign (void** block, std::size_t alignment, std::size_t size) noexcept
     {
-        *block = aligned_alloc (alignment, size);
+        tarvik::test::countAllocation();
+        *block = __libc_memalign (alignment, size);
         return *block != nullptr ? 0 : ENOMEM;
     }
 
-    void free (void* block) noexcept { __libc_free (counted (block)); }
+    void free (void* block) noexcept
+    {
+        tarvik::test::countAllocation();
+        __libc_free (block);
+    }
 #endif
 }
