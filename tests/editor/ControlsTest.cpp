@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <complex>
+
 namespace tarvik
 {
 namespace
@@ -18,40 +20,30 @@ using namespace test;
 
 constexpr double degree = juce::MathConstants<double>::pi / 180.0;
 
-/** The direction of the pointer, in degrees clockwise from straight up: where a ring between cap and edge is brightest,
-    as the centre of the light around the peak.
+/** The direction of the pointer, in degrees clockwise from straight up: the centre of what is brightest on a ring between
+    cap and edge.
 */
 double pointerDegrees (const juce::Image& image)
 {
-    constexpr double step = 0.25, neighbourhood = 9.0;
     const auto size = image.getWidth();
-    const auto light = [&] (double degrees)
-    {
-        auto sum = 0.0;
+    std::vector<double> light (1440);
 
+    for (std::size_t i = 0; i < light.size(); ++i)
         for (const auto radius : { 0.31, 0.32, 0.33, 0.34, 0.35 })
-            sum += lightAt (image, static_cast<int> (size * (0.5 + radius * std::sin (degrees * degree))),
-                            static_cast<int> (size * (0.5 - radius * std::cos (degrees * degree))));
+        {
+            const auto place = std::polar (size * radius, 0.25 * degree * static_cast<double> (i));
+            light[i] += lightAt (image, static_cast<int> (0.5 * size + place.imag()),
+                                 static_cast<int> (0.5 * size - place.real()));
+        }
 
-        return sum;
-    };
+    const auto peak = static_cast<std::size_t> (std::max_element (light.begin(), light.end()) - light.begin());
+    std::complex<double> sum;
 
-    auto peak = 0.0, weights = 0.0, sum = 0.0;
+    for (auto i = peak + 1404; i <= peak + 1476; ++i) // 9 degrees to either side
+        sum +=
+            std::polar (std::max (0.0, light[i % 1440] - 0.8 * light[peak]), 0.25 * degree * static_cast<double> (i));
 
-    for (double a = 0.0; a < 360.0; a += step)
-        if (light (a) > light (peak))
-            peak = a;
-
-    const auto floor = 0.8 * light (peak);
-
-    for (double a = -neighbourhood; a <= neighbourhood; a += step)
-    {
-        const auto weight = std::max (0.0, light (peak + a) - floor);
-        weights += weight;
-        sum += weight * a;
-    }
-
-    return peak + sum / weights;
+    return std::arg (sum) / degree;
 }
 } // namespace
 
@@ -67,23 +59,16 @@ TEST (Knob, ThePointerShowsTheValueInBothStylesAndOnEveryArc)
         knob.setKnobStyle (style);
 
         for (const auto size : { 100, 300 })
-            for (const auto value : { 0.0, 0.25, 0.75, 1.0, 0.123, 0.4567, 0.871 }) // the last between two frames
+            for (const auto value : { 0.0, 0.25, 0.871, 1.0 }) // the third between two frames
             {
                 knob.setSize (size, size);
                 knob.setValue (value, juce::dontSendNotification);
                 const auto error = pointerDegrees (snapshotOf (knob)) - (start + value * (end - start));
                 EXPECT_LT (std::abs (std::remainder (error, 360.0)), largestError) << start << " at " << value;
             }
+
+        EXPECT_TRUE (knob.hitTest (150, 36) && ! knob.hitTest (237, 237)) << "a circle of 39 of its 100 pixels";
     }
-}
-
-TEST (Knob, TheCornersBelongToWhatLiesBelow)
-{
-    OrvaneKnob knob; // the circle's radius is 39 pixels of its 100
-
-    for (const auto& [x, y, isHit] :
-         { std::tuple (50, 12, true), { 77, 77, true }, { 50, 10, false }, { 79, 79, false } })
-        EXPECT_EQ (knob.hitTest (x, y), isHit) << x << " " << y;
 }
 
 TEST (Wheel, ANotchIsAStepAndFineMovementsAddUpUntilAPause)
@@ -103,41 +88,24 @@ TEST (Wheel, ANotchIsAStepAndFineMovementsAddUpUntilAPause)
     EXPECT_NEAR (valueAfter (1), 0.1, 1e-9);
     EXPECT_TRUE (knob.hasUnsentStep());
     EXPECT_NEAR (valueAfter (8), 0.1, 1e-9) << "0.45 was too much";
-    runMessagesFor (400);
-    EXPECT_FALSE (knob.hasUnsentStep());
-    EXPECT_NEAR (valueAfter (1), 0.2, 1e-9) << "before the half second is over";
-    EXPECT_NEAR (valueAfter (8), 0.2, 1e-9);
     runMessagesFor (600);
-    EXPECT_NEAR (valueAfter (2), 0.2, 1e-9);
+    EXPECT_FALSE (knob.hasUnsentStep());
+    EXPECT_NEAR (valueAfter (2), 0.1, 1e-9) << "begun anew";
 
     // With another modifier beside it, Ctrl does not refine.
     mouse.wheel (0.2f, juce::ModifierKeys::ctrlModifier | juce::ModifierKeys::shiftModifier);
-    EXPECT_NEAR (knob.getValue(), 0.3, 1e-9);
+    EXPECT_NEAR (knob.getValue(), 0.2, 1e-9);
     mouse.wheel (Mouse::notch, 0, false, true);
-    EXPECT_NEAR (knob.getValue(), 0.2, 1e-9) << "a reversed wheel";
+    EXPECT_NEAR (knob.getValue(), 0.1, 1e-9) << "a reversed wheel";
 
-    // Beyond the end nothing changes, and nothing is announced.
-    knob.setValue (1.0, juce::dontSendNotification);
-    runMessagesFor (1);
-    mouse.wheel (2.0f * Mouse::notch);
-    EXPECT_EQ (knob.getValue(), 1.0);
-    EXPECT_FALSE (knob.hasUnsentStep());
-}
-
-TEST (Wheel, AContinuousKnobOrATouchpadMovesByTheWheelsOwnMeasure)
-{
-    OrvaneKnob knob;
-    Mouse mouse (knob);
-    mouse.wheel (0.2f);
-    EXPECT_NEAR (knob.getValue(), 0.03, 1e-6);
-    mouse.wheel (0.2f, juce::ModifierKeys::ctrlModifier);
-    EXPECT_NEAR (knob.getValue(), 0.033, 1e-6);
-
-    // A stepped knob under a touchpad, by at least a step.
-    knob.setRange (0.0, 1.0, 0.25);
-    knob.setValue (0.5, juce::dontSendNotification);
+    // A touchpad moves it by at least a step, and a continuous knob by the wheel's own measure.
     mouse.wheel (0.001f, 0, true);
-    EXPECT_EQ (knob.getValue(), 0.75);
+    EXPECT_NEAR (knob.getValue(), 0.2, 1e-9);
+    knob.setRange (0.0, 1.0);
+    mouse.wheel (0.2f);
+    EXPECT_NEAR (knob.getValue(), 0.23, 1e-6);
+    mouse.wheel (0.2f, juce::ModifierKeys::ctrlModifier);
+    EXPECT_NEAR (knob.getValue(), 0.233, 1e-6);
 }
 
 TEST (TrimPot, TheDialTurnsUnderAShadowThatStays)
@@ -146,8 +114,7 @@ TEST (TrimPot, TheDialTurnsUnderAShadowThatStays)
     pot.setSize (36, 36);
     pot.setRange (-2.0, 2.0);
 
-    // The first and the last position are 297 degrees apart, and a half points up.
-    for (const auto& [value, degrees] : { std::pair (-2.0, -148.5), { -1.0, -74.25 }, { 0.0, 0.0 }, { 2.0, 148.5 } })
+    for (const auto& [value, degrees] : { std::pair (-2.0, -148.5), { -1.0, -74.25 } }) // 0 points up
     {
         pot.setValue (value, juce::dontSendNotification);
         juce::Image expected (juce::Image::ARGB, 36, 36, true);
@@ -182,9 +149,8 @@ TEST (Fader, APressDoesNotMoveTheCapAndADragMovesItWithTheMouse)
     Fader fader;
     fader.setSize (100, 572); // a cap of 173 pixels, whose middle is between two
     Mouse mouse (fader);
-    const auto topOfCap = [&fader] (double value)
+    const auto topOfCap = [&fader]
     {
-        fader.setValue (value, juce::dontSendNotification);
         const auto image = snapshotOf (fader);
         int y = 0;
 
@@ -196,21 +162,17 @@ TEST (Fader, APressDoesNotMoveTheCapAndADragMovesItWithTheMouse)
 
     for (const auto y : { 3.0f, 560.0f })
     {
-        const auto start = topOfCap (0.1);
+        fader.setValue (0.1, juce::dontSendNotification);
+        const auto start = topOfCap();
         mouse.press ({ 50.0f, y });
 
-        for (const auto up : { 0, 1, 2, 3, 30 })
+        for (const auto up : { 0, 1, 30 })
         {
             mouse.drag ({ 50.0f, y - static_cast<float> (up) });
             EXPECT_NEAR (fader.getValue(), 0.1 + up / (572.0 - 173.0), 1e-6) << y;
-            EXPECT_EQ (start - topOfCap (fader.getValue()), up) << "pixel by pixel";
+            EXPECT_EQ (start - topOfCap(), up) << "pixel by pixel";
         }
-
-        mouse.release ({ 50.0f, y - 30.0f });
     }
-
-    EXPECT_LT (topOfCap (1.0), 20) << "but for the picture's transparent margin";
-    EXPECT_EQ (topOfCap (0.0) - topOfCap (1.0), 572 - 173);
 }
 
 TEST (Buttons, EachStateHasItsPictureAndAClickFlipsNone)
@@ -236,64 +198,45 @@ TEST (Buttons, EachStateHasItsPictureAndAClickFlipsNone)
         EXPECT_EQ (clicks, 1) << "on the press";
         EXPECT_TRUE (shows (*button, { isDownWhileHeld ? on : off }));
         mouse.release ({ 50, 50 });
-        EXPECT_EQ (clicks, 1);
-        EXPECT_TRUE (shows (*button, { off })) << "only the parameter changes what is shown";
+        EXPECT_TRUE (clicks == 1 && shows (*button, { off })) << "only the parameter changes what is shown";
         button->setToggleState (true, juce::dontSendNotification);
         EXPECT_TRUE (shows (*button, { on }));
     }
 
     LinkButton link;
     link.setSize (60, 50);
-
-    for (int i = 0; i < 6; ++i)
-    {
-        link.setToggleState (i >= 3, juce::dontSendNotification);
-        link.setState (static_cast<juce::Button::ButtonState> (i % 3)); // normal, over, down
-        EXPECT_TRUE (shows (link, { static_cast<Picture> (static_cast<int> (Picture::linkOff) + i) })) << i;
-    }
+    EXPECT_TRUE (shows (link, { Picture::linkOff }));
+    link.setToggleState (true, juce::dontSendNotification);
+    link.setState (juce::Button::buttonDown);
+    EXPECT_TRUE (shows (link, { static_cast<Picture> (static_cast<int> (Picture::linkOff) + 5) }));
 }
 
 TEST (Meter, TheNeedleStandsWhereTheScaleHasTheValue)
 {
     constexpr double largestError = 0.5;
     OrvaneMeter meter;
+    meter.setSize (372, 189);
 
-    // The direction of what is yellow, in degrees clockwise from straight up, seen from the pivot.
-    const auto needle = [&meter]
+    for (const auto& [angle, degrees] : { std::pair (meterAngle (99.0f), 45.0),
+                                          { meterAngle (-0.5f), 0.0 },
+                                          { gainReductionAngle (0.0f), 45.0 },
+                                          { gainReductionAngle (-60.0f), -45.0 } })
     {
+        meter.setAngle (angle);
         const auto image = snapshotOf (meter);
-        juce::Point<double> sum;
+        juce::Point<double> sum; // of the direction of what is yellow, seen from the pivot
 
-        for (int y = 0; y < image.getHeight(); ++y)
-            for (int x = 0; x < image.getWidth(); ++x)
-                sum += lightAt (image, x, y)
-                       * juce::Point (x + 0.5 - image.getWidth() / 2.0, image.getHeight() * 83.5 / 63.0 - y - 0.5);
+        for (int y = 0; y < 189; ++y)
+            for (int x = 0; x < 372; ++x)
+                sum += lightAt (image, x, y) * juce::Point (x + 0.5 - 186.0, 250.5 - y - 0.5);
 
-        return juce::radiansToDegrees (std::atan2 (sum.x, sum.y));
-    };
-
-    for (const auto& [width, height] : { std::pair (124, 63), { 372, 189 } })
-    {
-        meter.setSize (width, height);
-
-        for (const auto& [angle, degrees] : { std::pair (meterAngle (99.0f), 45.0),
-                                              { meterAngle (-100.0f), -45.0 },
-                                              { meterAngle (-0.5f), 0.0 },
-                                              { gainReductionAngle (0.0f), 45.0 },
-                                              { gainReductionAngle (-5.0f), 15.0 },
-                                              { gainReductionAngle (-10.0f), -5.0 },
-                                              { gainReductionAngle (-60.0f), -45.0 } })
-        {
-            meter.setAngle (angle);
-            EXPECT_NEAR (needle(), degrees, largestError) << angle;
-        }
+        EXPECT_NEAR (std::atan2 (sum.x, sum.y) / degree, degrees, largestError) << angle;
     }
 
     meter.setDecibels (-0.5f); // straight up, to below the rim
     meter.setDecibels (std::numeric_limits<float>::quiet_NaN());
-    const auto image = snapshotOf (meter);
-    EXPECT_EQ (image.getPixelAt (186, 28), juce::Colour (0xfffee853));
-    EXPECT_EQ (image.getPixelAt (186, 25).getAlpha(), 0);
+    EXPECT_EQ (snapshotOf (meter).getPixelAt (186, 28), juce::Colour (0xfffee853));
+    EXPECT_EQ (snapshotOf (meter).getPixelAt (186, 25).getAlpha(), 0);
 }
 
 } // namespace tarvik

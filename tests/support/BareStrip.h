@@ -3,6 +3,7 @@
 
 #include "tests/support/StripTestTools.h"
 
+#include <sstream>
 #include <string>
 
 namespace tarvik::test
@@ -19,8 +20,7 @@ public:
     void prepareDsp (double rate, int factor, int numMain, int maxSamples) override
     {
         Tarvik41Processor::prepareDsp (rate, factor, numMain, maxSamples);
-        note ("prepare " + std::to_string (static_cast<int> (rate)) + " " + std::to_string (factor) + " "
-              + std::to_string (numMain) + " " + std::to_string (maxSamples));
+        note ("prepare", static_cast<int> (rate), factor, numMain, maxSamples);
         wasSuspendedWhilePreparing = isSuspended();
     }
 
@@ -39,29 +39,27 @@ public:
 
     void processPreOversampling (float** channels, int n, int side) override
     {
-        note ("pre " + std::to_string (n));
+        note ("pre", n);
         Tarvik41Processor::processPreOversampling (channels, n, side);
     }
 
     void processChunk (float** channels, int n, int side) override
     {
-        note ("chunk " + std::to_string (n) + (side > 0 ? " side " + std::to_string (side) : ""));
+        side > 0 ? note ("chunk", n, "side", side) : note ("chunk", n);
         sidechainSeen = side > 0 ? channels[2][n - 1] : 0.0f;
-
         volatile float subnormal = 1e-39f;
         flushesToZero = subnormal * 2.0f == 0.0f;
     }
 
     void processPostOversampling (float** channels, int n, int side) override
     {
-        note ("post " + std::to_string (n));
+        note ("post", n);
         Tarvik41Processor::processPostOversampling (channels, n, side);
     }
 
     void processBypassedChunk (int n, int side, int factor) override
     {
-        note ("bypassed " + std::to_string (n) + " side " + std::to_string (side) + " factor "
-              + std::to_string (factor));
+        note ("bypassed", n, "side", side, "factor", factor);
     }
 
     std::vector<std::string> takeLog() { return std::exchange (log, {}); }
@@ -72,10 +70,14 @@ public:
     float sidechainSeen = 0.0f;
 
 private:
-    void note (std::string what)
+    template <typename... Words>
+    void note (const char* what, const Words&... words)
     {
+        std::ostringstream text (what, std::ios::ate);
+        ((text << " " << words), ...);
+
         if (isLogging)
-            log.push_back (std::move (what));
+            log.push_back (text.str());
     }
 
     std::vector<std::string> log;

@@ -62,4 +62,104 @@ struct WindowUnderTest
     std::unique_ptr<juce::AudioProcessorEditor> editor;
 };
 
+/** A window on no screen around one component: it has the keyboard, and keys come as from a system. */
+class HeadlessWindow final : public juce::Component
+{
+public:
+    explicit HeadlessWindow (juce::Component& content)
+    {
+        juce::Displays::Display only;
+        only.isMain = true;
+        only.totalArea = only.userArea = { 1920, 1080 };
+        displays().add (only); // without a screen there is none, and JUCE opens no menu
+        addAndMakeVisible (content);
+        setSize (content.getWidth(), content.getHeight());
+        setVisible (true);
+        addToDesktop (0);
+    }
+
+    ~HeadlessWindow() override
+    {
+        removeFromDesktop();
+        displays().clear();
+    }
+
+    void press (int keyCode, int modifiers = 0) { getPeer()->handleKeyPress ({ keyCode, modifiers, 0 }); }
+
+    void click (juce::Point<float> place)
+    {
+        for (const auto button : { juce::ModifierKeys::leftButtonModifier, juce::ModifierKeys::noModifiers })
+            getPeer()->handleMouseEvent (juce::MouseInputSource::InputSourceType::mouse, place, button, 0.0f, 0.0f,
+                                         juce::Time::currentTimeMillis());
+    }
+
+    juce::RectangleList<int> repainted; ///< What is to be drawn anew.
+
+private:
+    juce::ComponentPeer* createNewPeer (int style, void*) override { return new Peer (*this, style); }
+
+    static juce::Array<juce::Displays::Display>& displays()
+    {
+        return const_cast<juce::Displays&> (juce::Desktop::getInstance().getDisplays()).displays;
+    }
+
+    struct Peer final : juce::ComponentPeer
+    {
+        using juce::ComponentPeer::ComponentPeer;
+
+        void* getNativeHandle() const override { return nullptr; }
+
+        void setVisible (bool) override {}
+
+        void setTitle (const juce::String&) override {}
+
+        void setBounds (const juce::Rectangle<int>&, bool) override {}
+
+        juce::Rectangle<int> getBounds() const override { return component.getLocalBounds(); }
+
+        juce::Point<float> localToGlobal (juce::Point<float> place) override { return place; }
+
+        juce::Point<float> globalToLocal (juce::Point<float> place) override { return place; }
+
+        void setMinimised (bool) override {}
+
+        bool isMinimised() const override { return false; }
+
+        void setFullScreen (bool) override {}
+
+        bool isFullScreen() const override { return false; }
+
+        void setIcon (const juce::Image&) override {}
+
+        bool contains (juce::Point<int>, bool) const override { return true; }
+
+        OptionalBorderSize getFrameSizeIfPresent() const override { return OptionalBorderSize (getFrameSize()); }
+
+        juce::BorderSize<int> getFrameSize() const override { return {}; }
+
+        bool setAlwaysOnTop (bool) override { return true; }
+
+        void toFront (bool) override {}
+
+        void toBehind (juce::ComponentPeer*) override {}
+
+        bool isFocused() const override { return true; }
+
+        void grabFocus() override {}
+
+        void repaint (const juce::Rectangle<int>& area) override
+        {
+            static_cast<HeadlessWindow&> (component).repainted.add (area);
+        }
+
+        void performAnyPendingRepaintsNow() override {}
+
+        void setAlpha (float) override {}
+
+        juce::StringArray getAvailableRenderingEngines() override { return {}; }
+
+        void textInputRequired (juce::Point<int>, juce::TextInputTarget&) override {}
+    };
+};
+
 } // namespace tarvik::test

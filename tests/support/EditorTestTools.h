@@ -36,64 +36,49 @@ public:
 
     explicit Mouse (juce::Component& target) : component (target) {}
 
-    void press (juce::Point<float> place, int modifiers = 0, int clicks = 1)
+    void press (juce::Point<float> place, int modifiers = 0)
     {
         downPlace = place;
         downModifiers = modifiers | juce::ModifierKeys::leftButtonModifier;
         downTime = nextTime();
-        component.mouseDown (event (place, clicks));
-
-        if (clicks == 2)
-            component.mouseDoubleClick (event (place, clicks));
+        component.mouseDown (event (place));
     }
 
     void drag (juce::Point<float> place)
     {
         wasDragged = true;
-        component.mouseDrag (event (place, 1));
+        component.mouseDrag (event (place));
     }
 
     void release (juce::Point<float> place)
     {
-        component.mouseUp (event (place, 1));
+        component.mouseUp (event (place));
         wasDragged = false;
     }
 
-    void click (juce::Point<float> place, int modifiers = 0, int clicks = 1)
+    void click (juce::Point<float> place, int modifiers = 0)
     {
-        press (place, modifiers, clicks);
+        press (place, modifiers);
         release (place);
     }
 
-    void enter() { component.mouseEnter (event ({}, 0)); }
+    void enter() { component.mouseEnter (event ({})); }
 
     void wheel (float deltaY, int modifiers = 0, bool isSmooth = false, bool isReversed = false)
     {
         downModifiers = modifiers;
-        component.mouseWheelMove (event ({}, 0), { 0.0f, deltaY, isReversed, isSmooth, false });
+        component.mouseWheelMove (event ({}), { 0.0f, deltaY, isReversed, isSmooth, false });
     }
 
 private:
     /** Sliders ignore a second wheel event of the same time. */
     juce::Time nextTime() { return juce::Time (++lastTime); }
 
-    juce::MouseEvent event (juce::Point<float> place, int clicks)
+    juce::MouseEvent event (juce::Point<float> place)
     {
-        return { juce::Desktop::getInstance().getMainMouseSource(),
-                 place,
-                 juce::ModifierKeys (downModifiers),
-                 juce::MouseInputSource::defaultPressure,
-                 0.0f,
-                 0.0f,
-                 0.0f,
-                 0.0f,
-                 &component,
-                 &component,
-                 nextTime(),
-                 downPlace,
-                 downTime,
-                 clicks,
-                 wasDragged };
+        const auto& mouse = juce::Desktop::getInstance().getMainMouseSource();
+        return juce::MouseEvent (mouse, place, downModifiers, mouse.defaultPressure, 0.0f, 0.0f, 0.0f, 0.0f, &component,
+                                 &component, nextTime(), downPlace, downTime, 1, wasDragged);
     }
 
     juce::Component& component;

@@ -42,24 +42,15 @@ Audio throughStrip (const Audio& in, double rateHz, const test::PlainValues& set
 
 void expectEqual (const Audio& actual, const Audio& expected, float tolerance = 1e-6f)
 {
-    ASSERT_EQ (actual.getNumChannels(), expected.getNumChannels());
-    ASSERT_EQ (actual.getNumSamples(), expected.getNumSamples());
+    ASSERT_EQ (std::pair (actual.getNumChannels(), actual.getNumSamples()),
+               std::pair (expected.getNumChannels(), expected.getNumSamples()));
 
     for (int c = 0; c < expected.getNumChannels(); ++c)
         for (int i = 0; i < expected.getNumSamples(); ++i)
-            ASSERT_NEAR (actual.getSample (c, i), expected.getSample (c, i), tolerance)
-                << "channel " << c << ", sample " << i;
+            ASSERT_NEAR (actual.getSample (c, i), expected.getSample (c, i), tolerance) << c << ", sample " << i;
 }
 
-juce::StringArray operator+ (juce::StringArray words, const juce::StringArray& more)
-{
-    words.addArray (more);
-    return words;
-}
-
-/** A folder of its own for each test, in which the offline host runs with its own settings file, which turns the noise
-    off.
-*/
+/** A folder of its own for each test, in which the offline host runs without noise. */
 class RenderTool : public testing::Test
 {
 protected:
@@ -68,6 +59,7 @@ protected:
         const auto settings = folder.getChildFile ("Tarvik Plugins/Tarvik 41 Channel.settings");
         settings.create();
         settings.replaceWithText ("<PROPERTIES><VALUE name=\"Analog\" val=\"0\"/></PROPERTIES>");
+        formats.registerBasicFormats();
     }
 
     ~RenderTool() override { folder.deleteRecursively(); }
@@ -90,14 +82,12 @@ protected:
         return printed;
     }
 
-    static juce::AudioBuffer<float> noise (int numChannels, int numSamples, int seed = 41)
+    static Audio noise (int numChannels, int numSamples, unsigned int seed = 41)
     {
-        juce::AudioBuffer<float> audio (numChannels, numSamples);
-        juce::Random random (seed);
+        Audio audio (numChannels, numSamples);
 
         for (int c = 0; c < numChannels; ++c)
-            for (int i = 0; i < numSamples; ++i)
-                audio.setSample (c, i, random.nextFloat() - 0.5f);
+            audio.copyFrom (c, 0, test::noise (numSamples, seed++, 0.5f).data(), numSamples);
 
         return audio;
     }
@@ -110,91 +100,68 @@ protected:
     }
 
     /** The file's kind goes by its name. bitDepth 32 is floating point. */
-    void writeAudio (const juce::String& name, const juce::AudioBuffer<float>& audio, double rate = 44100.0,
-                     int bitDepth = 24) const
+    void writeAudio (const juce::String& name, const Audio& audio, double rate = 44100.0, int bitDepth = 24)
     {
         fileNamed (name).deleteFile(); // a stream would append to it
-        juce::AudioFormatManager formats;
-        formats.registerBasicFormats();
         auto* const format = formats.findFormatForFileExtension (fileNamed (name).getFileExtension());
         const std::unique_ptr<juce::AudioFormatWriter> writer (
             format->createWriterFor (fileNamed (name).createOutputStream().release(), rate,
                                      static_cast<unsigned int> (audio.getNumChannels()), bitDepth, {}, 0));
-        ASSERT_NE (writer, nullptr) << name;
         ASSERT_TRUE (audio.getNumSamples() == 0
                      || writer->writeFromAudioSampleBuffer (audio, 0, audio.getNumSamples()));
     }
 
-    std::unique_ptr<juce::AudioFormatReader> readerFor (const juce::String& name) const
+    std::unique_ptr<juce::AudioFormatReader> readerFor (const juce::String& name)
     {
-        juce::AudioFormatManager formats;
-        formats.registerBasicFormats();
         return std::unique_ptr<juce::AudioFormatReader> (formats.createReaderFor (fileNamed (name)));
     }
 
-    juce::AudioBuffer<float> readAudio (const juce::String& name) const
+    Audio readAudio (const juce::String& name)
     {
         const auto reader = readerFor (name);
-        juce::AudioBuffer<float> audio (static_cast<int> (reader->numChannels),
-                                        static_cast<int> (reader->lengthInSamples));
+        Audio audio (static_cast<int> (reader->numChannels), static_cast<int> (reader->lengthInSamples));
         reader->read (audio.getArrayOfWritePointers(), audio.getNumChannels(), 0, audio.getNumSamples());
         return audio;
     }
 
 private:
     const juce::File folder;
+    juce::AudioFormatManager formats;
 };
 } // namespace
 
-//==============================================================================
 TEST_F (RenderTool, EveryKindAndLengthComesBackInPlaceAndWhole)
 {
-    struct Case
+    for (const auto& [name, bits, channels, length, rate, block] :
+         { std::tuple ("a.wav", 16, 2, 100000, 44100.0, "512"),
+           { "b.wav", 32, 1, 257, 8000.0, "1" },
+           { "c.flac", 24, 2, 100000, 96000.0, "65536" },
+           { "d.aiff", 24, 2, 255, 192000.0, "100" },
+           { "e.wav", 32, 2, 0, 44100.0, "512" } })
     {
-        const char* name;
-        int bits, channels, length;
-        double rate;
-        const char* block;
-    };
-
-    const Case cases[] = { { "a.wav", 16, 2, 100000, 44100.0, "512" },    { "b.wav", 32, 1, 257, 8000.0, "1" },
-                           { "c.flac", 24, 2, 100000, 96000.0, "65536" }, { "d.flac", 16, 1, 256, 48000.0, "256" },
-                           { "e.aiff", 24, 2, 255, 192000.0, "100" },     { "f.aiff", 16, 1, 100000, 11025.0, "4096" },
-                           { "g.wav", 24, 2, 1, 192000.0, "512" },        { "h.wav", 32, 2, 0, 44100.0, "512" } };
-
-    for (const auto& c : cases)
-    {
-        SCOPED_TRACE (c.name);
-        writeAudio (c.name, noise (c.channels, c.length), c.rate, c.bits);
+        SCOPED_TRACE (name);
+        writeAudio (name, noise (channels, length), rate, bits);
         const auto printed = run ({ "--set", "inLevel=-7 dB", "--set", "compIn=off", "--set", "outLevel=1.5", "--block",
-                                    c.block, c.name, "out.wav" });
-        EXPECT_EQ (printed.contains ("gain reduction"), c.length > 0.5 * c.rate) << "the needle rises for so long";
-        EXPECT_EQ (readerFor ("out.wav")->sampleRate, c.rate);
+                                    block, name, "out.wav" });
+        EXPECT_EQ (printed.contains ("gain reduction"), length > 0.5 * rate) << "the needle rises for so long";
+        EXPECT_EQ (readerFor ("out.wav")->sampleRate, rate);
         EXPECT_TRUE (readerFor ("out.wav")->usesFloatingPointData);
-        expectEqual (readAudio ("out.wav"),
-                     throughStrip (readAudio (c.name), c.rate,
-                                   { { "inLevel", -7.0f }, { "outLevel", 1.5f }, { "compIn", 0.0f } }),
-                     2e-6f);
+        const test::PlainValues settings { { "inLevel", -7.0f }, { "outLevel", 1.5f }, { "compIn", 0.0f } };
+        expectEqual (readAudio ("out.wav"), throughStrip (readAudio (name), rate, settings), 2e-6f);
     }
 }
 
 TEST_F (RenderTool, ADamagedFlacFileIsRefused)
 {
     writeAudio ("in.flac", noise (2, 5000));
-    const auto whole = bytesOf ("in.flac");
-    constexpr std::size_t sumOfAllSamples = 30;
+    auto bytes = bytesOf ("in.flac");
+    auto& sumOfAllSamples = bytes[30];
+    sumOfAllSamples = static_cast<char> (~sumOfAllSamples);
 
-    for (const auto place : { sumOfAllSamples, whole.getSize() / 2, whole.getSize() })
+    for (const auto length : { bytes.getSize(), bytes.getSize() / 2 })
     {
-        auto damaged = whole;
-
-        if (place < whole.getSize())
-            damaged[place] = static_cast<char> (damaged[place] ^ 1);
-        else
-            damaged.setSize (place / 2);
-
-        fileNamed ("in.flac").replaceWithData (damaged.getData(), damaged.getSize());
-        EXPECT_TRUE (run ({ "in.flac", "out.wav" }, 2).contains ("damaged")) << place;
+        fileNamed ("in.flac").replaceWithData (bytes.getData(), length);
+        EXPECT_TRUE (run ({ "in.flac", "out.wav" }, 2).contains ("damaged")) << length;
         EXPECT_FALSE (fileNamed ("out.wav").exists());
     }
 }
@@ -221,7 +188,6 @@ TEST_F (RenderTool, TwentyFourBitsAreRoundedAndClippingIsReported)
         sumOfErrors += static_cast<double> (out.getSample (0, i)) - static_cast<double> (clipped);
     }
 
-    ASSERT_GE (numBeyond, 1);
     EXPECT_TRUE (printed.contains (" " + juce::String (numBeyond) + " samples were beyond full scale")) << printed;
     expectEqual (out, expected, halfStep + 2e-7f);
 
@@ -229,16 +195,15 @@ TEST_F (RenderTool, TwentyFourBitsAreRoundedAndClippingIsReported)
     EXPECT_NEAR (sumOfErrors / expected.getNumSamples(), 0.0, 0.25 * static_cast<double> (halfStep));
 }
 
-//==============================================================================
 TEST_F (RenderTool, StateProgramAndSettingsAreAllHeardInThisOrder)
 {
     writeAudio ("in.wav", noise (2, 2000), 44100.0, 32);
     const auto in = readAudio ("in.wav");
-
-    const auto expect = [&] (const juce::StringArray& arguments, const test::PlainValues& settings, int program = 0)
+    const auto expect = [&] (juce::StringArray arguments, const test::PlainValues& settings, int program = 0)
     {
+        arguments.addArray ({ "in.wav", "out.wav" });
         SCOPED_TRACE (arguments.joinIntoString (" "));
-        run (juce::StringArray { "in.wav", "out.wav" } + arguments);
+        run (arguments);
         expectEqual (readAudio ("out.wav"), throughStrip (in, 44100.0, settings, program));
     };
 
@@ -255,7 +220,6 @@ TEST_F (RenderTool, StateProgramAndSettingsAreAllHeardInThisOrder)
     expect ({ "--state", "s.vstpreset", "--program", "Default" }, {});
 
     // A setting that names the value from before the program is a setting all the same.
-    ASSERT_STREQ (factoryPrograms()[3].name, "808 3 Dist");
     ASSERT_NE (factoryPrograms()[3].snapshot.gain.get(), 0.0f);
     expect ({ "--program", "808 3 dist" }, {}, 3);
     expect ({ "--program", "3", "--set", "gain=0", "--set", "unity=off" }, { { "gain", 0.0f }, { "unity", 0.0f } }, 3);
@@ -267,10 +231,9 @@ TEST_F (RenderTool, ASidechainOfAnyWidthAndLengthIsHeardByItsDetector)
 
     for (const auto numMain : { 1, 2 })
         for (const auto numSide : { 1, 2 })
-            for (const auto sideLength : { 0, 700, 5000 })
+            for (const auto sideLength : { 700, 5000 })
             {
-                SCOPED_TRACE (juce::String (numMain) + ", " + juce::String (numSide) + ", "
-                              + juce::String (sideLength));
+                SCOPED_TRACE (testing::PrintToString (std::tuple (numMain, numSide, sideLength)));
                 writeAudio ("in.wav", noise (numMain, 2000), 48000.0, 32);
                 writeAudio ("side.wav", noise (numSide, sideLength, 7), 48000.0, 32);
                 run ({ "in.wav", "out.wav", "--sidechain", "side.wav", "--set", "compExtSideChain=on", "--set",

@@ -185,19 +185,6 @@ class Batch(Scratch):
             if number != signal.SIGKILL:
                 self.assertFalse([writer for writer in writers if Path(f"/proc/{writer}").exists()])
 
-    def test_what_ends_while_the_settings_are_tried_leaves_no_new_folder(self):
-        self.write("one.wav", noise(1, 100))
-        for child_dies in (False, True):
-            batch = self.start("batch", "one.wav", "out")
-            children = Path(f"/proc/{batch.pid}/task/{batch.pid}/children")
-            while not (child := children.read_text()):
-                time.sleep(0.0001)
-            self.assertTrue((self.folder / "out").exists())
-            os.kill(int(child) if child_dies else batch.pid, signal.SIGKILL if child_dies else signal.SIGINT)
-            batch.communicate()
-            self.assertEqual(batch.returncode, 2 if child_dies else -signal.SIGINT)
-            self.assertFalse((self.folder / "out").exists())
-
 
 class Mistakes(Scratch):
     def block(self, text: bytes) -> bytes:
