@@ -73,9 +73,10 @@ protected:
         juce::ChildProcess process;
 
         // By a shell, whose status tells of a signal as well.
-        process.start (juce::StringArray { "sh", "-c", "env -C \"$0\" XDG_CONFIG_HOME=\"$0\" \"$@\"; exit", path,
-                                           TARVIK_RENDER_TOOL }
-                       + arguments);
+        juce::StringArray words { "sh", "-c", "env -C \"$0\" XDG_CONFIG_HOME=\"$0\" \"$@\"; exit", path,
+                                  TARVIK_RENDER_TOOL };
+        words.addArray (arguments);
+        process.start (words);
         const auto printed = process.readAllProcessOutput();
         EXPECT_TRUE (process.waitForProcessToFinish (60000)); // or there is no status yet
         EXPECT_EQ (process.getExitCode(), expectedStatus) << arguments.joinIntoString (" ") << "\n" << printed;
