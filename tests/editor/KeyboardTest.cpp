@@ -24,6 +24,11 @@ struct KeyboardUnderTest : WindowUnderTest
         runMessagesFor (20);
     }
 
+    juce::Image pictureAround (juce::Component& c)
+    {
+        return editor->createComponentSnapshot (editor->getLocalArea (&c, c.getLocalBounds()));
+    }
+
     HeadlessWindow window;
 };
 
@@ -79,22 +84,22 @@ TEST (Keyboard, ArrowKeysMoveAControlAndReturnPressesAButton)
 TEST (Keyboard, TheFocusIsOutlinedForThoseWhoTabAndNotForTheMouse)
 {
     KeyboardUnderTest t;
-    auto& gain = t.control ("gain");
-    const auto plain = snapshotOf (*t.editor);
+    auto &gain = t.control ("gain"), &level = t.control ("level");
+    const auto plain = t.pictureAround (gain), plainLevel = t.pictureAround (level);
     gain.grabKeyboardFocus();
     runMessagesFor (20);
-    EXPECT_EQ (difference (snapshotOf (*t.editor), plain), 0.0) << "as after a click";
+    EXPECT_EQ (difference (t.pictureAround (gain), plain), 0.0) << "as after a click";
 
     t.press (KeyPress::tabKey);
     t.press (KeyPress::tabKey, juce::ModifierKeys::shiftModifier);
     EXPECT_EQ (focusedControl(), &gain);
-    const auto area = t.editor->getLocalArea (&gain, gain.getLocalBounds());
-    EXPECT_GT (difference (t.editor->createComponentSnapshot (area), plain.getClippedImage (area)), 0.03);
+    EXPECT_GT (difference (t.pictureAround (gain), plain), 0.03);
 
     t.window.click (t.editor->getLocalBounds().getBottomLeft().toFloat().translated (200.0f, -1.0f));
-    t.control ("level").grabKeyboardFocus();
+    level.grabKeyboardFocus();
     runMessagesFor (20);
-    EXPECT_EQ (difference (snapshotOf (*t.editor), plain), 0.0);
+    EXPECT_EQ (difference (t.pictureAround (gain), plain), 0.0);
+    EXPECT_EQ (difference (t.pictureAround (level), plainLevel), 0.0);
 }
 
 } // namespace tarvik
