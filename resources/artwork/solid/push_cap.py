@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The cap of the twelve push buttons, released and pressed, 180 x 180. The 35 rows above it stay clear for the lamp."""
+"""The cap of the twelve push buttons, released and, still without its light, pressed, 180 x 180. The 35 rows above it stay clear for the lamp."""
 import os
 import sys
 
@@ -39,5 +39,5 @@ def draw(pressed, samples):
 if __name__ == "__main__":
     run({
         "push-released": lambda samples: draw(False, samples or 128),
-        "push-pressed": lambda samples: draw(True, samples or 128),
+        "push-cap-pressed": lambda samples: draw(True, samples or 128),
     })

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """The three-way switches, 180 x 180 each: three plates, and the lever in its three positions to be laid over a plate.
 
-Plate 1 is plain; plate 2 marks both ends (its middle position is "off" or the one between); plate 3 marks all three.
+Plate 1 is plain; plate 2 marks both ends, and its middle mark is printed on afterwards, smaller; plate 3 marks all three.
 The marks' rows are what the panel's legends line up with.
 """
 import math
@@ -70,7 +70,8 @@ def lever(position, samples):
 
 
 if __name__ == "__main__":
-    drawings = {f"toggle-plate-{n}": (lambda samples, n=n: plate(n, samples or 128)) for n in (1, 2, 3)}
+    drawings = {f"toggle-plate-{name}": (lambda samples, n=n: plate(n, samples or 128))
+                for n, name in ((1, "1"), (2, "ends"), (3, "3"))}
     drawings |= {f"toggle-lever-{name}": (lambda samples, p=p: lever(p, samples or 128))
                  for name, p in (("low", -1), ("middle", 0), ("high", 1))}
     run(drawings)
