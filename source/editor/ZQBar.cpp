@@ -14,8 +14,9 @@ constexpr int buttonSize = editorSize::stripHeight;
 constexpr int logoWidth = 120, statusWidth = 150;
 constexpr int statusPeriodMs = 500;
 
-/** Where the package puts the manual, below the system's folder for applications. */
-constexpr const char* manualPath = "Nomvale/Tarvik 41 Series/Tarvik 41 Series Manual.pdf";
+// Where the manual is below the system's folder for applications, and below a prefix.
+constexpr const char* packagePath = "Nomvale/Tarvik 41 Series/Tarvik 41 Series Manual.pdf";
+constexpr const char* prefixPath = "share/doc/tarvik41-channel/Tarvik 41 Series Manual.pdf";
 
 constexpr int openManualId = 1;
 
@@ -118,7 +119,7 @@ juce::PopupMenu ZQBar::linksMenu()
 {
     juce::PopupMenu menu;
     menu.setLookAndFeel (&look); // a menu does not inherit the bar's
-    menu.addItem (openManualId, "Open Manual...");
+    menu.addItem (openManualId, "Open Manual...", findManual() != juce::File());
 
     for (const auto& link : pageLinks)
         menu.addItem (link.id, link.text, link.address (world.sites).isNotEmpty());
@@ -128,18 +129,33 @@ juce::PopupMenu ZQBar::linksMenu()
 
 void ZQBar::linkChosen (int id)
 {
-    if (id == openManualId)
-        openManual();
+    if (const auto manual = findManual(); id == openManualId && manual != juce::File())
+        world.open (manual.getFullPathName());
 
     for (const auto& link : pageLinks)
         if (id == link.id)
             openPage (link.address (world.sites));
 }
 
-void ZQBar::openManual()
+std::vector<juce::File> ZQBar::manualPlaces (const juce::File& module, const juce::File& home)
 {
-    if (const auto manual = world.applications.getChildFile (manualPath); manual.existsAsFile())
-        world.open (manual.getFullPathName());
+    std::vector places {
+        juce::File::getSpecialLocation (juce::File::globalApplicationsDirectory).getChildFile (packagePath)
+    };
+
+    // The prefix is some folders above the module, by the format's own.
+    for (auto folder = module.getParentDirectory(); ! folder.isRoot(); folder = folder.getParentDirectory())
+        places.push_back (folder.getChildFile (prefixPath));
+
+    places.push_back (home.getChildFile (".local").getChildFile (prefixPath));
+    return places;
+}
+
+juce::File ZQBar::findManual() const
+{
+    const auto found = std::find_if (world.manuals.begin(), world.manuals.end(),
+                                     [] (const auto& file) { return file.existsAsFile(); });
+    return found != world.manuals.end() ? *found : juce::File();
 }
 
 void ZQBar::openPage (const juce::String& address)

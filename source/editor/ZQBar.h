@@ -7,21 +7,29 @@
 #include "plugin/LicenceCheck.h"
 
 #include <functional>
+#include <vector>
 
 namespace tarvik
 {
 
 /** The strip along the bottom of the window: logo, a line of status, and buttons to the web and to the manual. A button
-    or menu item whose address is not configured is disabled. Message thread.
+    or menu item whose address is not configured, or whose file is not there, is disabled. Message thread.
 */
 class ZQBar final : public juce::Component, private juce::Timer, private juce::Button::Listener
 {
 public:
+    /** Where the installations put the manual: a package, and `cmake --install` under the prefix of the module or in a
+        home folder.
+    */
+    static std::vector<juce::File> manualPlaces (const juce::File& module, const juce::File& home);
+
     /** What the bar needs of the system. */
     struct World
     {
         Sites sites = Sites::configured();
-        juce::File applications = juce::File::getSpecialLocation (juce::File::globalApplicationsDirectory);
+        std::vector<juce::File> manuals = manualPlaces (
+            juce::File::getSpecialLocation (juce::File::currentExecutableFile),
+            juce::File::getSpecialLocation (juce::File::userHomeDirectory)); ///< The first that exists is opened.
 
         /** Gives an address or a file's path to the program that the system has for it. */
         std::function<void (const juce::String&)> open = [] (const juce::String& what)
@@ -53,7 +61,7 @@ private:
     void timerCallback() override;
     void buttonClicked (juce::Button* button) override;
 
-    void openManual();
+    juce::File findManual() const;
     void openPage (const juce::String& address);
 
     const World world;

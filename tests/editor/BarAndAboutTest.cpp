@@ -11,7 +11,8 @@ using namespace test;
 struct BarUnderTest
 {
     explicit BarUnderTest (const Sites& sites)
-        : bar ({ sites, folder.getFile(), [this] (const juce::String& what) { opened << what << " "; } })
+        : bar ({ sites, ZQBar::manualPlaces (folder.getFile().getChildFile ("lib/vst3/a.vst3/a.so"), folder.getFile()),
+                 [this] (const juce::String& what) { opened << what << " "; } })
     {
     }
 
@@ -39,9 +40,9 @@ struct BarUnderTest
 TEST (BottomBar, ButtonsAndLinksOpenTheirPagesIfTheyHaveOne)
 {
     BarUnderTest t ({ "https://family.example/", "https://maker.example" }), without ({ "", "" });
-    EXPECT_EQ (t.menu(), "1 Open Manual...\n2 Product Info...\n3 Download Updates...\n4 Nomvale Website...\n"
+    EXPECT_EQ (t.menu(), "2 Product Info...\n3 Download Updates...\n4 Nomvale Website...\n"
                          "5 Tarvik Plugins Website...\n");
-    EXPECT_EQ (without.menu(), "1 Open Manual...\n");
+    EXPECT_EQ (without.menu(), "") << "a row that would do nothing";
     EXPECT_FALSE (childOf (without.bar, "Nomvale Website").isEnabled() || childOf (without.bar, "Shop").isEnabled());
 
     for (int id = -1; id < 7; ++id)
@@ -56,12 +57,19 @@ TEST (BottomBar, ButtonsAndLinksOpenTheirPagesIfTheyHaveOne)
                          "https://family.example/ https://maker.example "
                          "https://family.example/ https://family.example/buy/tarvik_41_series ");
 
-    const auto manual = t.folder.getFile().getChildFile ("Nomvale/Tarvik 41 Series/Tarvik 41 Series Manual.pdf");
-    ASSERT_TRUE (manual.create());
-    t.opened = {};
-    t.bar.linkChosen (1);
-    EXPECT_EQ (t.opened, manual.getFullPathName() + " ");
-    EXPECT_EQ (ZQBar::World().applications, juce::File ("/usr"));
+    // As a home's installation leaves it, and then as another prefix has it.
+    for (const auto* const place : { ".local/share/doc", "share/doc" })
+    {
+        const auto manual =
+            t.folder.getFile().getChildFile (place).getChildFile ("tarvik41-channel/Tarvik 41 Series Manual.pdf");
+        ASSERT_TRUE (manual.create());
+        t.opened = {};
+        t.bar.linkChosen (1);
+        EXPECT_EQ (t.opened, manual.getFullPathName() + " ");
+    }
+
+    EXPECT_TRUE (t.menu().startsWith ("1 Open Manual...\n"));
+    EXPECT_EQ (ZQBar::World().manuals[0], juce::File ("/usr/Nomvale/Tarvik 41 Series/Tarvik 41 Series Manual.pdf"));
 }
 
 TEST (BottomBar, StatusLeavesLoadingAtItsFirstTickOnceShown)
