@@ -17,8 +17,8 @@ public:
         constexpr float narrowestText = 0.5f;
         setFont (juce::Font (row.height));
         setJustificationType (row.isCentred ? juce::Justification::centred : juce::Justification::centredLeft);
-        setBorderSize ({});                        // the boxes are hardly wider than their texts
-        setMinimumHorizontalScale (narrowestText); // and the smallest zoom makes them narrower
+        setBorderSize ({ 0, row.leftMargin, 0, 0 }); // the boxes are hardly wider than their texts
+        setMinimumHorizontalScale (narrowestText);   // and the smallest zoom makes them narrower
         setColour (textColourId, juce::Colour (row.colour));
         setColour (juce::TextEditor::textColourId, juce::Colours::black);
         setColour (juce::TextEditor::backgroundColourId, juce::Colours::transparentBlack);

@@ -97,6 +97,7 @@ struct LabelRow
     const char* title = "";
     bool isEditable = false;
     bool isCentred = true;
+    int leftMargin = 0; ///< In the editor's pixels, where the picture's frame is in the way.
 };
 
 struct MeterRow
@@ -119,8 +120,8 @@ inline constexpr PictureButtonRow nextChannel     { { 0.7719f, 0.1261f, 0.0267f,
 inline constexpr ButtonRow link                   { parameter ("TolLink"), { 0.6556f, 0.0103f, 0.0333f, 0.0369f }, "Link channels" };
 inline constexpr PictureButtonRow randomChannel   { { 0.7056f, 0.0103f, 0.0333f, 0.0369f }, Picture::randomNormal, Picture::randomOver, Picture::randomPressed, { "Random Channel", "Draws one of the console's 32 channels", focusOrderOf (parameter ("TolChannel")) + 2 } };
 inline constexpr PictureButtonRow randomInAll     { { 0.7533f, 0.0103f, 0.0333f, 0.0369f }, Picture::randomAllNormal, Picture::randomAllOver, Picture::randomAllPressed, { "Random Channel\nin ALL instances", "Has every instance of this process draw a console channel of its own", focusOrderOf (parameter ("TolChannel")) + 3 } };
-inline constexpr LabelRow leftNumber              { { 0.6f,    0.0566f, 0.027f,  0.0256f }, "10",    15.0f, palette::channelNumber, "", true };
-inline constexpr LabelRow rightNumber             { { 0.7f,    0.0566f, 0.027f,  0.0256f }, "11",    15.0f, palette::channelNumber, "", true };
+inline constexpr LabelRow leftNumber              { { 0.6f,    0.0566f, 0.027f,  0.0256f }, "10",    15.0f, palette::channelNumber, "", true, true, 2 };
+inline constexpr LabelRow rightNumber             { { 0.7f,    0.0566f, 0.027f,  0.0256f }, "11",    15.0f, palette::channelNumber, "", true, true, 1 };
 
 inline constexpr LabelRow mixReadout    { { 0.5133f, 0.0562f, 0.06f,   0.0355f }, "0 %",   12.0f, palette::lightPrint, "Comp Mix" };
 inline constexpr LabelRow filterReadout { { 0.4233f, 0.0562f, 0.06f,   0.0355f }, "20 Hz", 12.0f, palette::lightPrint, "Comp High Pass Filter" };

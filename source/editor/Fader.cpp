@@ -9,12 +9,17 @@ namespace tarvik
 namespace
 {
 constexpr int defaultWidth = 300, defaultHeight = 1706;
-}
+
+// Shares of the picture's width and height.
+constexpr float capWidthShare = 160.0f / 300.0f, capHeightShare = 344.0f / 500.0f;
+constexpr float ringShare = 176.0f / 300.0f; ///< The focus outline lies between the cap and the scale.
+} // namespace
 
 Fader::Fader() : juce::Slider (LinearVertical, NoTextBox)
 {
     setRange (0.0, 1.0);
     setLookAndFeel (&look);
+    focusOutline::setInset (*this, (1.0f - ringShare) / 2.0f, 0.0f);
     setSize (defaultWidth, defaultHeight);
 }
 
@@ -30,6 +35,7 @@ void Fader::mouseDown (const juce::MouseEvent& event)
     const auto fromTop = static_cast<float> ((1.0 - getValue()) * fader::trackHeight (getHeight()));
     pressOffset = fromTop + static_cast<float> (fader::trackTop (getHeight())) - event.position.y;
     Slider::mouseDown (moved (event));
+    placeBubble();
 }
 
 void Fader::mouseDrag (const juce::MouseEvent& event) { Slider::mouseDrag (moved (event)); }
@@ -38,6 +44,24 @@ void Fader::mouseUp (const juce::MouseEvent& event)
 {
     Slider::mouseUp (moved (event));
     pressOffset = 0.0f;
+}
+
+juce::Rectangle<int> Fader::capBounds() const
+{
+    const auto height = getHeight(), picture = fader::capHeight (height);
+    const auto middle = fader::trackTop (height)
+                        + juce::roundToInt ((1.0 - getValue()) * static_cast<double> (fader::trackHeight (height)));
+    return juce::Rectangle (getWidth(), picture)
+        .withCentre ({ getWidth() / 2, middle })
+        .withSizeKeepingCentre (juce::roundToInt (capWidthShare * static_cast<float> (getWidth())),
+                                juce::roundToInt (capHeightShare * static_cast<float> (picture)));
+}
+
+/** JUCE points with it at the middle of the component, wherever the cap is. */
+void Fader::placeBubble()
+{
+    if (auto* const bubble = dynamic_cast<juce::BubbleComponent*> (getCurrentPopupDisplay()))
+        bubble->setPosition (bubble->getParentComponent()->getLocalArea (this, capBounds()));
 }
 
 //==============================================================================

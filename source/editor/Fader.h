@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "editor/KVLLNF.h"
 #include "editor/ScaledPictures.h"
 
 #include <juce_gui_basics/juce_gui_basics.h>
@@ -19,11 +20,13 @@ public:
     void mouseDrag (const juce::MouseEvent& event) override;
     void mouseUp (const juce::MouseEvent& event) override;
 
+    void valueChanged() override { placeBubble(); }
+
     /** The whole component, not only the cap. */
     bool hitTest (int, int) override { return true; }
 
     /** Draws the cap, and makes the track as long as the way of the cap's middle. */
-    class FaderLNF final : public juce::LookAndFeel_V3
+    class FaderLNF final : public WindowLook
     {
     public:
         /** Draws nothing: the track is in the panel's picture. */
@@ -37,12 +40,17 @@ public:
                                     juce::Slider& slider) override;
         juce::Slider::SliderLayout getSliderLayout (juce::Slider& slider) override;
 
+        /** Beside the cap are the numerals. */
+        int getSliderPopupPlacement (juce::Slider&) override { return juce::BubbleComponent::above; }
+
     private:
         ScaledPicture cap { Picture::faderCap };
     };
 
 private:
     juce::MouseEvent moved (const juce::MouseEvent& event) const;
+    juce::Rectangle<int> capBounds() const;
+    void placeBubble();
 
     FaderLNF look;
     float pressOffset = 0.0f; ///< In pixels, from the mouse down to the middle of the cap.

@@ -6,6 +6,20 @@
 namespace tarvik
 {
 
+/** The outline of the control that has the keyboard: amber, rounded, and within the control, whose area may reach into
+    its neighbours'. Message thread.
+*/
+namespace focusOutline
+{
+/** Moves a control's outline inwards, by shares of its width and height at either side. */
+void setInset (juce::Component& control, float shareOfWidth, float shareOfHeight);
+
+void draw (juce::Graphics& g, juce::Rectangle<int> area, bool isRound);
+
+/** What JUCE shows over the control. */
+std::unique_ptr<juce::FocusOutline> create (juce::Component& control);
+} // namespace focusOutline
+
 /** Outlines the control that has the keyboard focus in a window, from the first Tab until the next press of the mouse.
     Owned by the window. Message thread.
 */

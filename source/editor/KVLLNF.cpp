@@ -8,7 +8,7 @@ namespace tarvik
 
 namespace
 {
-constexpr int sideMargin = 5;
+constexpr int sideMargin = 5, markGap = 4;
 
 void drawSeparator (juce::Graphics& g, juce::Rectangle<int> area)
 {
@@ -18,11 +18,34 @@ void drawSeparator (juce::Graphics& g, juce::Rectangle<int> area)
 }
 } // namespace
 
+WindowLook::WindowLook()
+{
+    const juce::Colour accent (palette::accent);
+    setColour (juce::TextEditor::highlightColourId, accent);
+    setColour (juce::TextEditor::highlightedTextColourId, juce::Colours::black);
+    setColour (juce::TextEditor::focusedOutlineColourId, accent);
+    setColour (juce::CaretComponent::caretColourId, accent);
+}
+
+void WindowLook::drawTextEditorOutline (juce::Graphics& g, int width, int height, juce::TextEditor& editor)
+{
+    if (editor.hasKeyboardFocus (true))
+        focusOutline::draw (g, juce::Rectangle (width, height), false);
+}
+
+//==============================================================================
 MenuLook::MenuLook()
 {
     setColour (juce::PopupMenu::backgroundColourId,
                juce::Colours::transparentBlack); // so that the corners can be round
     setColour (juce::PopupMenu::highlightedBackgroundColourId, juce::Colour (palette::menuHighlight));
+}
+
+/** JUCE makes menus opaque, and their corners white, where the screen has no compositor; one in a window needs none. */
+void MenuLook::preparePopupMenuWindow (juce::Component& window)
+{
+    if (window.getParentComponent() != nullptr)
+        window.setOpaque (false);
 }
 
 void MenuLook::drawPopupMenuBackground (juce::Graphics& g, int width, int height)
@@ -61,9 +84,10 @@ void MenuLook::drawPopupMenuItem (juce::Graphics& g, const juce::Rectangle<int>&
     font.setHeight (std::min (font.getHeight(), static_cast<float> (area.getHeight()) / rowsPerFontHeight));
     g.setFont (font);
 
-    // Mark and arrow share the two heights that JUCE leaves beside the text with the margins.
+    // Mark, gap and arrow share the two heights that JUCE leaves beside the text with the margins.
     const auto signWidth = place.getHeight() - sideMargin;
     const auto markPlace = place.removeFromLeft (signWidth).toFloat().reduced (1.0f);
+    place.removeFromLeft (markGap);
 
     if (icon != nullptr)
     {

@@ -2,6 +2,7 @@
 #include "editor/OrvaneConsoleUI.h"
 
 #include "editor/ControlGeometry.h"
+#include "editor/FocusMark.h"
 #include "editor/SetInGesture.h"
 
 namespace tarvik
@@ -26,6 +27,8 @@ OrvaneConsoleUI::PushButton::PushButton (const layout::PushRow& row)
 {
     cap.setToggleable (true);
     cap.setTriggeredOnMouseDown (true);
+    constexpr float capInset = 0.19f; // round the well of the cap, which is half of the button's width
+    focusOutline::setInset (cap, capInset, capInset);
 }
 
 OrvaneConsoleUI::OrvaneConsoleUI (Tarvik41Processor& processorToShow)

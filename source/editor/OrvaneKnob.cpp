@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/OrvaneKnob.h"
 
+#include "editor/FocusMark.h"
+
 namespace tarvik
 {
 
@@ -12,7 +14,11 @@ constexpr int defaultSize = 100;
 constexpr float hitRadius = 0.39f;
 } // namespace
 
-OrvaneKnob::OrvaneKnob() : KVLSlider (RotaryVerticalDrag, defaultSize, defaultSize) {}
+OrvaneKnob::OrvaneKnob() : KVLSlider (RotaryVerticalDrag, defaultSize, defaultSize)
+{
+    constexpr float ringInset = 0.1f; // over the ticks, within the numerals
+    focusOutline::setInset (*this, ringInset, ringInset);
+}
 
 void OrvaneKnob::setFilmstripRange (float startRadians, float endRadians)
 {

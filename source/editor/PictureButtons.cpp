@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/PictureButtons.h"
 
+#include "editor/FocusMark.h"
+
 namespace tarvik
 {
 
@@ -80,15 +82,22 @@ void StateButton::paintButton (juce::Graphics& g, bool isHighlighted, bool isHel
     pictures[index + (getToggleState() ? onIndex : 0)].draw (g, getLocalBounds());
 }
 
+namespace
+{
+constexpr float keyInset = 0.08f; ///< Of the focus outline, which would cut through the name below the key.
+}
+
 PhaseButton::PhaseButton()
     : StateButton ("phase", twoPictureSize, twoPictureSize, offAndOn (Picture::phaseOff, Picture::phaseOn))
 {
+    focusOutline::setInset (*this, keyInset, keyInset);
     setTriggeredOnMouseDown (true);
 }
 
 CutButton::CutButton()
     : StateButton ("mute", twoPictureSize, twoPictureSize, offAndOn (Picture::muteOff, Picture::muteOn))
 {
+    focusOutline::setInset (*this, keyInset, keyInset);
     setTriggeredOnMouseDown (true);
 }
 

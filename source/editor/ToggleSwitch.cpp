@@ -2,6 +2,7 @@
 #include "editor/ToggleSwitch.h"
 
 #include "editor/ControlGeometry.h"
+#include "editor/FocusMark.h"
 
 namespace tarvik
 {
@@ -11,7 +12,11 @@ namespace
 constexpr int defaultSize = 60;
 }
 
-ToggleSwitch::ToggleSwitch() : KVLSlider (LinearVertical, defaultSize, defaultSize) {}
+ToggleSwitch::ToggleSwitch() : KVLSlider (LinearVertical, defaultSize, defaultSize)
+{
+    constexpr float besidePlate = 0.19f, abovePlate = 0.1f; // the words are beside it
+    focusOutline::setInset (*this, besidePlate, abovePlate);
+}
 
 void ToggleSwitch::setPositions (int plateNumber)
 {
