@@ -20,6 +20,8 @@ enum About : unsigned
     files = 8,
     batches = 16,
     drawing = 32,
+    comparing = 64,
+    zooming = 128,
     everyRender = blocks | module | settings | files
 };
 
@@ -45,7 +47,9 @@ constexpr Task tasks[] = {
     { "stream", streamRuns, blocks | module, "a stream", "nothing", 0, 0, false },
     { "decode", decodeRecording, blocks | module, "decoding", "one recording", 1, 1, false },
     { "pictures", writeContactSheet, everyRender, "a sheet of pictures", "one file to write", 1, 1 },
-    { "screenshot", writeScreenshot, blocks | settings | drawing, "a screenshot", "a file to write", 1, 2 },
+    { "controls", writeControlSheet, comparing, "a sheet of controls", "one file to write", 1, 1 },
+    { "screenshot", writeScreenshot, blocks | settings | drawing | zooming, "a screenshot", "a file to write", 1, 2 },
+    { "window", writeWindowPictures, zooming, "a window", "one folder to write into", 1, 1 },
     { "--list", listModule, everyRender, "a list", "nothing", 0, 1, false },
     { "--help", printUsage, everyRender, "the help", "nothing", 0, anyNumber, false },
     { "-h", printUsage, everyRender, "the help", "nothing", 0, anyNumber, false },
@@ -95,10 +99,11 @@ constexpr Option options[] = {
     { "--from", batches, [] (auto& line, auto*, auto& text) { line.batchListPath = text; } },
     { "--overwrite", batches, [] (auto& line, auto*, auto&) { line.overwrites = true; }, false },
     { "--name", drawing, [] (auto& line, auto*, auto& text) { line.trackName = text; } },
+    { "--beside", comparing, [] (auto& line, auto*, auto& text) { line.picturesPath = text; } },
     { "--jobs", batches, [] (auto& line, auto* name, auto& text) { line.numJobs = wholeNumber (name, text, 1, 256); } },
     { "--block", blocks,
       [] (auto& line, auto* name, auto& text) { line.blockSize = wholeNumber (name, text, 1, 65536); } },
-    { "--zoom", drawing,
+    { "--zoom", zooming,
       [] (auto& line, auto* name, auto& text) { line.zoomPercent = wholeNumber (name, text, 50, 300); } },
     { "--slot", drawing,
       [] (auto& line, auto* name, auto& text)

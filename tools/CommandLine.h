@@ -24,6 +24,7 @@ struct CommandLine
     juce::String program;          ///< A name or a number, empty for none.
     juce::StringArray assignments; ///< Each ID=TEXT, in the order given.
     juce::String trackName;        ///< What a screenshot's channel is called.
+    juce::String picturesPath;     ///< A folder of other pictures to compare with, empty for none.
     int zoomPercent = 100;         ///< Of a screenshot.
     int slot = -1;                 ///< The one that a screenshot shows, 0 for A; -1 for the current one.
     int blockSize = defaultBlockSize;

@@ -34,10 +34,18 @@ void decodeRecording (const CommandLine& line);
 /** Draws all pictures of the window on one sheet, at their own size and at a third, as a PNG file. */
 void writeContactSheet (const CommandLine& line);
 
+/** Draws every control in each of its states on one sheet, as the window shows them at four sizes, beside what other pictures
+    would make of them.
+*/
+void writeControlSheet (const CommandLine& line);
+
 /** Draws the plug-in's window, which needs no screen, as a PNG file: at a zoom, with a program and parameters, and with
     the meters as they stand when a recording has gone through.
 */
 void writeScreenshot (const CommandLine& line);
+
+/** Opens the window on the screen and draws, into a folder, what only shows there: menus, bubbles, fields, focus, About. */
+void writeWindowPictures (const CommandLine& line);
 
 /** The explanation for `--help`, several lines. */
 const char* usageText();

@@ -15,7 +15,9 @@ const char* usageText()
   tarvik41-render list [--module FILE]
   tarvik41-render list layout|harmonics|network
   tarvik41-render pictures OUTPUT.png
+  tarvik41-render controls [--beside FOLDER] OUTPUT.png
   tarvik41-render screenshot [OPTIONS] [INPUT] OUTPUT.png
+  tarvik41-render window [--zoom PERCENT] FOLDER
   tarvik41-render stream [--module FILE] [--block N]
   tarvik41-render decode INPUT
 
@@ -58,7 +60,10 @@ second to seventh harmonic. "list network" reads lines of settings with tabs in 
 function of the equaliser's circuit: the coefficients of s^5 to s^0, numerator first.
 
 "pictures" shows all pictures of the window on one sheet, at their own size and at a third, as the window draws them at
-100 %. "screenshot" draws the window itself, with --state, --program and --set, at --zoom PERCENT (100), for a track called
+100 %. "controls" shows every control in each of its states at 80, 100 and 150 % and on a screen of twice the density;
+--beside names a folder with other pictures, such as an older resources/pictures, and what looks different with them is
+shown below. "window" opens the window on the screen and draws what only shows there into FOLDER: the menus, the bubble
+of a value, a tooltip, a value being typed, the outline of the focus, and About. "screenshot" draws the window itself, with --state, --program and --set, at --zoom PERCENT (100), for a track called
 --name TEXT, with slot A or B chosen by --slot (after --state, before the others), and with the meters as
 they stand when INPUT has gone through.
 

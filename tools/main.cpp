@@ -12,10 +12,6 @@ int main (int argc, char** argv)
 {
     constexpr int failure = 2;
 
-    // It opens no window, and neither do the modules that it loads. JUCE would join a screen all the same, and the
-    // process would end with it.
-    setenv ("DISPLAY", ":65000", 1);
-
     juce::StringArray arguments;
 
     for (int i = 1; i < argc; ++i)
@@ -31,6 +27,11 @@ int main (int argc, char** argv)
     {
         const auto line = tarvik::parseCommandLine (arguments);
         std::optional<juce::ScopedJuceInitialiser_GUI> juceLibrary;
+
+        // No other task opens a window, and neither do the modules that it loads. JUCE would join a screen all the same, and
+        // the process would end with it.
+        if (line.perform != tarvik::writeWindowPictures)
+            setenv ("DISPLAY", ":65000", 1);
 
         // Hosted modules need JUCE's message thread to be known; no loop has to run. A batch loads modules in processes
         // of its own only, and those begin best without what JUCE would share between them.
