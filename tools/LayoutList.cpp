@@ -21,7 +21,8 @@ static_assert (std::ranges::all_of (knobs,
                "a knob without a scale");
 
 /** A JSON object's properties in their order. */
-using Fields = std::vector<std::pair<const char*, juce::var>>;
+using Field = std::pair<const char*, juce::var>;
+using Fields = std::vector<Field>;
 
 juce::var object (const Fields& fields)
 {
@@ -55,13 +56,14 @@ public:
 
     void add (const char* kind, const Box& box, const char* name) { add (kind, box, { { "name", name } }); }
 
-    /** A parameter's control. */
-    void add (const char* kind, const Box& box, int index, const Fields& fields = {})
+    /** What a person works: a row with a parameter and a legend. The one without a parameter switches what the meter shows. */
+    void add (const char* kind, const auto& row, const Fields& fields = {})
     {
-        const auto& row = parameterRow (index);
-        Fields all { { "parameter", row.id }, { "title", row.name } };
+        const auto id = row.parameter == noParameter ? Field { "name", "meter mode" }
+                                                     : Field { "parameter", parameterRow (row.parameter).id };
+        Fields all { id, { "legend", row.legend } };
         all.insert (all.end(), fields.begin(), fields.end());
-        add (kind, box, all);
+        add (kind, row.box, all);
     }
 
     juce::String toJson() const
@@ -102,7 +104,7 @@ void addSliders (Listing& listing)
     {
         const RotaryArc arc { row.startDegrees, row.endDegrees };
         const auto place = [&] (float value) { return rounded (arc.angleAt (value)); };
-        listing.add ("knob", row.box, row.parameter,
+        listing.add ("knob", row,
                      { { "style", row.style },
                        { "unit", unitOf (row.parameter) },
                        { "startDegrees", row.startDegrees },
@@ -111,7 +113,7 @@ void addSliders (Listing& listing)
     }
 
     const auto trimPlace = [] (float value) { return degrees (trimAngle (value)); };
-    listing.add ("trim", trim.box, trim.parameter,
+    listing.add ("trim", trim,
                  { { "unit", unitOf (trim.parameter) }, { "scale", scaleOf (trim.parameter, "degrees", trimPlace) } });
 
     const auto box = levelFader.box.on (designWidth, designHeight);
@@ -120,7 +122,7 @@ void addSliders (Listing& listing)
         const auto top = box.getY() + fader::trackTop (box.getHeight());
         return rounded (top + (1.0 - static_cast<double> (value)) * fader::trackHeight (box.getHeight()));
     };
-    listing.add ("fader", levelFader.box, levelFader.parameter,
+    listing.add ("fader", levelFader,
                  { { "unit", unitOf (levelFader.parameter) },
                    { "capHeight", fader::capHeight (box.getHeight()) },
                    { "scale", scaleOf (levelFader.parameter, "y", faderPlace) } });
@@ -132,8 +134,7 @@ void addSliders (Listing& listing)
             constexpr const char* names[] = { "low", "middle", "high" };
             return juce::var (names[static_cast<int> (leverPosition (static_cast<double> (value)))]);
         };
-        listing.add ("switch", row.box, row.parameter,
-                     { { "plate", row.plate }, { "scale", scaleOf (row.parameter, "lever", lever) } });
+        listing.add ("switch", row, { { "plate", row.plate }, { "scale", scaleOf (row.parameter, "lever", lever) } });
     }
 }
 
@@ -141,18 +142,15 @@ void addPushButtons (Listing& listing)
 {
     for (const auto& row : pushButtons)
     {
-        if (row.parameter == noParameter)
-            listing.add ("push", row.box, "meter mode");
-        else
-            listing.add ("push", row.box, row.parameter);
+        listing.add ("push", row);
 
         if (row.lamp != Picture::none)
-            listing.add ("lamp", row.lampBox, row.parameter, { { "picture", rowOf (row.lamp).name } });
+            listing.add ("lamp", row.lampBox, { { "picture", rowOf (row.lamp).name } });
     }
 
-    listing.add ("mute", mute.box, mute.parameter);
-    listing.add ("phase", phase.box, phase.parameter);
-    listing.add ("link", link.box, link.parameter);
+    listing.add ("mute", mute);
+    listing.add ("phase", phase);
+    listing.add ("link", link);
 }
 
 /** With the marks of its scale: whole decibels from the lowest to the highest. */
@@ -175,14 +173,6 @@ void addMeter (Listing& listing, const char* name, const Box& box, float lowestD
                    { "scale", marks } });
 }
 
-void addPicture (Listing& listing, const char* kind, const char* name, const PictureButtonRow& row)
-{
-    if (*row.words.tooltip == '\0')
-        listing.add (kind, row.box, name);
-    else
-        listing.add (kind, row.box, { { "name", name }, { "tooltip", row.words.tooltip } });
-}
-
 void addLabel (Listing& listing, const char* name, const LabelRow& row)
 {
     constexpr auto designPixelsPerPixel = static_cast<double> (designWidth) / width;
@@ -198,14 +188,14 @@ juce::String layoutAsJson()
     addPushButtons (listing);
     addMeter (listing, "VU", vuMeter.box, meter::lowestDb, meter::highestDb, meterAngle);
     addMeter (listing, "gain reduction", gainReductionMeter.box, meter::lowestReductionDb, 0.0f, gainReductionAngle);
-    addPicture (listing, "picture", "output legend", outputLegend);
-    addPicture (listing, "led", "compressor LED", compressorLed);
-    addPicture (listing, "led", "expander LED", expanderLed);
-    addPicture (listing, "picture", "channel display", plateMono);
-    addPicture (listing, "button", "previous channel", previousChannel);
-    addPicture (listing, "button", "next channel", nextChannel);
-    addPicture (listing, "button", "random channel", randomChannel);
-    addPicture (listing, "button", "random channel in all", randomInAll);
+    listing.add ("picture", outputLegend.box, "output legend");
+    listing.add ("led", compressorLed.box, "compressor LED");
+    listing.add ("led", expanderLed.box, "expander LED");
+    listing.add ("picture", plateMono.box, "channel display");
+    listing.add ("button", previousChannel.box, "previous channel");
+    listing.add ("button", nextChannel.box, "next channel");
+    listing.add ("button", randomChannel.box, "random channel");
+    listing.add ("button", randomInAll.box, "random channel in all");
     addLabel (listing, "channel name", channelName);
     addLabel (listing, "left channel number", leftNumber);
     addLabel (listing, "right channel number", rightNumber);

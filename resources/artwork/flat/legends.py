@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Every word on the panel: section heads, names of controls with their units, and the scales."""
+"""Every word on the panel: section heads, the controls' names with their units, and the scales."""
 import layout
 import scales
 from palette import HEAD_SIZE, IVORY, NAME_SIZE, SECONDARY, UNIT_SIZE
@@ -16,31 +16,16 @@ HEADS = [
     ("OUTPUT", 2212, HEAD_ROW, 2614),
 ]
 
-# Names under the knobs. Those of the equaliser's gains stand beside them, those of its low switch along its scale.
-KNOB_NAMES = {
-    "gain": "GAIN", "compHPF": "SC FILTER", "compMix": "MIX", "midFreq": "FREQ", "compRatio": "RATIO",
-    "compRelease": "RELEASE", "compThreshold": "THRESHOLD", "compInput": "INPUT", "compOutput": "OUTPUT",
-    "expRange": "RANGE", "expRelease": "RELEASE", "expThreshold": "THRESHOLD",
-}
-KNOB_NAME_DROP = {300: 159, 240: 147}  # by the side of the knob's box
-KNOB_NAME_SHIFT = {"expThreshold": 12}  # to the right, away from the compressor's border
+# How far below its control's middle a name stands; what the names are stands in the layout.
 HIGHER_NAMES = {"compRatio": 138, "compHPF": 144}  # a free lower half; the row of the neighbour
+SWITCH_NAME_DROP = 88
+PUSH_NAME_DROP = 78
+NAME_SHIFT = {"expThreshold": 12, "highPass": 18}  # to the right, away from the compressor's border; from a button's name
 
-# The three bands of the equaliser stand at the left of their gain knobs.
-BANDS = [("HIGH", "highGain"), ("MID", "midGain"), ("LOW", "lowGain")]
+# The three bands of the equaliser stand at the left of their gain knobs, the names of the knobs below them.
+BANDS = {"highGain": "HIGH", "midGain": "MID", "lowGain": "LOW"}
 BAND_LEFT = 544
 
-SWITCH_NAMES = {"highPass": "HIGH PASS", "expMode": "MODE",
-                "highFreq": "FREQ", "compAttack": "ATTACK", "expAttack": "ATTACK"}
-SWITCH_NAME_DROP = 88
-SWITCH_NAME_SHIFT = {"highPass": 18}  # to the right, away from the button's name beside it
-
-PUSH_NAMES = {
-    "pad": "PAD", "meter mode": "VU INPUT", "unity": "UNITY", "equalizer": "EQ IN", "eqPost": "POST", "midMode": "BOOST",
-    "compLimit": "LIMITER", "compIn": "DYN IN", "compNiveau": "NIVEAU", "compNuke": "SMASH", "expHold": "HOLD",
-    "expInverted": "INVERT",
-}
-PUSH_NAME_DROP = 78
 BOTTOM_NAMES_ROW = 1878
 BOTTOM_ROW_TOP = 1680
 
@@ -67,19 +52,14 @@ def heads(ink):
 def knobs(ink):
     for knob in layout.of("knob"):
         scales.knob(ink, knob)
-        if knob["parameter"] in KNOB_NAMES:
-            x, y = layout.centre(knob)
-            drop = HIGHER_NAMES.get(knob["parameter"], KNOB_NAME_DROP[knob["w"]])
-            named(ink, x + KNOB_NAME_SHIFT.get(knob["parameter"], 0), y +
-                  drop, KNOB_NAMES[knob["parameter"]], scales.unit_of(knob))
-
-
-def bands(ink):
-    for name, gain in BANDS:
-        knob = layout.find("knob", gain)
-        y = layout.centre(knob)[1]
-        ink.text(BAND_LEFT, y - 22, name, HEAD_SIZE, IVORY, "left", 0.06)
-        named(ink, BAND_LEFT, y + 22, "GAIN", scales.unit_of(knob), "left")
+        parameter, name, unit = knob["parameter"], knob["legend"], scales.unit_of(knob)
+        x, y = layout.centre(knob)
+        if parameter in BANDS:
+            ink.text(BAND_LEFT, y - 22, BANDS[parameter], HEAD_SIZE, IVORY, "left", 0.06)
+            named(ink, BAND_LEFT, y + 22, name, unit, "left")
+        elif name:
+            drop = HIGHER_NAMES.get(parameter, 99 + knob["w"] / 5)
+            named(ink, x + NAME_SHIFT.get(parameter, 0), y + drop, name, unit)
 
 
 def name_row(control, row):
@@ -92,11 +72,10 @@ def buttons(ink):
         scales.switch(ink, switch)
         x, y = layout.centre(switch)
         unit = "" if switch["parameter"] in scales.UNIT_IN_WORDS else scales.unit_of(switch)
-        name = switch["parameter"]
-        named(ink, x + SWITCH_NAME_SHIFT.get(name, 0), name_row(switch, y + SWITCH_NAME_DROP), SWITCH_NAMES[name], unit)
+        x += NAME_SHIFT.get(switch["parameter"], 0)
+        named(ink, x, name_row(switch, y + SWITCH_NAME_DROP), switch["legend"], unit)
     for push in layout.of("push"):
-        name = PUSH_NAMES[push.get("parameter", push.get("name"))]
-        named(ink, push["x"] + 90, name_row(push, push["y"] + 90 + PUSH_NAME_DROP), name)
+        named(ink, push["x"] + 90, name_row(push, push["y"] + 90 + PUSH_NAME_DROP), push["legend"])
 
 
 def lights(ink):
@@ -109,22 +88,20 @@ def output_section(ink, cap_half_width):
     fader = layout.find("fader", "level")
     scales.fader(ink, fader, cap_half_width)
     x = layout.centre(fader)[0]
-    named(ink, x, 324, "LEVEL", fader["unit"])
-    for kind, text in (("mute", "MUTE"), ("phase", "PHASE")):
-        key = layout.of(kind)[0]
-        named(ink, layout.centre(key)[0], key["y"] + key["h"] + 6, text)
+    named(ink, x, 324, fader["legend"], fader["unit"])
+    for key in layout.of("mute") + layout.of("phase"):
+        named(ink, layout.centre(key)[0], key["y"] + key["h"] + 6, key["legend"])
 
 
 def everything(ink, cap_half_width):
     heads(ink)
     knobs(ink)
-    bands(ink)
     buttons(ink)
     lights(ink)
     trim = layout.find("trim", "thd")
     scales.trim(ink, trim)
     x, y = layout.centre(trim)
-    named(ink, x, y + 92, "THD", trim["unit"])
+    named(ink, x, y + 92, trim["legend"], trim["unit"])
     output_section(ink, cap_half_width)
     meters = layout.of("meter")
     middle = meters[0]["x"] + meters[0]["w"] / 2.0
