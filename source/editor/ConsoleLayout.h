@@ -136,7 +136,7 @@ inline constexpr LabelRow filterReadout { { 0.4233f, 0.0562f, 0.06f,   0.0355f }
 inline constexpr std::array<PushRow, 12> pushButtons
 { {
     { parameter ("pad"),         "PAD",      { 0.0126f, 0.8374f, 0.0667f, 0.0887f }, Picture::lampAmber, { 0.0378f, 0.8286f, 0.0189f, 0.0251f } },
-    { noParameter,               "VU INPUT", { 0.0667f, 0.8374f, 0.0667f, 0.0892f } },
+    { noParameter,               "VU MODE",  { 0.0667f, 0.8374f, 0.0667f, 0.0892f } },
     { parameter ("unity"),       "UNITY",    { 0.12f,   0.8374f, 0.0667f, 0.0892f }, Picture::lampGreen, { 0.1444f, 0.8286f, 0.0189f, 0.0251f } },
     { parameter ("equalizer"),   "EQ IN",    { 0.2156f, 0.8374f, 0.0667f, 0.0892f }, Picture::lampGreen, { 0.2389f, 0.8286f, 0.0189f, 0.0251f } },
     { parameter ("eqPost"),      "POST",     { 0.2667f, 0.8374f, 0.0667f, 0.0892f } },
@@ -177,7 +177,7 @@ inline constexpr std::array<KnobRow, 16> knobs
 
 inline constexpr std::array<SwitchRow, 5> switches
 { {
-    { parameter ("highPass"),   "HIGH PASS", { 0.3156f, 0.8389f, 0.0667f, 0.0887f }, 3 },
+    { parameter ("highPass"),   "HI PASS", { 0.3156f, 0.8389f, 0.0667f, 0.0887f }, 3 },
     { parameter ("expMode"),    "MODE",      { 0.6156f, 0.8389f, 0.0667f, 0.0887f }, 2 },
     { parameter ("highFreq"),   "FREQ",      { 0.2267f, 0.1803f, 0.0667f, 0.0887f }, 3 },
     { parameter ("compAttack"), "ATTACK",    { 0.5144f, 0.4507f, 0.0667f, 0.0887f }, 2 },

@@ -1,10 +1,12 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Checks of the offline host: settings, lists, pictures, batches, and what is refused."""
 import json
+import math
 import os
 import pty
 import re
 import shlex
+import shutil
 import signal
 import struct
 import time
@@ -59,9 +61,10 @@ class Window(Scratch):
         scales = {control["parameter"]: {mark["text"]: mark for mark in control["scale"]}
                   for control in controls if "parameter" in control and "scale" in control}
         for parameter, text, place, expected in (
-                ("gain", "0", "degrees", 270), ("compHPF", "90", "degrees", 360), ("lowFreq", "-15 dB", "degrees", 523),
+                ("gain", "0", "degrees", 270), ("compHPF", "100", "degrees", 210 + 300 * 0.5 **
+                                                (math.log(38 / 8) / math.log(38 / 7))), ("lowFreq", "-15 dB", "degrees", 523),
                 ("level", "-10", "y", 1168), ("level", "10", "y", 573)):
-            self.assertEqual(scales[parameter][text][place], expected, parameter)
+            self.assertAlmostEqual(scales[parameter][text][place], expected, 4, parameter)
 
     def draw(self, *words: str) -> Image.Image:
         self.run_tool(*words, "x.png")
@@ -74,6 +77,12 @@ class Window(Scratch):
         self.assertEqual(plain.size, (900, 741))
         self.assertEqual(self.draw("screenshot", "--zoom", "80").size, (720, 605))
         self.assertGreater(self.draw("pictures").size, (2700, 2030))
+        pictures = Path(__file__).parents[2] / "resources/pictures"
+        shutil.copytree(pictures, self.folder / "before")
+        Image.new("RGBA", (110, 110), "magenta").save(self.folder / "before/mute-on.png")
+        sheet = np.asarray(self.draw("controls", "--beside", "before"))
+        for colour in ((255, 0, 255), Image.open(pictures / "mute-on.png").getpixel((20, 90))[:3]):
+            self.assertTrue((sheet == colour).all(axis=-1).any(), "before or now is missing")
 
         def changed(a: Image.Image, b: Image.Image, box=None):
             return ImageChops.difference(a.crop(box), b.crop(box)).getbbox()

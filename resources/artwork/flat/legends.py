@@ -17,10 +17,11 @@ HEADS = [
 ]
 
 # How far below its control's middle a name stands; what the names are stands in the layout.
-HIGHER_NAMES = {"compRatio": 138, "compHPF": 144}  # a free lower half; the row of the neighbour
+# a free lower half; the neighbour's row; between numerals
+OTHER_DROPS = {"compRatio": 138, "compHPF": 144, "gain": 164}
 SWITCH_NAME_DROP = 88
 PUSH_NAME_DROP = 78
-NAME_SHIFT = {"expThreshold": 12, "highPass": 18}  # to the right, away from the compressor's border; from a button's name
+NAME_SHIFT = {"expThreshold": 12}  # to the right, away from the compressor's border
 
 # The three bands of the equaliser stand at the left of their gain knobs, the names of the knobs below them.
 BANDS = {"highGain": "HIGH", "midGain": "MID", "lowGain": "LOW"}
@@ -58,7 +59,7 @@ def knobs(ink):
             ink.text(BAND_LEFT, y - 22, BANDS[parameter], HEAD_SIZE, IVORY, "left", 0.06)
             named(ink, BAND_LEFT, y + 22, name, unit, "left")
         elif name:
-            drop = HIGHER_NAMES.get(parameter, 99 + knob["w"] / 5)
+            drop = OTHER_DROPS.get(parameter, 99 + knob["w"] / 5)
             named(ink, x + NAME_SHIFT.get(parameter, 0), y + drop, name, unit)
 
 

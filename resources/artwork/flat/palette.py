@@ -24,6 +24,6 @@ BLACK = rgb("#000000")
 # Heights of the font in design pixels, three of which make one at 100 %.
 HEAD_SIZE = 40
 NAME_SIZE = 33
-UNIT_SIZE = 28
-NUMERAL_SIZE = 28
+UNIT_SIZE = 31
+NUMERAL_SIZE = 30
 WORD_SIZE = 28

@@ -4,7 +4,7 @@ import functools
 import pathlib
 
 import numpy as np
-from PIL import Image
+from PIL import Image, ImageFilter
 
 import layout
 import legends
@@ -25,6 +25,8 @@ SLOT_HALF_WIDTH = 13
 TONGUE, TONGUE_RADIUS = (1500, 1342, 1917, 1692), 146  # the compressor's OUTPUT stands in the expander's column
 SCREWS = [(44, 1972), (2656, 1972), (2656, 46)]
 SCREW_SIZE = 52
+GLASS_MARGIN = 12
+PRINT_REACH, PRINT_SHARE = 9, 0.12  # how far a border keeps off the print, and from which share of ink on
 METER_SCREW_SIZE = 40
 
 
@@ -35,24 +37,34 @@ def metal():
     return np.array(SLATE, np.float32) * texture * light_fall(height)
 
 
-def fields(picture):
-    """Five sections, and two dark bays for the meters and the channel plate. Right and lower borders are the next one's."""
+def fields(picture, print_there):
+    """Five sections, and two dark bays for the meters and the channel plate. Right and lower borders are the next one's.
+    Where print_there, 0 to 1, comes near a border it is interrupted."""
+    open_field = picture * FIELD_RATIO
     channel = Region(1610, 14, 2178, 324, RADIUS)
     compressor = Region(1078, 14, 1622, 2012, RADIUS, margin=320).cut(channel, 6).add(*TONGUE, TONGUE_RADIUS, 30)
     expander = Region(1628, 332, 2178, 2012, RADIUS).cut(Region(*TONGUE, TONGUE_RADIUS, margin=120), 6)
     for region in (Region(14, 1004, 510, 2012, RADIUS), Region(518, 14, 1070, 2012, RADIUS), compressor, expander,
                    Region(2186, 14, 2686, 2012, RADIUS)):
         recess(picture, region, FIELD_RATIO, bevel=4)
+    near = near_print(print_there)
+    picture += (open_field - picture) * near
     for region in (Region(14, 14, 510, 996, RADIUS), channel):
         recess(picture, region, BAY_RATIO, bevel=4, dark=0.6, bright=0.4, inner_shadow=0.25)
 
 
+def near_print(print_there):
+    """1 on and close to the print, down to 0 at some distance [height, width, 1]."""
+    blurred = Image.fromarray((print_there * 255).astype(np.uint8)).filter(ImageFilter.GaussianBlur(PRINT_REACH))
+    return np.clip(np.asarray(blurred, np.float32)[..., None] / 255.0 / PRINT_SHARE - 0.15, 0, 1)
+
+
 def windows(picture):
-    """Dark glass behind both readouts. Their texts stand in the middle of the labels' areas."""
+    """Dark glass behind both readouts, wider than the labels, which their longest texts fill."""
     for name in ("filter readout", "mix readout"):
         label = layout.find("label", name)
         x, y = layout.centre(label)
-        half_width, half_height = label["w"] / 2.0 - 8, 25
+        half_width, half_height = label["w"] / 2.0 + GLASS_MARGIN, 25
         recess(picture, Region(x - half_width, y - half_height, x + half_width, y + half_height, 9), 0.36, bevel=3,
                dark=0.7, bright=0.5, inner_shadow=0.4, shadow_reach=12)
 
@@ -122,8 +134,10 @@ def fittings(picture):
 @functools.cache
 def draw():
     """The panel and the legend that covers a part of it."""
+    sheet = Ink(layout.WIDTH, layout.HEIGHT)
+    legends.everything(sheet, CAP_HALF_WIDTH)
     picture = metal()
-    fields(picture)
+    fields(picture, sheet.premultiplied()[..., 3])
     windows(picture)
     fader_slot(picture)
     cradle(picture)
@@ -132,8 +146,6 @@ def draw():
     for meter in (vu, reduction):
         meters.glass(picture, meter)
     contacts(picture)
-    sheet = Ink(layout.WIDTH, layout.HEIGHT)
-    legends.everything(sheet, CAP_HALF_WIDTH)
     sheet.onto(picture)
     meters.print_on(picture, reduction, "GR", "dB")
     box = layout.find("picture", "output legend")

@@ -18,9 +18,8 @@ NUMERAL_HALF_HEIGHT = 0.37  # of the size of the font
 
 # Marks that keep their tick but not their numeral, because a neighbour or a readout is in the way.
 WITHOUT_NUMERAL = {
-    "compMix": {"10", "20", "40", "50", "60", "80", "90"},
-    "compHPF": {"30", "60", "90", "120", "200", "300"},
-    "expRelease": {"0.05"},
+    "compMix": {"40", "60"},
+    "compHPF": {"100"},
     "lowGain": {"12"},
 }
 

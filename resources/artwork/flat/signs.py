@@ -12,9 +12,9 @@ from palette import AMBER, IVORY
 PARTS = pathlib.Path(__file__).resolve().parent.parent / "parts"
 
 # Of the line, in the pixels of the cap's picture: it lies across the upper part of the sunk face.
-LINE = (67, 68, 115, 80, 5)
-LINE_CORE = (255, 206, 128)  # brighter than the panel's amber in its middle, as a lamp is
-GLOW_REACH, GLOW = 11.0, 0.50
+LINE = (60, 66, 122, 84, 7)
+LINE_CORE = (255, 214, 146)  # brighter than the panel's amber in its middle, as a lamp is
+GLOW_REACH, GLOW = 7.0, 0.45
 
 # Of the smaller mark, at both sides of the lever; the others are 15 wide and 6 high.
 MARK_HALF_WIDTH, MARK_HALF_HEIGHT = 3.5, 2.5
