@@ -61,8 +61,8 @@ public:
         const auto size = editorSize::atZoom (view.zoom);
         editor.setSize (size.x, size.y);
         editor.setVisible (true);
-        drawParameters();
-        drawOthers (editor);
+        setParameter (parameterIndex::tolChannel, 0.9f); // one of two digits, with a previous and a next one
+        drawAllIn (editor);
         drawMeters();
         drawTrackPlate();
     }
@@ -70,6 +70,8 @@ public:
     std::vector<NamedPicture> pictures;
 
 private:
+    using States = std::vector<juce::Image>;
+
     static OrvaneConsoleUI& consoleOf (juce::Component& window)
     {
         for (auto* const child : window.getChildren())
@@ -79,173 +81,129 @@ private:
         throw ToolError ("the window has no console");
     }
 
-    /** The controls' places on the console, or others in the window, with the print around them. */
-    juce::Rectangle<int> around (juce::Rectangle<int> area) const
+    void setParameter (int index, float value) { strip.getParameters()[index]->setValueNotifyingHost (value); }
+
+    /** Adds what an area and the print around it show now to a control's states, unless one of them looks the same. */
+    void take (States& states, juce::Rectangle<int> area)
     {
         constexpr int shareOfSize = 8;
-        return area.expanded (area.getWidth() / shareOfSize, area.getWidth() / shareOfSize)
-            .getIntersection (editor.getLocalBounds());
-    }
-
-    juce::Rectangle<int> onConsole (const Box& box) const
-    {
-        return around (box.on (console.getWidth(), console.getHeight()) + console.getPosition());
-    }
-
-    juce::Rectangle<int> of (juce::Component& control) const
-    {
-        return around (editor.getLocalArea (&control, control.getLocalBounds()));
-    }
-
-    /** Adds what the area shows now to a control's states, unless one of them looks the same. */
-    void take (std::vector<juce::Image>& states, juce::Rectangle<int> area)
-    {
+        const auto margin = area.getWidth() / shareOfSize;
         throwIfInterrupted();
-        console.updateState (strip.currentSnapshot());
-        const auto shown = editor.createComponentSnapshot (area, true, view.pixelsPerPixel);
+        console.updateState (snapshot);
+        console.updateMeters (snapshot);
+        const auto shown = editor.createComponentSnapshot (
+            area.expanded (margin).getIntersection (editor.getLocalBounds()), true, view.pixelsPerPixel);
 
         if (std::none_of (states.begin(), states.end(), [&] (const auto& other) { return isSame (shown, other); }))
             states.push_back (shown);
     }
 
-    void takeButton (std::vector<juce::Image>& states, juce::Button& button)
+    void take (States& states, const Box& box)
     {
-        for (const auto state : { juce::Button::buttonOver, juce::Button::buttonDown, juce::Button::buttonNormal })
-        {
-            button.setState (state);
-            take (states, of (button));
-        }
+        take (states, box.on (console.getWidth(), console.getHeight()) + console.getPosition());
     }
 
-    void keep (const juce::String& name, const std::vector<juce::Image>& states)
+    /** The states side by side. */
+    void keep (const juce::String& name, const States& states)
     {
         constexpr int gap = 4;
-        int width = -gap;
-
-        for (const auto& state : states)
-            width += state.getWidth() + gap;
-
-        juce::Image row (juce::Image::ARGB, width, states.front().getHeight(), true);
+        const auto width = states.front().getWidth() + gap;
+        juce::Image row (juce::Image::ARGB, width * static_cast<int> (states.size()) - gap, states.front().getHeight(),
+                         true);
         juce::Graphics g (row);
-        int x = 0;
 
-        for (const auto& state : states)
-        {
-            g.drawImageAt (state, x, 0);
-            x += state.getWidth() + gap;
-        }
+        for (std::size_t i = 0; i < states.size(); ++i)
+            g.drawImageAt (states[i], width * static_cast<int> (i), 0);
 
         pictures.push_back ({ name, row });
     }
 
-    void drawParameters()
+    /** Moves what a control shows to a place in its travel; a button is on from a half. */
+    void set (juce::Component& control, float value)
     {
-        for (int index = 0; index < numParameters; ++index)
+        if (const auto index = console.parameterOf (control); index != noParameter)
+            return setParameter (index, value);
+
+        if (auto* const slider = dynamic_cast<juce::Slider*> (&control))
+            return slider->setValue (static_cast<double> (value), juce::dontSendNotification);
+
+        const auto isOn = value >= 0.5f;
+        dynamic_cast<juce::Button&> (control).setToggleState (isOn, juce::dontSendNotification);
+        strip.meterModeSetting().setValue (isOn ? 0 : 1); // whose button shows nothing else
+    }
+
+    void drawAllIn (juce::Component& parent)
+    {
+        for (auto* const control : parent.getChildren())
         {
-            auto& parameter = *strip.getParameters()[index];
-            const auto controls = console.controlsOf (index);
+            auto* const button = dynamic_cast<juce::Button*> (control);
 
-            if (controls.empty() || index == parameterIndex::tolChannel)
-                continue;
-
-            std::vector<juce::Image> states;
-            auto* const button = dynamic_cast<juce::Button*> (controls.front());
-
-            for (const auto value : { 0.0f, 0.5f, 1.0f })
-            {
-                parameter.setValueNotifyingHost (value);
-                take (states, of (*controls.front()));
-
-                if (button != nullptr)
-                    takeButton (states, *button);
-            }
-
-            parameter.setValueNotifyingHost (parameter.getDefaultValue());
-            keep (parameter.getName (100), states);
+            if (button == nullptr && dynamic_cast<juce::Slider*> (control) == nullptr)
+                drawAllIn (*control);
+            else if (control->getTitle().isNotEmpty())
+                draw (*control, button);
         }
     }
 
-    /** Buttons and pots without a place on the console's list of parameters. */
-    void drawOthers (juce::Component& parent)
+    void draw (juce::Component& control, juce::Button* button)
     {
-        for (auto* const child : parent.getChildren())
+        const auto wasVisible = control.isVisible(); // of two that share a place one is
+        const auto area = editor.getLocalArea (&control, control.getLocalBounds());
+        States states;
+
+        for (const auto value : { 1.0f, 0.5f, 0.0f })
         {
-            std::vector<juce::Image> states;
-            const auto isParameter = console.parameterOf (*child) != noParameter;
+            set (control, value);
+            control.setVisible (true);
+            take (states, area);
 
-            if (auto* const button = dynamic_cast<juce::Button*> (child);
-                button != nullptr && button->getTitle().isNotEmpty() && ! isParameter)
-            {
-                const auto wasVisible = button->isVisible();
-                button->setVisible (true);
-
-                for (const auto isOn : { true, false })
+            if (button != nullptr)
+                for (const auto state :
+                     { juce::Button::buttonOver, juce::Button::buttonDown, juce::Button::buttonNormal })
                 {
-                    button->setToggleState (isOn, juce::dontSendNotification);
-                    takeButton (states, *button);
+                    button->setState (state);
+                    take (states, area);
                 }
-
-                button->setVisible (wasVisible);
-                keep (button->getTitle(), states);
-            }
-            else if (auto* const slider = dynamic_cast<juce::Slider*> (child); slider != nullptr && ! isParameter)
-            {
-                for (const auto value : { 0.0, 1.0, 0.5 })
-                {
-                    slider->setValue (value, juce::dontSendNotification);
-                    take (states, of (*slider));
-                }
-
-                keep (slider->getTitle(), states);
-            }
-            else if (child->isVisible() && button == nullptr)
-            {
-                drawOthers (*child);
-            }
         }
+
+        control.setVisible (wasVisible);
+        keep (control.getTitle(), states);
     }
 
     void drawMeters()
     {
-        std::vector<juce::Image> vu, reduction, compressor, expander;
+        constexpr std::pair<const char*, const Box*> subjects[] = { { "VU", &layout::vuMeter.box },
+                                                                    { "Gain reduction",
+                                                                      &layout::gainReductionMeter.box },
+                                                                    { "Limiting", &layout::compressorLed.box },
+                                                                    { "Active", &layout::expanderLed.box } };
 
-        for (const auto level : { 0.0f, 0.1f, 1.0f })
+        for (const auto& [name, box] : subjects)
         {
-            constexpr float deepest = -20.0f;
-            ParameterSnapshot snapshot;
-            snapshot.inputMeter = snapshot.outputMeter = level;
-            snapshot.gainReductionDb = deepest * level;
-            snapshot.limiterActive = level > 0.0f;
-            snapshot.expanderAmount = level;
-            console.updateMeters (snapshot);
-            const auto takeLit = [&] (std::vector<juce::Image>& states, const Box& box)
-            {
-                console.updateState (snapshot);
-                states.push_back (editor.createComponentSnapshot (onConsole (box), true, view.pixelsPerPixel));
-            };
-            strip.meterModeSetting().setValue (level == 1.0f ? 1 : 0);
-            takeLit (vu, layout::vuMeter.box);
-            takeLit (reduction, layout::gainReductionMeter.box);
-            takeLit (compressor, layout::compressorLed.box);
-            takeLit (expander, layout::expanderLed.box);
-        }
+            States states;
 
-        keep ("VU", vu);
-        keep ("Gain reduction", reduction);
-        keep ("Limiting", compressor);
-        keep ("Active", expander);
+            for (const auto level : { 0.0f, 0.3f, 1.0f })
+            {
+                constexpr float deepest = -20.0f;
+                snapshot.inputMeter = snapshot.outputMeter = snapshot.expanderAmount = level;
+                snapshot.gainReductionDb = deepest * level;
+                snapshot.limiterActive = level > 0.0f;
+                strip.meterModeSetting().setValue (level == 1.0f ? 1 : 0);
+                take (states, *box);
+            }
+
+            keep (name, states);
+        }
     }
 
     void drawTrackPlate()
     {
-        std::vector<juce::Image> states;
-        auto& parameters = strip.getParameters();
-        parameters[parameterIndex::tolChannel]->setValueNotifyingHost (0.9f);
+        States states;
 
         for (const auto link : { 0.0f, 1.0f })
         {
-            parameters[parameterIndex::tolLink]->setValueNotifyingHost (link);
-            take (states, onConsole (layout::plateStereo.box));
+            setParameter (parameterIndex::tolLink, link);
+            take (states, layout::plateStereo.box);
         }
 
         const auto mono = juce::AudioChannelSet::mono();
@@ -253,11 +211,12 @@ private:
         buses.inputBuses = { mono, juce::AudioChannelSet::disabled() };
         buses.outputBuses = { mono };
         strip.setBusesLayout (buses);
-        take (states, onConsole (layout::plateStereo.box));
+        take (states, layout::plateStereo.box);
         keep ("Channel", states);
     }
 
     const View& view;
+    ParameterSnapshot snapshot; ///< What the window shows besides the parameters.
     Tarvik41Processor strip;
     KVLEditor editor;
     OrvaneConsoleUI& console;
@@ -279,14 +238,20 @@ void usePicturesOf (const juce::File& folder)
     }
 }
 
-std::vector<NamedPicture> draw (const View& view) { return ControlPictures (view).pictures; }
+/** With the highest last, so that they fill their lines. */
+std::vector<NamedPicture> draw (const View& view)
+{
+    auto pictures = ControlPictures (view).pictures;
+    std::stable_sort (pictures.begin(), pictures.end(),
+                      [] (const auto& a, const auto& b) { return a.picture.getHeight() < b.picture.getHeight(); });
+    return pictures;
+}
 } // namespace
 
 void writeControlSheet (const CommandLine& line)
 {
     OutputFile file (line.outputPath);
     const ScratchSettings settings;
-    const juce::File otherPictures = juce::File::getCurrentWorkingDirectory().getChildFile (line.picturesPath);
     ContactSheet sheet;
 
     for (const auto& view : views)
@@ -297,20 +262,16 @@ void writeControlSheet (const CommandLine& line)
         if (line.picturesPath.isNotEmpty())
         {
             juce::ImageCache::releaseUnusedImages();
-            usePicturesOf (otherPictures);
+            usePicturesOf (fileAt (line.picturesPath));
             before = draw (view);
             juce::ImageCache::releaseUnusedImages();
         }
 
         for (std::size_t i = 0; i < now.size(); ++i)
-        {
-            std::vector<juce::Image> both { now[i].picture };
-
-            if (! isSame (before[i].picture, now[i].picture))
-                both.push_back (before[i].picture);
-
-            sheet.add (now[i].name + ", " + view.name + (both.size() > 1 ? ", now and before" : ""), both);
-        }
+            if (const auto name = now[i].name + ", " + view.name; isSame (before[i].picture, now[i].picture))
+                sheet.add (name, { now[i].picture });
+            else
+                sheet.add (name + ", now and before", { now[i].picture, before[i].picture });
     }
 
     writePng (file, sheet.draw());

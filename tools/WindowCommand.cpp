@@ -67,14 +67,17 @@ public:
         console = consoles.at (0);
     }
 
-    juce::Button& button (const juce::String& title)
+    template <typename Kind>
+    Kind& titled (const juce::String& title)
     {
-        std::vector<juce::Button*> buttons;
-        collect (editor, buttons);
-        const auto found = std::find_if (buttons.begin(), buttons.end(),
-                                         [&title] (const auto* each) { return each->getTitle() == title; });
-        return found != buttons.end() ? **found : throw ToolError ("the window has no button " + title);
+        std::vector<Kind*> all;
+        collect (editor, all);
+        const auto found =
+            std::find_if (all.begin(), all.end(), [&title] (const auto* each) { return each->getTitle() == title; });
+        return found != all.end() ? **found : throw ToolError ("the window has no " + title);
     }
+
+    juce::Button& button (const juce::String& title) { return titled<juce::Button> (title); }
 
     juce::Component& control (int parameter) { return *console->controlsOf (parameter).at (0); }
 
@@ -85,19 +88,25 @@ public:
         runMessagesFor (stateMs);
     }
 
+    /** Moves the screen's pointer to so many pixels below a control's middle. */
+    void point (juce::Component& target, int downPixels)
+    {
+        juce::Desktop::setMousePosition (placeIn (target, downPixels));
+        runMessagesFor (reactionMs);
+    }
+
+    /** As point, with buttons that are not the screen's own, which stays where it is. */
     void mouse (juce::Component& target, int downPixels, int modifiers)
     {
-        const auto place = target.localPointToGlobal (target.getLocalBounds().getCentre().translated (0, downPixels));
-        juce::Desktop::setMousePosition (place);
-        runMessagesFor (reactionMs);
         editor.getPeer()->handleMouseEvent (juce::MouseInputSource::InputSourceType::mouse,
-                                            (place - editor.getScreenPosition()).toFloat(), modifiers, 0.0f, 0.0f,
-                                            juce::Time::currentTimeMillis());
+                                            (placeIn (target, downPixels) - editor.getScreenPosition()).toFloat(),
+                                            modifiers, 0.0f, 0.0f, juce::Time::currentTimeMillis());
         runMessagesFor (reactionMs);
     }
 
     void click (juce::Component& target)
     {
+        point (target, 0);
         mouse (target, 0, juce::ModifierKeys::leftButtonModifier);
         mouse (target, 0, 0);
     }
@@ -133,6 +142,11 @@ public:
     static constexpr int openingMs = 1000, stateMs = 150, reactionMs = 60, tooltipMs = 1200;
 
 private:
+    static juce::Point<int> placeIn (juce::Component& target, int downPixels)
+    {
+        return target.localPointToGlobal (target.getLocalBounds().getCentre().translated (0, downPixels));
+    }
+
     Tarvik41Processor strip;
     KVLEditor editor;
     OrvaneConsoleUI* console = nullptr;
@@ -166,19 +180,22 @@ void drawBubblesAndFields (WindowOnScreen& window)
     constexpr auto level = parameterNamed ("level"), gain = parameterNamed ("gain");
     constexpr int held = juce::ModifierKeys::leftButtonModifier, drag = 10;
 
-    for (const auto& [parameter, text, name] :
-         { std::tuple (level, "-4", "bubble-fader"), { gain, "12", "bubble-knob" } })
+    window.set (level, "-4");
+    window.set (gain, "12");
+
+    for (const auto& [control, name] : { std::pair (&window.control (level), "bubble-fader"),
+                                         { &window.control (gain), "bubble-knob" },
+                                         { &window.titled<juce::Component> ("Input Level"), "bubble-pot" } })
     {
-        window.set (parameter, text);
-        auto& control = window.control (parameter);
-        window.mouse (control, 0, held);
-        window.mouse (control, drag, held);
-        window.mouse (control, 0, held);
+        window.point (*control, 0);
+        window.mouse (*control, 0, held);
+        window.mouse (*control, drag, held);
+        window.mouse (*control, 0, held);
         window.capture (name);
-        window.mouse (control, 0, 0);
+        window.mouse (*control, 0, 0);
     }
 
-    window.mouse (window.control (gain), 0, 0);
+    window.point (window.control (gain), drag); // not where it was pressed, or no tooltip comes
     runMessagesFor (WindowOnScreen::tooltipMs);
     window.capture ("tooltip");
 

@@ -46,7 +46,6 @@ KVLEditor::LevelPot::LevelPot (juce::AudioProcessorParameter& parameterToShow, c
     pot.setTooltip (parameterRow (parameter.getParameterIndex()).help);
     pot.setDescription (pot.getTooltip());
     pot.setWantsKeyboardFocus (true);
-    OrvaneConsoleUI::attachSlider (parameter, pot);
 }
 
 KVLEditor::KVLEditor (Tarvik41Processor& processorToShow)
@@ -94,6 +93,7 @@ KVLEditor::KVLEditor (Tarvik41Processor& processorToShow)
     {
         addAndMakeVisible (level.label);
         addAndMakeVisible (level.pot);
+        OrvaneConsoleUI::attachSlider (level.parameter, level.pot); // now that the bubble has a window to be shown in
         level.pot.addListener (this);
     }
 
