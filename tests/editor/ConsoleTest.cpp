@@ -169,17 +169,26 @@ TEST (Console, ButtonsLampsAndSlidersFollowTheirParameters)
                 EXPECT_TRUE (button == nullptr || button->getToggleState() == (value == 1.0f)) << index;
             }
 
+    t.console().setSize (720, 541); // the smallest zoom
+
     for (const auto& row : consoleLayout::pushButtons)
     {
-        if (row.lamp == Picture::none)
-            continue;
-
-        const auto lampAt = [&] (float value)
+        const auto lightOf = [&] (const Box& box, float y, bool isOn)
         {
-            setNormalised (row.parameter, value);
-            return t.console().createComponentSnapshot (row.lampBox.on (900, 677));
+            t.strip->meterModeSetting().setValue (isOn ? 0 : 1);
+            setNormalised (std::max (row.parameter, 0), isOn ? 1.0f : 0.0f);
+            const auto image = t.console().createComponentSnapshot (box.on (720, 541));
+            const auto colour =
+                image.getPixelAt (image.getWidth() / 2, static_cast<int> (y * static_cast<float> (image.getHeight())));
+            return 0.2126 * std::pow (colour.getFloatRed(), 2.2) + 0.7152 * std::pow (colour.getFloatGreen(), 2.2)
+                   + 0.0722 * std::pow (colour.getFloatBlue(), 2.2); // relative luminance, nearly
         };
-        EXPECT_GT (lightAt (lampAt (1.0f), 8, 8), lightAt (lampAt (0.0f), 8, 8)) << row.parameter;
+
+        // The contrast by which one reads letters of this size: 3 to 1.
+        EXPECT_GT (lightOf (row.box, 0.41f, true) + 0.05, 3.0 * (lightOf (row.box, 0.41f, false) + 0.05)) << row.legend;
+        EXPECT_TRUE (row.lamp == Picture::none
+                     || lightOf (row.lampBox, 0.5f, true) > lightOf (row.lampBox, 0.5f, false))
+            << row.legend;
     }
 }
 
@@ -266,6 +275,7 @@ TEST (TrackPlate, ANumberCanBeTypedAndNoTickDisturbsIt)
                     t.set ("TolChannel", 20.0f);
                     auto& label = t.control<juce::Label> ("TolChannel", side);
                     const auto shown = label.getText();
+                    EXPECT_GE (firstInkIn (snapshotOf (label)), side == 0 ? 2 : 1) << "on the plate's frame";
                     type (label, text, [&t] { t.show(); });
                     t.show();
                     all << channels << (isLinked > 0.0f ? " linked, " : ", ") << shown << " <- '" << text

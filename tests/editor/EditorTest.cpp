@@ -121,7 +121,14 @@ TEST (Editor, TheMenusOpenInItsWindowAndOutliveItWithoutHarm)
         auto* const menu = openMenu (button);
         ASSERT_NE (menu, nullptr);
         EXPECT_EQ (menu->getParentComponent(), &window);
-        EXPECT_EQ (snapshotOf (*menu).getPixelAt (4, 4), juce::Colour (0xfffcfcfc)) << "not our look";
+
+        // The sheet is what reaches its edge, without a frame, and behind the round corners is the window.
+        const auto sheet = snapshotOf (*menu);
+        EXPECT_EQ (sheet.getPixelAt (0, 0).getAlpha(), 0);
+
+        for (const auto& edge : { juce::Point (40, 0), juce::Point (0, 40), juce::Point (4, 4) })
+            EXPECT_EQ (sheet.getPixelAt (edge.x, edge.y), juce::Colour (palette::menuSheet)) << "not our look";
+
         window.press (juce::KeyPress::escapeKey);
         runMessagesFor (20);
         EXPECT_EQ (juce::Component::getCurrentlyModalComponent(), nullptr);

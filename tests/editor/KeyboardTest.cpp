@@ -93,7 +93,20 @@ TEST (Keyboard, TheFocusIsOutlinedForThoseWhoTabAndNotForTheMouse)
     t.press (KeyPress::tabKey);
     t.press (KeyPress::tabKey, juce::ModifierKeys::shiftModifier);
     EXPECT_EQ (focusedControl(), &gain);
-    EXPECT_GT (difference (t.pictureAround (gain), plain), 0.03);
+    const auto ring = t.pictureAround (gain);
+    EXPECT_EQ (ring.getPixelAt (50, 11), juce::Colour (palette::accent));
+    EXPECT_EQ (difference (ring.getClippedImage ({ 0, 0, 100, 10 }), plain.getClippedImage ({ 0, 0, 100, 10 })), 0.0)
+        << "through the numerals";
+    EXPECT_EQ (ring.getPixelAt (16, 16), plain.getPixelAt (16, 16)) << "not round";
+    level.grabKeyboardFocus();
+    runMessagesFor (20);
+    EXPECT_EQ (t.pictureAround (level).getPixelAt (50, 1), juce::Colour (palette::accent));
+    EXPECT_EQ (t.pictureAround (level).getPixelAt (10, 300), plainLevel.getPixelAt (10, 300)) << "through the scale";
+
+    auto& number = t.control<juce::Label> ("TolChannel");
+    number.showEditor();
+    EXPECT_EQ (snapshotOf (number).getPixelAt (12, 0), juce::Colour (palette::accent));
+    number.hideEditor (true);
 
     t.window.click (t.editor->getLocalBounds().getBottomLeft().toFloat().translated (200.0f, -1.0f));
     level.grabKeyboardFocus();

@@ -170,6 +170,11 @@ TEST (MenuLook, ARowShowsItsState)
 
     for (const auto* const state : { "separator", "inactive", "highlighted", "ticked", "no sub-menu" })
         EXPECT_GT (difference (drawn (state), drawn ("")), 0.003) << state;
+
+    const auto text = firstInkIn (drawn (""));
+    const auto gap = drawn ("ticked").getClippedImage ({ text - 4, 0, 4, 24 });
+    EXPECT_EQ (firstInkIn (gap), 4) << "the tick keeps off the text";
+    EXPECT_LT (firstInkIn (drawn ("ticked")), text - 4);
 }
 
 } // namespace tarvik

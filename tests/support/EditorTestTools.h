@@ -141,6 +141,17 @@ inline juce::Image snapshotOf (juce::Component& component)
     return component.createComponentSnapshot (component.getLocalBounds());
 }
 
+/** The first column with anything in it; the image's width without any. */
+inline int firstInkIn (const juce::Image& image)
+{
+    for (int x = 0; x < image.getWidth(); ++x)
+        for (int y = 0; y < image.getHeight(); ++y)
+            if (image.getPixelAt (x, y).getAlpha() > 0)
+                return x;
+
+    return image.getWidth();
+}
+
 /** The share of pixels that differ. */
 inline double difference (const juce::Image& a, const juce::Image& b)
 {
