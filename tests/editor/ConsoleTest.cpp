@@ -88,7 +88,9 @@ struct Hand
 
     void workAll (juce::Component& parent)
     {
-        for (auto* const control : parent.getChildren())
+        const auto controls = parent.getChildren(); // a copy: a dragged slider's read-out becomes one of them
+
+        for (auto* const control : controls)
         {
             auto* const slider = dynamic_cast<juce::Slider*> (control);
             auto* const button = dynamic_cast<juce::Button*> (control);
