@@ -25,13 +25,14 @@ TEST (BusLayout, EqualMonoOrStereoWithItsSideChainOrNoneIsAccepted)
 
 TEST (BusLayout, OnlyAVst3HostFindsARefusedSidechainAtTheMainWidth)
 {
-    for (const auto format : { juce::AudioProcessor::wrapperType_VST3, juce::AudioProcessor::wrapperType_Undefined })
+    for (const auto& [format, width] : { std::pair (juce::AudioProcessor::wrapperType_VST3, Set::mono()),
+                                         { juce::AudioProcessor::wrapperType_Undefined, Set::stereo() } })
     {
         const auto strip = test::makeStripFor (format);
         EXPECT_FALSE (strip->checkBusesLayoutSupported (layoutOf (Set::mono(), Set::mono(), Set::stereo())));
-        const auto width = format == juce::AudioProcessor::wrapperType_VST3 ? Set::mono() : Set::stereo();
-        EXPECT_EQ (strip->getChannelLayoutOfBus (true, 1), width);
-        EXPECT_EQ (strip->getChannelLayoutOfBus (true, 0), width);
+
+        for (const auto bus : { 0, 1 })
+            EXPECT_EQ (strip->getChannelLayoutOfBus (true, bus), width);
     }
 }
 

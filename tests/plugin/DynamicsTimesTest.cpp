@@ -8,41 +8,36 @@ namespace tarvik::test
 {
 namespace
 {
-constexpr double rateHz = 48000.0, periodSeconds = 1.0 / 2000.0, quietSeconds = 0.2, loudSeconds = 1.0;
-constexpr std::size_t period = 24;
+constexpr double rateHz = 48000.0, quietSeconds = 0.2, loudSeconds = 1.0;
+constexpr std::size_t step = 12; ///< In samples, from peak to peak of the tone.
 
-std::size_t periodsOf (double seconds) { return static_cast<std::size_t> (std::lround (seconds / periodSeconds)); }
-
-/** What the running strip does to a tone that is quiet, loud and quiet again: its gain in dB, period by period, over
-    that of the first quiet passage.
+/** The running strip's gain in dB at each peak of a tone that was quiet and loud and is quiet again, over that of the
+    first quiet passage.
 */
-std::vector<double> gainsOf (int release, double secondsAfter)
+std::vector<double> gainsAfterLoud (int release, double seconds)
 {
-    const auto strip = makeNoiselessStrip (1);
+    const auto strip = makeNoiselessStrip (1, 1);
     setPlain (*strip, { { "equalizer", 0.0f },
                         { "compThreshold", -10.0f },
                         { "compRatio", 3.0f },
                         { "compAttack", 2.0f },
                         { "compRelease", static_cast<float> (release) } });
     strip->prepareToPlay (rateHz, 512);
-    auto in = sine (1.0 / periodSeconds, 0.01, rateHz, quietSeconds + loudSeconds + secondsAfter);
-
-    for (auto i = static_cast<std::size_t> (quietSeconds * rateHz), n = i + static_cast<std::size_t> (rateHz); i < n;
-         ++i)
-        in[i] *= 63.0f;
-
-    const auto out = process (*strip, { in }, 512)[0];
-    std::vector<double> gains;
-    const auto amplitude = [] (const Signal& signal, std::size_t start)
+    const auto gainsOf = [&] (double level, double length)
     {
-        const auto begin = signal.begin() + static_cast<std::ptrdiff_t> (start);
-        return std::abs (spectrumAt (Signal (begin, begin + period), 2.0 * std::numbers::pi / period));
+        const auto in = sine (2000.0, level, rateHz, length), out = process (*strip, { in }, 512)[0];
+        std::vector<double> gains;
+
+        for (auto i = step / 2; i < in.size(); i += step)
+            gains.push_back (20.0 * std::log10 (static_cast<double> (out[i] / in[i])));
+
+        return gains;
     };
+    const auto rest = gainsOf (0.01, quietSeconds).back();
+    gainsOf (0.63, loudSeconds);
+    auto gains = gainsOf (0.01, seconds);
 
-    for (std::size_t start = 0, latency = 52; start + period + latency <= out.size(); start += period)
-        gains.push_back (20.0 * std::log10 (amplitude (out, start + latency) / amplitude (in, start)));
-
-    for (const auto rest = gains[periodsOf (quietSeconds) - 2]; auto& gain : gains)
+    for (auto& gain : gains)
         gain -= rest;
 
     return gains;
@@ -78,23 +73,19 @@ TEST (DynamicsTimes, EveryReleaseIsTheDischargeOfItsTwoCapacitors)
 
     for (int release = 0; release < 9; ++release)
     {
-        const auto loud = gainsOf (release, 0.0);
-        const auto expected = secondsToHalf (loud[loud.size() - 2], rlOhms[static_cast<std::size_t> (release)],
-                                             release == 8 ? 33e3 : 153e3);
-        const auto gains = gainsOf (release, 2.0 * expected + 0.05);
-        const auto end = periodsOf (quietSeconds + loudSeconds);
-        const auto half = 0.5 * gains[end - 2];
-        auto i = end;
+        const auto loudDb = gainsAfterLoud (release, 0.01).front();
+        const auto expected =
+            secondsToHalf (loudDb, rlOhms[static_cast<std::size_t> (release)], release == 8 ? 33e3 : 153e3);
+        const auto gains = gainsAfterLoud (release, 2.0 * expected + 0.05);
+        std::size_t i = 0;
 
-        while (i + 2 < gains.size() && gains[i + 1] < half)
+        while (i + 2 < gains.size() && gains[i + 1] < 0.5 * loudDb)
             ++i;
 
-        // On a line between two periods. The knee's trickle, which the capacitors on their own lack, and a tenth of a
+        // On a line between two peaks. The knee's trickle, which the capacitors on their own lack, and a tenth of a
         // period are allowed.
-        const auto way = (half - gains[i]) / (gains[i + 1] - gains[i]);
-        EXPECT_NEAR ((static_cast<double> (i - end) + 0.5 + way) * periodSeconds, expected,
-                     0.1 * periodSeconds + 0.01 * expected)
-            << release;
+        const auto way = (0.5 * loudDb - gains[i]) / (gains[i + 1] - gains[i]);
+        EXPECT_NEAR ((static_cast<double> (i) + way) * step / rateHz, expected, 0.05e-3 + 0.01 * expected) << release;
     }
 }
 } // namespace tarvik::test

@@ -96,9 +96,9 @@ public:
     }
 
     /** As a host hands a state over, at most `piece` bytes at a time. */
-    void load (std::string_view state, std::size_t piece = std::string::npos)
+    void load (std::string_view state, int32 piece = std::numeric_limits<int32>::max())
     {
-        HostStream stream (std::string (state), piece);
+        HostStream stream (state, piece);
         component->setState (stream.rewound());
         controller->setComponentState (stream.rewound());
     }
@@ -106,8 +106,8 @@ public:
     std::string saved() const
     {
         HostStream stream;
-        component->getState (stream.rewound());
-        return stream.bytes;
+        component->getState (&stream);
+        return { stream.getData(), static_cast<std::size_t> (stream.getSize()) };
     }
 
     Vst::ParameterInfo infoOf (int32 index) const

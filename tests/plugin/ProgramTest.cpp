@@ -29,6 +29,7 @@ TEST (Programs, SetEveryParameterOfTheCurrentSlotAndNoSetting)
     strip.selectSlot (1);
     strip.calibrationSetting().setValue (22.0);
     strip.limiterSensitivitySetting().setValue (1);
+
     for (const auto& [wanted, taken] : { std::pair (17, 17), { -1, 0 }, { 100, 25 } })
     {
         strip.setCurrentProgram (wanted);
@@ -64,6 +65,69 @@ TEST (Programs, ProgramRightAfterAStateLoadDoesNotOverwriteIt)
     juce::Thread::sleep (510);
     strip.setCurrentProgram (5);
     EXPECT_FLOAT_EQ (plainOf (strip, "gain"), 10.58f);
+}
+
+/** Under a low sine no two neighbouring samples lie further apart than the sine at the loudest level nearby would have
+    them, with a tenth for the saturation's harmonics, one step of two things that change places in 4800, and one of the
+    480 in which the tail of the equaliser's old filter fades. One program sets "EQ Post", which exchanges two stages at
+    once: the few samples around an exchange, as long as the oversampling's filters are, may jump.
+*/
+TEST (Programs, AChangeOfProgramOrChannelWhilePlayingMakesNoStep)
+{
+    constexpr int eqPostProgram = 16;
+    constexpr std::size_t stretch = 24000; // a change and what the compressor makes of it
+    constexpr std::size_t cycle = 512;     // a little more than one
+    constexpr std::size_t aroundExchange = 2 * 52;
+    constexpr double radians = 2.0 * std::numbers::pi * 97.3 / 48000.0;
+    constexpr auto allowed = static_cast<float> (1.1 * radians + 2.0 / 4800.0 + 1.0 / 480.0);
+    const auto strip = makeNoiselessStrip (1);
+    strip->prepareToPlay (48000.0, 256);
+    std::mt19937 random (7);
+    Signal all;
+    std::vector<bool> exchanges { false }; // by change
+
+    for (int change = 0, last = 0; change < 80; ++change)
+    {
+        // First each to the next, then anywhere.
+        const auto program = change < 26 ? change : static_cast<int> (random() % 26);
+        exchanges.back() = (program == eqPostProgram) != (last == eqPostProgram);
+        exchanges.push_back (false); // by the change of the channel
+        exchanges.push_back (false);
+        last = program;
+        strip->setCurrentProgram (program);
+
+        for (const auto isSecond : { false, true })
+        {
+            if (isSecond)
+                setPlain (*strip, "TolChannel", static_cast<float> (2 + random() % 31));
+
+            Signal tone (stretch);
+
+            for (std::size_t i = 0; i < stretch; ++i)
+                tone[i] = 0.1f * static_cast<float> (std::sin (radians * static_cast<double> (all.size() + i)));
+
+            const auto out = firstOf (process (*strip, { tone }, 256));
+            all.insert (all.end(), out.begin(), out.end());
+        }
+    }
+
+    float peak = 0.0f;
+
+    for (std::size_t i = cycle + 1; i < all.size(); ++i) // from where there is a level to go by
+    {
+        if (i % (cycle / 4) == 1)
+        {
+            const auto from = all.begin() + static_cast<std::ptrdiff_t> (i - cycle);
+            const auto [lowest, highest] =
+                std::minmax_element (from, from + std::min<std::ptrdiff_t> (2 * cycle, all.end() - from));
+            peak = std::max (-*lowest, *highest);
+        }
+
+        if (! exchanges[i / stretch] || i % stretch >= aroundExchange)
+        {
+            ASSERT_LT (std::abs (all[i] - all[i - 1]), allowed * peak) << i / stretch << ", sample " << i % stretch;
+        }
+    }
 }
 
 } // namespace tarvik

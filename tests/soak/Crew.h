@@ -45,8 +45,7 @@ public:
 
     Count samples { "samples" }, blocks { "blocks" }, badBlocks { "blocks of bad audio" },
         automations { "parameters by automation" }, parameters { "parameters by the user" }, programs { "programs" },
-        slots { "slots" }, loads { "loads" }, saves { "saves" }, preparations { "preparations" },
-        openings { "windows" };
+        loads { "loads" }, saves { "saves" }, preparations { "preparations" }, openings { "windows" };
 
     std::atomic<juce::int64> brokenBlocks { 0 }; ///< With a sample that came out and is not a number.
 
@@ -92,12 +91,8 @@ private:
 
         while (! stop.stop_requested())
             for (auto i = static_cast<std::size_t> (first); i < seats.size(); i += numAudioThreads)
-            {
-                auto& seat = *seats[i];
-
-                if (const std::unique_lock lock (seat.audioLock, std::try_to_lock); lock.owns_lock())
-                    play (seat, buffer, chance);
-            }
+                if (const std::unique_lock lock (seats[i]->audioLock, std::try_to_lock); lock.owns_lock())
+                    play (*seats[i], buffer, chance);
     }
 
     void play (Seat& seat, juce::AudioBuffer<float>& buffer, Random& chance)
@@ -105,7 +100,7 @@ private:
         juce::AudioBuffer<float> part (buffer.getArrayOfWritePointers(), Seat::numChannels,
                                        1 + chance.nextInt (seat.longestBlock));
         const auto isBad = seat.getsBadAudio && chance.nextBool();
-        isBad ? fillWithBadAudio (part, chance) : fillWithAudio (part, chance);
+        fillWithAudio (part, chance, isBad);
 
         for (auto changes = chance.nextInt (8) - 4; changes > 0; --changes)
             setAnyParameter (seat, chance, automations); // which the process call brings along
@@ -124,10 +119,9 @@ private:
             auto& seat = anySeat (chance);
             const std::lock_guard lock (seat.stateLock);
             const auto saved = seat.save();
-            const auto isSlot = chance.nextBool();
-            seat.load (isSlot ? withOtherSlot (saved) : randomState (chance));
+            seat.load (chance.nextBool() ? saved : randomState (chance));
             ++saves.number;
-            ++(isSlot ? slots : loads).number;
+            ++loads.number;
         }
     }
 
@@ -165,28 +159,24 @@ private:
             setAnyParameter (anySeat (random), random, parameters);
 
         auto& seat = anySeat (random);
-        const auto choice = random.nextInt (16);
 
-        if (choice == 0)
+        switch (random.nextInt (16))
         {
-            openWindow (seat);
-        }
-        else if (choice < 3)
-        {
-            seat.prepare (oneOf ({ 8000.0, 11025.0, 16000.0, 22050.0, 32000.0, 44100.0, 48000.0, 88200.0, 96000.0,
-                                   176400.0, 192000.0, 384000.0 },
-                                 random),
-                          randomLength (random));
-            ++preparations.number;
-        }
-        else if (choice == 3)
-        {
-            loadOrSave (seat);
-        }
-        else
-        {
-            seat.instance->setCurrentProgram (random.nextInt (seat.instance->getNumPrograms()));
-            ++programs.number;
+            case 0:
+                return openWindow (seat);
+            case 1:
+            case 2:
+                seat.prepare (oneOf ({ 8000.0, 11025.0, 16000.0, 22050.0, 32000.0, 44100.0, 48000.0, 88200.0, 96000.0,
+                                       176400.0, 192000.0, 384000.0 },
+                                     random),
+                              randomLength (random));
+                ++preparations.number;
+                return;
+            case 3:
+                return loadOrSave (seat);
+            default:
+                seat.instance->setCurrentProgram (random.nextInt (seat.instance->getNumPrograms()));
+                ++programs.number;
         }
     }
 
@@ -195,20 +185,16 @@ private:
     {
         const auto nowMs = juce::Time::getMillisecondCounterHiRes();
 
-        if (seat.instance->getActiveEditor() != nullptr
-            || (! openedMs.empty() && nowMs - openedMs.front() < leastWindowMs))
+        if (seat.instance->getActiveEditor() != nullptr || nowMs - openedMs < leastWindowMs / maxWindows)
             return;
 
-        openedMs.push_back (nowMs);
+        openedMs = nowMs;
         windows.emplace_back (seat.instance->createEditorIfNeeded())->addToDesktop (0);
         windows.back()->setVisible (true);
         ++openings.number;
 
-        if (windows.size() > maxWindows)
+        if (windows.size() > std::size_t (maxWindows))
             closeOldestWindow();
-
-        if (openedMs.size() >= maxWindows)
-            openedMs.pop_front();
     }
 
     /** JUCE's host posts a message at each size that the plug-in's window takes, and does not look on its arrival whether
@@ -244,7 +230,7 @@ private:
     }
 
     static constexpr int numAudioThreads = 4;
-    static constexpr std::size_t maxWindows = 4;
+    static constexpr int maxWindows = 4;
     static constexpr int leastWindowMs = 500; ///< A window stays open for at least as long.
 
     Seats& seats;
@@ -252,9 +238,8 @@ private:
     Random random; ///< The message thread's.
     std::function<void()> pause;
     std::deque<double> roundsMs;
-    double endMs = 0.0;
+    double endMs = 0.0, openedMs = 0.0; ///< Of the round; when the newest window was opened.
     std::deque<std::unique_ptr<juce::AudioProcessorEditor>> windows;
-    std::deque<double> openedMs; ///< When the newest of them were opened.
     std::vector<std::jthread> workers;
 };
 

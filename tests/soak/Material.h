@@ -31,14 +31,7 @@ inline int randomLength (juce::Random& random)
     return random.nextBool() ? longest : 1 + random.nextInt (longest);
 }
 
-inline juce::MemoryBlock blockOf (const juce::XmlElement& document)
-{
-    juce::MemoryBlock block;
-    juce::AudioProcessor::copyXmlToBinary (document, block);
-    return block;
-}
-
-/** A project with settings and both slots' parameters at random, one in eight left out. */
+/** A project with its settings and all parameters of both slots at random, one in eight left out. */
 inline juce::MemoryBlock randomState (juce::Random& random)
 {
     juce::XmlElement root (stateSchema::root);
@@ -57,46 +50,30 @@ inline juce::MemoryBlock randomState (juce::Random& random)
     set (root, "MeterMode", random.nextInt (2));
 
     for (const auto* const tag : stateSchema::slotTags)
-    {
-        auto& values = *root.createNewChildElement (tag);
+        for (auto* const values = root.createNewChildElement (tag); const auto& row : parameterRows)
+            set (*values, row.id, juce::jmap (randomTravel (random), row.range.start, row.range.end));
 
-        for (const auto& row : parameterRows)
-            set (values, row.id,
-                 static_cast<double> (row.range.start + (row.range.end - row.range.start) * randomTravel (random)));
-    }
-
-    return blockOf (root);
+    juce::MemoryBlock block;
+    juce::AudioProcessor::copyXmlToBinary (root, block);
+    return block;
 }
 
-/** The project with its other slot in use. */
-inline juce::MemoryBlock withOtherSlot (const juce::MemoryBlock& state)
-{
-    const auto root = juce::AudioProcessor::getXmlFromBinary (state.getData(), static_cast<int> (state.getSize()));
-    root->setAttribute (stateSchema::currentSlot, 1 - root->getIntAttribute (stateSchema::currentSlot));
-    return blockOf (*root);
-}
-
-/** A tone in noise at a random level. */
-inline void fillWithAudio (juce::AudioBuffer<float>& block, juce::Random& random)
-{
-    const auto level = juce::Decibels::decibelsToGain (-60.0f + 66.0f * random.nextFloat());
-    const auto step = 3.0f * random.nextFloat();
-
-    for (int c = 0; c < block.getNumChannels(); ++c)
-        for (int i = 0; i < block.getNumSamples(); ++i)
-            block.setSample (c, i, level * (std::sin (step * static_cast<float> (i)) + random.nextFloat() - 0.5f));
-}
-
-inline void fillWithBadAudio (juce::AudioBuffer<float>& block, juce::Random& random)
+/** A tone in noise at a random level, or what no host should send. */
+inline void fillWithAudio (juce::AudioBuffer<float>& block, juce::Random& random, bool isBad = false)
 {
     using Limits = std::numeric_limits<float>;
     constexpr float bad[] = { Limits::quiet_NaN(),  Limits::infinity(), -Limits::infinity(),
                               Limits::max(),        -Limits::max(),     1.0e10f,
                               Limits::denorm_min(), -1.0e-40f };
+    const auto level = juce::Decibels::decibelsToGain (-60.0f + 66.0f * random.nextFloat());
+    const auto step = 3.0f * random.nextFloat();
 
     for (int c = 0; c < block.getNumChannels(); ++c)
         for (int i = 0; i < block.getNumSamples(); ++i)
-            block.setSample (c, i, oneIn (16, random) ? oneOf (bad, random) : 0.0f);
+            if (isBad)
+                block.setSample (c, i, oneIn (16, random) ? oneOf (bad, random) : 0.0f);
+            else
+                block.setSample (c, i, level * (std::sin (step * static_cast<float> (i)) + random.nextFloat() - 0.5f));
 }
 
 } // namespace tarvik::soak
