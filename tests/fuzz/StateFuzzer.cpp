@@ -2,6 +2,7 @@
 #include "plugin/StateText.h"
 #include "tests/plugin/ModuleInstance.h"
 #include "tests/support/StateTestTools.h"
+#include "tools/ScratchSettings.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -107,7 +108,7 @@ struct Host
     }
 
     Module module;
-    Held<IPluginFactory> factory { module.getFactory() };
+    IPtr<IPluginFactory> factory { module.getFactory() };
     Door idle { *factory, false }, playing { *factory, true };
 };
 
@@ -123,11 +124,8 @@ Host& host()
 /** Before the fuzzer looks for what it can count, because the module's counters are among it. */
 extern "C" int LLVMFuzzerInitialize (int*, char***)
 {
-    // Nobody's own settings, which would make two runs differ, and no screen.
-    const auto scratch = juce::File::createTempFile ("tarvik-fuzz");
-    scratch.createDirectory();
-    setenv ("XDG_CONFIG_HOME", scratch.getFullPathName().toRawUTF8(), 1);
-    setenv ("DISPLAY", ":65000", 1);
+    static const tarvik::ScratchSettings settings; // anyone's own would make two runs differ
+    setenv ("DISPLAY", ":65000", 1);               // no screen
     tarvik::host();
     return 0;
 }

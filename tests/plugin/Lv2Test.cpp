@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/support/SettingsFileTest.h"
 #include "tests/support/StripTestTools.h"
 
 #include <cstdlib>
@@ -40,14 +41,12 @@ struct Hosted
 };
 
 /** The LV2 bundle in a host that knows it only by what its description says. */
-class Lv2Module : public testing::Test
+class Lv2Module : public SettingsFileTest
 {
 protected:
     Lv2Module()
     {
-        // Without the noise, two instances are alike to the last bit.
-        settingsFile.create();
-        settingsFile.replaceWithText ("<PROPERTIES><VALUE name=\"Analog\" val=\"0\"/></PROPERTIES>");
+        write ("Analog", "0"); // without the noise, two instances are alike to the last bit
 
         // The host also looks into the user's own folder, where another build may be installed.
         const std::string home = std::getenv ("HOME") != nullptr ? std::getenv ("HOME") : "";
@@ -65,8 +64,6 @@ protected:
         EXPECT_NE (plugin, nullptr) << error;
     }
 
-    ~Lv2Module() override { settingsFile.deleteFile(); }
-
     void SetUp() override
     {
         ASSERT_NE (plugin, nullptr);
@@ -77,8 +74,6 @@ protected:
         dlclose (handle);
     }
 
-    const juce::File settingsFile { juce::String (std::getenv ("XDG_CONFIG_HOME"))
-                                    + "/Tarvik Plugins/Tarvik 41 Channel.settings" };
     std::unique_ptr<juce::LV2PluginFormat> format;
     std::unique_ptr<juce::AudioPluginInstance> plugin;
 };

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "tests/soak/Material.h"
 #include "tests/soak/Seat.h"
+#include "tests/support/EditorTestTools.h"
 
 #include <juce_gui_extra/juce_gui_extra.h>
 
 #include <atomic>
 #include <deque>
-#include <functional>
 #include <thread>
 #include <vector>
 
@@ -18,22 +17,35 @@ namespace tarvik::soak
 using Seats = std::vector<std::unique_ptr<Seat>>;
 
 /** The threads of a host at their work: four for audio, each with its share of the instances, one that loads and saves,
-    and by a timer the message thread.
+    and the message thread.
 */
-class Crew final : private juce::Timer
+class Crew final
 {
 public:
     Crew (Seats& fleet, int firstSeed) : seats (fleet), seed (firstSeed), random (firstSeed) {}
 
-    /** Two rounds, of a quarter and three quarters of the time. After each everything stops for a while, without windows,
-        and then `onPause` is called. Message thread; runs its loop.
-    */
-    void work (double seconds, std::function<void()> onPause)
+    /** For that time, and then until everything stands still, without windows. Message thread. */
+    void work (double seconds)
     {
-        pause = std::move (onPause);
-        roundsMs = { 250.0 * seconds, 750.0 * seconds };
-        startRound();
-        juce::MessageManager::getInstance()->runDispatchLoop();
+        std::vector<std::jthread> workers;
+
+        for (int i = 0; i < numAudioThreads; ++i)
+            workers.emplace_back ([this, i, chance = Random (++seed)] (const std::stop_token& stop)
+                                  { playInstances (stop, i, chance); });
+
+        workers.emplace_back ([this, chance = Random (++seed)] (const std::stop_token& stop)
+                              { loadAndSave (stop, chance); });
+
+        for (const auto endMs = nowMs() + 1000.0 * seconds; nowMs() < endMs; test::runMessagesFor (1))
+            actAsUser();
+
+        workers.clear();
+        test::runMessagesFor (leastWindowMs); // meanwhile arrives what is on its way between the threads
+
+        while (! windows.empty())
+            closeOldestWindow();
+
+        test::runMessagesFor (leastWindowMs);
     }
 
     /** How often something was done to an instance. */
@@ -43,46 +55,30 @@ public:
         std::atomic<juce::int64> number { 0 };
     };
 
-    Count samples { "samples" }, blocks { "blocks" }, badBlocks { "blocks of bad audio" },
-        automations { "parameters by automation" }, parameters { "parameters by the user" }, programs { "programs" },
-        loads { "loads" }, saves { "saves" }, preparations { "preparations" }, openings { "windows" };
+    Count samples { "samples" }, blocks { "blocks" }, badBlocks { "blocks of bad audio" }, parameters { "parameters" },
+        programs { "programs" }, loads { "loads" }, preparations { "preparations" }, openings { "windows" };
 
     std::atomic<juce::int64> brokenBlocks { 0 }; ///< With a sample that came out and is not a number.
 
 private:
-    using Random = juce::Random;
+    static double nowMs() { return juce::Time::getMillisecondCounterHiRes(); }
 
     Seat& anySeat (Random& chance) const
     {
         return *seats[static_cast<std::size_t> (chance.nextInt (int (seats.size())))];
     }
 
-    void setAnyParameter (Seat& seat, Random& chance, Count& count)
+    void setAnyParameter (Seat& seat, Random& chance)
     {
         auto& chosen = *seat.instance->getParameters()[chance.nextInt (seat.instance->getParameters().size())];
 
         // The bypass rarely, as a bypassed strip does nothing; and bad audio it rightly passes on.
         if (&chosen != seat.instance->getBypassParameter())
-            chosen.setValue (randomTravel (chance));
+            chosen.setValue (oneIn (4, chance) ? static_cast<float> (chance.nextInt (2)) : chance.nextFloat());
         else if (! seat.getsBadAudio)
             chosen.setValue (oneIn (8, chance) ? 1.0f : 0.0f);
 
-        ++count.number;
-    }
-
-    //==============================================================================
-    void startRound()
-    {
-        endMs = juce::Time::getMillisecondCounterHiRes() + roundsMs.front();
-        roundsMs.pop_front();
-
-        for (int i = 0; i < numAudioThreads; ++i)
-            workers.emplace_back ([this, i, chance = Random (++seed)] (const std::stop_token& stop)
-                                  { playInstances (stop, i, chance); });
-
-        workers.emplace_back ([this, chance = Random (++seed)] (const std::stop_token& stop)
-                              { loadAndSave (stop, chance); });
-        startTimer (1);
+        ++parameters.number;
     }
 
     void playInstances (const std::stop_token& stop, int first, Random chance)
@@ -103,7 +99,7 @@ private:
         fillWithAudio (part, chance, isBad);
 
         for (auto changes = chance.nextInt (8) - 4; changes > 0; --changes)
-            setAnyParameter (seat, chance, automations); // which the process call brings along
+            setAnyParameter (seat, chance); // which the process call brings along
 
         brokenBlocks += seat.process (part) ? 0 : 1;
         samples.number += part.getNumSamples();
@@ -116,47 +112,16 @@ private:
         {
             // For 500 ms after a load programs are held back, so each instance needs a pause.
             juce::Thread::sleep (10);
-            auto& seat = anySeat (chance);
-            const std::lock_guard lock (seat.stateLock);
-            const auto saved = seat.save();
-            seat.load (chance.nextBool() ? saved : randomState (chance));
-            ++saves.number;
+            const auto project = withOtherSettings (anySeat (chance).save(), chance);
+            anySeat (chance).load (project);
             ++loads.number;
-        }
-    }
-
-    //==============================================================================
-    void timerCallback() override
-    {
-        if (juce::Time::getMillisecondCounterHiRes() < endMs)
-        {
-            actAsUser();
-        }
-        else if (! workers.empty())
-        {
-            workers.clear();
-            startTimer (leastWindowMs); // meanwhile arrives what is on its way between the threads
-        }
-        else if (! windows.empty())
-        {
-            while (! windows.empty())
-                closeOldestWindow();
-        }
-        else
-        {
-            pause();
-
-            if (roundsMs.empty())
-                juce::MessageManager::getInstance()->stopDispatchLoop();
-            else
-                startRound();
         }
     }
 
     void actAsUser()
     {
         for (int i = 0; i < 4; ++i)
-            setAnyParameter (anySeat (random), random, parameters);
+            setAnyParameter (anySeat (random), random);
 
         auto& seat = anySeat (random);
 
@@ -172,8 +137,6 @@ private:
                               randomLength (random));
                 ++preparations.number;
                 return;
-            case 3:
-                return loadOrSave (seat);
             default:
                 seat.instance->setCurrentProgram (random.nextInt (seat.instance->getNumPrograms()));
                 ++programs.number;
@@ -183,12 +146,10 @@ private:
     /** Up to four are open, of which the oldest closes. */
     void openWindow (Seat& seat)
     {
-        const auto nowMs = juce::Time::getMillisecondCounterHiRes();
-
-        if (seat.instance->getActiveEditor() != nullptr || nowMs - openedMs < leastWindowMs / maxWindows)
+        if (seat.instance->getActiveEditor() != nullptr || nowMs() - openedMs < leastWindowMs / maxWindows)
             return;
 
-        openedMs = nowMs;
+        openedMs = nowMs();
         windows.emplace_back (seat.instance->createEditorIfNeeded())->addToDesktop (0);
         windows.back()->setVisible (true);
         ++openings.number;
@@ -211,24 +172,6 @@ private:
         windows.pop_front();
     }
 
-    /** The whole instance. The message thread does not wait for the host's other one. */
-    void loadOrSave (Seat& seat)
-    {
-        const std::unique_lock lock (seat.stateLock, std::try_to_lock);
-
-        if (! lock.owns_lock())
-            return;
-
-        const auto isLoad = random.nextBool() && ! seat.project.isEmpty();
-
-        if (isLoad)
-            seat.instance->setStateInformation (seat.project.getData(), static_cast<int> (seat.project.getSize()));
-        else
-            seat.instance->getStateInformation (seat.project);
-
-        ++(isLoad ? loads : saves).number;
-    }
-
     static constexpr int numAudioThreads = 4;
     static constexpr int maxWindows = 4;
     static constexpr int leastWindowMs = 500; ///< A window stays open for at least as long.
@@ -236,11 +179,8 @@ private:
     Seats& seats;
     int seed;      ///< The one given out last.
     Random random; ///< The message thread's.
-    std::function<void()> pause;
-    std::deque<double> roundsMs;
-    double endMs = 0.0, openedMs = 0.0; ///< Of the round; when the newest window was opened.
     std::deque<std::unique_ptr<juce::AudioProcessorEditor>> windows;
-    std::vector<std::jthread> workers;
+    double openedMs = 0.0; ///< When the newest of them was opened.
 };
 
 } // namespace tarvik::soak
