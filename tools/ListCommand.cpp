@@ -2,6 +2,7 @@
 #include "dsp/EqualiserComponents.h"
 #include "dsp/EqualiserNetwork.h"
 #include "plugin/ParameterTable.h"
+#include "strip/EqualiserSection.h"
 #include "strip/HarmonicTable.h"
 #include "tools/Commands.h"
 #include "tools/LayoutList.h"
@@ -73,14 +74,7 @@ EQControls controlsOf (const juce::String& line)
     for (const auto& [index, normalised] : parseParameterSettings (words))
         fieldForParameter (snapshot, index).set (createParameter (index)->convertFrom0to1 (normalised));
 
-    return { .highFreq = snapshot.highFreq,
-             .highGain = snapshot.highGain,
-             .midFreq = snapshot.midFreq,
-             .midGain = snapshot.midGain,
-             .midMode = snapshot.midMode,
-             .lowFreq = snapshot.lowFreq,
-             .lowGain = snapshot.lowGain,
-             .toleranceChannel = snapshot.tolChannel - 1 };
+    return equaliserControls (snapshot, snapshot.tolChannel - 1);
 }
 
 void printNetworks()

@@ -228,6 +228,18 @@ void MZTiCoefs<Real, n, d>::design() noexcept
         taps = makeNeutralTaps();
 }
 
+template <typename Real, std::size_t n, std::size_t d>
+auto MZTiCoefs<Real, n, d>::tapsFor (const Polynomial& numerator, const Polynomial& denominator, Real rateHz) noexcept
+    -> Taps
+{
+    MZTiCoefs design;
+    design.numerator = numerator;
+    design.denominator = denominator;
+    design.sampleRate = rateHz;
+    design.design();
+    return design.taps;
+}
+
 template class MZTiCoefs<double, 2, 2>;
 template class MZTiCoefs<double, 5, 5>;
 } // namespace tarvik

@@ -43,6 +43,9 @@ public:
         Any thread, but only one at a time on an object. About 5 microseconds for five poles. */
     void design() noexcept;
 
+    /** The taps that design() makes of both polynomials at a rate in Hz, above 0. */
+    static Taps tapsFor (const Polynomial& numerator, const Polynomial& denominator, Real rateHz) noexcept;
+
     Real sampleRate = 0;                        ///< in Hz; 0 while unknown
     Polynomial numerator = makeConstantOne();   ///< highest power first
     Polynomial denominator = makeConstantOne(); ///< highest power first

@@ -232,15 +232,13 @@ void OrvaneConsoleUI::buttonClicked (juce::Button* button)
 //==============================================================================
 void OrvaneConsoleUI::updateMeters (const ParameterSnapshot& snapshot)
 {
-    constexpr float silenceDb = -100.0f;
-
     if (const auto activity = snapshot.expanderAmount.get(); std::isfinite (activity))
         expanderLed.setAlpha (juce::jlimit (0.0f, 1.0f, activity));
 
     if (const auto mode = meterMode.getValue(); mode == meterShowsInput || mode == meterShowsOutput)
     {
         const auto& level = mode == meterShowsInput ? snapshot.inputMeter : snapshot.outputMeter;
-        vuMeter.setDecibels (juce::Decibels::gainToDecibels (level.get(), silenceDb));
+        vuMeter.setDecibels (juce::Decibels::gainToDecibels (level.get()));
     }
 
     gainReductionMeter.setAngle (gainReductionAngle (snapshot.gainReductionDb));

@@ -40,9 +40,9 @@ public:
 
     /** Starts at the fallback and then takes the stored default, with the change action if it differs.
 
-        settingKey       name in the settings file and of the attribute in the state acceptsStored    refuses a stored
-        default; an empty one accepts everything changeAction     runs after a change of the value, on its thread. If
-        several threads change it at once, one of them acts for all, and last on the newest value; may be empty
+        The key is the name in the settings file and the attribute in the state. `acceptsStored` refuses a stored default;
+        an empty one accepts everything. `changeAction`, which may be empty, runs after a change of the value, on its
+        thread. If several threads change it at once, one of them acts for all, and last on the newest value.
     */
     ProcessorSetting (juce::ApplicationProperties& file, juce::String settingKey, T fallbackValue,
                       Validator acceptsStored, ChangeAction changeAction)

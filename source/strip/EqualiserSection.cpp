@@ -9,9 +9,7 @@
 namespace tarvik
 {
 
-namespace
-{
-EQControls controlsOf (const ParameterSnapshot& snapshot, int toleranceChannel) noexcept
+EQControls equaliserControls (const ParameterSnapshot& snapshot, int toleranceChannel) noexcept
 {
     return { .highFreq = snapshot.highFreq,
              .highGain = snapshot.highGain,
@@ -23,7 +21,6 @@ EQControls controlsOf (const ParameterSnapshot& snapshot, int toleranceChannel) 
              .highPass = snapshot.highPass,
              .toleranceChannel = toleranceChannel };
 }
-} // namespace
 
 void EqualiserSection::prepare (double rateHz, int numChannels, int maxSamples)
 {
@@ -56,7 +53,7 @@ void EqualiserSection::update (const ParameterSnapshot& snapshot, bool force) no
         const auto wanted = toleranceChannelOf (snapshot, static_cast<int> (c));
         const auto isChanged = wanted != equaliser.getToleranceChannel();
 
-        equaliser.update (controlsOf (snapshot, wanted), force || isChanged);
+        equaliser.update (equaliserControls (snapshot, wanted), force || isChanged);
         isAnotherChannel = isAnotherChannel || isChanged;
     }
 

@@ -11,6 +11,9 @@
 namespace tarvik
 {
 
+/** Where the snapshot has the equaliser's switches and pots, for one console channel, 0 to 31. Any thread. */
+EQControls equaliserControls (const ParameterSnapshot& snapshot, int toleranceChannel) noexcept;
+
 /** The equaliser of all channels of a strip, faded in and out as a whole, with the fixed gain that makes up for the
     loss of its passive network. Each audio channel is the console channel that "TOL Channel" says or, unlinked,
     one of its neighbours.

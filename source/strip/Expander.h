@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "dsp/Decibels.h"
+
 #include <algorithm>
 #include <cmath>
 #include <span>
@@ -45,7 +47,7 @@ public:
     struct State
     {
         double rms = floorSquare;
-        double anchorDb = -100.0;           ///< of an earlier rms of the gate
+        double anchorDb = silenceDb;        ///< of an earlier rms of the gate
         double perAnchor = 1 / floorSquare; ///< one over that rms
         double heldDb = 0.0;
         double holdSeconds = 0.0; ///< left of the current hold
@@ -72,7 +74,7 @@ public:
     /** The static curve: attenuation in dB, 0 or above, for a level in dB. */
     double attenuationFor (double levelDb) const noexcept
     {
-        const auto belowDb = referenceDb - std::max (levelDb, lowestLevelDb);
+        const auto belowDb = referenceDb - std::max (levelDb, silenceDb);
         const auto kneeDb = kneeArea / (std::abs (belowDb - rangeDb) + kneeWidthDb);
         return std::max (std::min (rangeDb, belowDb) - kneeDb, 0.0);
     }
@@ -185,7 +187,6 @@ private:
 
     static constexpr double fallSeconds = 0.01;
     static constexpr double gateKeyGain = 0.5;
-    static constexpr double lowestLevelDb = -100.0;
     static constexpr double referenceDb = -20.0 - 2.2184875; ///< fitted, as is the knee
     static constexpr double kneeWidthDb = 8.0;
     static constexpr double kneeArea = 4.0 * kneeWidthDb; ///< 4 dB high: 4 / (|x| / 8 + 1)

@@ -45,15 +45,11 @@ void NeedleFilter::prepare (double rateHz)
     using Design = MZTiCoefs<double, 2, 2>;
 
     const auto analogue = AnalogBiquad::make (AnalogBiquad::Type::lowPass, q, 1.0, 1.0, omegaRadPerSecond);
-    Design design;
-    design.numerator = analogue.numerator;
-    design.denominator = analogue.denominator;
-    design.sampleRate = rateHz;
-    design.design();
+    const auto taps = Design::tapsFor (analogue.numerator, analogue.denominator, rateHz);
 
     // A low pass has no zeros: the first section is 1 / (1 + a1 z^-1 + a2 z^-2), the last one b0 + b1 z^-1 + b2 z^-2.
     constexpr std::size_t b0 = 0, b1 = 1, b2 = 2, a1 = 4, a2 = 5;
-    const auto* const poles = design.taps.data();
+    const auto* const poles = taps.data();
     const auto* const zeros = poles + BiquadCascade::tapsPerSection;
     recursion = { poles[a1], poles[a2] };
     feedForward = zeros[b0];

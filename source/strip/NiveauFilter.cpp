@@ -34,13 +34,7 @@ Design::Taps designShelf (const Shelf& shelf, double rateHz)
     const auto gain = std::pow (10.0, shelf.gainExponent);
     const auto omega = 2.0 * std::numbers::pi * shelf.cutoffHz;
     const auto analogue = AnalogBiquad::make (shelf.type, q, gain, std::sqrt (gain), omega);
-
-    Design design;
-    design.numerator = analogue.numerator;
-    design.denominator = analogue.denominator;
-    design.sampleRate = rateHz;
-    design.design();
-    return design.taps;
+    return Design::tapsFor (analogue.numerator, analogue.denominator, rateHz);
 }
 } // namespace
 

@@ -73,39 +73,35 @@ TEST (Knob, ThePointerShowsTheValueInBothStylesAndOnEveryArc)
 
 TEST (Wheel, ANotchIsAStepAndFineMovementsAddUpUntilAPause)
 {
+    constexpr int ctrl = juce::ModifierKeys::ctrlModifier, shift = juce::ModifierKeys::shiftModifier;
+    constexpr float fine = 0.22f; // with Ctrl 0.11 of a step
     OrvaneKnob knob;
     Mouse mouse (knob);
-    knob.setRange (0.0, 1.0, 0.1);
-    const auto valueAfter = [&] (int movements)
+    const auto turn = [&] (double expected, int movements, float delta, int keys, const char* why,
+                           bool isSmooth = false, bool isReversed = false)
     {
         while (movements-- > 0)
-            mouse.wheel (0.22f, juce::ModifierKeys::ctrlModifier); // 0.11 of a step
+            mouse.wheel (delta, keys, isSmooth, isReversed);
 
-        return knob.getValue();
+        EXPECT_NEAR (knob.getValue(), expected, 1e-6) << why;
     };
 
-    EXPECT_EQ (valueAfter (4), 0.0);
-    EXPECT_NEAR (valueAfter (1), 0.1, 1e-9);
+    knob.setRange (0.0, 1.0, 0.1);
+    turn (0.0, 1, -0.2f, 0, "the range's end");
+    EXPECT_FALSE (knob.hasUnsentStep()) << "nothing moved, and nothing will be told";
+    turn (0.0, 4, fine, ctrl, "0.44 of a step");
+    turn (0.1, 1, fine, ctrl, "0.55");
     EXPECT_TRUE (knob.hasUnsentStep());
-    EXPECT_NEAR (valueAfter (8), 0.1, 1e-9) << "0.45 was too much";
+    turn (0.1, 8, fine, ctrl, "0.45 was too much");
     runMessagesFor (600);
     EXPECT_FALSE (knob.hasUnsentStep());
-    EXPECT_NEAR (valueAfter (2), 0.1, 1e-9) << "begun anew";
-
-    // With another modifier beside it, Ctrl does not refine.
-    mouse.wheel (0.2f, juce::ModifierKeys::ctrlModifier | juce::ModifierKeys::shiftModifier);
-    EXPECT_NEAR (knob.getValue(), 0.2, 1e-9);
-    mouse.wheel (Mouse::notch, 0, false, true);
-    EXPECT_NEAR (knob.getValue(), 0.1, 1e-9) << "a reversed wheel";
-
-    // A touchpad moves it by at least a step, and a continuous knob by the wheel's own measure.
-    mouse.wheel (0.001f, 0, true);
-    EXPECT_NEAR (knob.getValue(), 0.2, 1e-9);
+    turn (0.1, 2, fine, ctrl, "begun anew after a pause");
+    turn (0.2, 1, 0.2f, ctrl | shift, "another modifier: not fine");
+    turn (0.1, 1, Mouse::notch, 0, "a reversed wheel", false, true);
+    turn (0.2, 1, 0.001f, 0, "a touchpad moves at least a step", true);
     knob.setRange (0.0, 1.0);
-    mouse.wheel (0.2f);
-    EXPECT_NEAR (knob.getValue(), 0.23, 1e-6);
-    mouse.wheel (0.2f, juce::ModifierKeys::ctrlModifier);
-    EXPECT_NEAR (knob.getValue(), 0.233, 1e-6);
+    turn (0.23, 1, 0.2f, 0, "a continuous knob: the wheel's own measure");
+    turn (0.233, 1, 0.2f, ctrl, "finely");
 }
 
 TEST (TrimPot, TheDialTurnsUnderAShadowThatStays)

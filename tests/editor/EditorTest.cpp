@@ -13,17 +13,24 @@ using namespace test;
 TEST (Editor, EverythingHasItsPlaceAndThePresetBoxIsNeverShown)
 {
     WindowUnderTest t;
-    juce::String all;
-    const auto list = [&all] (juce::Component& parent, const char* indent)
+    const auto places = [&t] (juce::Component& frame, bool areOnConsole)
     {
-        for (auto* const child : parent.getChildren())
-            all << indent << (child->getTitle().isNotEmpty() ? child->getTitle() : child->getName()) << ": "
-                << child->getBounds().toString() << (child->isVisible() ? "\n" : ", hidden\n");
+        juce::String all;
+
+        for (auto* const child : allIn (frame))
+            if (t.console().isParentOf (child) == areOnConsole)
+                all << child->getTitle().paddedRight (' ', 36)
+                    << frame.getLocalArea (child, child->getLocalBounds()).toString()
+                    << (child->isVisible() ? "\n" : ", hidden\n");
+
+        return all;
     };
 
-    list (*t.editor, "");
-    list (childOf<ZQBar> (*t.editor, "Bottom bar"), "  ");
-    expectGolden ("editor.txt", all);
+    expectGolden ("editor.txt", places (*t.editor, false));
+    t.console().setSize (2700, 2030); // as the drawing has it
+    expectGolden ("console.txt", places (t.console(), true));
+    t.console().setSize (900, 677);
+    EXPECT_EQ (t.control ("gain").getBounds(), juce::Rectangle (40, 453, 100, 100)) << "rounded anew";
 }
 
 TEST (Editor, ItsSizeFollowsTheZoomAndStaysOnTheDisplay)
@@ -31,8 +38,7 @@ TEST (Editor, ItsSizeFollowsTheZoomAndStaysOnTheDisplay)
     const juce::Rectangle small (1024, 768), narrow (1000, 2000), nothing (0, 0), large (1920, 1080);
     const auto nan = std::numeric_limits<double>::quiet_NaN();
 
-    // (768 x 0.9 - 64) / 740.67 is 0.8468, less than the width allows. From a damaged project comes a window of a usable
-    // size; a display without an area does not limit it.
+    // (768 x 0.9 - 64) / 740.67 is 0.8468, less than the width allows. A display without an area sets no limit.
     for (const auto& [zoom, display, width, height] : { std::tuple (0.8, small, 720, 605),
                                                         { 1.0, nothing, 900, 741 },
                                                         { 1.2, nothing, 1080, 876 },
@@ -99,26 +105,26 @@ TEST (Editor, TheMenusOpenInItsWindowAndOutliveItWithoutHarm)
     WindowUnderTest t;
     HeadlessWindow window (*t.editor);
 
-    const auto openMenu = [&] (const char* button)
+    const auto modal = []
     {
-        click (t.button (button));
         runMessagesFor (20);
         return juce::Component::getCurrentlyModalComponent();
     };
     const auto choose = [&] (int row)
     {
-        openMenu ("Menu");
+        click (t.button ("Menu"));
 
         while (row-- > 0)
             window.press (juce::KeyPress::downKey);
 
         window.press (juce::KeyPress::returnKey);
-        runMessagesFor (20);
+        modal();
     };
 
     for (const auto* const button : { "Menu", "Manual and links" })
     {
-        auto* const menu = openMenu (button);
+        click (t.button (button));
+        auto* const menu = modal();
         ASSERT_NE (menu, nullptr);
         EXPECT_EQ (menu->getParentComponent(), &window);
 
@@ -130,8 +136,7 @@ TEST (Editor, TheMenusOpenInItsWindowAndOutliveItWithoutHarm)
             EXPECT_EQ (sheet.getPixelAt (edge.x, edge.y), juce::Colour (palette::menuSheet)) << "not our look";
 
         window.press (juce::KeyPress::escapeKey);
-        runMessagesFor (20);
-        EXPECT_EQ (juce::Component::getCurrentlyModalComponent(), nullptr);
+        EXPECT_EQ (modal(), nullptr);
     }
 
     auto& about = childOf<About> (*t.editor, "About");
@@ -143,11 +148,11 @@ TEST (Editor, TheMenusOpenInItsWindowAndOutliveItWithoutHarm)
     choose (8); // About, five sub-menus, the compressor's key, the expander's
     EXPECT_EQ (t.ears.heard(), "(34 v34 )34 ");
 
-    ASSERT_NE (openMenu ("Menu"), nullptr);
+    click (t.button ("Menu"));
+    ASSERT_NE (modal(), nullptr);
     t.strip->editorBeingDeleted (t.editor.get());
     t.editor.reset();
-    runMessagesFor (20);
-    EXPECT_EQ (juce::Component::getCurrentlyModalComponent(), nullptr);
+    EXPECT_EQ (modal(), nullptr);
     t.open();
 }
 
@@ -203,7 +208,6 @@ TEST (Editor, TwentyCanBeOpenWhileAudioRunsAndLeaveNothing)
     EXPECT_EQ (juce::SharedResourcePointer<ScaledPictures>()->memoryInUse(), 0u);
 }
 
-/** A needle that moves must not have the whole console painted. */
 TEST (Editor, AMeterTickRepaintsTheMetersAlone)
 {
     WindowUnderTest t;

@@ -29,37 +29,28 @@ TEST (Meters, NeedlesOfTheRunningStripStandAt0VuFor18DbBelowFullScale)
 
 TEST (Meters, GainReductionIsWhatTheToneLoses)
 {
-    constexpr double rate = 48000.0;
+    for (const auto& [ratio, levelDb, leastDb] :
+         { std::tuple (1.0f, -18.0, 0.0f), { 5.0f, -18.0, 0.0f }, { 1.0f, -6.0, -3.0f }, { 5.0f, -6.0, -3.0f } })
+    {
+        const auto strip = makeStripFor (juce::AudioProcessor::wrapperType_AAX); // has it as a parameter too
+        strip->analogSetting().setValue (false);
+        setPlain (
+            *strip,
+            { { "equalizer", 0.0f }, { "compThreshold", -20.0f }, { "compRatio", ratio }, { "compRelease", 8.0f } });
+        strip->prepareToPlay (48000.0, 512);
+        const auto tone = sine (997.0, std::pow (10.0, levelDb / 20.0), 48000.0, 4.0);
+        const auto compressed = process (*strip, { tone, tone }, 512);
+        const float reading = strip->currentSnapshot().gainReductionDb;
+        EXPECT_FLOAT_EQ (parameter (*strip, "gainReduction").getValue(), 1.0f - std::pow (10.0f, reading / 20.0f));
+        setPlain (*strip, "compIn", 0.0f);
+        const auto untouched = process (*strip, { tone, tone }, 512);
+        const auto lossDb = [&] (std::size_t side)
+        { return 20.0 * std::log10 (rmsOfEnd (compressed[side], 9600) / rmsOfEnd (untouched[side], 9600)); };
 
-    for (const auto ratio : { 1.0f, 5.0f })
-        for (const auto levelDb : { -18.0, -6.0 })
-        {
-            const auto strip = makeStripFor (juce::AudioProcessor::wrapperType_AAX); // has it as a parameter too
-            strip->analogSetting().setValue (false);
-            setPlain (*strip, { { "equalizer", 0.0f },
-                                { "compThreshold", -20.0f },
-                                { "compRatio", ratio },
-                                { "compRelease", 8.0f } });
-            strip->prepareToPlay (rate, 512);
-            const auto tone = sine (997.0, std::pow (10.0, levelDb / 20.0), rate, 4.0);
-
-            const auto compressed = process (*strip, { tone, tone }, 512);
-            const float reading = strip->currentSnapshot().gainReductionDb;
-            EXPECT_FLOAT_EQ (parameter (*strip, "gainReduction").getValue(), 1.0f - std::pow (10.0f, reading / 20.0f));
-            setPlain (*strip, "compIn", 0.0f);
-            const auto untouched = process (*strip, { tone, tone }, 512);
-            const auto lossDb = [&] (std::size_t side)
-            { return 20.0 * std::log10 (rmsOfEnd (compressed[side], 9600) / rmsOfEnd (untouched[side], 9600)); };
-
-            // The sides' components differ, and the needle is that of the side that loses more.
-            EXPECT_NEAR (reading, std::min (lossDb (0), lossDb (1)), 0.01)
-                << "ratio " << ratio << ", level " << levelDb;
-
-            if (levelDb > -10.0)
-            {
-                EXPECT_LT (reading, -3.0f) << "there must be some";
-            }
-        }
+        // The sides' components differ, and the needle is that of the side that loses more.
+        EXPECT_NEAR (reading, std::min (lossDb (0), lossDb (1)), 0.01) << ratio << ", level " << levelDb;
+        EXPECT_LE (reading, leastDb) << "there must be some";
+    }
 }
 
 } // namespace tarvik

@@ -1,19 +1,73 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "tests/support/BuiltModule.h"
 #include "tests/support/HostStream.h"
 
+#include <pluginterfaces/base/ipluginbase.h>
+#include <pluginterfaces/base/smartpointer.h>
 #include <pluginterfaces/vst/ivstaudioprocessor.h>
 #include <pluginterfaces/vst/ivstcomponent.h>
 #include <pluginterfaces/vst/ivsteditcontroller.h>
 #include <pluginterfaces/vst/ivstmessage.h>
 
-#include <cmath>
-#include <vector>
+#include <cstdlib>
+#include <dlfcn.h>
+#include <stdexcept>
+#include <string>
 
 namespace tarvik::test
 {
+
+/** The built module, or the one that TARVIK_OTHER_MODULE names, opened as a host opens it. */
+class Module
+{
+public:
+    Module()
+    {
+        if (handle == nullptr || ! entry<bool (*) (void*)> ("ModuleEntry") (handle))
+            throw std::runtime_error ("cannot open the module");
+    }
+
+    ~Module()
+    {
+        entry<bool (*)()> ("ModuleExit")();
+        dlclose (handle);
+    }
+
+    Module (const Module&) = delete;
+    Module& operator= (const Module&) = delete;
+
+    IPtr<IPluginFactory> getFactory() const { return owned (entry<IPluginFactory* (*) ()> ("GetPluginFactory")()); }
+
+    template <typename Function>
+    Function entry (const char* name) const
+    {
+        return reinterpret_cast<Function> (dlsym (handle, name));
+    }
+
+private:
+    const char* const other = std::getenv ("TARVIK_OTHER_MODULE");
+    void* const handle = dlopen (other != nullptr ? other : TARVIK_MODULE, RTLD_NOW | RTLD_LOCAL);
+};
+
+template <typename Interface>
+IPtr<Interface> query (FUnknown& object, const TUID iid)
+{
+    void* result = nullptr;
+    object.queryInterface (iid, &result);
+    return owned (static_cast<Interface*> (result));
+}
+
+/** Of the class with that number. */
+template <typename Interface>
+IPtr<Interface> create (IPluginFactory& factory, int32 index, const TUID iid)
+{
+    PClassInfo info;
+    void* result = nullptr;
+    factory.getClassInfo (index, &info);
+    factory.createInstance (info.cid, iid, &result);
+    return owned (static_cast<Interface*> (result));
+}
 
 /** A component of the module with its controller, connected as a host connects them: without that, a controller has no
     parameters.
@@ -24,9 +78,8 @@ public:
     static constexpr int blockLength = 64;
 
     explicit ModuleInstance (IPluginFactory& factory)
-        : component (create<Vst::IComponent> (factory, componentId.data(), INLINE_UID_OF (Vst::IComponent))),
-          controller (
-              create<Vst::IEditController> (factory, controllerId.data(), INLINE_UID_OF (Vst::IEditController))),
+        : component (create<Vst::IComponent> (factory, 0, INLINE_UID_OF (Vst::IComponent))),
+          controller (create<Vst::IEditController> (factory, 1, INLINE_UID_OF (Vst::IEditController))),
           processor (query<Vst::IAudioProcessor> (*component, INLINE_UID_OF (Vst::IAudioProcessor))),
           componentEnd (query<Vst::IConnectionPoint> (*component, INLINE_UID_OF (Vst::IConnectionPoint))),
           controllerEnd (query<Vst::IConnectionPoint> (*controller, INLINE_UID_OF (Vst::IConnectionPoint)))
@@ -67,12 +120,12 @@ public:
     /** A square wave on all inputs; gives what the left output says, which is not finite if any sample is not. */
     float play()
     {
-        std::vector<float> input (blockLength), left (blockLength), right (blockLength);
+        float input[blockLength], left[blockLength], right[blockLength];
 
-        for (std::size_t i = 0; i < input.size(); ++i)
+        for (int i = 0; i < blockLength; ++i)
             input[i] = (i & 16) != 0 ? 0.1f : -0.1f;
 
-        float *in[] = { input.data(), input.data() }, *out[] = { left.data(), right.data() };
+        float *in[] = { input, input }, *out[] = { left, right };
         Vst::AudioBusBuffers inputs[2], output;
         inputs[0].numChannels = inputs[1].numChannels = output.numChannels = 2;
         inputs[0].channelBuffers32 = inputs[1].channelBuffers32 = in;
@@ -87,18 +140,18 @@ public:
         data.inputs = inputs;
         data.outputs = &output;
         processor->process (data);
-        auto sum = 0.0f;
+        auto result = left[0];
 
-        for (std::size_t i = 0; i < input.size(); ++i)
-            sum += 0.0f * (left[i] + right[i]); // not a number if either is not finite
+        for (int i = 0; i < blockLength; ++i)
+            result += 0.0f * (left[i] + right[i]); // not a number if either is not finite
 
-        return left[0] + sum;
+        return result;
     }
 
     /** As a host hands a state over, at most `piece` bytes at a time. */
-    void load (std::string_view state, std::size_t piece = std::string::npos)
+    void load (std::string_view state, int32 piece = std::numeric_limits<int32>::max())
     {
-        HostStream stream (std::string (state), piece);
+        HostStream stream (state, piece);
         component->setState (stream.rewound());
         controller->setComponentState (stream.rewound());
     }
@@ -106,8 +159,8 @@ public:
     std::string saved() const
     {
         HostStream stream;
-        component->getState (stream.rewound());
-        return stream.bytes;
+        component->getState (&stream);
+        return { stream.getData(), static_cast<std::size_t> (stream.getSize()) };
     }
 
     Vst::ParameterInfo infoOf (int32 index) const
@@ -126,12 +179,12 @@ public:
         return true;
     }
 
-    const Held<Vst::IComponent> component;
-    const Held<Vst::IEditController> controller;
-    const Held<Vst::IAudioProcessor> processor;
+    const IPtr<Vst::IComponent> component;
+    const IPtr<Vst::IEditController> controller;
+    const IPtr<Vst::IAudioProcessor> processor;
 
 private:
-    const Held<Vst::IConnectionPoint> componentEnd, controllerEnd;
+    const IPtr<Vst::IConnectionPoint> componentEnd, controllerEnd;
 };
 
 } // namespace tarvik::test

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "tests/soak/Material.h"
 #include "tests/soak/Seat.h"
+#include "tests/support/EditorTestTools.h"
 
 #include <juce_gui_extra/juce_gui_extra.h>
 
 #include <atomic>
 #include <deque>
-#include <functional>
 #include <thread>
 #include <vector>
 
@@ -18,22 +17,35 @@ namespace tarvik::soak
 using Seats = std::vector<std::unique_ptr<Seat>>;
 
 /** The threads of a host at their work: four for audio, each with its share of the instances, one that loads and saves,
-    and by a timer the message thread.
+    and the message thread.
 */
-class Crew final : private juce::Timer
+class Crew final
 {
 public:
     Crew (Seats& fleet, int firstSeed) : seats (fleet), seed (firstSeed), random (firstSeed) {}
 
-    /** Two rounds, of a quarter and three quarters of the time. After each everything stops for a while, without windows,
-        and then `onPause` is called. Message thread; runs its loop.
-    */
-    void work (double seconds, std::function<void()> onPause)
+    /** For that time, and then until everything stands still, without windows. Message thread. */
+    void work (double seconds)
     {
-        pause = std::move (onPause);
-        roundsMs = { 250.0 * seconds, 750.0 * seconds };
-        startRound();
-        juce::MessageManager::getInstance()->runDispatchLoop();
+        std::vector<std::jthread> workers;
+
+        for (int i = 0; i < numAudioThreads; ++i)
+            workers.emplace_back ([this, i, chance = Random (++seed)] (const std::stop_token& stop)
+                                  { playInstances (stop, i, chance); });
+
+        workers.emplace_back ([this, chance = Random (++seed)] (const std::stop_token& stop)
+                              { loadAndSave (stop, chance); });
+
+        for (const auto endMs = nowMs() + 1000.0 * seconds; nowMs() < endMs; test::runMessagesFor (1))
+            actAsUser();
+
+        workers.clear();
+        test::runMessagesFor (leastWindowMs); // meanwhile arrives what is on its way between the threads
+
+        while (! windows.empty())
+            closeOldestWindow();
+
+        test::runMessagesFor (leastWindowMs);
     }
 
     /** How often something was done to an instance. */
@@ -43,47 +55,30 @@ public:
         std::atomic<juce::int64> number { 0 };
     };
 
-    Count samples { "samples" }, blocks { "blocks" }, badBlocks { "blocks of bad audio" },
-        automations { "parameters by automation" }, parameters { "parameters by the user" }, programs { "programs" },
-        slots { "slots" }, loads { "loads" }, saves { "saves" }, preparations { "preparations" },
-        openings { "windows" };
+    Count samples { "samples" }, blocks { "blocks" }, badBlocks { "blocks of bad audio" }, parameters { "parameters" },
+        programs { "programs" }, loads { "loads" }, preparations { "preparations" }, openings { "windows" };
 
     std::atomic<juce::int64> brokenBlocks { 0 }; ///< With a sample that came out and is not a number.
 
 private:
-    using Random = juce::Random;
+    static double nowMs() { return juce::Time::getMillisecondCounterHiRes(); }
 
     Seat& anySeat (Random& chance) const
     {
         return *seats[static_cast<std::size_t> (chance.nextInt (int (seats.size())))];
     }
 
-    void setAnyParameter (Seat& seat, Random& chance, Count& count)
+    void setAnyParameter (Seat& seat, Random& chance)
     {
         auto& chosen = *seat.instance->getParameters()[chance.nextInt (seat.instance->getParameters().size())];
 
         // The bypass rarely, as a bypassed strip does nothing; and bad audio it rightly passes on.
         if (&chosen != seat.instance->getBypassParameter())
-            chosen.setValue (randomTravel (chance));
+            chosen.setValue (oneIn (4, chance) ? static_cast<float> (chance.nextInt (2)) : chance.nextFloat());
         else if (! seat.getsBadAudio)
             chosen.setValue (oneIn (8, chance) ? 1.0f : 0.0f);
 
-        ++count.number;
-    }
-
-    //==============================================================================
-    void startRound()
-    {
-        endMs = juce::Time::getMillisecondCounterHiRes() + roundsMs.front();
-        roundsMs.pop_front();
-
-        for (int i = 0; i < numAudioThreads; ++i)
-            workers.emplace_back ([this, i, chance = Random (++seed)] (const std::stop_token& stop)
-                                  { playInstances (stop, i, chance); });
-
-        workers.emplace_back ([this, chance = Random (++seed)] (const std::stop_token& stop)
-                              { loadAndSave (stop, chance); });
-        startTimer (1);
+        ++parameters.number;
     }
 
     void playInstances (const std::stop_token& stop, int first, Random chance)
@@ -92,12 +87,8 @@ private:
 
         while (! stop.stop_requested())
             for (auto i = static_cast<std::size_t> (first); i < seats.size(); i += numAudioThreads)
-            {
-                auto& seat = *seats[i];
-
-                if (const std::unique_lock lock (seat.audioLock, std::try_to_lock); lock.owns_lock())
-                    play (seat, buffer, chance);
-            }
+                if (const std::unique_lock lock (seats[i]->audioLock, std::try_to_lock); lock.owns_lock())
+                    play (*seats[i], buffer, chance);
     }
 
     void play (Seat& seat, juce::AudioBuffer<float>& buffer, Random& chance)
@@ -105,10 +96,10 @@ private:
         juce::AudioBuffer<float> part (buffer.getArrayOfWritePointers(), Seat::numChannels,
                                        1 + chance.nextInt (seat.longestBlock));
         const auto isBad = seat.getsBadAudio && chance.nextBool();
-        isBad ? fillWithBadAudio (part, chance) : fillWithAudio (part, chance);
+        fillWithAudio (part, chance, isBad);
 
         for (auto changes = chance.nextInt (8) - 4; changes > 0; --changes)
-            setAnyParameter (seat, chance, automations); // which the process call brings along
+            setAnyParameter (seat, chance); // which the process call brings along
 
         brokenBlocks += seat.process (part) ? 0 : 1;
         samples.number += part.getNumSamples();
@@ -121,94 +112,50 @@ private:
         {
             // For 500 ms after a load programs are held back, so each instance needs a pause.
             juce::Thread::sleep (10);
-            auto& seat = anySeat (chance);
-            const std::lock_guard lock (seat.stateLock);
-            const auto saved = seat.save();
-            const auto isSlot = chance.nextBool();
-            seat.load (isSlot ? withOtherSlot (saved) : randomState (chance));
-            ++saves.number;
-            ++(isSlot ? slots : loads).number;
-        }
-    }
-
-    //==============================================================================
-    void timerCallback() override
-    {
-        if (juce::Time::getMillisecondCounterHiRes() < endMs)
-        {
-            actAsUser();
-        }
-        else if (! workers.empty())
-        {
-            workers.clear();
-            startTimer (leastWindowMs); // meanwhile arrives what is on its way between the threads
-        }
-        else if (! windows.empty())
-        {
-            while (! windows.empty())
-                closeOldestWindow();
-        }
-        else
-        {
-            pause();
-
-            if (roundsMs.empty())
-                juce::MessageManager::getInstance()->stopDispatchLoop();
-            else
-                startRound();
+            const auto project = withOtherSettings (anySeat (chance).save(), chance);
+            anySeat (chance).load (project);
+            ++loads.number;
         }
     }
 
     void actAsUser()
     {
         for (int i = 0; i < 4; ++i)
-            setAnyParameter (anySeat (random), random, parameters);
+            setAnyParameter (anySeat (random), random);
 
         auto& seat = anySeat (random);
-        const auto choice = random.nextInt (16);
 
-        if (choice == 0)
+        switch (random.nextInt (16))
         {
-            openWindow (seat);
-        }
-        else if (choice < 3)
-        {
-            seat.prepare (oneOf ({ 8000.0, 11025.0, 16000.0, 22050.0, 32000.0, 44100.0, 48000.0, 88200.0, 96000.0,
-                                   176400.0, 192000.0, 384000.0 },
-                                 random),
-                          randomLength (random));
-            ++preparations.number;
-        }
-        else if (choice == 3)
-        {
-            loadOrSave (seat);
-        }
-        else
-        {
-            seat.instance->setCurrentProgram (random.nextInt (seat.instance->getNumPrograms()));
-            ++programs.number;
+            case 0:
+                return openWindow (seat);
+            case 1:
+            case 2:
+                seat.prepare (oneOf ({ 8000.0, 11025.0, 16000.0, 22050.0, 32000.0, 44100.0, 48000.0, 88200.0, 96000.0,
+                                       176400.0, 192000.0, 384000.0 },
+                                     random),
+                              randomLength (random));
+                ++preparations.number;
+                return;
+            default:
+                seat.instance->setCurrentProgram (random.nextInt (seat.instance->getNumPrograms()));
+                ++programs.number;
         }
     }
 
     /** Up to four are open, of which the oldest closes. */
     void openWindow (Seat& seat)
     {
-        const auto nowMs = juce::Time::getMillisecondCounterHiRes();
-
-        if (seat.instance->getActiveEditor() != nullptr
-            || (! openedMs.empty() && nowMs - openedMs.front() < leastWindowMs))
+        if (seat.instance->getActiveEditor() != nullptr || nowMs() - openedMs < leastWindowMs / maxWindows)
             return;
 
-        openedMs.push_back (nowMs);
+        openedMs = nowMs();
         windows.emplace_back (seat.instance->createEditorIfNeeded())->addToDesktop (0);
         windows.back()->setVisible (true);
         ++openings.number;
 
-        if (windows.size() > maxWindows)
+        if (windows.size() > std::size_t (maxWindows))
             closeOldestWindow();
-
-        if (openedMs.size() >= maxWindows)
-            openedMs.pop_front();
     }
 
     /** JUCE's host posts a message at each size that the plug-in's window takes, and does not look on its arrival whether
@@ -225,37 +172,15 @@ private:
         windows.pop_front();
     }
 
-    /** The whole instance. The message thread does not wait for the host's other one. */
-    void loadOrSave (Seat& seat)
-    {
-        const std::unique_lock lock (seat.stateLock, std::try_to_lock);
-
-        if (! lock.owns_lock())
-            return;
-
-        const auto isLoad = random.nextBool() && ! seat.project.isEmpty();
-
-        if (isLoad)
-            seat.instance->setStateInformation (seat.project.getData(), static_cast<int> (seat.project.getSize()));
-        else
-            seat.instance->getStateInformation (seat.project);
-
-        ++(isLoad ? loads : saves).number;
-    }
-
     static constexpr int numAudioThreads = 4;
-    static constexpr std::size_t maxWindows = 4;
+    static constexpr int maxWindows = 4;
     static constexpr int leastWindowMs = 500; ///< A window stays open for at least as long.
 
     Seats& seats;
     int seed;      ///< The one given out last.
     Random random; ///< The message thread's.
-    std::function<void()> pause;
-    std::deque<double> roundsMs;
-    double endMs = 0.0;
     std::deque<std::unique_ptr<juce::AudioProcessorEditor>> windows;
-    std::deque<double> openedMs; ///< When the newest of them were opened.
-    std::vector<std::jthread> workers;
+    double openedMs = 0.0; ///< When the newest of them was opened.
 };
 
 } // namespace tarvik::soak

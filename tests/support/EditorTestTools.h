@@ -135,6 +135,24 @@ inline juce::StringArray labelTexts (juce::Component& parent)
     return texts;
 }
 
+/** One line for each row of a menu, sub-menus indented: "id text", with "*" before the text for a tick. */
+inline juce::String rowsOf (const juce::PopupMenu& menu, const juce::String& indent = {})
+{
+    juce::String text;
+
+    for (juce::PopupMenu::MenuItemIterator i (menu); i.next();)
+    {
+        const auto& item = i.getItem();
+        text << indent << (item.isSeparator ? "--" : juce::String (item.itemID) + (item.isTicked ? " *" : " "))
+             << item.text << (item.isEnabled || item.isSeparator ? "\n" : " (disabled)\n");
+
+        if (item.subMenu != nullptr)
+            text << rowsOf (*item.subMenu, indent + "  ");
+    }
+
+    return text;
+}
+
 /** What a component draws, at one image pixel for each of its own. */
 inline juce::Image snapshotOf (juce::Component& component)
 {

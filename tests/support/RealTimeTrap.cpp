@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <dlfcn.h>
+#include <malloc.h>
 #include <pthread.h>
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -27,6 +28,18 @@ thread_local int lockCount = 0;
     if (isArmed)
         ++allocationCount;
 }
+
+using LockFunction = int (*) (pthread_mutex_t*);
+
+LockFunction findLock() noexcept { return reinterpret_cast<LockFunction> (dlsym (RTLD_NEXT, "pthread_mutex_lock")); }
+
+const auto realLock = findLock(); // before main, because looking it up may itself allocate
+
+#if defined(__SANITIZE_ADDRESS__)
+// The sanitizer owns malloc, and tells.
+[[maybe_unused]] const int hooksInstalled = __sanitizer_install_malloc_and_free_hooks (
+    [] (const volatile void*, std::size_t) { countAllocation(); }, [] (const volatile void*) { countAllocation(); });
+#endif
 } // namespace
 
 RealTimeTrap::RealTimeTrap() noexcept
@@ -42,20 +55,6 @@ int RealTimeTrap::allocations() const noexcept { return allocationCount; }
 
 int RealTimeTrap::locks() const noexcept { return lockCount; }
 
-namespace
-{
-using LockFunction = int (*) (pthread_mutex_t*);
-
-// Looked up before main, since the look-up itself may allocate.
-const auto realLock = reinterpret_cast<LockFunction> (dlsym (RTLD_NEXT, "pthread_mutex_lock"));
-
-#if defined(__SANITIZE_ADDRESS__)
-// The sanitizer owns malloc, and tells.
-[[maybe_unused]] const int hooksInstalled = __sanitizer_install_malloc_and_free_hooks (
-    [] (const volatile void*, std::size_t) { countAllocation(); }, [] (const volatile void*) { countAllocation(); });
-#endif
-} // namespace
-
 } // namespace tarvik::test
 
 // These stand in front of the C library's own, for the whole program.
@@ -69,49 +68,33 @@ extern "C"
             ++lockCount;
 
         // Static initialisers of other files may lock before the look-up above has run.
-        const auto lock =
-            realLock != nullptr ? realLock : reinterpret_cast<LockFunction> (dlsym (RTLD_NEXT, "pthread_mutex_lock"));
-        return lock (mutex);
+        return (realLock != nullptr ? realLock : findLock()) (mutex);
     }
 
 // The ThreadSanitizer must see all memory itself; there the trap counts locks alone.
 #if ! defined(__SANITIZE_ADDRESS__) && ! defined(__SANITIZE_THREAD__)
-    void* __libc_malloc (std::size_t size);
-    void* __libc_calloc (std::size_t count, std::size_t size);
-    void* __libc_realloc (void* block, std::size_t size);
-    void* __libc_memalign (std::size_t alignment, std::size_t size);
-    void __libc_free (void* block);
-
-    void* malloc (std::size_t size) noexcept
-    {
-        tarvik::test::countAllocation();
-        return __libc_malloc (size);
+#define TARVIK_COUNTED(name, declared, passed) \
+    void* __libc_##name declared;              \
+    void* name declared noexcept               \
+    {                                          \
+        tarvik::test::countAllocation();       \
+        return __libc_##name passed;           \
     }
 
-    void* calloc (std::size_t count, std::size_t size) noexcept
-    {
-        tarvik::test::countAllocation();
-        return __libc_calloc (count, size);
-    }
+    TARVIK_COUNTED (malloc, (std::size_t size), (size))
+    TARVIK_COUNTED (calloc, (std::size_t count, std::size_t size), (count, size))
+    TARVIK_COUNTED (realloc, (void* block, std::size_t size), (block, size))
+    TARVIK_COUNTED (memalign, (std::size_t alignment, std::size_t size), (alignment, size))
 
-    void* realloc (void* block, std::size_t size) noexcept
-    {
-        tarvik::test::countAllocation();
-        return __libc_realloc (block, size);
-    }
-
-    void* aligned_alloc (std::size_t alignment, std::size_t size) noexcept
-    {
-        tarvik::test::countAllocation();
-        return __libc_memalign (alignment, size);
-    }
+    void* aligned_alloc (std::size_t alignment, std::size_t size) noexcept { return memalign (alignment, size); }
 
     int posix_memalign (void** block, std::size_t alignment, std::size_t size) noexcept
     {
-        tarvik::test::countAllocation();
-        *block = __libc_memalign (alignment, size);
+        *block = memalign (alignment, size);
         return *block != nullptr ? 0 : ENOMEM;
     }
+
+    void __libc_free (void* block);
 
     void free (void* block) noexcept
     {

@@ -45,6 +45,20 @@ inline juce::MemoryBlock blockOfText (std::string_view text)
     return stream.getMemoryBlock();
 }
 
+inline std::string bytesOf (const juce::MemoryBlock& block)
+{
+    return { static_cast<const char*> (block.getData()), block.getSize() };
+}
+
+/** In their order in a project: calibration, oversampling, noise, zoom, limiter sensitivity, meter mode. */
+inline juce::String settingsOf (const Tarvik41Processor& strip)
+{
+    juce::String all;
+    return all << strip.calibrationSetting().getValue() << " " << strip.oversamplingSetting().getValue() << " "
+               << int (strip.analogSetting().getValue()) << " " << strip.uiZoomSetting().getValue() << " "
+               << strip.limiterSensitivitySetting().getValue() << " " << strip.meterModeSetting().getValue();
+}
+
 /** What differs from the default settings, as a user reads it: " gain=4.77 midFreq=1000 Hz". */
 inline juce::String differencesFromDefault (const ParameterSnapshot& snapshot)
 {
@@ -64,26 +78,6 @@ inline juce::String differencesFromDefault (const ParameterSnapshot& snapshot)
     }
 
     return all;
-}
-
-/** The name of a parameter, in either slot or on the outside, that has left its range; empty if all is well. */
-inline juce::String firstFieldOutOfRange (Tarvik41Processor& strip)
-{
-    for (const auto* const parameter : strip.getParameters())
-        if (const auto position = parameter->getValue(); ! (position >= 0.0f && position <= 1.0f))
-            return parameter->getName (50) + ", the parameter";
-
-    for (int i = 0; i < numParameters; ++i)
-        for (int slot = 0; slot < KVLProcessor::numSlots; ++slot)
-        {
-            const auto& row = parameterRow (i);
-            const auto value = plainValueOf (strip.getSlot (slot), i);
-
-            if (! (value >= row.range.start && value <= row.range.end))
-                return juce::String (row.id) + ", slot " + juce::String (slot);
-        }
-
-    return {};
 }
 
 } // namespace tarvik::test

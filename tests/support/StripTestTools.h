@@ -113,12 +113,15 @@ public:
     {
         const auto isAll = details.programChanged && details.parameterInfoChanged && details.latencyChanged;
         log << (isAll ? "all " : details.latencyChanged ? "latency " : "no latency ");
+        onChange();
     }
 
     /** What was heard since the last call: "(" and ")" around a gesture, "v" for a value, each with the index;
         "latency" and "all" for what the host is to look at again.
     */
     juce::String heard() { return std::exchange (log, {}); }
+
+    std::function<void()> onChange = [] {}; ///< What else the host does when it is to look at something again.
 
 private:
     void note (const char* what, int index) { log << what << index << " "; }
@@ -160,6 +163,15 @@ inline std::vector<Signal> process (juce::AudioProcessor& processor, std::vector
 {
     return process (
         processor, std::move (channels), [blockLength] { return blockLength; }, isBypassed);
+}
+
+/** How many samples after an impulse its peak leaves the first of two channels. */
+inline std::ptrdiff_t delayOfImpulse (juce::AudioProcessor& processor, int blockLength)
+{
+    Signal impulse (300);
+    impulse[0] = 0.5f;
+    const auto output = process (processor, { impulse, impulse }, blockLength)[0];
+    return std::max_element (output.begin(), output.end()) - output.begin();
 }
 
 /** The first of several channels, as a value that a loop can hold on to. */

@@ -49,13 +49,8 @@ Response highPass (bool isOn)
 
 BiquadCascade makeCascade (const Response& response)
 {
-    Design design;
-    design.numerator = response.numerator;
-    design.denominator = response.denominator;
-    design.sampleRate = rateHz;
-    design.design();
     BiquadCascade cascade;
-    cascade.setTaps (design.taps);
+    cascade.setTaps (Design::tapsFor (response.numerator, response.denominator, rateHz));
     return cascade;
 }
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "plugin/UpdateGate.h"
 #include "tests/support/StateTestTools.h"
 #include "tests/support/StripTestTools.h"
 
@@ -40,20 +41,17 @@ TEST (StateThreads, LoadingSavingTurningAndPlayingAtOnce)
             }
         });
 
-    juce::String trackName; // the user's thread's, until it has ended
-    const auto expectTrackName = [&]
-    {
-        for (int slot = 0; slot < KVLProcessor::numSlots; ++slot)
-            ASSERT_EQ (strip->getSlot (slot).trackName, trackName) << slot;
-    };
     std::jthread user (
         [&] (const std::stop_token& stop)
         {
             std::mt19937 random (3);
+            juce::String trackName;
 
             for (int i = 0; ! stop.stop_requested(); ++i)
             {
-                expectTrackName(); // which only this thread may touch
+                for (int slot = 0; slot < KVLProcessor::numSlots; ++slot)
+                    ASSERT_EQ (strip->getSlot (slot).trackName, trackName) << "which only this thread may touch";
+
                 strip->getParameters()[static_cast<int> (random() % numParameters)]->setValueNotifyingHost (
                     static_cast<float> (random() % 101) / 100.0f);
 
@@ -63,11 +61,11 @@ TEST (StateThreads, LoadingSavingTurningAndPlayingAtOnce)
                 if (i % 50 == 0)
                     strip->setCurrentProgram (i / 50 % 26);
 
-                trackName = "a track name too long for any short buffer " + juce::String (i);
-                strip->updateTrackProperties ({ trackName, {} });
-
                 if (i % 30 == 0)
                     strip->copySlotToOther();
+
+                trackName = "a track name too long for any short buffer " + juce::String (i);
+                strip->updateTrackProperties ({ trackName, {} });
             }
         });
 
@@ -84,18 +82,75 @@ TEST (StateThreads, LoadingSavingTurningAndPlayingAtOnce)
         }
     }
 
-    for (auto* const thread : { &state, &user })
-    {
-        thread->request_stop();
-        thread->join();
-    }
-
-    EXPECT_EQ (firstFieldOutOfRange (*strip), "");
-    expectTrackName();
+    state = {}; // asks it to stop, and waits
+    user = {};
 
     // After all that a project still comes back whole.
     load (*strip, projects[1]);
     EXPECT_EQ (saved (*strip), projects[1]);
+}
+
+TEST (UpdateGate, ARequestDuringTheWorkOrAHoldIsDoneOnceAfterIt)
+{
+    UpdateGate gate;
+    int runs = 0;
+    const auto work = [&] { ++runs; };
+    const auto workAndAsk = [&]
+    {
+        ++runs;
+        gate.request ([] { ADD_FAILURE() << "whoever asks meanwhile goes without working"; });
+    };
+
+    gate.request (workAndAsk);
+    EXPECT_EQ (runs, 1) << "nobody works for others without end";
+    EXPECT_TRUE (gate.catchUp (workAndAsk));
+    gate.request (work); // takes up the note as well
+    EXPECT_FALSE (gate.catchUp (work));
+    EXPECT_EQ (runs, 3);
+    gate.request (workAndAsk);
+
+    // A note from before the hold is taken up at its end, requests during it then, and nobody's is not.
+    for (const auto& [requests, runsAfter] : { std::pair (0, 5), { 2, 6 }, { 0, 6 } })
+    {
+        const auto runsBefore = runs;
+        {
+            const UpdateGate::Hold hold (gate, work);
+            EXPECT_FALSE (gate.catchUp (work));
+
+            for (int i = 0; i < requests; ++i)
+                gate.request (work);
+
+            EXPECT_EQ (runs, runsBefore);
+        }
+        EXPECT_EQ (runs, runsAfter);
+    }
+}
+
+TEST (UpdateGate, NoChangeOfManyThreadsIsLost)
+{
+    constexpr int numThreads = 4, changesPerThread = 20000;
+    UpdateGate gate;
+    std::atomic<int> newest[numThreads] {};
+    int seen[numThreads] {}; // written by whoever is at work
+    const auto look = [&] { std::copy (std::begin (newest), std::end (newest), seen); };
+    {
+        std::vector<std::jthread> threads;
+
+        for (auto& own : newest)
+            threads.emplace_back (
+                [&]
+                {
+                    for (int i = 1; i <= changesPerThread; ++i)
+                    {
+                        own = i;
+                        gate.request (look);
+                    }
+                });
+    }
+    gate.catchUp (look);
+
+    for (const auto value : seen)
+        EXPECT_EQ (value, changesPerThread);
 }
 
 } // namespace tarvik

@@ -25,13 +25,14 @@ TEST (BusLayout, EqualMonoOrStereoWithItsSideChainOrNoneIsAccepted)
 
 TEST (BusLayout, OnlyAVst3HostFindsARefusedSidechainAtTheMainWidth)
 {
-    for (const auto format : { juce::AudioProcessor::wrapperType_VST3, juce::AudioProcessor::wrapperType_Undefined })
+    for (const auto& [format, width] : { std::pair (juce::AudioProcessor::wrapperType_VST3, Set::mono()),
+                                         { juce::AudioProcessor::wrapperType_Undefined, Set::stereo() } })
     {
         const auto strip = test::makeStripFor (format);
         EXPECT_FALSE (strip->checkBusesLayoutSupported (layoutOf (Set::mono(), Set::mono(), Set::stereo())));
-        const auto width = format == juce::AudioProcessor::wrapperType_VST3 ? Set::mono() : Set::stereo();
-        EXPECT_EQ (strip->getChannelLayoutOfBus (true, 1), width);
-        EXPECT_EQ (strip->getChannelLayoutOfBus (true, 0), width);
+
+        for (const auto bus : { 0, 1 })
+            EXPECT_EQ (strip->getChannelLayoutOfBus (true, bus), width);
     }
 }
 
@@ -43,6 +44,26 @@ TEST (BusLayout, ArdourAndItsScriptInterpreterAreOfferedNoMono)
     EXPECT_FALSE (isMainBusOffered (Set::mono(), Host::Ardour));
     EXPECT_TRUE (isMainBusOffered (Set::stereo(), Host::Ardour));
     EXPECT_TRUE (isMainBusOffered (Set::mono(), Host::UnknownHost));
+}
+
+TEST (LibraryStart, EachInstanceSaysSoAndOnePairOfSelfChecksRemains)
+{
+    testing::internal::CaptureStdout();
+    const Tarvik41Processor first, second;
+    EXPECT_EQ (testing::internal::GetCapturedStdout(), "Initializing KVLLib...\nInitializing KVLLib...\n");
+
+    juce::UnitTestRunner runner;
+    const auto checks = juce::UnitTest::getTestsInCategory ("KVLLib");
+    EXPECT_EQ (checks.size(), 2);
+    runner.setAssertOnFailure (false);
+    runner.runTests (checks);
+    ASSERT_GT (runner.getNumResults(), 4);
+
+    for (int i = 0; i < runner.getNumResults(); ++i)
+    {
+        EXPECT_EQ (runner.getResult (i)->failures, 0) << runner.getResult (i)->unitTestName;
+        EXPECT_GT (runner.getResult (i)->passes, 0) << runner.getResult (i)->unitTestName;
+    }
 }
 
 } // namespace tarvik
