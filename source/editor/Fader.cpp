@@ -11,9 +11,8 @@ namespace
 constexpr int defaultWidth = 300, defaultHeight = 1706;
 }
 
-Fader::Fader() : juce::Slider (LinearVertical, NoTextBox)
+Fader::Fader() : ValueSlider (LinearVertical)
 {
-    setRange (0.0, 1.0);
     setLookAndFeel (&look);
     setSize (defaultWidth, defaultHeight);
 }
@@ -25,18 +24,24 @@ juce::MouseEvent Fader::moved (const juce::MouseEvent& event) const
     return event.withNewPosition (event.position.translated (0.0f, pressOffset));
 }
 
+juce::Rectangle<int> Fader::valuePlace() const
+{
+    const auto fromTop = juce::roundToInt ((1.0 - getValue()) * fader::trackHeight (getHeight()));
+    return { 0, fromTop, getWidth(), fader::capHeight (getHeight()) };
+}
+
 void Fader::mouseDown (const juce::MouseEvent& event)
 {
     const auto fromTop = static_cast<float> ((1.0 - getValue()) * fader::trackHeight (getHeight()));
     pressOffset = fromTop + static_cast<float> (fader::trackTop (getHeight())) - event.position.y;
-    Slider::mouseDown (moved (event));
+    ValueSlider::mouseDown (moved (event));
 }
 
-void Fader::mouseDrag (const juce::MouseEvent& event) { Slider::mouseDrag (moved (event)); }
+void Fader::mouseDrag (const juce::MouseEvent& event) { ValueSlider::mouseDrag (moved (event)); }
 
 void Fader::mouseUp (const juce::MouseEvent& event)
 {
-    Slider::mouseUp (moved (event));
+    ValueSlider::mouseUp (moved (event));
     pressOffset = 0.0f;
 }
 

@@ -2,14 +2,13 @@
 #pragma once
 
 #include "editor/ScaledPictures.h"
-
-#include <juce_gui_basics/juce_gui_basics.h>
+#include "editor/ValueSlider.h"
 
 namespace tarvik
 {
 
 /** The long fader. A press anywhere takes hold of the cap without moving it. Message thread. */
-class Fader final : public juce::Slider
+class Fader final : public ValueSlider
 {
 public:
     Fader();
@@ -18,6 +17,9 @@ public:
     void mouseDown (const juce::MouseEvent& event) override;
     void mouseDrag (const juce::MouseEvent& event) override;
     void mouseUp (const juce::MouseEvent& event) override;
+
+    /** The cap. */
+    juce::Rectangle<int> valuePlace() const override;
 
     /** The whole component, not only the cap. */
     bool hitTest (int, int) override { return true; }

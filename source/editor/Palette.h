@@ -15,6 +15,9 @@ inline constexpr juce::uint32 trackName = 0xe5d56223;
 inline constexpr juce::uint32 channelNumber = 0xffaa362b;
 inline constexpr juce::uint32 debugPrint = 0xffff0000;
 inline constexpr juce::uint32 needle = 0xfffee853;
+inline constexpr juce::uint32 accent = 0xfff2a43a; ///< The panel's amber: focus, editing, and what is lit.
+
+inline constexpr juce::uint32 fieldSheet = 0xf01a1f22; ///< Under a value that is being typed.
 
 inline constexpr juce::uint32 topStripPrint = 0xc5ffffff;
 inline constexpr juce::uint32 potOutline = 0x66000000;
