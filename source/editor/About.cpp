@@ -49,6 +49,7 @@ constexpr Box productLogoBox { 0.0644f, 0.2167f, 0.3f, 0.12f }, makerLogoBox { 0
 About::About (const Sites& sites) : link ("Tarvik Plugins Website", juce::URL (sites.maker))
 {
     setTitle ("About");
+    setWantsKeyboardFocus (true);
     const auto built =
         juce::Time::getCompilationDate().formatted (JucePlugin_Name " " JucePlugin_VersionString " (build %F)");
 
@@ -88,6 +89,21 @@ void About::resized()
     link.setBounds (linkBox.on (getWidth(), getHeight()));
 }
 
-void About::mouseUp (const juce::MouseEvent&) { setVisible (false); }
+void About::open()
+{
+    focusedBefore = getCurrentlyFocusedComponent();
+    setVisible (true);
+    grabKeyboardFocus();
+}
+
+void About::close()
+{
+    if (hasKeyboardFocus (true) && focusedBefore != nullptr)
+        focusedBefore->grabKeyboardFocus();
+
+    setVisible (false);
+}
+
+void About::mouseUp (const juce::MouseEvent&) { close(); }
 
 } // namespace tarvik

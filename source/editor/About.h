@@ -12,7 +12,9 @@
 namespace tarvik
 {
 
-/** The panel with the version and the credits. A click on it hides it. Message thread. */
+/** The panel with the version and the credits. A click on it hides it. It has the keyboard while it is open. Message
+    thread.
+*/
 class About final : public juce::Component
 {
 public:
@@ -20,11 +22,17 @@ public:
 
     explicit About (const Sites& sites = Sites::configured());
 
+    void open();
+
+    /** Gives the keyboard back. */
+    void close();
+
     void paint (juce::Graphics& g) override;
     void resized() override;
     void mouseUp (const juce::MouseEvent& event) override;
 
 private:
+    juce::Component::SafePointer<juce::Component> focusedBefore;
     std::array<juce::Label, 5> texts;
     juce::HyperlinkButton link;
     ScaledPicture productLogo { Picture::aboutLogoA }, makerLogo { Picture::aboutLogoB };

@@ -2,13 +2,14 @@
 #pragma once
 
 #include "editor/ConsoleLayout.h"
+#include "editor/SpokenText.h"
 
 #include <juce_gui_basics/juce_gui_basics.h>
 
 namespace tarvik
 {
 
-/** A text of the console, made from its row. Message thread. */
+/** A text of the console, made from its row. A number that is edited opens without what is shown around it. Message thread. */
 class ConsoleLabel final : public juce::Label
 {
 public:
@@ -25,6 +26,27 @@ public:
         setTitle (row.title);
         setEditable (row.isEditable, row.isEditable, false);
         setInterceptsMouseClicks (row.isEditable, row.isEditable);
+    }
+
+private:
+    void editorShown (juce::TextEditor* field) override
+    {
+        field->setText (getText().retainCharacters ("0123456789"), false);
+        field->selectAll();
+        Label::editorShown (field);
+    }
+
+    /** JUCE's own speaks the text alone; this one also says of what it is. */
+    std::unique_ptr<juce::AccessibilityHandler> createAccessibilityHandler() override
+    {
+        juce::AccessibilityActions actions;
+
+        if (isEditable())
+            actions.addAction (juce::AccessibilityActionType::press, [this] { showEditor(); });
+
+        return std::make_unique<juce::AccessibilityHandler> (
+            *this, isEditable() ? juce::AccessibilityRole::editableText : juce::AccessibilityRole::label, actions,
+            juce::AccessibilityHandler::Interfaces { std::make_unique<SpokenText> ([this] { return getText(); }) });
     }
 };
 

@@ -149,7 +149,7 @@ inline constexpr std::array<PushRow, 12> pushButtons
     { parameter ("expInverted"), "INVERT",   { 0.7148f, 0.8374f, 0.0667f, 0.0892f }, Picture::lampRed,   { 0.74f,   0.8286f, 0.0189f, 0.0251f } },
 } };
 
-inline constexpr Words meterMode { "Meter mode", "What the VU meter shows: the input while pressed, otherwise the output", focusOrderOf (parameter ("pad")) + 1 };
+inline constexpr Words meterMode { "VU Mode", "What the VU meter shows: the input while pressed, otherwise the output", focusOrderOf (parameter ("pad")) + 1 };
 
 inline constexpr SliderRow levelFader { parameter ("level"), "LEVEL", { 0.8437f, 0.1552f, 0.1111f, 0.8404f }, "sldLevel" };
 inline constexpr ButtonRow mute       { parameter ("mute"), "MUTE", { 0.82f,   0.0369f, 0.0611f, 0.0813f } };
@@ -187,10 +187,33 @@ inline constexpr std::array<SwitchRow, 5> switches
 inline constexpr PictureButtonRow compressorLed { { 0.5222f, 0.2335f, 0.0444f, 0.0591f }, Picture::none, Picture::none, Picture::ledRed };
 inline constexpr PictureButtonRow expanderLed   { { 0.7222f, 0.2335f, 0.0444f, 0.0591f }, Picture::none, Picture::none, Picture::ledGreen };
 inline constexpr SliderRow trim                 { parameter ("thd"), "THD", { 0.09f,   0.5906f, 0.02f,   0.0266f }, "sldTHD" };
-inline constexpr MeterRow vuMeter               { { 0.0311f, 0.0399f, 0.1378f, 0.0931f }, "VU", "Level of the input or of the output, by the meter mode button" };
+inline constexpr MeterRow vuMeter               { { 0.0311f, 0.0399f, 0.1378f, 0.0931f }, "VU", "Level of the input or of the output, by VU MODE" };
 inline constexpr MeterRow gainReductionMeter    { { 0.0311f, 0.2719f, 0.1378f, 0.0931f }, "Gain reduction", "By how much the compressor turns down" };
 inline constexpr LabelRow debug                 { { 0.8178f, 0.0f,    0.1667f, 0.0355f }, "DEBUG", 12.0f, palette::debugPrint };
+
 // clang-format on
+
+/** What a control is called whose parameter hosts know by another name than the panel's. */
+struct Title
+{
+    int parameter;
+    const char* text;
+};
+
+inline constexpr Title titles[] = {
+    { parameter ("equalizer"), "EQ In" },        { parameter ("midMode"), "Mid Boost" },
+    { parameter ("compHPF"), "Comp SC Filter" }, { parameter ("compLimit"), "Comp Limiter" },
+    { parameter ("compIn"), "Dyn In" },          { parameter ("expInverted"), "Exp Invert" },
+};
+
+constexpr const char* titleOf (int parameterIndex, const char* parameterName)
+{
+    for (const auto& title : titles)
+        if (title.parameter == parameterIndex)
+            return title.text;
+
+    return parameterName;
+}
 } // namespace consoleLayout
 
 } // namespace tarvik

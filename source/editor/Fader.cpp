@@ -15,9 +15,8 @@ constexpr float capWidthShare = 160.0f / 300.0f, capHeightShare = 344.0f / 500.0
 constexpr float ringShare = 176.0f / 300.0f; ///< The focus outline lies between the cap and the scale.
 } // namespace
 
-Fader::Fader() : juce::Slider (LinearVertical, NoTextBox)
+Fader::Fader() : ValueSlider (LinearVertical)
 {
-    setRange (0.0, 1.0);
     setLookAndFeel (&look);
     focusOutline::setInset (*this, (1.0f - ringShare) / 2.0f, 0.0f);
     setSize (defaultWidth, defaultHeight);
@@ -34,19 +33,18 @@ void Fader::mouseDown (const juce::MouseEvent& event)
 {
     const auto fromTop = static_cast<float> ((1.0 - getValue()) * fader::trackHeight (getHeight()));
     pressOffset = fromTop + static_cast<float> (fader::trackTop (getHeight())) - event.position.y;
-    Slider::mouseDown (moved (event));
-    placeBubble();
+    ValueSlider::mouseDown (moved (event));
 }
 
-void Fader::mouseDrag (const juce::MouseEvent& event) { Slider::mouseDrag (moved (event)); }
+void Fader::mouseDrag (const juce::MouseEvent& event) { ValueSlider::mouseDrag (moved (event)); }
 
 void Fader::mouseUp (const juce::MouseEvent& event)
 {
-    Slider::mouseUp (moved (event));
+    ValueSlider::mouseUp (moved (event));
     pressOffset = 0.0f;
 }
 
-juce::Rectangle<int> Fader::capBounds() const
+juce::Rectangle<int> Fader::valuePlace() const
 {
     const auto height = getHeight(), picture = fader::capHeight (height);
     const auto middle = fader::trackTop (height)
@@ -55,13 +53,6 @@ juce::Rectangle<int> Fader::capBounds() const
         .withCentre ({ getWidth() / 2, middle })
         .withSizeKeepingCentre (juce::roundToInt (capWidthShare * static_cast<float> (getWidth())),
                                 juce::roundToInt (capHeightShare * static_cast<float> (picture)));
-}
-
-/** JUCE points with it at the middle of the component, wherever the cap is. */
-void Fader::placeBubble()
-{
-    if (auto* const bubble = dynamic_cast<juce::BubbleComponent*> (getCurrentPopupDisplay()))
-        bubble->setPosition (bubble->getParentComponent()->getLocalArea (this, capBounds()));
 }
 
 //==============================================================================

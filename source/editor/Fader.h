@@ -3,14 +3,13 @@
 
 #include "editor/KVLLNF.h"
 #include "editor/ScaledPictures.h"
-
-#include <juce_gui_basics/juce_gui_basics.h>
+#include "editor/ValueSlider.h"
 
 namespace tarvik
 {
 
 /** The long fader. A press anywhere takes hold of the cap without moving it. Message thread. */
-class Fader final : public juce::Slider
+class Fader final : public ValueSlider
 {
 public:
     Fader();
@@ -20,7 +19,8 @@ public:
     void mouseDrag (const juce::MouseEvent& event) override;
     void mouseUp (const juce::MouseEvent& event) override;
 
-    void valueChanged() override { placeBubble(); }
+    /** The cap, without its shadow. */
+    juce::Rectangle<int> valuePlace() const override;
 
     /** The whole component, not only the cap. */
     bool hitTest (int, int) override { return true; }
@@ -49,8 +49,6 @@ public:
 
 private:
     juce::MouseEvent moved (const juce::MouseEvent& event) const;
-    juce::Rectangle<int> capBounds() const;
-    void placeBubble();
 
     FaderLNF look;
     float pressOffset = 0.0f; ///< In pixels, from the mouse down to the middle of the cap.

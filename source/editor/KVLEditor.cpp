@@ -3,6 +3,7 @@
 
 #include "editor/EditorSize.h"
 #include "editor/Palette.h"
+#include "editor/SetInGesture.h"
 #include "editor/SettingsMenu.h"
 
 namespace tarvik
@@ -16,13 +17,13 @@ constexpr int stripHeight = editorSize::stripHeight;
 
 using Bounds = juce::Rectangle<int>; // of the top strip's controls, whatever the zoom
 
-juce::AudioProcessorParameter& parameterAt (Tarvik41Processor& processor, int index)
+juce::RangedAudioParameter& parameterAt (Tarvik41Processor& processor, int index)
 {
-    return *processor.getParameters().getUnchecked (index);
+    return dynamic_cast<juce::RangedAudioParameter&> (*processor.getParameters().getUnchecked (index));
 }
 } // namespace
 
-KVLEditor::LevelPot::LevelPot (juce::AudioProcessorParameter& parameterToShow, const char* text, Bounds labelBounds,
+KVLEditor::LevelPot::LevelPot (juce::RangedAudioParameter& parameterToShow, const char* text, Bounds labelBounds,
                                Bounds potBounds)
     : parameter (parameterToShow), label ("new label", text),
       pot (juce::Slider::RotaryVerticalDrag, stripHeight, stripHeight)
@@ -46,6 +47,7 @@ KVLEditor::LevelPot::LevelPot (juce::AudioProcessorParameter& parameterToShow, c
     pot.setTooltip (parameterRow (parameter.getParameterIndex()).help);
     pot.setDescription (pot.getTooltip());
     pot.setWantsKeyboardFocus (true);
+    OrvaneConsoleUI::attachSlider (parameter, pot);
 }
 
 KVLEditor::KVLEditor (Tarvik41Processor& processorToShow)
@@ -93,9 +95,16 @@ KVLEditor::KVLEditor (Tarvik41Processor& processorToShow)
     {
         addAndMakeVisible (level.label);
         addAndMakeVisible (level.pot);
-        OrvaneConsoleUI::attachSlider (level.parameter, level.pot); // now that the bubble has a window to be shown in
         level.pot.addListener (this);
     }
+
+    addChildComponent (bubble);
+    addChildComponent (field);
+    field.onValue = [this] (ValueSlider& slider)
+    {
+        showState();
+        bubble.show (slider, false);
+    };
 
     const auto size = editorSize::atZoom (1.0f);
     setSize (size.x, size.y);
@@ -195,7 +204,7 @@ void KVLEditor::showMenu()
                 return;
 
             settingsMenu::apply (id, juce::ModifierKeys::currentModifiers, captured, editor->processor,
-                                 { [&] { editor->about.setVisible (true); }, [&] { editor->updateEditorSize(); } });
+                                 { [&] { editor->about.open(); }, [&] { editor->updateEditorSize(); } });
         });
 }
 
@@ -222,7 +231,77 @@ void KVLEditor::LevelPot::sendChange()
         return;
 
     known = pot.getValue();
-    parameter.setValueNotifyingHost (static_cast<float> (known));
+    setIfNew (parameter, static_cast<float> (known));
+}
+
+//==============================================================================
+juce::RangedAudioParameter* KVLEditor::parameterOf (juce::Component* control) const
+{
+    for (; control != nullptr && control != this; control = control->getParentComponent())
+    {
+        for (const auto& level : levelPots)
+            if (control == &level.pot || control == &level.label)
+                return &level.parameter;
+
+        if (const auto index = console.parameterOf (*control); index != noParameter)
+            return &parameterAt (processor, index);
+    }
+
+    return nullptr;
+}
+
+void KVLEditor::typeValue (ValueSlider& slider)
+{
+    if (auto* const parameter = parameterOf (&slider))
+    {
+        bubble.hide();
+        field.open (slider, *parameter);
+    }
+}
+
+bool KVLEditor::keyPressed (const juce::KeyPress& key)
+{
+    const auto closes = about.isVisible() && key == juce::KeyPress (juce::KeyPress::escapeKey);
+
+    if (closes)
+        about.close();
+
+    return closes;
+}
+
+void KVLEditor::pressed (const juce::MouseEvent& event)
+{
+    auto* const control = event.eventComponent;
+
+    if (control != &field)
+        field.close (true);
+
+    if (control != &about && ! about.isParentOf (control))
+        about.close();
+
+    if (! event.mods.isPopupMenu())
+        return;
+
+    const auto* const parameter = parameterOf (control);
+    const auto* const host = getHostContext();
+
+    if (parameter != nullptr && host != nullptr)
+        if (const auto menu = host->getContextMenuForParameter (parameter))
+            menu->showNativeMenu (event.getEventRelativeTo (this).getPosition());
+}
+
+void KVLEditor::doubleClicked (const juce::MouseEvent& event)
+{
+    if (event.mods.isPopupMenu())
+        return;
+
+    if (event.eventComponent == &console)
+        if (auto* const knob = console.knobNamedAt (event.getPosition()))
+            typeValue (*knob);
+
+    for (auto& level : levelPots)
+        if (event.eventComponent == &level.label)
+            typeValue (level.pot);
 }
 
 //==============================================================================

@@ -5,6 +5,8 @@
 #include "editor/FocusMark.h"
 #include "editor/KVLLNF.h"
 #include "editor/OrvaneConsoleUI.h"
+#include "editor/ValueBubble.h"
+#include "editor/ValueField.h"
 #include "editor/ZQBar.h"
 #include "plugin/EditorInterface.h"
 
@@ -16,6 +18,7 @@ namespace tarvik
 */
 class KVLEditor final : public juce::AudioProcessorEditor,
                         public ZoomableEditor,
+                        public ValueWindow,
                         private juce::MultiTimer,
                         private juce::Button::Listener,
                         private juce::ComboBox::Listener,
@@ -35,6 +38,13 @@ public:
     void resized() override;
     void setControlHighlight (ParameterControlHighlightInfo info) override;
     int getControlParameterIndex (juce::Component& control) override;
+
+    void showValue (ValueSlider& slider, bool isHeld) override { bubble.show (slider, isHeld); }
+
+    void typeValue (ValueSlider& slider) override;
+
+    /** Escape closes the panel with the credits. */
+    bool keyPressed (const juce::KeyPress& key) override;
 
 private:
     enum TimerID : int
@@ -56,17 +66,37 @@ private:
     /** A pot of the top strip and its label. */
     struct LevelPot
     {
-        LevelPot (juce::AudioProcessorParameter& parameterToShow, const char* text, juce::Rectangle<int> labelBounds,
+        LevelPot (juce::RangedAudioParameter& parameterToShow, const char* text, juce::Rectangle<int> labelBounds,
                   juce::Rectangle<int> potBounds);
 
         void showParameter();
         void sendChange();
 
-        juce::AudioProcessorParameter& parameter;
+        juce::RangedAudioParameter& parameter;
         juce::Label label;
         KVLSlider pot;
         double known = 0.0; ///< The last value that pot and parameter agreed on.
     };
+
+    /** Hears of every press in the window, after the component that it is on. */
+    struct Presses final : juce::MouseListener
+    {
+        explicit Presses (KVLEditor& editorToTell) : editor (editorToTell) { editor.addMouseListener (this, true); }
+
+        ~Presses() override { editor.removeMouseListener (this); }
+
+        void mouseDown (const juce::MouseEvent& event) override { editor.pressed (event); }
+
+        void mouseDoubleClick (const juce::MouseEvent& event) override { editor.doubleClicked (event); }
+
+        KVLEditor& editor;
+    };
+
+    void pressed (const juce::MouseEvent& event);
+    void doubleClicked (const juce::MouseEvent& event);
+
+    /** What a control, or a component in it, stands for; null for nothing. */
+    juce::RangedAudioParameter* parameterOf (juce::Component* control) const;
 
     void showMenu();
     void showState();
@@ -81,7 +111,10 @@ private:
     juce::ComboBox presetBox;
     About about;
     std::array<LevelPot, 2> levelPots;
+    ValueBubble bubble;
+    ValueField field;
     FocusMark focusMark { *this };
+    Presses presses { *this };
     ScaledPicture topShadow { Picture::shadowTop }, bottomShadow { Picture::shadowBottom };
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (KVLEditor)

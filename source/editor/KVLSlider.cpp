@@ -6,17 +6,15 @@
 namespace tarvik
 {
 
-KVLSlider::KVLSlider (SliderStyle style, int width, int height) : juce::Slider (style, NoTextBox)
+KVLSlider::KVLSlider (SliderStyle style, int width, int height) : ValueSlider (style)
 {
     setName ("new slider");
-    setRange (0.0, 1.0);
     addListener (this);
     setSize (width, height);
 }
 
 void KVLSlider::mouseWheelMove (const juce::MouseEvent& event, const juce::MouseWheelDetails& wheel)
 {
-    constexpr float fineFactor = 0.1f;
     constexpr int pauseMilliseconds = 500;
 
     const auto isFine = event.mods.getRawFlags() == juce::ModifierKeys::ctrlModifier;
@@ -27,7 +25,7 @@ void KVLSlider::mouseWheelMove (const juce::MouseEvent& event, const juce::Mouse
         auto scaled = wheel;
         scaled.deltaX *= isFine ? fineFactor : 1.0f;
         scaled.deltaY *= isFine ? fineFactor : 1.0f;
-        Slider::mouseWheelMove (event, scaled); // and from there to the parent, if this slider cannot take it
+        ValueSlider::mouseWheelMove (event, scaled); // and from there to the parent, if this slider cannot take it
         return;
     }
 
@@ -42,6 +40,7 @@ void KVLSlider::mouseWheelMove (const juce::MouseEvent& event, const juce::Mouse
         setValue (juce::jlimit (getMinimum(), getMaximum(), old + static_cast<double> (steps) * getInterval()),
                   juce::sendNotificationAsync);
         unsentStep = unsentStep || getValue() != old;
+        showValue();
     }
 
     startTimer (pauseMilliseconds);

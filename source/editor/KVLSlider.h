@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <juce_gui_basics/juce_gui_basics.h>
+#include "editor/ValueSlider.h"
 
 namespace tarvik
 {
 
-/** A slider from 0 to 1. If it is stepped, a notch of the wheel is a step; fine movements with Ctrl add up to steps, and a
+/** A slider whose wheel knows steps. If it is stepped, a notch of the wheel is a step; fine movements with Ctrl add up to steps, and a
     remainder is dropped after a pause. Message thread.
 */
-class KVLSlider : public juce::Slider, private juce::Timer, private juce::Slider::Listener
+class KVLSlider : public ValueSlider, private juce::Timer, private juce::Slider::Listener
 {
 public:
     KVLSlider (SliderStyle style, int width, int height);

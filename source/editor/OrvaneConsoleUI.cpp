@@ -79,7 +79,7 @@ void OrvaneConsoleUI::place (juce::Component& control, const Box& box)
     addAndMakeVisible (control);
 }
 
-void OrvaneConsoleUI::placeSlider (juce::Slider& slider, const Box& box, int parameter)
+void OrvaneConsoleUI::placeSlider (ValueSlider& slider, const Box& box, int parameter)
 {
     place (slider, box);
     connect (parameter, slider);
@@ -110,6 +110,9 @@ void OrvaneConsoleUI::placeTrackPlate()
 {
     addAndMakeVisible (trackPlate);
     trackPlate.link.setTooltip (layout::link.tooltip);
+    trackPlate.link.setTitle (layout::link.tooltip);
+    trackPlate.leftNumber.setTitle ("Channel number");
+    trackPlate.rightNumber.setTitle ("Right channel number");
     connect (layout::link.parameter, trackPlate.link);
 
     for (auto* const number : { &trackPlate.leftNumber, &trackPlate.rightNumber })
@@ -147,7 +150,10 @@ void OrvaneConsoleUI::connect (int index, juce::Component& control)
     registerControl (index, control);
     const auto& parameter = parameterAt (index);
     const auto* const help = parameterRow (index).help;
-    control.setTitle (parameter.getName (100));
+
+    if (control.getTitle().isEmpty())
+        control.setTitle (layout::titleOf (index, parameter.getName (100).toRawUTF8()));
+
     control.setDescription (help);
     control.setExplicitFocusOrder (layout::focusOrderOf (index));
 
@@ -155,15 +161,19 @@ void OrvaneConsoleUI::connect (int index, juce::Component& control)
         tooltip.setTooltip (help);
 }
 
-void OrvaneConsoleUI::attachSlider (juce::AudioProcessorParameter& parameter, juce::Slider& slider)
+void OrvaneConsoleUI::attachSlider (juce::RangedAudioParameter& parameter, ValueSlider& slider)
 {
     const juce::String unit (parameterRow (parameter.getParameterIndex()).unitAfterText());
-    constexpr int longestText = 5, hoverMilliseconds = 2000;
-    slider.setPopupDisplayEnabled (true, false, slider.getTopLevelComponent(), hoverMilliseconds);
+    constexpr int longestText = 5;
     slider.textFromValueFunction = [&parameter, unit] (double value)
     { return parameter.getText (static_cast<float> (value), longestText) + " " + unit; };
     slider.valueFromTextFunction = [&parameter] (const juce::String& text)
     { return static_cast<double> (parameter.getValueForText (text)); };
+    slider.legalPosition = [&parameter] (double position)
+    {
+        const auto value = turnedFor (parameter, static_cast<float> (position));
+        return static_cast<double> (turnedFor (parameter, parameter.convertTo0to1 (parameter.convertFrom0to1 (value))));
+    };
 }
 
 void OrvaneConsoleUI::applyParameterDefaults()
@@ -201,11 +211,28 @@ void OrvaneConsoleUI::resized()
     KVLUI::resized();
 }
 
+ValueSlider* OrvaneConsoleUI::knobNamedAt (juce::Point<int> place)
+{
+    constexpr float shareOfHeight = 0.18f; // how far names and read-outs stand off a knob's square
+    ValueSlider* nearest = nullptr;
+    const auto distanceTo = [place] (const juce::Component& knob)
+    { return knob.getBounds().getCentre().getDistanceSquaredFrom (place); };
+
+    for (auto& knob : knobs)
+        if (knob.getBounds()
+                .expanded (0, juce::roundToInt (shareOfHeight * static_cast<float> (knob.getHeight())))
+                .contains (place)
+            && (nearest == nullptr || distanceTo (knob) < distanceTo (*nearest)))
+            nearest = &knob;
+
+    return nearest;
+}
+
 //==============================================================================
 void OrvaneConsoleUI::sliderValueChanged (juce::Slider* slider)
 {
     auto& parameter = parameterAt (parameterOf (*slider));
-    parameter.setValueNotifyingHost (turnedFor (parameter, static_cast<float> (slider->getValue())));
+    setIfNew (parameter, turnedFor (parameter, static_cast<float> (slider->getValue())));
 }
 
 void OrvaneConsoleUI::sliderDragStarted (juce::Slider* slider)
@@ -241,7 +268,8 @@ void OrvaneConsoleUI::updateMeters (const ParameterSnapshot& snapshot)
         vuMeter.setDecibels (juce::Decibels::gainToDecibels (level.get()));
     }
 
-    gainReductionMeter.setAngle (gainReductionAngle (snapshot.gainReductionDb));
+    const auto reductionDb = juce::jlimit (meter::lowestReductionDb, 0.0f, snapshot.gainReductionDb.get());
+    gainReductionMeter.setAngle (gainReductionAngle (reductionDb), reductionDb);
 }
 
 void OrvaneConsoleUI::showParameters()

@@ -34,8 +34,11 @@ public:
     /** Makes every control show its parameter; tells neither the host nor the processor. */
     void updateState (const ParameterSnapshot& snapshot);
 
-    /** Gives a slider the value popup in its parameter's own words and unit. */
-    static void attachSlider (juce::AudioProcessorParameter& parameter, juce::Slider& slider);
+    /** Gives a slider its parameter's own words, unit and steps. */
+    static void attachSlider (juce::RangedAudioParameter& parameter, ValueSlider& slider);
+
+    /** The knob whose name, numerals or read-out a point of the panel is among; null for none. */
+    ValueSlider* knobNamedAt (juce::Point<int> place);
 
     void paint (juce::Graphics& g) override;
     void resized() override;
@@ -50,7 +53,7 @@ private:
 
     // Construction.
     void place (juce::Component& control, const Box& box);
-    void placeSlider (juce::Slider& slider, const Box& box, int parameter);
+    void placeSlider (ValueSlider& slider, const Box& box, int parameter);
     void placeButton (juce::Button& button, const Box& box, int parameter);
     void placeMeter (OrvaneMeter& meter, const consoleLayout::MeterRow& row);
     void placeTrackPlate();

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/OrvaneMeter.h"
 
-#include "editor/ControlGeometry.h"
 #include "editor/Palette.h"
+#include "editor/SpokenText.h"
+#include "plugin/ParameterText.h"
 
 namespace tarvik
 {
@@ -17,16 +18,28 @@ OrvaneMeter::OrvaneMeter() : angle (meterAngle (meter::lowestDb))
     setSize (defaultWidth, juce::roundToInt (meter::designHeight));
 }
 
-void OrvaneMeter::setDecibels (float decibels) { setAngle (meterAngle (decibels)); }
+void OrvaneMeter::setDecibels (float level)
+{
+    setAngle (meterAngle (level), juce::jlimit (meter::lowestDb, meter::highestDb, level));
+}
 
-void OrvaneMeter::setAngle (float radians)
+void OrvaneMeter::setAngle (float radians, float scaleDb)
 {
     // A needle that does not move costs nothing.
     if (! std::isfinite (radians) || radians == angle)
         return;
 
     angle = radians;
+    decibels = scaleDb;
     repaint();
+}
+
+std::unique_ptr<juce::AccessibilityHandler> OrvaneMeter::createAccessibilityHandler()
+{
+    return std::make_unique<juce::AccessibilityHandler> (
+        *this, juce::AccessibilityRole::label, juce::AccessibilityActions(),
+        juce::AccessibilityHandler::Interfaces {
+            std::make_unique<SpokenText> ([this] { return decimalText (decibels, 1) + " dB"; }) });
 }
 
 void OrvaneMeter::paint (juce::Graphics& g)

@@ -17,6 +17,8 @@ inline constexpr juce::uint32 debugPrint = 0xffff0000;
 inline constexpr juce::uint32 needle = 0xfffee853;
 inline constexpr juce::uint32 accent = 0xfff2a43a; ///< The panel's amber: focus, editing, and what is lit.
 
+inline constexpr juce::uint32 fieldSheet = 0xf01a1f22; ///< Under a value that is being typed.
+
 inline constexpr juce::uint32 topStripPrint = 0xc5ffffff;
 inline constexpr juce::uint32 potOutline = 0x66000000;
 inline constexpr juce::uint32 potText = 0xff595959;

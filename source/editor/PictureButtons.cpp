@@ -66,7 +66,7 @@ void PictureButton::paintButton (juce::Graphics& g, bool isHighlighted, bool isH
 
 //==============================================================================
 StateButton::StateButton (const juce::String& name, int width, int height, const std::array<Picture, 6>& picturesToShow)
-    : juce::Button (name)
+    : LeftButtonOnly<juce::Button> (name)
 {
     for (std::size_t i = 0; i < pictures.size(); ++i)
         pictures[i].setPicture (picturesToShow[i]);

@@ -2,9 +2,8 @@
 #pragma once
 
 #include "editor/ConsoleLayout.h"
+#include "editor/LeftButtonOnly.h"
 #include "editor/ScaledPictures.h"
-
-#include <juce_gui_basics/juce_gui_basics.h>
 
 #include <array>
 
@@ -16,7 +15,7 @@ namespace tarvik
     over, pressed. The picture keeps its proportions in the middle of the bounds. A click never flips the state by
     itself. Message thread.
 */
-class PictureButton : public juce::ImageButton
+class PictureButton : public LeftButtonOnly<juce::ImageButton>
 {
 public:
     PictureButton (Picture normalPicture, Picture overPicture, Picture pressedPicture);
@@ -37,7 +36,7 @@ private:
 /** A button with a picture for each state: normal, under the mouse and held, first those of off and then those of on.
     Message thread.
 */
-class StateButton : public juce::Button
+class StateButton : public LeftButtonOnly<juce::Button>
 {
 public:
     StateButton (const juce::String& name, int width, int height, const std::array<Picture, 6>& picturesToShow);

@@ -224,8 +224,10 @@ juce::PopupMenu build (const Tarvik41Processor& processor, const Captured& captu
 void apply (int id, juce::ModifierKeys modifiers, const Captured& captured, Tarvik41Processor& processor,
             const WindowActions& actions)
 {
-    const auto setSwitch = [&processor] (int index, bool isOn)
-    { setInGesture (*processor.getParameters()[index], isOn ? 1.0f : 0.0f); };
+    const auto setSwitch = [&processor] (int index, bool isOn) {
+        setInGesture (dynamic_cast<juce::RangedAudioParameter&> (*processor.getParameters()[index]),
+                      isOn ? 1.0f : 0.0f);
+    };
 
     if (id == aboutId)
         actions.showAbout();

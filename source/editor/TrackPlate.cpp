@@ -122,7 +122,7 @@ void TrackPlate::numberTyped (const juce::Label& number)
 
     const auto width = isRight && isLinked() ? 1 : numChannels();
     const auto first = juce::jlimit (1, lastChannel() + 1 - width, isRight ? *typed + 1 - width : *typed);
-    channel.setValueNotifyingHost (channel.getValueForText (juce::String (first)));
+    setIfNew (channel, channel.getValueForText (juce::String (first)));
 }
 
 } // namespace tarvik

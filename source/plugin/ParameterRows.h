@@ -94,7 +94,7 @@ inline constexpr auto rowsAndReadOut = std::to_array<ParameterRow> ({
     choice ("midMode", "Mid Mode", &Snapshot::midMode, midModes,
             "Whether the mid section boosts or cuts: pressed, it boosts"),
     choice ("lowFreq", "Low Freq", &Snapshot::lowFreq, lowFreqs,
-            "Four frequencies of a low boost, or six depths of a low cut"),
+            "Four frequencies of a low boost, rest, or five depths of a low cut"),
     number ("lowGain", "Low Gain", &Snapshot::lowGain, { 0.0f, 1.0f, 0.01f }, "dB", "0 3 6 9 12 15",
             "Depth of the low boost", &textRules::lowGain),
     toggle ("equalizer", "equalizer", &Snapshot::equalizer, "Puts the equaliser in circuit"),

@@ -185,6 +185,33 @@ std::unique_ptr<juce::RangedAudioParameter> createGainReductionParameter()
             juce::AudioProcessorParameter::compressorLimiterGainReductionMeter));
 }
 
+std::optional<float> typedValue (const juce::RangedAudioParameter& parameter, const juce::String& text)
+{
+    const auto typed = text.trim();
+    const auto isMeant = [&typed] (const juce::String& choice)
+    {
+        return choice.equalsIgnoreCase (typed)
+               || choice.upToFirstOccurrenceOf (" ", false, false).equalsIgnoreCase (typed);
+    };
+
+    if (const auto& row = parameterRow (parameter.getParameterIndex()); row.kind == Kind::Choice)
+    {
+        for (std::size_t i = 0; i < row.choices.size(); ++i)
+            if (isMeant (row.choices[i]))
+                return parameter.convertTo0to1 (static_cast<float> (i));
+
+        return {};
+    }
+
+    const auto digits = typed.trimCharactersAtStart ("+-").trimCharactersAtStart (".,");
+    const auto isWord = isMeant (parameter.getText (0.0f, 0)); // such as "Off"
+
+    if (! isWord && ! digits.substring (0, 1).containsOnly ("0123456789"))
+        return {};
+
+    return parameter.getValueForText (typed.replaceCharacter (',', '.'));
+}
+
 juce::String parameterID (const juce::AudioProcessorParameter& parameter)
 {
     constexpr int longestName = 50;

@@ -6,6 +6,7 @@
 #include <juce_audio_processors/juce_audio_processors.h>
 
 #include <memory>
+#include <optional>
 
 namespace tarvik
 {
@@ -37,6 +38,12 @@ std::unique_ptr<juce::RangedAudioParameter> createParameter (int index);
 
 /** The read-out that one host format takes as a parameter: a share from 0 to 1, in the category of such meters. */
 std::unique_ptr<juce::RangedAudioParameter> createGainReductionParameter();
+
+/** The share from 0 to 1 that a typed text means, or nothing if it is no value of the parameter. It takes what the hosts'
+    text entry takes, a decimal comma, and a choice without its unit or in other letters; what lies beyond the range is
+    limited to it. Message thread.
+*/
+std::optional<float> typedValue (const juce::RangedAudioParameter& parameter, const juce::String& text);
 
 /** The ID of a parameter that has one, otherwise its name cut to 50 characters. */
 juce::String parameterID (const juce::AudioProcessorParameter& parameter);

@@ -214,7 +214,7 @@ TEST (Console, TheNeedlesAndLedsShowTheSnapshot)
         t.strip->meterModeSetting().setValue (isActive ? 1 : 0);
         t.console().updateMeters (snapshot);
         t.console().updateState (snapshot);
-        EXPECT_NE (t.button ("Meter mode").getToggleState(), isActive);
+        EXPECT_NE (t.button ("VU Mode").getToggleState(), isActive);
         const auto image = t.console().createComponentSnapshot (box.on (900, 677));
         return lightAt (image, image.getWidth() / 2, image.getHeight() / 2);
     };
