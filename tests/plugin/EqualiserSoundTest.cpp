@@ -124,7 +124,7 @@ TEST (EqualiserSound, NoControlClicksUnderASine)
         setPlain (*strip, { { "midGain", 0.6f }, { "lowGain", 0.6f } });
         strip->prepareToPlay (48000.0, 256);
         const auto radians = juce::MathConstants<double>::twoPi * hz / 48000.0;
-        Signal tone ((changes.size() + 1) * stretch);
+        Signal tone ((changes.size() + 2) * stretch); // it begins with two without a change
 
         for (std::size_t i = 0; i < tone.size(); ++i)
             tone[i] = level * static_cast<float> (std::cos (radians * static_cast<double> (i)));
@@ -132,8 +132,8 @@ TEST (EqualiserSound, NoControlClicksUnderASine)
         std::size_t block = 0;
         const auto change = [&]
         {
-            if (const auto done = block++ / blocksToChange; block % blocksToChange == 1 && done > 0)
-                parameter (*strip, changes[done - 1].first).setValueNotifyingHost (changes[done - 1].second);
+            if (const auto done = block++ / blocksToChange; block % blocksToChange == 1 && done > 1)
+                parameter (*strip, changes[done - 2].first).setValueNotifyingHost (changes[done - 2].second);
 
             return blockLength;
         };
@@ -143,7 +143,7 @@ TEST (EqualiserSound, NoControlClicksUnderASine)
         {
             auto peak = 0.0f, step = 0.0f;
 
-            for (auto k = i * stretch + 1; k < (i + 2) * stretch; ++k)
+            for (auto k = (i + 1) * stretch + 1; k < (i + 3) * stretch; ++k)
             {
                 peak = std::max (peak, std::abs (out[k]));
                 step = std::max (step, std::abs (out[k] - out[k - 1]));
