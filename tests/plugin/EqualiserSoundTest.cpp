@@ -149,9 +149,8 @@ TEST (EqualiserSound, NoControlClicksUnderASine)
                 step = std::max (step, std::abs (out[k] - out[k - 1]));
             }
 
-            // Two filters whose inputs change places in 4800 steps: the steepest slope of the sine at the loudest
-            // that is heard, what one step of the fade moves of it, and the steepest of the 4800 steps in which the
-            // old filter's tail is faded out, which is less than twice as loud as the tone.
+            // Two filters change places in 4800 steps: the steepest slope of the sine at the loudest that is heard, what
+            // one step of the fade moves of it, and of the old filter's tail, less than twice as loud as the tone.
             const auto slope = 2.0f * static_cast<float> (std::sin (radians / 2.0));
             EXPECT_LT (step, peak * (1.05f * slope + 2.0f / 4800.0f) + 2.0f * 1.58f * level / 4800.0f)
                 << changes[i].first << " to " << changes[i].second << ", " << hz << " Hz";

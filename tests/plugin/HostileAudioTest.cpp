@@ -72,8 +72,6 @@ TEST (HostileAudio, AnyAudioLeavesTheStripFiniteAndCleanASecondLater)
 
         setRandomly (strip, random);
         setPlain (strip, "TolLink", 1.0f);
-        strip.calibrationSetting().setValue (
-            calibrationsDb[static_cast<std::size_t> (run) % std::size (calibrationsDb)]);
 
         for (int block = 0; block < 4; ++block)
         {
