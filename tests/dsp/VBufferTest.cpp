@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cmath>
 #include <cstdint>
 
 namespace tarvik
@@ -53,28 +52,6 @@ TEST (VBuffer, CopiesShareARowUntilOneOfThemChanges)
     const VBuffer<float> next (pool, x.data());
     original = VBuffer<float>();
     EXPECT_EQ (VBuffer<float> (pool, x.data()).getRow(), numRows - 1) << "the row freed last is taken first";
-}
-
-TEST (VBuffer, OperatorsAndFunctionsWorkOnEachSample)
-{
-    constexpr auto a = -1.3f, b = 0.7f;
-    VBufferProvider<float> pool;
-    pool.setSize (4, 1);
-    const VBuffer<float> v (pool, &a), w (pool, &b);
-    const auto expect = [] (const VBuffer<float>& result, float expected)
-    { EXPECT_FLOAT_EQ (*result.getSamples(), expected); };
-
-    expect (v + w, a + b);
-    expect (v - w, a - b);
-    expect (0.3f - v, 0.3f - a);
-    expect (0.3f / w, 0.3f / b);
-    expect (abs (v), -a);
-    expect (min (v, w), a);
-    expect (max (v, w), b);
-    expect (vTanh (v), std::tanh (a));
-    expect (vLog10 (w), std::log10 (b));
-    expect (vPow (w, v), std::pow (b, a));
-    EXPECT_EQ (pool.getFreeTop(), 1) << "a row was lost or returned twice";
 }
 } // namespace
 } // namespace tarvik

@@ -241,6 +241,7 @@ TEST (TrackPlate, NumbersStepsAndLinkStayInRangeAndNoTickDisturbsTyping)
                 t.set ("TolLink", link);
                 t.set ("TolChannel", channel);
                 steps << name << label (0).getText() << (label (1).isVisible() ? " " + label (1).getText() : "");
+                t.button (title).setVisible (true); // clicked before a tick hides it
                 click (t.button (title));
                 t.show();
                 steps << ", " << title << (t.button (title).isVisible() ? ": " : " (hidden): ") << t.ears.heard()

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "editor/ControlGeometry.h"
 #include "editor/EditorSize.h"
 #include "tests/support/ConsoleTestTools.h"
 #include "tests/support/Golden.h"
@@ -198,6 +199,8 @@ TEST (Editor, TwentyCanBeOpenWhileAudioRunsAndLeaveNothing)
 
     for (auto& w : windows)
         snapshotOf (*w.editor);
+
+    EXPECT_GT (childOf<OrvaneMeter> (*windows[0].editor, "VU").getAngle(), meterAngle (meter::lowestDb));
 
     isStopping = true;
     audio.join();
