@@ -23,6 +23,9 @@ public:
     void paint (juce::Graphics& g) override;
 
 private:
+    /** What the needle covers, with the soft edge of its line. */
+    juce::Rectangle<int> needleArea() const;
+
     float angle;
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (OrvaneMeter)
