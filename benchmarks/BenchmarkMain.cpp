@@ -18,8 +18,10 @@ int main (int argc, char** argv)
     scratch.createDirectory();
     setenv ("XDG_CONFIG_HOME", scratch.getFullPathName().toRawUTF8(), 1);
 
-    // The editor is painted into memory. JUCE would join a screen all the same, and wait for one that does not answer.
-    setenv ("DISPLAY", ":65000", 1);
+    // Without windows the editor is painted into memory. JUCE would join a screen all the same, and wait for one that does
+    // not answer.
+    if (std::getenv ("TARVIK_SCREEN") == nullptr)
+        setenv ("DISPLAY", ":65000", 1);
 
     const juce::ScopedJuceInitialiser_GUI juceRuntime;
     tarvik::selectInstructionSet();

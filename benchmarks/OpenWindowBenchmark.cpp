@@ -106,8 +106,7 @@ void openWindows (benchmark::State& state, int numWindows, bool isPlaying)
         return;
     }
 
-    // JUCE keeps decoded pictures for five seconds: they are not part of what stays.
-    constexpr double settlingMs = 7000.0, msPerSecond = 1000.0, percent = 100.0;
+    constexpr double settlingMs = 2000.0, msPerSecond = 1000.0, percent = 100.0;
     Strips strips;
 
     for (int i = 0; i < numWindows; ++i)
@@ -117,7 +116,7 @@ void openWindows (benchmark::State& state, int numWindows, bool isPlaying)
     }
 
     const auto player = isPlaying ? std::make_unique<Player> (strips) : nullptr;
-    juce::ImageCache::releaseUnusedImages(); // what an earlier benchmark has decoded
+    ScaledPictures::getInstance()->releaseUnused(); // what an earlier benchmark has drawn
     const auto memoryBefore = residentMegabytes();
     std::vector<std::unique_ptr<KVLEditor>> editors;
 

@@ -5,6 +5,7 @@
 
 #include <juce_graphics/juce_graphics.h>
 
+#include <functional>
 #include <span>
 
 namespace tarvik
@@ -13,8 +14,13 @@ namespace tarvik
 /** The PNG file of a picture other than `none`, as it is embedded. Any thread. */
 std::span<const std::byte> embeddedPicture (Picture picture) noexcept;
 
-/** The picture decoded, at its full size. JUCE keeps it for five seconds after its last use. Message thread. */
+/** The picture decoded, at its full size, anew for each call. Any thread. */
 juce::Image decodedPicture (Picture picture);
+
+/** Decodes the picture and hands over its rows from the top, in the layout of JUCE's images in memory, premultiplied: what a
+    picture of 35 MB takes is a row. True if that succeeded. Any thread.
+*/
+bool readPicture (Picture picture, const std::function<void (const juce::uint8* row)>& takeRow);
 
 /** The OpenType face in which the channel's name is written. */
 std::span<const std::byte> embeddedFont() noexcept;

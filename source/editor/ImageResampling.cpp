@@ -1,21 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/ImageResampling.h"
 
-#include <vector>
-
 namespace tarvik
 {
 
-namespace
-{
-/** The source pixels that make one new pixel along one axis, with shares that add up to 1. */
-struct Taps
-{
-    int first = 0;
-    std::vector<float> shares;
-};
-
-Taps areaTaps (double start, double end)
+RowResampler::Taps RowResampler::areaTaps (double start, double end)
 {
     Taps taps { static_cast<int> (start), {} };
     const auto last = std::max (taps.first + 1, static_cast<int> (std::ceil (end)));
@@ -27,7 +16,7 @@ Taps areaTaps (double start, double end)
     return taps;
 }
 
-Taps interpolationTaps (double centre, int length)
+RowResampler::Taps RowResampler::interpolationTaps (double centre, int length)
 {
     const auto place = juce::jlimit (0.0, length - 1.0, centre - 0.5);
     const auto first = std::min (static_cast<int> (place), std::max (0, length - 2));
@@ -37,7 +26,7 @@ Taps interpolationTaps (double centre, int length)
 }
 
 /** For each new pixel along an axis. */
-std::vector<Taps> tapsFor (int sourceLength, int length)
+std::vector<RowResampler::Taps> RowResampler::tapsFor (int sourceLength, int length)
 {
     std::vector<Taps> all;
     const auto ratio = sourceLength / static_cast<double> (length);
@@ -49,83 +38,87 @@ std::vector<Taps> tapsFor (int sourceLength, int length)
     return all;
 }
 
-using Row = std::vector<float>;
-
-/** The weighted mean of some of the source's rows, all bytes of them. */
-void mixRows (const juce::Image::BitmapData& source, const Taps& taps, Row& sum)
+RowResampler::RowResampler (juce::Image::PixelFormat format, int fromWidth, int fromHeight, int frameWidth,
+                            int frameHeight, int framesInStrip)
+    : sourceWidth (fromWidth), sourceHeight (fromHeight), numFrames (framesInStrip),
+      bytesPerPixel (format == juce::Image::RGB ? 3 : 4),
+      target (format, frameWidth * framesInStrip, frameHeight, false, juce::SoftwareImageType()),
+      columns (tapsFor (fromWidth / framesInStrip, frameWidth)), rows (tapsFor (fromHeight, frameHeight))
 {
-    std::fill (sum.begin(), sum.end(), 0.0f);
+}
 
-    for (std::size_t t = 0; t < taps.shares.size(); ++t)
+void RowResampler::addRow (const juce::uint8* row)
+{
+    const auto isLast = rowsAdded == sourceHeight - 1;
+    const auto numRows = static_cast<int> (rows.size());
+
+    for (int y = rowsDone; y < numRows && rows[static_cast<std::size_t> (y)].first <= rowsAdded; ++y)
     {
-        const auto* const line =
-            source.getLinePointer (std::min (taps.first + static_cast<int> (t), source.height - 1));
-        const auto share = taps.shares[t];
+        if (y - rowsDone == static_cast<int> (open.size()))
+            open.emplace_back (static_cast<std::size_t> (sourceWidth * bytesPerPixel), 0.0f);
 
-        for (std::size_t i = 0; i < sum.size(); ++i)
-            sum[i] += share * static_cast<float> (line[i]);
+        const auto& [first, shares] = rows[static_cast<std::size_t> (y)];
+        auto& sums = open[static_cast<std::size_t> (y - rowsDone)];
+        const auto begin = static_cast<std::size_t> (rowsAdded - first);
+
+        // What would lie beyond the source's edge is the last row once more.
+        for (auto t = begin; t < (isLast ? shares.size() : std::min (shares.size(), begin + 1)); ++t)
+            for (std::size_t i = 0; i < sums.size(); ++i)
+                sums[i] += shares[t] * static_cast<float> (row[i]);
+    }
+
+    ++rowsAdded;
+
+    while (! open.empty())
+    {
+        const auto& [first, shares] = rows[static_cast<std::size_t> (rowsDone)];
+
+        if (! isLast && first + static_cast<int> (shares.size()) > rowsAdded)
+            break;
+
+        finishRow (open.front().data());
+        open.pop_front();
+        ++rowsDone;
     }
 }
 
-template <int bytesPerPixel>
-void mixColumns (const float* source, int sourceWidth, const std::vector<Taps>& columns, juce::uint8* target)
+/** Mixes the columns of a new row's sums. */
+void RowResampler::finishRow (const float* sums)
 {
-    for (const auto& taps : columns)
-    {
-        float sums[4] = {}; // the widest pixel
+    const auto frameWidth = sourceWidth / numFrames;
+    juce::Image::BitmapData pixels (target, juce::Image::BitmapData::writeOnly);
+    auto* to = pixels.getLinePointer (rowsDone);
 
-        for (std::size_t t = 0; t < taps.shares.size(); ++t)
+    for (int frame = 0; frame < numFrames; ++frame)
+        for (const auto& [first, shares] : columns)
         {
-            const auto column = std::min (taps.first + static_cast<int> (t), sourceWidth - 1);
-            const auto* const pixel = source + column * bytesPerPixel;
+            float mean[4] = {}; // the widest pixel
+
+            for (std::size_t t = 0; t < shares.size(); ++t)
+            {
+                const auto column = frame * frameWidth + std::min (first + static_cast<int> (t), frameWidth - 1);
+
+                for (int c = 0; c < bytesPerPixel; ++c)
+                    mean[c] += shares[t] * sums[column * bytesPerPixel + c];
+            }
 
             for (int c = 0; c < bytesPerPixel; ++c)
-                sums[c] += taps.shares[t] * pixel[c];
+                *to++ = static_cast<juce::uint8> (mean[c] + 0.5f);
         }
-
-        for (int c = 0; c < bytesPerPixel; ++c)
-            *target++ = static_cast<juce::uint8> (sums[c] + 0.5f);
-    }
 }
-
-template <int bytesPerPixel>
-void resample (const juce::Image::BitmapData& source, juce::Image::BitmapData& target, int numFrames)
-{
-    const auto frameWidth = source.width / numFrames;
-    const auto width = target.width / numFrames;
-    const auto columns = tapsFor (frameWidth, width);
-    Row row (static_cast<std::size_t> (source.width * bytesPerPixel));
-    int y = 0;
-
-    for (const auto& taps : tapsFor (source.height, target.height))
-    {
-        mixRows (source, taps, row);
-        auto* const line = target.getLinePointer (y++);
-
-        for (int frame = 0; frame < numFrames; ++frame)
-            mixColumns<bytesPerPixel> (row.data() + frame * frameWidth * bytesPerPixel, frameWidth, columns,
-                                       line + frame * width * bytesPerPixel);
-    }
-}
-} // namespace
 
 juce::Image resampled (const juce::Image& source, int width, int height, int numFrames)
 {
     if (source.isNull() || width <= 0 || height <= 0)
         return {};
 
-    juce::Image target (source.getFormat(), width * numFrames, height, false, juce::SoftwareImageType());
-    const juce::Image::BitmapData from (source, juce::Image::BitmapData::readOnly);
-    juce::Image::BitmapData to (target, juce::Image::BitmapData::writeOnly);
+    RowResampler resampler (source.getFormat(), source.getWidth(), source.getHeight(), width, height, numFrames);
+    const juce::Image::BitmapData pixels (source, juce::Image::BitmapData::readOnly);
 
-    if (from.pixelStride == 3)
-        resample<3> (from, to, numFrames);
-    else if (from.pixelStride == 4)
-        resample<4> (from, to, numFrames);
-    else
-        return {};
+    for (int y = 0; y < source.getHeight(); ++y)
+        resampler.addRow (pixels.getLinePointer (y));
 
-    return target;
+    return resampler.result();
 }
 
 } // namespace tarvik

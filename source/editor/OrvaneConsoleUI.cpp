@@ -180,12 +180,15 @@ void OrvaneConsoleUI::applyParameterDefaults()
 {
     for (const auto& [index, controls] : parameterToControls)
     {
+        auto& parameter = parameterAt (index);
         auto* const slider = dynamic_cast<juce::Slider*> (controls.front());
+        auto* const button = dynamic_cast<juce::Button*> (controls.front());
+
+        if (slider != nullptr || button != nullptr)
+            shown.push_back ({ parameter, button, slider, dynamic_cast<KVLSlider*> (slider) });
 
         if (slider == nullptr)
             continue;
-
-        const auto& parameter = parameterAt (index);
 
         if (parameter.isDiscrete())
             slider->setRange (0.0, 1.0, 1.0 / (parameter.getNumSteps() - 1));
@@ -198,8 +201,25 @@ void OrvaneConsoleUI::applyParameterDefaults()
 
 void OrvaneConsoleUI::paint (juce::Graphics& g)
 {
-    g.fillAll (juce::Colour (palette::panelGround));
+    if (const auto scale = ScaledPicture::scaleOf (g); scale != std::exchange (pictureScale, scale))
+        makeLargePictures();
+
     background.draw (g, getLocalBounds());
+}
+
+/** The panel and the strips of the knobs, which are nearly all that a first window has to decode, at once. */
+void OrvaneConsoleUI::makeLargePictures()
+{
+    std::vector<ScaledPictures::Copy> copies { background.copyFor (getLocalBounds(), pictureScale) };
+
+    for (const auto& knob : knobs)
+        copies.push_back (knob.stripCopyFor (pictureScale));
+
+    ScaledPictures::getInstance()->makeTogether (copies);
+    background.hold (getLocalBounds(), pictureScale);
+
+    for (auto& knob : knobs)
+        knob.holdStrip (pictureScale);
 }
 
 void OrvaneConsoleUI::resized()
@@ -208,6 +228,7 @@ void OrvaneConsoleUI::resized()
         control->setBounds (box.on (getWidth(), getHeight()));
 
     trackPlate.placeOn (getWidth(), getHeight());
+    pictureScale = 0.0f; // other sizes
     KVLUI::resized();
 }
 
@@ -274,20 +295,14 @@ void OrvaneConsoleUI::updateMeters (const ParameterSnapshot& snapshot)
 
 void OrvaneConsoleUI::showParameters()
 {
-    for (const auto& [index, controls] : parameterToControls)
+    for (const auto& [parameter, button, slider, wheeled] : shown)
     {
-        const auto& parameter = parameterAt (index);
         const auto value = turnedFor (parameter, parameter.getValue());
-        auto* const control = controls.front();
 
-        // The parameter does not have a wheel's step yet.
-        if (const auto* const kvl = dynamic_cast<KVLSlider*> (control); kvl != nullptr && kvl->hasUnsentStep())
-            continue;
-
-        if (auto* const slider = dynamic_cast<juce::Slider*> (control))
-            slider->setValue (static_cast<double> (value), juce::dontSendNotification);
-        else if (auto* const button = dynamic_cast<juce::Button*> (control))
+        if (button != nullptr)
             button->setToggleState (value > 0.5f, juce::dontSendNotification);
+        else if (wheeled == nullptr || ! wheeled->hasUnsentStep()) // the parameter does not have a wheel's step yet
+            slider->setValue (static_cast<double> (value), juce::dontSendNotification);
     }
 }
 

@@ -51,6 +51,15 @@ private:
         PictureButton cap, lamp;
     };
 
+    /** A parameter and what shows it: a button or a slider, which may take steps of the wheel. */
+    struct Shown
+    {
+        juce::RangedAudioParameter& parameter;
+        juce::Button* button;
+        juce::Slider* slider;
+        KVLSlider* wheeled;
+    };
+
     // Construction.
     void place (juce::Component& control, const Box& box);
     void placeSlider (ValueSlider& slider, const Box& box, int parameter);
@@ -71,11 +80,13 @@ private:
 
     void toggleParameter (int index);
     void showParameters();
+    void makeLargePictures();
 
     ProcessorSetting<int>& meterMode;
     std::vector<std::pair<juce::Component*, Box>> placed;
 
     ScaledPicture background { Picture::panel };
+    float pictureScale = 0.0f; ///< Of the display, for which the large pictures are held; 0 before the first picture.
     PictureButton outputLegend;
     TrackPlate trackPlate;
     ConsoleLabel mixReadout, filterReadout;
@@ -89,6 +100,7 @@ private:
     OrvaneMeter vuMeter, gainReductionMeter;
     ConsoleLabel debug;
     std::deque<PushButton> pushButtons; ///< In the order of their rows.
+    std::vector<Shown> shown;
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (OrvaneConsoleUI)
 };

@@ -22,6 +22,11 @@ public:
     /** 0 is the standard knob, 1 the large one; any other draws nothing. */
     void setKnobStyle (int style);
 
+    /** The copy of its strip that it draws at a display's scale. */
+    ScaledPictures::Copy stripCopyFor (float scale) const { return strip.copyFor (getLocalBounds(), scale); }
+
+    void holdStrip (float scale) { strip.hold (getLocalBounds(), scale); }
+
     bool hitTest (int x, int y) override;
     void paint (juce::Graphics& g) override;
 

@@ -29,9 +29,21 @@ void OrvaneMeter::setAngle (float radians, float scaleDb)
     if (! std::isfinite (radians) || radians == angle)
         return;
 
+    repaint (needleArea());
     angle = radians;
     decibels = scaleDb;
-    repaint();
+    repaint (needleArea());
+}
+
+juce::Rectangle<int> OrvaneMeter::needleArea() const
+{
+    const auto height = static_cast<float> (getHeight());
+    const auto scale = height / meter::designHeight;
+    const juce::Point pivot (static_cast<float> (getWidth()) / 2.0f, scale * meter::pivotY);
+    const auto tip = pivot.getPointOnCircumference (scale * (meter::pivotY - meter::needleTipY), angle);
+    const auto foot = pivot + (tip - pivot) * ((pivot.y - height) / (pivot.y - tip.y)); // on the lower edge
+
+    return juce::Rectangle (tip, foot).expanded (meter::needleThickness).getSmallestIntegerContainer();
 }
 
 std::unique_ptr<juce::AccessibilityHandler> OrvaneMeter::createAccessibilityHandler()

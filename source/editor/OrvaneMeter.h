@@ -29,6 +29,9 @@ public:
 private:
     std::unique_ptr<juce::AccessibilityHandler> createAccessibilityHandler() override;
 
+    /** What the needle covers, with the soft edge of its line. */
+    juce::Rectangle<int> needleArea() const;
+
     float angle, decibels = meter::lowestDb;
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (OrvaneMeter)

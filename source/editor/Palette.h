@@ -9,8 +9,7 @@ namespace tarvik
 /** Every colour of the window that is in no picture, as alpha, red, green and blue. */
 namespace palette
 {
-inline constexpr juce::uint32 panelGround = 0xff323e44; ///< Under the panel's picture.
-inline constexpr juce::uint32 lightPrint = 0xffe4e3de;  ///< Read-outs of the console, and the level pots' pointers.
+inline constexpr juce::uint32 lightPrint = 0xffe4e3de; ///< Read-outs of the console, and the level pots' pointers.
 inline constexpr juce::uint32 trackName = 0xe5d56223;
 inline constexpr juce::uint32 channelNumber = 0xffaa362b;
 inline constexpr juce::uint32 debugPrint = 0xffff0000;

@@ -4,32 +4,81 @@
 #include "editor/ControlGeometry.h"
 #include "editor/ImageResampling.h"
 
+#include <future>
+#include <set>
+
 namespace tarvik
 {
+
+JUCE_IMPLEMENT_SINGLETON (ScaledPictures)
 
 int numFramesOf (Picture picture)
 {
     return picture == Picture::knobStandard || picture == Picture::knobLarge ? filmstrip::frameCount : 1;
 }
 
-juce::Image ScaledPictures::get (Picture picture, int frameWidth, int frameHeight)
+namespace
 {
-    if (picture == Picture::none || frameWidth <= 0 || frameHeight <= 0)
+/** Copies of one picture, decoded once for all. Any thread. */
+std::map<ScaledPictures::Copy, juce::Image> madeCopies (Picture picture, const std::set<ScaledPictures::Copy>& wanted)
+{
+    const auto& row = rowOf (picture);
+    const auto format = row.colours == PictureColours::rgba ? juce::Image::ARGB : juce::Image::RGB;
+    std::map<ScaledPictures::Copy, RowResampler> resamplers;
+    std::map<ScaledPictures::Copy, juce::Image> made;
+
+    for (const auto& copy : wanted)
+        resamplers.try_emplace (copy, format, row.width, row.height, copy.frameWidth, copy.frameHeight,
+                                numFramesOf (picture));
+
+    if (readPicture (picture,
+                     [&] (const juce::uint8* pixels)
+                     {
+                         for (auto& [copy, resampler] : resamplers)
+                             resampler.addRow (pixels);
+                     }))
+        for (const auto& [copy, resampler] : resamplers)
+            made.emplace (copy, resampler.result());
+
+    return made;
+}
+} // namespace
+
+juce::Image ScaledPictures::get (const Copy& wanted)
+{
+    if (wanted.picture == Picture::none || wanted.frameWidth <= 0 || wanted.frameHeight <= 0)
         return {};
 
-    // At its own size a picture needs no copy, and the decoder's cache shares it.
-    if (const auto& row = rowOf (picture); frameWidth * numFramesOf (picture) == row.width && frameHeight == row.height)
-        return decodedPicture (picture);
-
-    const Key key { picture, frameWidth, frameHeight };
-
-    if (const auto found = copies.find (key); found != copies.end())
+    if (const auto found = copies.find (wanted); found != copies.end())
         return found->second;
 
+    releaseUnused();
+    copies.merge (madeCopies (wanted.picture, { wanted }));
+    return copies[wanted];
+}
+
+void ScaledPictures::makeTogether (std::span<const Copy> wanted)
+{
+    std::map<Picture, std::set<Copy>> missing;
+
+    for (const auto& copy : wanted)
+        if (copy.frameWidth > 0 && copy.frameHeight > 0 && ! copies.contains (copy))
+            missing[copy.picture].insert (copy);
+
+    std::vector<std::future<std::map<Copy, juce::Image>>> jobs;
+
+    for (const auto& [picture, sizes] : missing) // where no thread can be had, in turn
+        jobs.push_back (
+            std::async (std::launch::async | std::launch::deferred, madeCopies, picture, std::cref (sizes)));
+
+    for (auto& job : jobs)
+        copies.merge (job.get());
+}
+
+void ScaledPictures::releaseUnused()
+{
     // No control holds a copy whose only reference is ours.
     std::erase_if (copies, [] (const auto& entry) { return entry.second.getReferenceCount() == 1; });
-
-    return copies[key] = resampled (decodedPicture (picture), frameWidth, frameHeight, numFramesOf (picture));
 }
 
 std::size_t ScaledPictures::memoryInUse() const
@@ -49,34 +98,43 @@ void ScaledPicture::setPicture (Picture pictureToDraw)
 {
     picture = pictureToDraw;
     copy = {};
-    frameWidth = 0;
+    held = {};
+}
+
+ScaledPictures::Copy ScaledPicture::copyFor (juce::Rectangle<int> area, float scale) const
+{
+    return { picture, juce::roundToInt (static_cast<float> (area.getWidth()) * scale),
+             juce::roundToInt (static_cast<float> (area.getHeight()) * scale) };
+}
+
+void ScaledPicture::hold (juce::Rectangle<int> area, float scale)
+{
+    const auto wanted = copyFor (area, scale);
+
+    if (wanted == held)
+        return;
+
+    copy = {}; // releases the old size before the new one is made
+    copy = ScaledPictures::getInstance()->get (wanted);
+    held = wanted;
 }
 
 void ScaledPicture::drawFrame (juce::Graphics& g, juce::Rectangle<int> area, int frame, float angle)
 {
-    const auto scale = g.getInternalContext().getPhysicalPixelScaleFactor();
-    const auto wantedWidth = juce::roundToInt (static_cast<float> (area.getWidth()) * scale);
-    const auto wantedHeight = juce::roundToInt (static_cast<float> (area.getHeight()) * scale);
-
-    if (wantedWidth != frameWidth || wantedHeight != frameHeight)
-    {
-        copy = {}; // releases the old size before the new one is made
-        copy = pictures->get (picture, wantedWidth, wantedHeight);
-        frameWidth = wantedWidth;
-        frameHeight = wantedHeight;
-    }
+    hold (area, scaleOf (g));
 
     if (copy.isNull())
         return;
 
     const auto whole = area.toFloat();
-    const auto image = copy.getClippedImage ({ frame * frameWidth, 0, frameWidth, frameHeight });
+    const auto image = copy.getClippedImage ({ frame * held.frameWidth, 0, held.frameWidth, held.frameHeight });
     g.setOpacity (1.0f);
     g.setImageResamplingQuality (juce::Graphics::highResamplingQuality);
-    g.drawImageTransformed (image, juce::AffineTransform::scale (whole.getWidth() / static_cast<float> (frameWidth),
-                                                                 whole.getHeight() / static_cast<float> (frameHeight))
-                                       .translated (whole.getPosition())
-                                       .rotated (angle, whole.getCentreX(), whole.getCentreY()));
+    g.drawImageTransformed (image,
+                            juce::AffineTransform::scale (whole.getWidth() / static_cast<float> (held.frameWidth),
+                                                          whole.getHeight() / static_cast<float> (held.frameHeight))
+                                .translated (whole.getPosition())
+                                .rotated (angle, whole.getCentreX(), whole.getCentreY()));
 }
 
 } // namespace tarvik

@@ -3,36 +3,52 @@
 
 #include "editor/EmbeddedResources.h"
 
+#include <juce_events/juce_events.h>
+
 #include <map>
+#include <span>
 
 namespace tarvik
 {
 
-/** The pictures at the sizes that are currently on a screen: one filtered copy for each picture and size, for all
-    controls of all windows in the process. Held through `juce::SharedResourcePointer`, so it goes with the last window.
-    Message thread only.
+/** The pictures at the sizes that windows draw them at: one filtered copy for each picture and size, for all controls of
+    all windows in the process. They outlive the last window, so that the next one opens at once, and go when JUCE shuts
+    down, with the last instance. Message thread only.
 */
-class ScaledPictures
+class ScaledPictures final : private juce::DeletedAtShutdown
 {
 public:
-    /** The picture with frames of these sizes in pixels; null if a side is not positive. The first call for a size
-        makes the copy, and drops copies that no control holds any more; at its own size the picture itself is given.
+    /** A picture with frames of these sizes in pixels. */
+    struct Copy
+    {
+        Picture picture = Picture::none;
+        int frameWidth = 0, frameHeight = 0;
+
+        auto operator<=> (const Copy&) const = default;
+    };
+
+    ~ScaledPictures() override { clearSingletonInstance(); }
+
+    JUCE_DECLARE_SINGLETON_SINGLETHREADED (ScaledPictures, false)
+
+    /** Null if a side is not positive. The first call for a size makes the copy, and drops copies that no control holds
+        any more.
     */
-    juce::Image get (Picture picture, int frameWidth, int frameHeight);
+    juce::Image get (const Copy& wanted);
+
+    /** Makes all of them that are missing, each picture on a thread of its own, and returns when they are there: the
+        largest take a tenth of a second each to decode. To be held before the next call of `get`.
+    */
+    void makeTogether (std::span<const Copy> wanted);
+
+    /** Drops the copies that no control holds. */
+    void releaseUnused();
 
     /** Bytes of all copies. */
     std::size_t memoryInUse() const;
 
 private:
-    struct Key
-    {
-        Picture picture;
-        int width, height;
-
-        auto operator<=> (const Key&) const = default;
-    };
-
-    std::map<Key, juce::Image> copies;
+    std::map<Copy, juce::Image> copies;
 };
 
 /** How many frames a picture has, from left to right. */
@@ -52,6 +68,15 @@ public:
 
     void setPicture (Picture pictureToDraw);
 
+    /** What drawing over an area takes, at a display's scale. */
+    ScaledPictures::Copy copyFor (juce::Rectangle<int> area, float scale) const;
+
+    /** The scale of what is drawn on: pixels for each of a component's. */
+    static float scaleOf (juce::Graphics& g) { return g.getInternalContext().getPhysicalPixelScaleFactor(); }
+
+    /** Takes that copy. Drawing does so by itself. */
+    void hold (juce::Rectangle<int> area, float scale);
+
     /** Draws the whole picture over an area; nothing without a picture. */
     void draw (juce::Graphics& g, juce::Rectangle<int> area) { drawFrame (g, area, 0, 0.0f); }
 
@@ -63,9 +88,8 @@ public:
 
 private:
     Picture picture = Picture::none;
+    ScaledPictures::Copy held;
     juce::Image copy;
-    int frameWidth = 0, frameHeight = 0;
-    juce::SharedResourcePointer<ScaledPictures> pictures;
 };
 
 } // namespace tarvik

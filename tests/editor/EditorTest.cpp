@@ -205,25 +205,55 @@ TEST (Editor, TwentyCanBeOpenWhileAudioRunsAndLeaveNothing)
     isStopping = true;
     audio.join();
     EXPECT_GT (juce::SharedResourcePointer<juce::TooltipWindow>().getReferenceCount(), 20);
-    EXPECT_GT (juce::SharedResourcePointer<ScaledPictures>()->memoryInUse(), 1000000u);
     windows.clear();
     EXPECT_EQ (juce::SharedResourcePointer<juce::TooltipWindow>().getReferenceCount(), 1);
-    EXPECT_EQ (juce::SharedResourcePointer<ScaledPictures>()->memoryInUse(), 0u);
+
+    // Their pictures stay for the next window, and no control holds one.
+    EXPECT_GT (ScaledPictures::getInstance()->memoryInUse(), 1000000u);
+    ScaledPictures::getInstance()->releaseUnused();
+    EXPECT_EQ (ScaledPictures::getInstance()->memoryInUse(), 0u);
 }
 
-TEST (Editor, AMeterTickRepaintsTheMetersAlone)
+/** A needle that moves must not have the whole console painted, but all that it leaves and enters. */
+TEST (Editor, AMeterTickRepaintsTheNeedlesAlone)
 {
     WindowUnderTest t;
     HeadlessWindow window (*t.editor);
     ParameterSnapshot snapshot;
-    snapshot.inputMeter = 1.0f;
-    snapshot.gainReductionDb = -7.0f;
-    window.repainted.clear();
-    t.console().updateMeters (snapshot);
-    EXPECT_FALSE (window.repainted.isEmpty());
+    auto before = snapshotOf (*t.editor);
 
-    for (const auto* const row : { &consoleLayout::vuMeter, &consoleLayout::gainReductionMeter })
-        window.repainted.subtract (row->box.on (900, 677).translated (0, 32));
+    for (const auto step : { 1, 2, 7, 13, 20 })
+    {
+        snapshot.inputMeter = 0.1f * static_cast<float> (step);
+        snapshot.gainReductionDb = -static_cast<float> (step);
+        window.repainted.clear();
+        t.console().updateMeters (snapshot);
+        const auto after = snapshotOf (*t.editor);
+        int numMeterPixels = 0;
+
+        for (const auto* const row : { &consoleLayout::vuMeter, &consoleLayout::gainReductionMeter })
+        {
+            const auto box = row->box.on (900, 677).translated (0, 32);
+            numMeterPixels += box.getWidth() * box.getHeight();
+
+            for (int y = box.getY(); y < box.getBottom(); ++y)
+                for (int x = box.getX(); x < box.getRight(); ++x)
+                    ASSERT_TRUE (before.getPixelAt (x, y) == after.getPixelAt (x, y)
+                                 || window.repainted.containsPoint (x, y))
+                        << step << " " << x << " " << y;
+        }
+
+        int numRepainted = 0;
+
+        for (const auto& area : window.repainted)
+            numRepainted += area.getWidth() * area.getHeight();
+
+        EXPECT_GT (numRepainted, 0);
+        EXPECT_LT (numRepainted, numMeterPixels * 7 / 10);
+        before = after;
+    }
+
+    window.repainted.clear();
 
     // A second tick with the same levels costs nothing, nor does a state pass in which nothing has changed.
     t.console().updateMeters (snapshot);

@@ -22,6 +22,16 @@ Image rowsOf (std::initializer_list<juce::uint8> greys, int height)
     return image;
 }
 
+bool samePixels (const Image& one, const Image& other)
+{
+    for (int y = 0; y < one.getHeight(); ++y)
+        for (int x = 0; x < one.getWidth(); ++x)
+            if (one.getPixelAt (x, y) != other.getPixelAt (x, y))
+                return false;
+
+    return ! one.isNull() && one.getBounds() == other.getBounds();
+}
+
 int redAt (const Image& image, int x, int y = 0) { return image.getPixelAt (x, y).getRed(); }
 } // namespace
 
@@ -66,27 +76,38 @@ TEST (Resampling, PixelsCountByTheirAreaAndTheirOpacity)
     EXPECT_EQ (redAt (strip, 3), 240) << "no frame bleeds into the next";
 }
 
-TEST (ScaledPictures, OneCopyServesAllAndGoesWithItsLastUser)
+TEST (ScaledPictures, OneCopyServesAllAndGoesWhenNobodyHoldsIt)
 {
-    using Pictures = juce::SharedResourcePointer<ScaledPictures>;
+    auto& pictures = *ScaledPictures::getInstance();
+    pictures.releaseUnused();
     const Image canvas (Image::RGB, 100, 100, true);
     juce::Graphics normal (canvas), doubled (canvas);
     doubled.addTransform (juce::AffineTransform::scale (2.0f));
 
     {
-        const Pictures pictures;
         ScaledPicture one (Picture::muteOn), other (Picture::muteOn);
         one.draw (normal, { 0, 0, 20, 20 });
         other.draw (normal, { 10, 0, 20, 20 });
-        EXPECT_EQ (pictures->memoryInUse(), 20u * 20u * 4u);
+        EXPECT_EQ (pictures.memoryInUse(), 20u * 20u * 4u);
 
         // A display of twice the density, and what nobody uses any more is gone.
         one.draw (doubled, { 0, 0, 20, 20 });
         other.draw (normal, { 0, 0, 30, 30 });
-        EXPECT_EQ (pictures->memoryInUse(), (30u * 30u + 40u * 40u) * 4u);
+        EXPECT_EQ (pictures.memoryInUse(), (30u * 30u + 40u * 40u) * 4u);
     }
 
-    EXPECT_EQ (Pictures()->memoryInUse(), 0u);
+    // Several at once, from one reading of the file: what JUCE decodes, at any size.
+    const ScaledPictures::Copy copies[] { { Picture::ledRed, 80, 80 },
+                                          { Picture::ledRed, 33, 33 },
+                                          { Picture::panel, 90, 70 } };
+    pictures.makeTogether (copies);
+
+    for (const auto& copy : copies)
+        EXPECT_TRUE (samePixels (pictures.get (copy),
+                                 resampled (decodedPicture (copy.picture), copy.frameWidth, copy.frameHeight)));
+
+    pictures.releaseUnused();
+    EXPECT_EQ (pictures.memoryInUse(), 0u);
 }
 
 } // namespace tarvik
