@@ -86,15 +86,15 @@ inline float plainOf (juce::AudioProcessor& processor, const juce::String& id)
 }
 
 /** From 0 to 1, by a parameter's ID and a number: a new parameter changes nothing for the others. */
-inline float drawFor (const juce::AudioProcessorParameter& p, juce::int64 number)
+inline float drawFor (const juce::AudioProcessorParameter& p, std::uint_fast32_t number)
 {
-    return juce::Random (number ^ parameterID (p).hashCode64()).nextFloat();
+    return juce::Random (static_cast<juce::int64> (number) ^ parameterID (p).hashCode64()).nextFloat();
 }
 
 /** Each parameter anywhere on its travel. */
 inline void setRandomly (juce::AudioProcessor& processor, std::mt19937& random)
 {
-    const juce::int64 number = random();
+    const auto number = random();
 
     for (auto* const p : processor.getParameters())
         p->setValueNotifyingHost (drawFor (*p, number));
