@@ -92,6 +92,7 @@ public:
     void point (juce::Component& target, int downPixels)
     {
         juce::Desktop::setMousePosition (placeIn (target, downPixels));
+        juce::ignoreUnused (juce::Desktop::getMousePosition()); // asking X sends what JUCE has left in its buffer
         runMessagesFor (reactionMs);
     }
 
@@ -195,10 +196,6 @@ void drawBubblesAndFields (WindowOnScreen& window)
         window.mouse (*control, 0, 0);
     }
 
-    window.point (window.control (gain), drag); // not where it was pressed, or no tooltip comes
-    runMessagesFor (WindowOnScreen::tooltipMs);
-    window.capture ("tooltip");
-
     window.control (gain).grabKeyboardFocus();
     window.press (KeyPress::returnKey);
     window.capture ("typed-value");
@@ -230,6 +227,15 @@ void drawAbout (WindowOnScreen& window)
     window.press (KeyPress::downKey);
     window.press (KeyPress::returnKey);
     window.capture ("about");
+    window.press (KeyPress::escapeKey);
+}
+
+/** The last, since a tooltip stays until the mouse goes. */
+void drawTooltip (WindowOnScreen& window)
+{
+    window.point (window.control (parameterNamed ("compMix")), 0);
+    runMessagesFor (WindowOnScreen::tooltipMs);
+    window.capture ("tooltip");
 }
 } // namespace
 
@@ -246,7 +252,7 @@ void writeWindowPictures (const CommandLine& line)
     const ScratchSettings settings;
     WindowOnScreen window (line.zoomPercent, folder);
 
-    for (auto* const draw : { drawMenus, drawBubblesAndFields, drawFocus, drawAbout })
+    for (auto* const draw : { drawMenus, drawBubblesAndFields, drawFocus, drawAbout, drawTooltip })
         draw (window);
 }
 
