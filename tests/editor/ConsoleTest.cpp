@@ -208,7 +208,7 @@ TEST (Console, TheNeedlesAndLedsShowTheSnapshot)
         t.strip->meterModeSetting().setValue (isActive ? 1 : 0);
         t.console().updateMeters (snapshot);
         t.console().updateState (snapshot);
-        EXPECT_NE (t.button ("Meter mode").getToggleState(), isActive);
+        EXPECT_NE (t.button ("VU Input").getToggleState(), isActive);
         const auto image = t.console().createComponentSnapshot (box.on (900, 677));
         return lightAt (image, image.getWidth() / 2, image.getHeight() / 2);
     };
@@ -229,7 +229,7 @@ TEST (TrackPlate, NumbersStepsAndLinkStayInRange)
 
         for (const auto isLinked : { 0.0f, 1.0f })
             for (const auto channel : { 1.0f, 2.0f, 12.0f, 30.0f, 31.0f, 32.0f })
-                for (const auto* const title : { "Previous channel", "Next channel", "TOL Link" })
+                for (const auto* const title : { "Previous channel", "Next channel", "Link channels" })
                 {
                     t.set ("TolLink", isLinked);
                     t.set ("TolChannel", channel);

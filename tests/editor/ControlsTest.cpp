@@ -222,7 +222,7 @@ TEST (Meter, TheNeedleStandsWhereTheScaleHasTheValue)
                                           { gainReductionAngle (0.0f), 45.0 },
                                           { gainReductionAngle (-60.0f), -45.0 } })
     {
-        meter.setAngle (angle);
+        meter.setAngle (angle, 0.0f);
         const auto image = snapshotOf (meter);
         juce::Point<double> sum; // of the direction of what is yellow, seen from the pivot
 

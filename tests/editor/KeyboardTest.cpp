@@ -43,7 +43,7 @@ juce::Component* focusedControl()
 TEST (Keyboard, TabVisitsEveryControlOnceInTheSignalsOrder)
 {
     KeyboardUnderTest t;
-    t.control ("thd").grabKeyboardFocus();
+    t.editor->grabKeyboardFocus(); // as a host gives it
     auto* const start = focusedControl();
     juce::String visited;
 
@@ -56,25 +56,9 @@ TEST (Keyboard, TabVisitsEveryControlOnceInTheSignalsOrder)
     expectGolden ("tab-order.txt", visited);
 }
 
-TEST (Keyboard, ArrowKeysMoveAControlAndReturnPressesAButton)
+TEST (Keyboard, ReturnPressesAButton)
 {
     KeyboardUnderTest t;
-
-    for (const auto& [id, step] : { std::pair ("gain", 0.01f), { "compRelease", 0.125f } })
-    {
-        auto& p = t.parameter (id);
-        p.setValueNotifyingHost (0.5f);
-        t.show();
-        t.control (id).grabKeyboardFocus();
-        t.ears.heard();
-        t.press (KeyPress::upKey);
-        EXPECT_NEAR (p.getValue(), 0.5f + step, 2e-3f) << id;
-        t.press (KeyPress::leftKey);
-        t.press (KeyPress::upKey, juce::ModifierKeys::ctrlModifier); // left to the host
-        EXPECT_NEAR (p.getValue(), 0.5f, 2e-3f) << id;
-        EXPECT_EQ (juce::StringArray::fromTokens (t.ears.heard().trim(), false).size(), 2) << id;
-    }
-
     t.control ("mute").grabKeyboardFocus();
     t.press (KeyPress::returnKey);
     runMessagesFor (50);
