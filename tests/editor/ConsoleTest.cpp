@@ -236,7 +236,7 @@ TEST (TrackPlate, NumbersStepsAndLinkStayInRangeAndNoTickDisturbsTyping)
         const auto label = [&t](std::size_t side) -> auto& { return t.control<juce::Label> ("TolChannel", side); };
 
         for (const auto channel : { 1.0f, 2.0f, 12.0f, 30.0f, 31.0f, 32.0f })
-            for (const auto* const title : { "Previous channel", "Next channel", "TOL Link" })
+            for (const auto* const title : { "Previous channel", "Next channel", "Link channels" })
             {
                 t.set ("TolLink", link);
                 t.set ("TolChannel", channel);
