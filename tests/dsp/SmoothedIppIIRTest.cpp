@@ -169,6 +169,7 @@ TEST_F (SmoothedIppIIRTest, FadesInAndOutAsAWhole)
 {
     changeGain (filter, 3.0);
     prepare();
+    changeGain (filter, 4.0); // crossfades at the same time
     filter.setOn (false);
     const auto out = processOnes (filter, rampLength);
     changeGain (filter, 5.0); // meets nobody
@@ -178,7 +179,7 @@ TEST_F (SmoothedIppIIRTest, FadesInAndOutAsAWhole)
 
     for (std::size_t i = 0; i < rampLength; ++i)
     {
-        ASSERT_NEAR (out[i], shareAt (i) + 3.0 * (1.0 - shareAt (i)), 2e-6);
+        ASSERT_NEAR (out[i], shareAt (i) + (3.0 + shareAt (i)) * (1.0 - shareAt (i)), 2e-6);
         ASSERT_NEAR (in[i], (1.0 - shareAt (i)) + 5.0 * shareAt (i), 2e-6);
     }
 }

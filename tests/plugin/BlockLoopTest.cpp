@@ -156,6 +156,13 @@ TEST (BlockLoop, BadAudioMissingChannelsAndLongBlocksAreHeldAtTheEntry)
     for (std::size_t channels = 1; channels <= 4; ++channels)
         process (*strip, std::vector<Signal> (channels, noise (600, 2)), 300);
 
+    // What stands for a channel that is missing is silent: nothing comes round in it.
+    const auto driven = makeNoiselessStrip (2, 1);
+    setPlain (*driven, "gain", 48.0f);
+    driven->prepareToPlay (sampleRate, 256);
+    process (*driven, { Signal (48000) }, 256);
+    EXPECT_LT (driven->currentSnapshot().outputMeter, 0.1f);
+
     juce::AudioBuffer<float> none (0, 64);
     juce::MidiBuffer midi;
     strip->processBlock (none, midi);

@@ -70,6 +70,7 @@ TEST (Bypass, LeavesEverySampleAloneAndForgetsTheSideChain)
     for (const auto isBypassed : { false, true })
         process (*strip, std::vector<Signal> (4, noise (6000, 5)), 500, isBypassed);
 
+    EXPECT_NE (strip->sidechainSeen, 0.0f) << "by the last slice of the fade";
     process (*strip, std::vector<Signal> (4, Signal (20)), 20);
     EXPECT_EQ (strip->sidechainSeen, 0.0f) << "of before the bypass";
 
@@ -85,8 +86,8 @@ TEST (Bypass, LeavesEverySampleAloneAndForgetsTheSideChain)
 TEST (Bypass, FollowsTheFactorAndForgetsItsAudioWhenPreparedAgain)
 {
     const auto strip = preparedStrip (2);
-    const auto input = noise (6000, 3);
-    process (*strip, { input, input }, 500, true);
+    const auto input = noise (3000, 3);
+    process (*strip, { input, input }, 500, true); // not to the fade's end
 
     for (const auto& [factor, latency] : { std::pair (1, 0), { 4, 52 } })
     {

@@ -24,6 +24,10 @@ TEST (Meters, NeedlesOfTheRunningStripStandAt0VuFor18DbBelowFullScale)
         strip->calibrationSetting().setValue (24.0); // 6 dB more sensitive
         process (*strip, { tone, tone }, 512);
         EXPECT_NEAR (strip->currentSnapshot().inputMeter, std::pow (10.0f, 6.0f / 20.0f), 4e-3f);
+
+        setPlain (*strip, "pad", 1.0f);
+        process (*strip, { tone, tone }, 512);
+        EXPECT_NEAR (strip->currentSnapshot().inputMeter, std::pow (10.0f, -14.0f / 20.0f), 4e-3f);
     }
 }
 

@@ -15,7 +15,7 @@ from pathlib import Path
 
 import numpy as np
 from PIL import Image, ImageChops
-from scratch import Scratch, noise
+from scratch import RATE, Scratch, noise
 
 golden = Path(__file__).parents[1] / "golden/parameters.txt"
 
@@ -32,6 +32,11 @@ class Single(Scratch):
         words = [word for text in self.TEXTS for word in ("--set", text)]
         printed = self.run_tool("in.wav", "out.wav", *words)[0].splitlines()
         self.assertEqual([line[16:] for line in printed if line.startswith("set ")], list(self.TEXTS.values()))
+
+    def test_the_report_has_the_largest_reduction_and_not_the_last(self):
+        self.write("in.wav", np.hstack([noise(1, RATE), np.zeros((1, RATE))]))
+        printed = self.run_tool("in.wav", "out.wav", "--set", "compThreshold=-20", "--set", "compRatio=20:1")[0]
+        self.assertLess(float(re.search(r"gain reduction +(\S+) dB", printed)[1]), -3)
 
     def test_the_list_names_all_there_is(self):
         printed = self.run_tool("list")[0]
