@@ -1,6 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "dsp/RowMaths.h"
+#include "dsp/RowOperations.h"
+
+#include <numbers>
+
 namespace tarvik
 {
 /** Rows between linear level and decibels: dB = 20 log10 (level), level = 10^(dB / 20), computed in the row's own
@@ -13,14 +18,34 @@ namespace tarvik
 class DecibelConverter
 {
 public:
-    static void levelToDB (const float* src, float* dst, int n) noexcept;
-    static void levelToDB (const double* src, double* dst, int n) noexcept;
-    static void levelToDBInPlace (float* row, int n) noexcept;
-    static void levelToDBInPlace (double* row, int n) noexcept;
+    template <rows::Sample T>
+    static void levelToDB (const T* src, T* dst, int n) noexcept
+    {
+        rows::log10 (dst, src, n);
+        rows::scale (dst, static_cast<T> (dbPerDecade), n);
+    }
 
-    static void dBToLevel (const float* src, float* dst, int n) noexcept;
-    static void dBToLevel (const double* src, double* dst, int n) noexcept;
-    static void dBToLevelInPlace (float* row, int n) noexcept;
-    static void dBToLevelInPlace (double* row, int n) noexcept;
+    template <rows::Sample T>
+    static void levelToDBInPlace (T* row, int n) noexcept
+    {
+        levelToDB (row, row, n);
+    }
+
+    template <rows::Sample T>
+    static void dBToLevel (const T* src, T* dst, int n) noexcept
+    {
+        rows::scale (dst, src, static_cast<T> (nepersPerDb), n);
+        rows::exp (dst, dst, n);
+    }
+
+    template <rows::Sample T>
+    static void dBToLevelInPlace (T* row, int n) noexcept
+    {
+        dBToLevel (row, row, n);
+    }
+
+private:
+    static constexpr double dbPerDecade = 20.0;
+    static constexpr double nepersPerDb = std::numbers::ln10 / dbPerDecade;
 };
 } // namespace tarvik

@@ -7,7 +7,6 @@ namespace tarvik
 namespace
 {
 constexpr const char* folder = "Tarvik Plugins";
-constexpr int millisecondsBeforeSaving = 3000;
 
 #if JUCE_LINUX || JUCE_BSD
 /** JUCE would put a relative folder, unhidden, into the home folder; it takes an absolute one as it is. */
@@ -31,11 +30,6 @@ juce::PropertiesFile::Options settingsFileOptions()
     options.filenameSuffix = "settings";
     options.folderName = settingsFolder();
     options.osxLibrarySubFolder = "Application Support";
-    options.commonToAllUsers = false;
-    options.ignoreCaseOfKeyNames = false;
-    options.doNotSave = false;
-    options.millisecondsBeforeSaving = millisecondsBeforeSaving;
-    options.storageFormat = juce::PropertiesFile::storeAsXML;
     return options;
 }
 

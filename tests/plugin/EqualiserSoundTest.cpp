@@ -124,7 +124,7 @@ TEST (EqualiserSound, NoControlClicksUnderASine)
         setPlain (*strip, { { "midGain", 0.6f }, { "lowGain", 0.6f } });
         strip->prepareToPlay (48000.0, 256);
         const auto radians = juce::MathConstants<double>::twoPi * hz / 48000.0;
-        Signal tone ((changes.size() + 1) * stretch);
+        Signal tone ((changes.size() + 2) * stretch); // it begins with two without a change
 
         for (std::size_t i = 0; i < tone.size(); ++i)
             tone[i] = level * static_cast<float> (std::cos (radians * static_cast<double> (i)));
@@ -132,8 +132,8 @@ TEST (EqualiserSound, NoControlClicksUnderASine)
         std::size_t block = 0;
         const auto change = [&]
         {
-            if (const auto done = block++ / blocksToChange; block % blocksToChange == 1 && done > 0)
-                parameter (*strip, changes[done - 1].first).setValueNotifyingHost (changes[done - 1].second);
+            if (const auto done = block++ / blocksToChange; block % blocksToChange == 1 && done > 1)
+                parameter (*strip, changes[done - 2].first).setValueNotifyingHost (changes[done - 2].second);
 
             return blockLength;
         };
@@ -143,15 +143,14 @@ TEST (EqualiserSound, NoControlClicksUnderASine)
         {
             auto peak = 0.0f, step = 0.0f;
 
-            for (auto k = i * stretch + 1; k < (i + 2) * stretch; ++k)
+            for (auto k = (i + 1) * stretch + 1; k < (i + 3) * stretch; ++k)
             {
                 peak = std::max (peak, std::abs (out[k]));
                 step = std::max (step, std::abs (out[k] - out[k - 1]));
             }
 
-            // Two filters whose inputs change places in 4800 steps: the steepest slope of the sine at the loudest
-            // that is heard, what one step of the fade moves of it, and the steepest of the 4800 steps in which the
-            // old filter's tail is faded out, which is less than twice as loud as the tone.
+            // Two filters change places in 4800 steps: the steepest slope of the sine at the loudest that is heard, what
+            // one step of the fade moves of it, and of the old filter's tail, less than twice as loud as the tone.
             const auto slope = 2.0f * static_cast<float> (std::sin (radians / 2.0));
             EXPECT_LT (step, peak * (1.05f * slope + 2.0f / 4800.0f) + 2.0f * 1.58f * level / 4800.0f)
                 << changes[i].first << " to " << changes[i].second << ", " << hz << " Hz";

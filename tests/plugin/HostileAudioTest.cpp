@@ -19,17 +19,20 @@ constexpr std::pair<float, float> badAudio[] = { { 0.0f, 0.0f },
                                                  { 1e-39f, 0.0f },
                                                  { 0.5f, std::numeric_limits<float>::quiet_NaN() },
                                                  { 0.5f, -std::numeric_limits<float>::infinity() } };
-constexpr double calibrationsDb[] = { 18.0, -99.9, 18.0, 100.0, 300.0, 18.0, 769.0 };
 } // namespace
 
-/** Random settings, the calibration of a damaged project, a parameter stepped at each block, bad audio on the left and on
-    the left of the side chain. The right hears a programme all the while, then both do: with the tolerances linked it is
-    what the left would be had nothing happened. What one case leaves in the strip the next would show.
+/** Random settings, parameters stepped at each block, bad audio on the left and on the left of the side chain. The right
+    hears a programme all the while, then both do: with the tolerances linked it is what the left would be had nothing
+    happened. What one case leaves in the strip the next would show.
 
-    What may remain after a second is in the compressor's second capacitor: 20 ms fill it through 33 k to 7 % of the
-    highest voltage, it empties through 153 k and the shortest release in 1.7 s, and the first capacitor sees a tenth of
-    it. That is 3 %, so 5 % is allowed, and with the dynamics out what rounding leaves in the filters. Hold, a staircase,
-    stays out while they recover.
+    What may remain after a second is in the compressor's second capacitor. Four blocks fill it through 33 k to 3.5 % of
+    the highest voltage, 39 V; in a second it empties through 153 k and the shortest release, 15 k, to 52 %: case after
+    case, at most 3.8 % remain (at higher factors, whose times are shorter, less). The first capacitor sees 15 / 168 of
+    it, 0.13 V, and the gain element's curve falls by at most 32 % per volt: 4.3 %, so 4.5 % are allowed, and with the
+    dynamics out what rounding leaves in the filters.
+
+    While they recover, the levels are a console's, because the compressor's loop is chaotic far above; hold, a staircase,
+    is off; and the low cut is not at "0 dB", where a capacitor takes 3.6 s.
 */
 TEST (HostileAudio, AnyAudioLeavesTheStripFiniteAndCleanASecondLater)
 {
@@ -38,7 +41,7 @@ TEST (HostileAudio, AnyAudioLeavesTheStripFiniteAndCleanASecondLater)
 #else
     constexpr int numCases = 2000;
 #endif
-    constexpr int blockLength = 256;
+    constexpr int blockLength = 128;
     constexpr auto second = static_cast<int> (sampleRate);
     std::mt19937 random (41);
     std::vector<std::unique_ptr<Tarvik41Processor>> strips;
@@ -73,25 +76,31 @@ TEST (HostileAudio, AnyAudioLeavesTheStripFiniteAndCleanASecondLater)
 
         setRandomly (strip, random);
         setPlain (strip, "TolLink", 1.0f);
-        strip.calibrationSetting().setValue (
-            calibrationsDb[static_cast<std::size_t> (run) % std::size (calibrationsDb)]);
 
         for (int block = 0; block < 4; ++block)
         {
             auto bad = noise (blockLength, random(), badAudio[kind].first);
             bad[blockLength / 2] += badAudio[kind].second;
             play (bad, Signal (programme.begin(), programme.begin() + blockLength));
-            auto* const p = strip.getParameters()[(4 * run + block) % numParameters];
-            p->setValueNotifyingHost (p->getValue() > 0.5f ? 0.0f : 1.0f);
+            const auto number = random();
+
+            for (auto* const p : strip.getParameters())
+                if (constexpr auto share = 1.0f / 40; drawFor (*p, number) < share)
+                    p->setValueNotifyingHost (p->getValue() > 0.5f ? 0.0f : 1.0f);
         }
 
-        strip.calibrationSetting().setValue (18.0);
         setPlain (strip, { { "TolLink", 1.0f },
                            { "compIn", static_cast<float> (isIn) },
                            { "compRelease", 0.0f },
                            { "expRelease", 0.025f },
                            { "expHold", 0.0f },
-                           { "mute", 0.0f } });
+                           { "mute", 0.0f },
+                           { "gain", 0.0f },
+                           { "inLevel", 0.0f },
+                           { "compInput", 2.5f },
+                           { "compNuke", 0.0f },
+                           { "compNiveau", 0.0f },
+                           { "lowFreq", 0.0f } });
         const auto output = play (programme, programme);
         auto difference = 0.0f, level = 0.0f;
 
@@ -101,7 +110,7 @@ TEST (HostileAudio, AnyAudioLeavesTheStripFiniteAndCleanASecondLater)
             level = std::max (level, std::abs (output[1][i]));
         }
 
-        EXPECT_LE (difference, level * (isIn ? 0.05f : 2e-5f)) << "kind " << kind;
+        EXPECT_LE (difference, level * (isIn ? 0.045f : 2e-5f)) << "kind " << kind;
     }
 }
 

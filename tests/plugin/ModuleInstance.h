@@ -151,9 +151,9 @@ public:
     /** As a host hands a state over, at most `piece` bytes at a time. */
     void load (std::string_view state, int32 piece = std::numeric_limits<int32>::max())
     {
-        HostStream stream (state, piece);
-        component->setState (stream.rewound());
-        controller->setComponentState (stream.rewound());
+        HostStream forComponent (state, piece), forController (state, piece);
+        component->setState (&forComponent);
+        controller->setComponentState (&forController);
     }
 
     std::string saved() const

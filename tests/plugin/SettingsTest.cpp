@@ -91,6 +91,24 @@ TEST_F (Settings, CalibrationReachesBothSlotsAndNonsenseLeavesTheGain)
     }
 }
 
+TEST_F (Settings, AnyCalibrationLeavesTheAudioFiniteAndNoTrace)
+{
+    const auto strip = makeNoiselessStrip();
+    setPlain (*strip, { { "gain", 12.0f }, { "thd", 6.0f }, { "lowFreq", 2.0f }, { "lowGain", 1.0f } });
+    strip->prepareToPlay (48000.0, 256);
+    std::vector<double> levels;
+
+    for (const auto db : { 18.0, -99.9, 100.0, 300.0, 700.0, 769.0, 18.0 })
+    {
+        strip->calibrationSetting().setValue (db);
+        const auto input = noise (48000, 1, db == 18.0 ? 0.03f : 100.0f);
+        levels.push_back (rmsOfEnd (process (*strip, { input, input }, 256)[0], 24000));
+        EXPECT_TRUE (std::isfinite (levels.back())) << db;
+    }
+
+    EXPECT_NEAR (levels.back() / levels.front(), 1.0, 0.05);
+}
+
 TEST_F (Settings, BroadcastsReachEveryInstanceAndTheirTypesAreKept)
 {
     const Tarvik41Processor a, b;

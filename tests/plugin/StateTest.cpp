@@ -113,11 +113,8 @@ TEST (State, SlotsAreSelectedCopiedAndNamedTogether)
     EXPECT_EQ (strip.getCurrentSlot(), 1);
     EXPECT_FLOAT_EQ (strip.getSlot (0).gain, 3.0f);
 
-    for (int slot = 0; slot < 2; ++slot)
-    {
-        EXPECT_EQ (strip.getSlot (slot).trackName, "Snare");
-        EXPECT_EQ (strip.getSlot (slot).trackColour.get(), juce::Colours::red.getARGB());
-    }
+    for (const auto* const slot : { &strip.getSlot (0), &strip.getSlot (1) })
+        EXPECT_EQ (slot->trackName + juce::Colour (slot->trackColour.get()).toString(), "Snareffff0000");
 }
 
 /** What a person or a program may do to the text without changing what it says; and what is not the strip's at all. */

@@ -19,13 +19,7 @@ public:
     explicit HostStream (std::string_view content = {}, int32 most = std::numeric_limits<int32>::max()) : piece (most)
     {
         MemoryStream::write (const_cast<char*> (content.data()), static_cast<int32> (content.size()), nullptr);
-    }
-
-    /** From its start. */
-    IBStream* rewound()
-    {
         seek (0, kIBSeekSet, nullptr);
-        return this;
     }
 
 private:

@@ -85,11 +85,19 @@ inline float plainOf (juce::AudioProcessor& processor, const juce::String& id)
     return p.convertFrom0to1 (p.getValue());
 }
 
+/** From 0 to 1, by a parameter's ID and a number: a new parameter changes nothing for the others. */
+inline float drawFor (const juce::AudioProcessorParameter& p, std::uint_fast32_t number)
+{
+    return juce::Random (static_cast<juce::int64> (number) ^ parameterID (p).hashCode64()).nextFloat();
+}
+
 /** Each parameter anywhere on its travel. */
 inline void setRandomly (juce::AudioProcessor& processor, std::mt19937& random)
 {
+    const auto number = random();
+
     for (auto* const p : processor.getParameters())
-        p->setValueNotifyingHost (static_cast<float> (random() % 1001) / 1000.0f);
+        p->setValueNotifyingHost (drawFor (*p, number));
 }
 
 /** Counts what a host would hear of one processor. */
