@@ -203,10 +203,10 @@ std::optional<float> typedValue (const juce::RangedAudioParameter& parameter, co
         return {};
     }
 
-    const auto digits = typed.trimCharactersAtStart ("+-").trimCharactersAtStart (".,");
+    const auto first = typed.trimCharactersAtStart ("+-").trimCharactersAtStart (".,").substring (0, 1);
     const auto isWord = isMeant (parameter.getText (0.0f, 0)); // such as "Off"
 
-    if (! isWord && ! digits.substring (0, 1).containsOnly ("0123456789"))
+    if (! isWord && (first.isEmpty() || ! first.containsOnly ("0123456789")))
         return {};
 
     return parameter.getValueForText (typed.replaceCharacter (',', '.'));

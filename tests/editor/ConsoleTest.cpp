@@ -72,7 +72,7 @@ struct Hand
         mouse.wheel (start < 0.1 ? Mouse::notch : -Mouse::notch);
         showAnew(); // does not undo it
         note (slider, "wheel");
-        EXPECT_FALSE (slider.keyPressed ({ KeyPress::upKey, juce::ModifierKeys::ctrlModifier, 0 })) << "the host's";
+        EXPECT_FALSE (slider.keyPressed ({ KeyPress::upKey, juce::ModifierKeys::altModifier, 0 })) << "the host's";
         EXPECT_TRUE (slider.keyPressed (KeyPress (start < 0.1 ? KeyPress::upKey : KeyPress::leftKey)));
         note (slider, "arrow key");
     }
@@ -236,7 +236,7 @@ TEST (TrackPlate, NumbersStepsAndLinkStayInRangeAndNoTickDisturbsTyping)
         const auto label = [&t](std::size_t side) -> auto& { return t.control<juce::Label> ("TolChannel", side); };
 
         for (const auto channel : { 1.0f, 2.0f, 12.0f, 30.0f, 31.0f, 32.0f })
-            for (const auto* const title : { "Previous channel", "Next channel", "TOL Link" })
+            for (const auto* const title : { "Previous channel", "Next channel", "Link channels" })
             {
                 t.set ("TolLink", link);
                 t.set ("TolChannel", channel);

@@ -43,7 +43,7 @@ juce::Component* focusedControl()
 TEST (Keyboard, TabVisitsEveryControlOnceInTheSignalsOrder)
 {
     KeyboardUnderTest t;
-    t.control ("thd").grabKeyboardFocus();
+    t.editor->grabKeyboardFocus(); // as a host gives it
     auto* const start = focusedControl();
     juce::String visited;
 

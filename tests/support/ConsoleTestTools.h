@@ -86,11 +86,18 @@ public:
 
     void press (int keyCode, int modifiers = 0) { getPeer()->handleKeyPress ({ keyCode, modifiers, 0 }); }
 
+    /** The mouse is there, with these buttons and keys down. */
+    void mouse (juce::Point<float> place, int buttonsAndKeys = 0)
+    {
+        juce::ModifierKeys::currentModifiers = buttonsAndKeys;
+        getPeer()->handleMouseEvent (juce::MouseInputSource::InputSourceType::mouse, place, buttonsAndKeys, 0.0f, 0.0f,
+                                     juce::Time::currentTimeMillis());
+    }
+
     void click (juce::Point<float> place)
     {
-        for (const auto button : { juce::ModifierKeys::leftButtonModifier, juce::ModifierKeys::noModifiers })
-            getPeer()->handleMouseEvent (juce::MouseInputSource::InputSourceType::mouse, place, button, 0.0f, 0.0f,
-                                         juce::Time::currentTimeMillis());
+        for (const auto button : { 0, +juce::ModifierKeys::leftButtonModifier, 0 })
+            mouse (place, button);
     }
 
     juce::RectangleList<int> repainted; ///< What is to be drawn anew.
@@ -107,7 +114,7 @@ private:
     {
         using juce::ComponentPeer::ComponentPeer;
 
-        void* getNativeHandle() const override { return nullptr; }
+        void* getNativeHandle() const override { return &component; } // else nothing is accessible
 
         void setVisible (bool) override {}
 
