@@ -20,7 +20,8 @@ HEADS = [
 HIGHER_NAMES = {"compRatio": 138, "compHPF": 144}  # a free lower half; the row of the neighbour
 SWITCH_NAME_DROP = 88
 PUSH_NAME_DROP = 78
-NAME_SHIFT = {"expThreshold": 12, "highPass": 18}  # to the right, away from the compressor's border; from a button's name
+# to the right, away from the compressor's border; from a button's name
+NAME_SHIFT = {"expThreshold": 12, "highPass": 18}
 
 # The three bands of the equaliser stand at the left of their gain knobs, the names of the knobs below them.
 BANDS = {"highGain": "HIGH", "midGain": "MID", "lowGain": "LOW"}
