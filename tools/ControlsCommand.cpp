@@ -222,20 +222,39 @@ private:
     OrvaneConsoleUI& console;
 };
 
-/** Makes the window use the pictures of a folder, under the keys of JUCE's cache by which it finds those of the module. */
-void usePicturesOf (const juce::File& folder)
+using Images = std::map<Picture, juce::Image>;
+
+/** The window's pictures from a folder; none for no folder. */
+Images imagesIn (const juce::String& path)
 {
+    Images images;
+
+    if (path.isEmpty())
+        return images;
+
+    const auto folder = fileAt (path);
+
     for (const auto& row : pictureCatalogue)
     {
-        const auto image = juce::ImageFileFormat::loadFrom (folder.getChildFile (juce::String (row.name) + ".png"));
+        auto& image = images[row.id];
+        image = juce::ImageFileFormat::loadFrom (folder.getChildFile (juce::String (row.name) + ".png"));
 
         if (image.getBounds() != juce::Rectangle (row.width, row.height))
             throw ToolError (folder.getFullPathName() + " has no " + row.name
                              + ".png of the size that the window needs");
-
-        juce::ImageCache::addImageToCache (image,
-                                           reinterpret_cast<juce::pointer_sized_int> (embeddedPicture (row.id).data()));
     }
+
+    return images;
+}
+
+bool readRows (const juce::Image& image, const TakeRow& takeRow)
+{
+    const juce::Image::BitmapData pixels (image, juce::Image::BitmapData::readOnly);
+
+    for (int y = 0; y < pixels.height; ++y)
+        takeRow (pixels.getLinePointer (y));
+
+    return true;
 }
 
 /** With the highest last, so that they fill their lines. */
@@ -252,6 +271,8 @@ void writeControlSheet (const CommandLine& line)
 {
     OutputFile file (line.outputPath);
     const ScratchSettings settings;
+    const auto images = imagesIn (line.picturesPath);
+    auto& pictures = *ScaledPictures::getInstance();
     ContactSheet sheet;
 
     for (const auto& view : views)
@@ -259,12 +280,14 @@ void writeControlSheet (const CommandLine& line)
         const auto now = draw (view);
         auto before = now;
 
-        if (line.picturesPath.isNotEmpty())
+        if (! images.empty())
         {
-            juce::ImageCache::releaseUnusedImages();
-            usePicturesOf (fileAt (line.picturesPath));
+            pictures.releaseUnused();
+            pictures.readPicture = [&images] (Picture picture, const TakeRow& takeRow)
+            { return readRows (images.at (picture), takeRow); };
             before = draw (view);
-            juce::ImageCache::releaseUnusedImages();
+            pictures.releaseUnused();
+            pictures.readPicture = readEmbeddedPicture;
         }
 
         for (std::size_t i = 0; i < now.size(); ++i)

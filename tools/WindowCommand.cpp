@@ -88,12 +88,11 @@ public:
         runMessagesFor (stateMs);
     }
 
-    /** Moves the screen's pointer to so many pixels below a control's middle. */
+    /** Moves the pointer to so many pixels below a control's middle, on the screen and as the window hears of it. */
     void point (juce::Component& target, int downPixels)
     {
         juce::Desktop::setMousePosition (placeIn (target, downPixels));
-        juce::ignoreUnused (juce::Desktop::getMousePosition()); // asking X sends what JUCE has left in its buffer
-        runMessagesFor (reactionMs);
+        mouse (target, downPixels, 0);
     }
 
     /** As point, with buttons that are not the screen's own, which stays where it is. */

@@ -81,7 +81,7 @@ struct PictureReader
     }
 
     const PictureRow& entry;
-    const std::function<void (const juce::uint8*)>& takeRow;
+    const TakeRow& takeRow;
     png_structp png;
     png_infop info;
     std::span<const std::byte> rest = embeddedPicture (entry.id);
@@ -100,7 +100,7 @@ struct PictureReader
 }
 } // namespace
 
-bool readPicture (Picture picture, const std::function<void (const juce::uint8*)>& takeRow)
+bool readEmbeddedPicture (Picture picture, const TakeRow& takeRow)
 {
     if (picture == Picture::none)
         return false;

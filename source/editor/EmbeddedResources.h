@@ -17,10 +17,13 @@ std::span<const std::byte> embeddedPicture (Picture picture) noexcept;
 /** The picture decoded, at its full size, anew for each call. Any thread. */
 juce::Image decodedPicture (Picture picture);
 
-/** Decodes the picture and hands over its rows from the top, in the layout of JUCE's images in memory, premultiplied: what a
-    picture of 35 MB takes is a row. True if that succeeded. Any thread.
+/** Takes a picture's next row, in the layout of JUCE's images in memory, premultiplied. */
+using TakeRow = std::function<void (const juce::uint8* row)>;
+
+/** Decodes the picture and hands over its rows from the top, so that of 35 MB only a row is held. True if that succeeded.
+    Any thread.
 */
-bool readPicture (Picture picture, const std::function<void (const juce::uint8* row)>& takeRow);
+bool readEmbeddedPicture (Picture picture, const TakeRow& takeRow);
 
 /** The OpenType face in which the channel's name is written. */
 std::span<const std::byte> embeddedFont() noexcept;

@@ -5,7 +5,6 @@
 #include "editor/ImageResampling.h"
 
 #include <future>
-#include <set>
 
 namespace tarvik
 {
@@ -17,15 +16,12 @@ int numFramesOf (Picture picture)
     return picture == Picture::knobStandard || picture == Picture::knobLarge ? filmstrip::frameCount : 1;
 }
 
-namespace
-{
-/** Copies of one picture, decoded once for all. Any thread. */
-std::map<ScaledPictures::Copy, juce::Image> madeCopies (Picture picture, const std::set<ScaledPictures::Copy>& wanted)
+ScaledPictures::Copies ScaledPictures::make (Picture picture, const std::set<Copy>& wanted) const
 {
     const auto& row = rowOf (picture);
     const auto format = row.colours == PictureColours::rgba ? juce::Image::ARGB : juce::Image::RGB;
-    std::map<ScaledPictures::Copy, RowResampler> resamplers;
-    std::map<ScaledPictures::Copy, juce::Image> made;
+    std::map<Copy, RowResampler> resamplers;
+    Copies made;
 
     for (const auto& copy : wanted)
         resamplers.try_emplace (copy, format, row.width, row.height, copy.frameWidth, copy.frameHeight,
@@ -42,7 +38,6 @@ std::map<ScaledPictures::Copy, juce::Image> madeCopies (Picture picture, const s
 
     return made;
 }
-} // namespace
 
 juce::Image ScaledPictures::get (const Copy& wanted)
 {
@@ -53,7 +48,7 @@ juce::Image ScaledPictures::get (const Copy& wanted)
         return found->second;
 
     releaseUnused();
-    copies.merge (madeCopies (wanted.picture, { wanted }));
+    copies.merge (make (wanted.picture, { wanted }));
     return copies[wanted];
 }
 
@@ -65,11 +60,11 @@ void ScaledPictures::makeTogether (std::span<const Copy> wanted)
         if (copy.frameWidth > 0 && copy.frameHeight > 0 && ! copies.contains (copy))
             missing[copy.picture].insert (copy);
 
-    std::vector<std::future<std::map<Copy, juce::Image>>> jobs;
+    std::vector<std::future<Copies>> jobs;
 
     for (const auto& [picture, sizes] : missing) // where no thread can be had, in turn
-        jobs.push_back (
-            std::async (std::launch::async | std::launch::deferred, madeCopies, picture, std::cref (sizes)));
+        jobs.push_back (std::async (std::launch::async | std::launch::deferred,
+                                    [this, picture = picture, &sizes = sizes] { return make (picture, sizes); }));
 
     for (auto& job : jobs)
         copies.merge (job.get());

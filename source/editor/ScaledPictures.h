@@ -6,6 +6,7 @@
 #include <juce_events/juce_events.h>
 
 #include <map>
+#include <set>
 #include <span>
 
 namespace tarvik
@@ -47,8 +48,16 @@ public:
     /** Bytes of all copies. */
     std::size_t memoryInUse() const;
 
+    /** Where pictures come from. A program may put in another, for any thread to call, while nobody holds a copy. */
+    std::function<bool (Picture picture, const TakeRow& takeRow)> readPicture = readEmbeddedPicture;
+
 private:
-    std::map<Copy, juce::Image> copies;
+    using Copies = std::map<Copy, juce::Image>;
+
+    /** Copies of one picture, which is decoded once for all. Any thread. */
+    Copies make (Picture picture, const std::set<Copy>& wanted) const;
+
+    Copies copies;
 };
 
 /** How many frames a picture has, from left to right. */

@@ -179,6 +179,12 @@ TEST (Hand, ADragIsFineWithShiftOrCtrlAndAPressAloneSendsNoValue)
     HandUnderTest t;
     constexpr int left = Keys::leftButtonModifier;
 
+    for (auto* const p : t.strip->getParameters())
+        p->setValueNotifyingHost (0.3071f); // where the fader's pixels round
+
+    t.show();
+    t.ears.heard();
+
     for (auto* const slider : allIn<ValueSlider> (*t.editor))
     {
         const auto place = t.middleOf (*slider);

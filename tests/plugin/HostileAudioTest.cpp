@@ -98,6 +98,7 @@ TEST (HostileAudio, AnyAudioLeavesTheStripFiniteAndCleanASecondLater)
                            { "gain", 0.0f },
                            { "inLevel", 0.0f },
                            { "compInput", 2.5f },
+                           { "compOutput", 2.5f },
                            { "compNuke", 0.0f },
                            { "compNiveau", 0.0f },
                            { "lowFreq", 0.0f } });
