@@ -167,13 +167,12 @@ TEST (EqualiserSound, PreparingAgainBeginsAnewOnTheNewestSettings)
     // At rates that make no sense, too: nothing of them may remain.
     for (const auto rate : { 44100.0, 0.0, std::nan (""), 1e300, 96000.0 })
     {
-        setRandomly (*used, random);
+        drawSettings (*used, random);
         used->prepareToPlay (rate, 512);
         const auto heard = firstOf (process (*used, input, 200));
-        ASSERT_TRUE (std::all_of (heard.begin(), heard.end(), [] (float x) { return std::abs (x) < 1e5f; })) << rate;
+        ASSERT_TRUE (std::all_of (heard.begin(), heard.end(), [] (float x) { return std::abs (x) < 100.0f; })) << rate;
 
-        setRandomly (*used, random);
-        setPlain (*used, { { "compIn", 1.0f }, { "mute", 0.0f } });
+        drawSettings (*used, random);
         const auto fresh = makeEqualiserStrip (2);
         fresh->applySnapshot (used->currentSnapshot());
         used->prepareToPlay (48000.0, 512);
