@@ -4,7 +4,6 @@
 #include "dsp/InstructionSets.h"
 
 #include <gtest/gtest.h>
-#include <hwy/targets.h>
 
 #include <algorithm>
 #include <array>
@@ -12,7 +11,6 @@
 #include <cstring>
 #include <limits>
 #include <random>
-#include <set>
 #include <span>
 #include <vector>
 
@@ -143,24 +141,6 @@ TEST (RowOperations, AnyLengthAndAlignmentGivesThePlainBitsOnEverySet)
     expectPlainBits<float> (operations<float>);
     expectPlainBits<double> (operations<double>);
     expectPlainBits<float> (floatOperations);
-}
-
-TEST (InstructionSets, ForcingReachesTheDispatcherAndEndsWithTheScope)
-{
-    selectInstructionSet();
-    const auto best = hwy::GetChosenTarget().GetIndex();
-    const auto sets = supportedInstructionSets();
-    std::set<std::size_t> indices;
-
-    for (const auto& set : sets)
-    {
-        const ScopedInstructionSet forced (set);
-        indices.insert (hwy::GetChosenTarget().GetIndex());
-    }
-
-    EXPECT_EQ (indices.size(), sets.size());
-    EXPECT_EQ (hwy::GetChosenTarget().GetIndex(), best);
-    EXPECT_EQ (*indices.begin(), best) << "the best set is not the one chosen";
 }
 } // namespace
 } // namespace tarvik

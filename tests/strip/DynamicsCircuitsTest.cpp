@@ -1,21 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "strip/Expander.h"
-#include "strip/OpeningTable.h"
 
 #include <gtest/gtest.h>
-
-#include <cmath>
 
 namespace tarvik
 {
 namespace
 {
-TEST (Compressor, OpeningOfTheAttackFollowsTheExponential)
-{
-    for (auto volts = OpeningTable::lowestVolts; volts < 1e9; volts *= 1.001) // past the cells' end, too
-        ASSERT_NEAR (OpeningTable::at (volts), std::exp (-1.0 / volts), 1e-10) << volts;
-}
-
 TEST (Expander, ActivityIsAShareOfTheRange)
 {
     const auto activity = [] (Expander::Mode mode, float rangeDb)
