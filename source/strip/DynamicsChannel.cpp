@@ -5,24 +5,19 @@
 #include "strip/DynamicsChannel.h"
 
 #include "dsp/Dispatch.h"
+#include "dsp/RowMaths.h"
 #include "dsp/StateFloor.h"
 
-// foreach_target.h comes before highway.h.
-// clang-format off
-#include <hwy/foreach_target.h>
+#include <hwy/foreach_target.h> // before highway.h
 #include <hwy/highway.h>
-// clang-format on
 
-#include <algorithm>
-#include <array>
-#include <cmath>
+#include "strip/DynamicsSteps-inl.h"
+
 #include <cstddef>
 #include <span>
 
 HWY_BEFORE_NAMESPACE();
 
-// No vectors here: the newer instruction sets only spare the copies that two-operand instructions need. Every variant
-// gives the same bits.
 namespace tarvik::dynamics::HWY_NAMESPACE
 {
 namespace
@@ -36,103 +31,139 @@ enum class Expansion
     gate
 };
 
-template <Expansion expansion>
-HWY_INLINE double step (const DynamicsCircuits& circuits, DynamicsChannel& channel, const DynamicsRows& rows, int i)
+/** Calls a function with every number of these, one of each. */
+template <typename Function, typename... Loops>
+HWY_INLINE void forEachNumber (Function function, Loops&... loops)
 {
-    const auto& [compressor, limiter, expander] = circuits;
-    const auto level = std::abs (static_cast<double> (rows.detector[i]));
+    function (loops.gain...);
+    function (loops.compressor.c1Volts...);
+    function (loops.compressor.c2Volts...);
+    function (loops.compressor.r2Amps...);
+    function (loops.compressor.peak...);
+    function (loops.limiterVolts...);
+    function (loops.expander.rms...);
+    function (loops.expander.anchorDb...);
+    function (loops.expander.perAnchor...);
+    function (loops.expander.heldDb...);
+    function (loops.expander.holdSeconds...);
+    function (loops.expander.volts...);
+    function (loops.expander.fallVolts...);
+    function (loops.line.offset...);
+    function (loops.line.slope...);
+    function (loops.line.lowestVolts...);
+    function (loops.line.highestVolts...);
+}
+
+template <Expansion expansion, typename Number>
+HWY_INLINE void step (const DynamicsCircuits& circuits, DynamicsLoops<Number>& loop, const DynamicsRows& first,
+                      const DynamicsRows& second, int i)
+{
+    const auto& expander = circuits.expander.getCoefficients();
+    const auto level = abs (load<Number> (first.detector + i, second.detector + i));
 
     // Expander or gate, limiter, compressor: the largest voltage wins.
-    auto expanderVolts = 0.0;
+    auto otherVolts = step (circuits.limiter.getCoefficients(), loop.limiterVolts, loop.gain * level);
 
     if constexpr (expansion == Expansion::falling)
-        expanderVolts = 0.5 * Expander::fall (channel.expander);
+        otherVolts = max (0.5 * fall (loop.expander), otherVolts);
 
     if constexpr (expansion == Expansion::expander)
-        expanderVolts = 0.5 * expander.charge (channel.expander, rows.attenuationsDb[i]);
+    {
+        constexpr double dbPerDecade = 20.0;
+        const auto levelDb = load<Number> (first.keyLevels + i, second.keyLevels + i) * dbPerDecade;
+        const auto attenuationDb = holdAndInvert (expander, loop.expander, attenuationFor (expander, levelDb));
+        otherVolts = max (0.5 * charge (expander, loop.expander.volts, attenuationDb), otherVolts);
+    }
 
     if constexpr (expansion == Expansion::gate)
     {
-        const auto key = static_cast<double> (rows.key[i]);
-        const auto attenuationDb = expander.gateAttenuation (channel.expander, channel.gain, key);
-        expanderVolts = 0.5 * expander.charge (channel.expander, attenuationDb);
+        const auto key = load<Number> (first.key + i, second.key + i);
+        const auto attenuationDb = gateAttenuation (expander, loop.expander, loop.gain, key);
+        otherVolts = max (0.5 * charge (expander, loop.expander.volts, attenuationDb), otherVolts);
     }
 
-    const auto limiterVolts = limiter.step (channel.limiterVolts, channel.gain * level);
     constexpr double offsetVolts = 1.288849;          // the two are fitted: they match expander and limiter
     constexpr double voltsPerVolt = 1.0 / 0.95376545; // to the control voltage of the gain element
-    const auto otherVolts = (std::max (expanderVolts, limiterVolts) - offsetVolts) * voltsPerVolt;
-    auto volts = compressor.step (channel.compressor, channel.gain, level);
-
-    // The same one wins for a while. A jump, unlike a choice of values, lets the processor go on with the likely one.
-    if (otherVolts > volts) [[unlikely]]
-        volts = otherVolts;
-
-    // The voltage seldom leaves the curve's segment, so the next gain doesn't wait for the search.
-    auto gain = channel.segment->gainAt (volts);
-
-    if (! channel.segment->contains (volts))
-    {
-        channel.segment = &VcaCurve::getSegment (volts);
-        gain = channel.segment->gainAt (volts);
-    }
-
-    return std::max (gain, 0.0); // the first argument is kept if it is a NaN
+    const auto compressorVolts = step (circuits.compressor.getCoefficients(), loop.compressor, loop.gain, level);
+    loop.gain = gainFor (loop.line, max (compressorVolts, (otherVolts - offsetVolts) * voltsPerVolt));
+    store (loop.gain, first.gains + i, second.gains + i);
 }
 
-template <Expansion expansion, std::size_t numChannels>
-HWY_NOINLINE void run (const DynamicsCircuits& circuits, DynamicsChannel* channels, const DynamicsRows* rows, int n)
+/** The key's RMS, for its logarithm to be taken a row at a time. */
+template <typename Number>
+HWY_NOINLINE void followLevels (const DynamicsCircuits& circuits, DynamicsLoops<Number>& loop,
+                                const DynamicsRows& first, const DynamicsRows& second, int n)
 {
-    // Copies whose address nobody takes, and no array of them, so that they stay in registers.
-    const auto localCircuits = circuits;
-    constexpr auto last = numChannels - 1;
-    const auto firstRows = rows[0], lastRows = rows[last];
-    auto first = channels[0], lastChannel = channels[last];
+    const auto coefficients = circuits.expander.getCoefficients();
+    auto rms = loop.expander.rms;
 
     for (int i = 0; i < n; ++i)
     {
-        first.gain = step<expansion> (localCircuits, first, firstRows, i);
-        firstRows.gains[i] = static_cast<float> (first.gain);
-
-        if constexpr (last > 0)
-        {
-            lastChannel.gain = step<expansion> (localCircuits, lastChannel, lastRows, i);
-            lastRows.gains[i] = static_cast<float> (lastChannel.gain);
-        }
+        const auto key = load<Number> (first.key + i, second.key + i);
+        store (followLevel (coefficients, rms, key), first.keyLevels + i, second.keyLevels + i);
     }
 
-    channels[0] = first;
-
-    if constexpr (last > 0)
-        channels[last] = lastChannel;
+    loop.expander.rms = rms;
 }
 
-template <std::size_t numChannels>
-void runInMode (const DynamicsCircuits& circuits, DynamicsChannel* channels, const DynamicsRows* rows, int n)
+template <Expansion expansion, typename Number>
+HWY_NOINLINE void run (const DynamicsCircuits& circuits, DynamicsLoops<Number>& loop, const DynamicsRows& first,
+                       const DynamicsRows& second, int n)
+{
+    // Copies whose address nobody takes, so that they stay in registers.
+    const auto localCircuits = circuits;
+    const auto firstRows = first, secondRows = second;
+    auto localLoop = loop;
+
+    for (int i = 0; i < n; ++i)
+        step<expansion> (localCircuits, localLoop, firstRows, secondRows, i);
+
+    loop = localLoop;
+}
+
+template <typename Number>
+void runInMode (const DynamicsCircuits& circuits, DynamicsLoops<Number>& loop, const DynamicsRows& first,
+                const DynamicsRows& second, int n)
 {
     switch (circuits.expander.getMode())
     {
         case Expander::Mode::expander:
-            return run<Expansion::expander, numChannels> (circuits, channels, rows, n);
+            followLevels (circuits, loop, first, second, n);
+            rows::log10 (first.keyLevels, first.keyLevels, n);
+
+            if (second.keyLevels != first.keyLevels)
+                rows::log10 (second.keyLevels, second.keyLevels, n);
+
+            return run<Expansion::expander> (circuits, loop, first, second, n);
         case Expander::Mode::gate:
-            return run<Expansion::gate, numChannels> (circuits, channels, rows, n);
+            return run<Expansion::gate> (circuits, loop, first, second, n);
         case Expander::Mode::off:
             break;
     }
 
     // Where the capacitor is empty both of these do the same, the second with less work.
-    if (channels[0].expander.volts > 0.0 || channels[numChannels - 1].expander.volts > 0.0)
-        run<Expansion::falling, numChannels> (circuits, channels, rows, n);
+    if (any (loop.expander.volts > Number (0.0)))
+        run<Expansion::falling> (circuits, loop, first, second, n);
     else
-        run<Expansion::none, numChannels> (circuits, channels, rows, n);
+        run<Expansion::none> (circuits, loop, first, second, n);
 }
 
 void process (const DynamicsCircuits& circuits, std::span<DynamicsChannel> channels, const DynamicsRows* rows, int n)
 {
+#if HWY_TARGET != HWY_SCALAR
     if (channels.size() == 2)
-        runInMode<2> (circuits, channels.data(), rows, n);
-    else
-        runInMode<1> (circuits, channels.data(), rows, n);
+    {
+        auto &first = channels[0], &second = channels[1];
+        DynamicsLoops<Pair> both;
+        forEachNumber ([] (Pair& pair, double a, double b) HWY_ATTR { pair = Pair (a, b); }, both, first, second);
+        runInMode (circuits, both, rows[0], rows[1], n);
+        forEachNumber ([] (Pair pair, double& a, double& b) HWY_ATTR { store (pair, &a, &b); }, both, first, second);
+        return;
+    }
+#endif
+
+    for (std::size_t c = 0; c < channels.size(); ++c)
+        runInMode (circuits, channels[c], rows[c], rows[c], n);
 }
 } // namespace
 } // namespace tarvik::dynamics::HWY_NAMESPACE
@@ -151,16 +182,6 @@ HWY_EXPORT (process);
 void processDynamics (const DynamicsCircuits& circuits, std::span<DynamicsChannel> channels,
                       std::span<const DynamicsRows> rows, int n) noexcept
 {
-    if (circuits.expander.getMode() == Expander::Mode::expander)
-    {
-        std::array<Expander::Rows, 2> expanderRows;
-
-        for (std::size_t c = 0; c < channels.size(); ++c)
-            expanderRows[c] = { &channels[c].expander, rows[c].key, rows[c].attenuationsDb };
-
-        circuits.expander.makeAttenuations (std::span (expanderRows).first (channels.size()), n);
-    }
-
     TARVIK_DISPATCH (dynamics::process) (circuits, channels, rows.data(), n);
 
     for (auto& channel : channels)
