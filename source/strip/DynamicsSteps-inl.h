@@ -23,10 +23,18 @@ namespace tarvik::dynamics::HWY_NAMESPACE
 {
 namespace
 {
+/** A control voltage: the smaller of the two. */
+template <typename Number>
+struct HeldVolts
+{
+    Number free;
+    Number ceiling;
+};
+
 /** The compressor: the gain element's last gain, and the absolute value of the detector's input before it, both finite.
     Updates the state and returns the control voltage, the one on C1. */
 template <typename Number>
-HWY_INLINE Number step (const CompressorCircuit::Coefficients& k, CompressorCircuit::States<Number>& state, Number gain,
+HWY_INLINE HeldVolts<Number> step (const CompressorCircuit::Coefficients& k, CompressorCircuit::States<Number>& state, Number gain,
                         Number level)
 {
     // Products are ordered so that only one multiplication waits for the gain.
@@ -70,10 +78,11 @@ HWY_INLINE Number step (const CompressorCircuit::Coefficients& k, CompressorCirc
 
     // Held before the exchange, so that neither capacitor sees more than the voltage at which the gain is 0.
     const auto amps = (min (charged, k.ceilingVolts) - state.c2Volts) * k.r2Siemens;
-    state.c1Volts = min (passedOn, k.ceilingVolts * k.networkKeep + received);
+    const HeldVolts<Number> volts { passedOn, k.ceilingVolts * k.networkKeep + received };
+    state.c1Volts = min (volts.free, volts.ceiling);
     state.c2Volts = state.c2Volts + (amps + state.r2Amps) * k.c2VoltsPerAmp;
     state.r2Amps = amps;
-    return state.c1Volts;
+    return volts;
 }
 
 /** The limiter: `level` is the absolute value of what the detector hears after the gain element; updates and returns the
@@ -196,23 +205,30 @@ HWY_INLINE Number fall (Expander::States<Number>& state)
 }
 
 //==============================================================================
-/** The gain for a control voltage, 0 or above, by the line of the curve that the last one fell on. The voltage seldom
-    leaves it, so the next gain doesn't wait for the search. */
+/** The gain for the larger of two control voltages, 0 or above, by the line of the curve that the last one fell on. The
+    voltage seldom leaves it, so the next gain doesn't wait for the search. */
 template <typename Number>
-HWY_INLINE Number gainFor (VcaCurve::Lines<Number>& line, Number volts)
+HWY_INLINE Number gainFor (VcaCurve::Lines<Number>& line, const HeldVolts<Number>& volts, Number otherVolts)
 {
-    if (! all (both (volts >= line.lowestVolts, volts < line.highestVolts))) [[unlikely]]
+    const auto largest = max (min (volts.free, volts.ceiling), otherVolts);
+
+    if (! all (both (largest >= line.lowestVolts, largest < line.highestVolts))) [[unlikely]]
     {
-        const auto find = [volts] (double VcaCurve::Segment::* member) HWY_ATTR
+        const auto find = [largest] (double VcaCurve::Segment::* member) HWY_ATTR
         {
-            return forEachChannel (volts, [member] (double v) { return VcaCurve::getSegment (v).*member; });
+            return forEachChannel (largest, [member] (double v) { return VcaCurve::getSegment (v).*member; });
         };
 
         line = { find (&VcaCurve::Segment::offset), find (&VcaCurve::Segment::slope),
                  find (&VcaCurve::Segment::lowestVolts), find (&VcaCurve::Segment::highestVolts) };
     }
 
-    return max (line.offset + line.slope * volts, 0.0); // the first argument is kept if it is a NaN
+    // max (offset + slope x largest, 0), to the bit: lines fall, so the largest voltage has the smallest product. The
+    // choice among products leaves a single multiplication and two choices behind the voltage that comes last.
+    const auto lowest = 0.0 - line.offset;
+    const auto held = max (line.slope * volts.ceiling, lowest);
+    const auto other = max (line.slope * otherVolts, lowest);
+    return line.offset + min (max (line.slope * volts.free, held), other);
 }
 } // namespace
 } // namespace tarvik::dynamics::HWY_NAMESPACE
