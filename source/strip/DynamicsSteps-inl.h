@@ -210,7 +210,19 @@ HWY_INLINE Number fall (Expander::States<Number>& state)
 template <typename Number>
 HWY_INLINE Number gainFor (VcaCurve::Lines<Number>& line, const HeldVolts<Number>& volts, Number otherVolts)
 {
-    const auto largest = max (min (volts.free, volts.ceiling), otherVolts);
+    auto largest = min (volts.free, volts.ceiling);
+
+    // One channel doesn't wait for the limiter or the expander: the same voltage wins for a while, and a jump, unlike a
+    // choice of values, lets the processor go on with the likely one.
+    if constexpr (std::is_same_v<Number, double>)
+    {
+        if (otherVolts > largest) [[unlikely]]
+            largest = otherVolts;
+    }
+    else
+    {
+        largest = max (largest, otherVolts);
+    }
 
     if (! all (both (largest >= line.lowestVolts, largest < line.highestVolts))) [[unlikely]]
     {
@@ -222,6 +234,9 @@ HWY_INLINE Number gainFor (VcaCurve::Lines<Number>& line, const HeldVolts<Number
         line = { find (&VcaCurve::Segment::offset), find (&VcaCurve::Segment::slope),
                  find (&VcaCurve::Segment::lowestVolts), find (&VcaCurve::Segment::highestVolts) };
     }
+
+    if constexpr (std::is_same_v<Number, double>)
+        return max (line.offset + line.slope * largest, 0.0);
 
     // max (offset + slope x largest, 0), to the bit: lines fall, so the largest voltage has the smallest product. The
     // choice among products leaves a single multiplication and two choices behind the voltage that comes last.
