@@ -13,8 +13,10 @@
 
 #include "strip/DynamicsSteps-inl.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <span>
+#include <type_traits>
 
 HWY_BEFORE_NAMESPACE();
 
@@ -89,21 +91,13 @@ HWY_INLINE void step (const DynamicsCircuits& circuits, DynamicsLoops<Number>& l
     store (loop.gain, first.gains + i, second.gains + i);
 }
 
-/** The key's RMS, for its logarithm to be taken a row at a time. */
+/** The expander's first step: leaves the RMS of sample i's key in the work rows. */
 template <typename Number>
-HWY_NOINLINE void followLevels (const DynamicsCircuits& circuits, DynamicsLoops<Number>& loop,
-                                const DynamicsRows& first, const DynamicsRows& second, int n)
+HWY_INLINE void followKey (const Expander::Coefficients& expander, DynamicsLoops<Number>& loop, const DynamicsRows& first,
+                           const DynamicsRows& second, int i)
 {
-    const auto coefficients = circuits.expander.getCoefficients();
-    auto rms = loop.expander.rms;
-
-    for (int i = 0; i < n; ++i)
-    {
-        const auto key = load<Number> (first.key + i, second.key + i);
-        store (followLevel (coefficients, rms, key), first.keyLevels + i, second.keyLevels + i);
-    }
-
-    loop.expander.rms = rms;
+    const auto key = load<Number> (first.key + i, second.key + i);
+    store (followLevel (expander, loop.expander.rms, key), first.keyLevels + i, second.keyLevels + i);
 }
 
 template <Expansion expansion, typename Number>
@@ -115,8 +109,39 @@ HWY_NOINLINE void run (const DynamicsCircuits& circuits, DynamicsLoops<Number>& 
     const auto firstRows = first, secondRows = second;
     auto localLoop = loop;
 
-    for (int i = 0; i < n; ++i)
-        step<expansion> (localCircuits, localLoop, firstRows, secondRows, i);
+    if constexpr (expansion == Expansion::expander)
+    {
+        // The RMS is a chain of divisions that needs no gain. It runs some samples ahead, in the time that the other
+        // chain spends waiting, and its logarithm is taken a piece at a time.
+        constexpr int ahead = 32;
+        const auto& expander = localCircuits.expander.getCoefficients();
+
+        for (int i = 0; i < std::min (n, ahead); ++i)
+            followKey (expander, localLoop, firstRows, secondRows, i);
+
+        for (int begin = 0; begin < n; begin += ahead)
+        {
+            const auto end = std::min (n, begin + ahead);
+
+            rows::log10 (firstRows.keyLevels + begin, firstRows.keyLevels + begin, end - begin);
+
+            if constexpr (! std::is_same_v<Number, double>)
+                rows::log10 (secondRows.keyLevels + begin, secondRows.keyLevels + begin, end - begin);
+
+            for (int i = begin; i < end; ++i)
+            {
+                if (i + ahead < n)
+                    followKey (expander, localLoop, firstRows, secondRows, i + ahead);
+
+                step<expansion> (localCircuits, localLoop, firstRows, secondRows, i);
+            }
+        }
+    }
+    else
+    {
+        for (int i = 0; i < n; ++i)
+            step<expansion> (localCircuits, localLoop, firstRows, secondRows, i);
+    }
 
     loop = localLoop;
 }
@@ -128,12 +153,6 @@ void runInMode (const DynamicsCircuits& circuits, DynamicsLoops<Number>& loop, c
     switch (circuits.expander.getMode())
     {
         case Expander::Mode::expander:
-            followLevels (circuits, loop, first, second, n);
-            rows::log10 (first.keyLevels, first.keyLevels, n);
-
-            if (second.keyLevels != first.keyLevels)
-                rows::log10 (second.keyLevels, second.keyLevels, n);
-
             return run<Expansion::expander> (circuits, loop, first, second, n);
         case Expander::Mode::gate:
             return run<Expansion::gate> (circuits, loop, first, second, n);
