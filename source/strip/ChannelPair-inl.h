@@ -118,7 +118,7 @@ public:
 
     friend HWY_INLINE Condition operator>= (Pair a, Pair b) { return { hn::Ge (a.lanes, b.lanes) }; }
 
-    friend HWY_INLINE Condition operator< (Pair a, Pair b) { return { hn::Lt (a.lanes, b.lanes) }; }
+    friend HWY_INLINE Condition operator<(Pair a, Pair b) { return { hn::Lt (a.lanes, b.lanes) }; }
 
     friend HWY_INLINE Condition operator<= (Pair a, Pair b) { return { hn::Le (a.lanes, b.lanes) }; }
 

@@ -8,10 +8,12 @@
 #include "dsp/RowMaths.h"
 #include "dsp/StateFloor.h"
 
-#include <hwy/foreach_target.h> // before highway.h
+// foreach_target.h comes before highway.h.
+// clang-format off
+#include <hwy/foreach_target.h>
 #include <hwy/highway.h>
-
 #include "strip/DynamicsSteps-inl.h"
+// clang-format on
 
 #include <algorithm>
 #include <cstddef>
@@ -63,126 +65,150 @@ HWY_INLINE void step (const DynamicsCircuits& circuits, DynamicsLoops<Number>& l
     const auto& expander = circuits.expander.getCoefficients();
     const auto level = abs (load<Number> (first.detector + i, second.detector + i));
 
-    // Expander or gate, limiter, compressor: the largest voltage wins.
-    auto otherVolts = step (circuits.limiter.getCoefficients(), loop.limiterVolts, loop.gain * level);
+    // Expander or gate, limiter, compressor: the largest voltage wins. Of the expander's it is half; what it meets is
+    // doubled instead, which changes no bit and keeps a multiplication away from the voltage that comes last.
+    constexpr auto scale = expansion == Expansion::none ? 1.0 : 2.0;
+    auto otherVolts = scale * step (circuits.limiter.getCoefficients(), loop.limiterVolts, loop.gain * level);
 
     if constexpr (expansion == Expansion::falling)
-        otherVolts = max (0.5 * fall (loop.expander), otherVolts);
+        otherVolts = max (fall (loop.expander), otherVolts);
 
     if constexpr (expansion == Expansion::expander)
     {
         constexpr double dbPerDecade = 20.0;
         const auto levelDb = load<Number> (first.keyLevels + i, second.keyLevels + i) * dbPerDecade;
         const auto attenuationDb = holdAndInvert (expander, loop.expander, attenuationFor (expander, levelDb));
-        otherVolts = max (0.5 * charge (expander, loop.expander.volts, attenuationDb), otherVolts);
+        otherVolts = max (charge (expander, loop.expander.volts, attenuationDb), otherVolts);
     }
 
     if constexpr (expansion == Expansion::gate)
     {
         const auto key = load<Number> (first.key + i, second.key + i);
         const auto attenuationDb = gateAttenuation (expander, loop.expander, loop.gain, key);
-        otherVolts = max (0.5 * charge (expander, loop.expander.volts, attenuationDb), otherVolts);
+        otherVolts = max (charge (expander, loop.expander.volts, attenuationDb), otherVolts);
     }
 
     constexpr double offsetVolts = 1.288849;          // the two are fitted: they match expander and limiter
     constexpr double voltsPerVolt = 1.0 / 0.95376545; // to the control voltage of the gain element
     const auto compressorVolts = step (circuits.compressor.getCoefficients(), loop.compressor, loop.gain, level);
-    loop.gain = gainFor (loop.line, compressorVolts, (otherVolts - offsetVolts) * voltsPerVolt);
+    loop.gain = gainFor (loop.line, compressorVolts, (otherVolts - scale * offsetVolts) * (voltsPerVolt / scale));
     store (loop.gain, first.gains + i, second.gains + i);
 }
 
 /** The expander's first step: leaves the RMS of sample i's key in the work rows. */
 template <typename Number>
-HWY_INLINE void followKey (const Expander::Coefficients& expander, DynamicsLoops<Number>& loop, const DynamicsRows& first,
-                           const DynamicsRows& second, int i)
+HWY_INLINE void followKey (const Expander::Coefficients& expander, DynamicsLoops<Number>& loop,
+                           const DynamicsRows& first, const DynamicsRows& second, int i)
 {
     const auto key = load<Number> (first.key + i, second.key + i);
     store (followLevel (expander, loop.expander.rms, key), first.keyLevels + i, second.keyLevels + i);
 }
 
-template <Expansion expansion, typename Number>
-HWY_NOINLINE void run (const DynamicsCircuits& circuits, DynamicsLoops<Number>& loop, const DynamicsRows& first,
-                       const DynamicsRows& second, int n)
+/** All channels: those of one loop or, where there are no lanes for two, those of two loops. */
+template <Expansion expansion, std::size_t numLoops, typename Number>
+HWY_NOINLINE void run (const DynamicsCircuits& circuits, DynamicsLoops<Number>* const* loops, const DynamicsRows* rows,
+                       int n)
 {
-    // Copies whose address nobody takes, so that they stay in registers.
+    // Copies whose address nobody takes, and no array of them, so that they stay in registers.
+    constexpr auto last = numLoops - 1;
+    constexpr auto isMono = numLoops == 1 && std::is_same_v<Number, double>;
     const auto localCircuits = circuits;
-    const auto firstRows = first, secondRows = second;
-    auto localLoop = loop;
+    const auto firstRows = rows[0], secondRows = rows[isMono ? 0 : 1];
+    auto firstLoop = *loops[0], lastLoop = *loops[last];
+
+    const auto stepAll = [&] (int i) HWY_ATTR
+    {
+        step<expansion> (localCircuits, firstLoop, firstRows, secondRows, i);
+
+        if constexpr (last > 0)
+            step<expansion> (localCircuits, lastLoop, secondRows, secondRows, i);
+    };
 
     if constexpr (expansion == Expansion::expander)
     {
         // The RMS is a chain of divisions that needs no gain. It runs some samples ahead, in the time that the other
         // chain spends waiting, and its logarithm is taken a piece at a time.
         constexpr int ahead = 32;
-        const auto& expander = localCircuits.expander.getCoefficients();
+
+        const auto followKeys = [&] (int i) HWY_ATTR
+        {
+            followKey (localCircuits.expander.getCoefficients(), firstLoop, firstRows, secondRows, i);
+
+            if constexpr (last > 0)
+                followKey (localCircuits.expander.getCoefficients(), lastLoop, secondRows, secondRows, i);
+        };
 
         for (int i = 0; i < std::min (n, ahead); ++i)
-            followKey (expander, localLoop, firstRows, secondRows, i);
+            followKeys (i);
 
         for (int begin = 0; begin < n; begin += ahead)
         {
             const auto end = std::min (n, begin + ahead);
-
             rows::log10 (firstRows.keyLevels + begin, firstRows.keyLevels + begin, end - begin);
 
-            if constexpr (! std::is_same_v<Number, double>)
+            if constexpr (! isMono)
                 rows::log10 (secondRows.keyLevels + begin, secondRows.keyLevels + begin, end - begin);
 
             for (int i = begin; i < end; ++i)
             {
                 if (i + ahead < n)
-                    followKey (expander, localLoop, firstRows, secondRows, i + ahead);
+                    followKeys (i + ahead);
 
-                step<expansion> (localCircuits, localLoop, firstRows, secondRows, i);
+                stepAll (i);
             }
         }
     }
     else
     {
         for (int i = 0; i < n; ++i)
-            step<expansion> (localCircuits, localLoop, firstRows, secondRows, i);
+            stepAll (i);
     }
 
-    loop = localLoop;
+    *loops[0] = firstLoop;
+
+    if constexpr (last > 0)
+        *loops[last] = lastLoop;
 }
 
-template <typename Number>
-void runInMode (const DynamicsCircuits& circuits, DynamicsLoops<Number>& loop, const DynamicsRows& first,
-                const DynamicsRows& second, int n)
+template <std::size_t numLoops, typename Number>
+void runInMode (const DynamicsCircuits& circuits, DynamicsLoops<Number>* const* loops, const DynamicsRows* rows, int n)
 {
     switch (circuits.expander.getMode())
     {
         case Expander::Mode::expander:
-            return run<Expansion::expander> (circuits, loop, first, second, n);
+            return run<Expansion::expander, numLoops> (circuits, loops, rows, n);
         case Expander::Mode::gate:
-            return run<Expansion::gate> (circuits, loop, first, second, n);
+            return run<Expansion::gate, numLoops> (circuits, loops, rows, n);
         case Expander::Mode::off:
             break;
     }
 
     // Where the capacitor is empty both of these do the same, the second with less work.
-    if (any (loop.expander.volts > Number (0.0)))
-        run<Expansion::falling> (circuits, loop, first, second, n);
+    if (any (either (loops[0]->expander.volts > Number (0.0), loops[numLoops - 1]->expander.volts > Number (0.0))))
+        run<Expansion::falling, numLoops> (circuits, loops, rows, n);
     else
-        run<Expansion::none> (circuits, loop, first, second, n);
+        run<Expansion::none, numLoops> (circuits, loops, rows, n);
 }
 
-void process (const DynamicsCircuits& circuits, std::span<DynamicsChannel> channels, const DynamicsRows* rows, int n)
+void process (const DynamicsCircuits& circuits, DynamicsChannel* channels, std::size_t numChannels,
+              const DynamicsRows* rows, int n)
 {
-#if HWY_TARGET != HWY_SCALAR
-    if (channels.size() == 2)
-    {
-        auto &first = channels[0], &second = channels[1];
-        DynamicsLoops<Pair> both;
-        forEachNumber ([] (Pair& pair, double a, double b) HWY_ATTR { pair = Pair (a, b); }, both, first, second);
-        runInMode (circuits, both, rows[0], rows[1], n);
-        forEachNumber ([] (Pair pair, double& a, double& b) HWY_ATTR { store (pair, &a, &b); }, both, first, second);
-        return;
-    }
-#endif
+    DynamicsLoops<double>* const loops[] { channels, channels + numChannels - 1 };
 
-    for (std::size_t c = 0; c < channels.size(); ++c)
-        runInMode (circuits, channels[c], rows[c], rows[c], n);
+    if (numChannels != 2)
+        return runInMode<1> (circuits, loops, rows, n);
+
+#if HWY_TARGET == HWY_SCALAR
+    runInMode<2> (circuits, loops, rows, n);
+#else
+    DynamicsLoops<Pair> pair;
+    DynamicsLoops<Pair>* const pairs[] { &pair };
+    forEachNumber ([] (Pair& both, double a, double b) HWY_ATTR { both = Pair (a, b); }, pair, channels[0],
+                   channels[1]);
+    runInMode<1> (circuits, pairs, rows, n);
+    forEachNumber ([] (Pair both, double& a, double& b) HWY_ATTR { store (both, &a, &b); }, pair, channels[0],
+                   channels[1]);
+#endif
 }
 } // namespace
 } // namespace tarvik::dynamics::HWY_NAMESPACE
@@ -201,7 +227,7 @@ HWY_EXPORT (process);
 void processDynamics (const DynamicsCircuits& circuits, std::span<DynamicsChannel> channels,
                       std::span<const DynamicsRows> rows, int n) noexcept
 {
-    TARVIK_DISPATCH (dynamics::process) (circuits, channels, rows.data(), n);
+    TARVIK_DISPATCH (dynamics::process) (circuits, channels.data(), channels.size(), rows.data(), n);
 
     for (auto& channel : channels)
     {

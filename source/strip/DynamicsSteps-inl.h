@@ -34,8 +34,8 @@ struct HeldVolts
 /** The compressor: the gain element's last gain, and the absolute value of the detector's input before it, both finite.
     Updates the state and returns the control voltage, the one on C1. */
 template <typename Number>
-HWY_INLINE HeldVolts<Number> step (const CompressorCircuit::Coefficients& k, CompressorCircuit::States<Number>& state, Number gain,
-                        Number level)
+HWY_INLINE HeldVolts<Number> step (const CompressorCircuit::Coefficients& k, CompressorCircuit::States<Number>& state,
+                                   Number gain, Number level)
 {
     // Products are ordered so that only one multiplication waits for the gain.
     const auto rectified = gain * (level * k.rectifierGain);
@@ -226,10 +226,8 @@ HWY_INLINE Number gainFor (VcaCurve::Lines<Number>& line, const HeldVolts<Number
 
     if (! all (both (largest >= line.lowestVolts, largest < line.highestVolts))) [[unlikely]]
     {
-        const auto find = [largest] (double VcaCurve::Segment::* member) HWY_ATTR
-        {
-            return forEachChannel (largest, [member] (double v) { return VcaCurve::getSegment (v).*member; });
-        };
+        const auto find = [largest] (double VcaCurve::Segment::*member) HWY_ATTR
+        { return forEachChannel (largest, [member] (double v) { return VcaCurve::getSegment (v).*member; }); };
 
         line = { find (&VcaCurve::Segment::offset), find (&VcaCurve::Segment::slope),
                  find (&VcaCurve::Segment::lowestVolts), find (&VcaCurve::Segment::highestVolts) };
