@@ -105,23 +105,30 @@ HWY_INLINE void followKey (const Expander::Coefficients& expander, DynamicsLoops
 }
 
 /** All channels: those of one loop or, where there are no lanes for two, those of two loops. */
-template <Expansion expansion, std::size_t numLoops, typename Number>
-HWY_NOINLINE void run (const DynamicsCircuits& circuits, DynamicsLoops<Number>* const* loops, const DynamicsRows* rows,
-                       int n)
+template <Expansion expansion, typename Number, std::size_t numLoops>
+HWY_NOINLINE void run (const DynamicsCircuits& circuits, DynamicsChannel* channels, const DynamicsRows* rows, int n)
 {
-    // Copies whose address nobody takes, and no array of them, so that they stay in registers.
-    constexpr auto last = numLoops - 1;
     constexpr auto isMono = numLoops == 1 && std::is_same_v<Number, double>;
+    constexpr auto last = isMono ? 0 : 1;
+    constexpr auto hasTwoLoops = numLoops == 2;
+
+    // Copies whose address nobody takes, and no array of them, so that they stay in registers.
     const auto localCircuits = circuits;
-    const auto firstRows = rows[0], secondRows = rows[isMono ? 0 : 1];
-    auto firstLoop = *loops[0], lastLoop = *loops[last];
+    const auto firstRows = rows[0], secondRows = rows[last];
+    DynamicsLoops<Number> firstLoop, secondLoop;
+
+    const auto take = [] (Number& number, double a, double b) HWY_ATTR { number = load<Number> (&a, &b); };
+    forEachNumber (take, firstLoop, channels[0], channels[last]);
+
+    if constexpr (hasTwoLoops)
+        forEachNumber (take, secondLoop, channels[last], channels[last]);
 
     const auto stepAll = [&] (int i) HWY_ATTR
     {
         step<expansion> (localCircuits, firstLoop, firstRows, secondRows, i);
 
-        if constexpr (last > 0)
-            step<expansion> (localCircuits, lastLoop, secondRows, secondRows, i);
+        if constexpr (hasTwoLoops)
+            step<expansion> (localCircuits, secondLoop, secondRows, secondRows, i);
     };
 
     if constexpr (expansion == Expansion::expander)
@@ -134,8 +141,8 @@ HWY_NOINLINE void run (const DynamicsCircuits& circuits, DynamicsLoops<Number>* 
         {
             followKey (localCircuits.expander.getCoefficients(), firstLoop, firstRows, secondRows, i);
 
-            if constexpr (last > 0)
-                followKey (localCircuits.expander.getCoefficients(), lastLoop, secondRows, secondRows, i);
+            if constexpr (hasTwoLoops)
+                followKey (localCircuits.expander.getCoefficients(), secondLoop, secondRows, secondRows, i);
         };
 
         for (int i = 0; i < std::min (n, ahead); ++i)
@@ -164,50 +171,43 @@ HWY_NOINLINE void run (const DynamicsCircuits& circuits, DynamicsLoops<Number>* 
             stepAll (i);
     }
 
-    *loops[0] = firstLoop;
+    const auto putBack = [] (Number number, double& a, double& b) HWY_ATTR { store (number, &a, &b); };
+    forEachNumber (putBack, firstLoop, channels[0], channels[last]);
 
-    if constexpr (last > 0)
-        *loops[last] = lastLoop;
+    if constexpr (hasTwoLoops)
+        forEachNumber (putBack, secondLoop, channels[last], channels[last]);
 }
 
-template <std::size_t numLoops, typename Number>
-void runInMode (const DynamicsCircuits& circuits, DynamicsLoops<Number>* const* loops, const DynamicsRows* rows, int n)
+template <typename Number, std::size_t numLoops>
+void runInMode (const DynamicsCircuits& circuits, DynamicsChannel* channels, std::size_t numChannels,
+                const DynamicsRows* rows, int n)
 {
     switch (circuits.expander.getMode())
     {
         case Expander::Mode::expander:
-            return run<Expansion::expander, numLoops> (circuits, loops, rows, n);
+            return run<Expansion::expander, Number, numLoops> (circuits, channels, rows, n);
         case Expander::Mode::gate:
-            return run<Expansion::gate, numLoops> (circuits, loops, rows, n);
+            return run<Expansion::gate, Number, numLoops> (circuits, channels, rows, n);
         case Expander::Mode::off:
             break;
     }
 
     // Where the capacitor is empty both of these do the same, the second with less work.
-    if (any (either (loops[0]->expander.volts > Number (0.0), loops[numLoops - 1]->expander.volts > Number (0.0))))
-        run<Expansion::falling, numLoops> (circuits, loops, rows, n);
+    if (channels[0].expander.volts > 0.0 || channels[numChannels - 1].expander.volts > 0.0)
+        run<Expansion::falling, Number, numLoops> (circuits, channels, rows, n);
     else
-        run<Expansion::none, numLoops> (circuits, loops, rows, n);
+        run<Expansion::none, Number, numLoops> (circuits, channels, rows, n);
 }
 
-void process (const DynamicsCircuits& circuits, DynamicsChannel* channels, std::size_t numChannels,
-              const DynamicsRows* rows, int n)
+void process (const DynamicsCircuits& circuits, std::span<DynamicsChannel> channels, const DynamicsRows* rows, int n)
 {
-    DynamicsLoops<double>* const loops[] { channels, channels + numChannels - 1 };
-
-    if (numChannels != 2)
-        return runInMode<1> (circuits, loops, rows, n);
+    if (channels.size() != 2)
+        return runInMode<double, 1> (circuits, channels.data(), channels.size(), rows, n);
 
 #if HWY_TARGET == HWY_SCALAR
-    runInMode<2> (circuits, loops, rows, n);
+    runInMode<double, 2> (circuits, channels.data(), channels.size(), rows, n);
 #else
-    DynamicsLoops<Pair> pair;
-    DynamicsLoops<Pair>* const pairs[] { &pair };
-    forEachNumber ([] (Pair& both, double a, double b) HWY_ATTR { both = Pair (a, b); }, pair, channels[0],
-                   channels[1]);
-    runInMode<1> (circuits, pairs, rows, n);
-    forEachNumber ([] (Pair both, double& a, double& b) HWY_ATTR { store (both, &a, &b); }, pair, channels[0],
-                   channels[1]);
+    runInMode<Pair, 1> (circuits, channels.data(), channels.size(), rows, n);
 #endif
 }
 } // namespace
@@ -227,7 +227,7 @@ HWY_EXPORT (process);
 void processDynamics (const DynamicsCircuits& circuits, std::span<DynamicsChannel> channels,
                       std::span<const DynamicsRows> rows, int n) noexcept
 {
-    TARVIK_DISPATCH (dynamics::process) (circuits, channels.data(), channels.size(), rows.data(), n);
+    TARVIK_DISPATCH (dynamics::process) (circuits, channels, rows.data(), n);
 
     for (auto& channel : channels)
     {

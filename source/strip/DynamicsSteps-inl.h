@@ -16,6 +16,7 @@
 #include "strip/VcaCurve.h"
 
 #include <cmath>
+#include <type_traits>
 
 HWY_BEFORE_NAMESPACE();
 
@@ -58,16 +59,20 @@ HWY_INLINE HeldVolts<Number> step (const CompressorCircuit::Coefficients& k, Com
     // through the network on its own.
     const auto knee = k.releaseShare * k.kneeVolts * k.networkKeep / (abs (amplified) + 0.5);
     const auto conducted = max (amplified, 0.0);
-    const auto target = knee * k.kneeVoltsPerShare + conducted * k.divider;
+    const auto conductedTarget = conducted * k.divider;
+    const auto target = knee * k.kneeVoltsPerShare + conductedTarget;
     const auto rest = conducted * (k.releaseShare * k.divider) + k.releaseKeep * state.c1Volts;
     auto charged = knee * k.perNetworkKeep + rest;
     auto passedOn = knee + (rest * k.networkKeep + received);
 
-    // Upwards, the attack's resistor opens with the size of the error. Too long a way to go for both channels always.
+    // Upwards, the attack's resistor opens with the size of the error: too long a way to go it always. Nobody foretells
+    // when it opens, so two channels first ask the part of the target that is known before the division ends, and a jump
+    // that was guessed wrong is put right in the meantime. What they take without need, select() discards.
+    constexpr auto isPair = ! std::is_same_v<Number, double>;
     const auto error = target - state.c1Volts;
     const auto isOpening = error > k.smallestOpening;
 
-    if (any (isOpening))
+    if ((isPair && any (conductedTarget - state.c1Volts > k.smallestOpening)) || any (isOpening))
     {
         const auto opening = forEachChannel (max (error, k.smallestOpening), OpeningTable::at);
         const auto share = (1.0 - opening) * k.releaseShare + opening * k.attackShare;
