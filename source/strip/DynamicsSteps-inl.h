@@ -24,7 +24,7 @@ namespace tarvik::dynamics::HWY_NAMESPACE
 {
 namespace
 {
-/** A control voltage: the smaller of the two. */
+/** A control voltage, the smaller of the two. */
 template <typename Number>
 struct HeldVolts
 {
@@ -65,9 +65,9 @@ HWY_INLINE HeldVolts<Number> step (const CompressorCircuit::Coefficients& k, Com
     auto charged = knee * k.perNetworkKeep + rest;
     auto passedOn = knee + (rest * k.networkKeep + received);
 
-    // Upwards, the attack's resistor opens with the size of the error: too long a way to go it always. Nobody foretells
-    // when it opens, so two channels first ask the part of the target that is known before the division ends, and a jump
-    // that was guessed wrong is put right in the meantime. What they take without need, select() discards.
+    // Upwards, the attack's resistor opens with the size of the error, which takes too long to follow always. Whether it
+    // opens is hard to predict, so two channels first test the part of the target that is known before the division
+    // ends: a jump that was predicted wrong is put right meanwhile. A channel that does not open keeps its release.
     constexpr auto isPair = ! std::is_same_v<Number, double>;
     const auto error = target - state.c1Volts;
     const auto isOpening = error > k.smallestOpening;
@@ -95,7 +95,7 @@ HWY_INLINE HeldVolts<Number> step (const CompressorCircuit::Coefficients& k, Com
 template <typename Number>
 HWY_INLINE Number step (const Limiter::Coefficients& k, Number& volts, Number level)
 {
-    // Below the threshold the drive is negative and loses against no drive at all.
+    // Below the threshold the drive is negative, and the capacitor only leaks.
     const auto drive = (level - k.thresholdLevel) * k.amplification;
     volts = max (volts + (drive - volts) * k.chargeShare, volts) - volts * k.leakShare;
     return volts;
@@ -217,8 +217,8 @@ HWY_INLINE Number gainFor (VcaCurve::Lines<Number>& line, const HeldVolts<Number
 {
     auto largest = min (volts.free, volts.ceiling);
 
-    // One channel doesn't wait for the limiter or the expander: the same voltage wins for a while, and a jump, unlike a
-    // choice of values, lets the processor go on with the likely one.
+    // The same voltage wins for a while. A jump, unlike a choice of values, lets one channel go on with the likely one;
+    // two seldom agree.
     if constexpr (std::is_same_v<Number, double>)
     {
         if (otherVolts > largest) [[unlikely]]
@@ -241,8 +241,8 @@ HWY_INLINE Number gainFor (VcaCurve::Lines<Number>& line, const HeldVolts<Number
     if constexpr (std::is_same_v<Number, double>)
         return max (line.offset + line.slope * largest, 0.0);
 
-    // max (offset + slope x largest, 0), to the bit: lines fall, so the largest voltage has the smallest product. The
-    // choice among products leaves a single multiplication and two choices behind the voltage that comes last.
+    // max (offset + slope x largest, 0) to the bit, since lines fall: the largest voltage has the smallest product. With
+    // the choice among products, fewer operations follow the voltage that comes last.
     const auto lowest = 0.0 - line.offset;
     const auto held = max (line.slope * volts.ceiling, lowest);
     const auto other = max (line.slope * otherVolts, lowest);

@@ -7,9 +7,8 @@ namespace tarvik
 /** Turns the level of a key into a voltage for the gain element: nothing while the key is loud, up to the range when it
     is quiet. As an expander its key is the audio as it comes in; as a gate, a signal after the gain element.
 
-    Per sample: key --> square and mean (RMS) --> dB --> soft knee --> hold --> inversion --> capacitor; the steps are in
-    DynamicsSteps-inl.h. One object serves all channels, the state of each is kept
-    outside. Audio thread.
+    Per sample: key --> square and mean (RMS) --> dB --> soft knee --> hold --> inversion --> capacitor. The steps are in
+    DynamicsSteps-inl.h. One object serves all channels, the state of each is kept outside. Audio thread.
 */
 class Expander
 {
