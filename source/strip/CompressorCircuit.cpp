@@ -4,7 +4,9 @@
 #include "dsp/StateFloor.h"
 #include "strip/VcaCurve.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 
 namespace tarvik
@@ -78,8 +80,8 @@ void CompressorCircuit::prepare (double rateHz) noexcept
 {
     constexpr double peakRisePerSecond = 230.0;
     constexpr double peakFallSeconds = 0.264;
-    peakRise = peakRisePerSecond / rateHz;
-    peakFall = std::exp (-1.0 / (rateHz * peakFallSeconds));
+    k.peakRise = peakRisePerSecond / rateHz;
+    k.peakFall = std::exp (-1.0 / (rateHz * peakFallSeconds));
 }
 
 void CompressorCircuit::set (const Controls& controls) noexcept
@@ -87,33 +89,33 @@ void CompressorCircuit::set (const Controls& controls) noexcept
     // At "1:1" the rectifier gets nothing; the rest of the circuit stays alive.
     constexpr double rectifierAmplification = 11.8;
     const auto isRatioOff = controls.ratio <= 0;
-    rectifierGain =
+    k.rectifierGain =
         isRatioOff ? 0.0 : thresholdScale (static_cast<double> (controls.thresholdDb)) * rectifierAmplification;
 
     // s = (peak + rectified + bias / gain - 1.5) gain - 0.6
     constexpr double biasVolts = 1.5;
     constexpr double diodeVolts = 0.6;
     const auto& ratio = choose (ratios, controls.ratio);
-    amplifierGain = 1.0 / (ratioShuntOhms / (ratio.ratioOhms + ratioShuntOhms) + 1.0 / ratio.openGain);
-    amplifierOffset = ratio.bias - biasVolts * amplifierGain - diodeVolts;
+    k.amplifierGain = 1.0 / (ratioShuntOhms / (ratio.ratioOhms + ratioShuntOhms) + 1.0 / ratio.openGain);
+    k.amplifierOffset = ratio.bias - biasVolts * k.amplifierGain - diodeVolts;
 
     constexpr double halfKneeVolts = 0.125;
     const auto raOhms = choose (attackOhms, controls.attack);
     const auto rlOhms = choose (releaseOhms, controls.release);
-    divider = rlOhms / (rlOhms + raOhms);
-    kneeVolts = halfKneeVolts * divider;
-    attackShare = chargeShare (raOhms, c1Farads);
-    releaseShare = chargeShare (rlOhms, c1Farads);
-    releaseKeep = 1.0 - releaseShare;
+    k.divider = rlOhms / (rlOhms + raOhms);
+    k.kneeVolts = halfKneeVolts * k.divider;
+    k.attackShare = chargeShare (raOhms, c1Farads);
+    k.releaseShare = chargeShare (rlOhms, c1Farads);
+    k.releaseKeep = 1.0 - k.releaseShare;
 
     // The network is solved by the trapezoidal rule: half a step of the last current, half a step of the new one.
-    r2Siemens = 1.0 / (controls.release >= autoRelease ? autoR2Ohms : fixedR2Ohms);
-    c1VoltsPerAmp = networkStepSeconds / (2.0 * c1Farads);
-    c2VoltsPerAmp = networkStepSeconds / (2.0 * c2Farads);
-    networkKeep = 1.0 - c1VoltsPerAmp * r2Siemens;
-    perNetworkKeep = 1.0 / networkKeep;
-    kneeVoltsPerShare = 1.0 / (networkKeep * releaseShare);
-    ceilingVolts = VcaCurve::getZeroGainVolts();
+    k.r2Siemens = 1.0 / (controls.release >= autoRelease ? autoR2Ohms : fixedR2Ohms);
+    k.c1VoltsPerAmp = networkStepSeconds / (2.0 * c1Farads);
+    k.c2VoltsPerAmp = networkStepSeconds / (2.0 * c2Farads);
+    k.networkKeep = 1.0 - k.c1VoltsPerAmp * k.r2Siemens;
+    k.perNetworkKeep = 1.0 / k.networkKeep;
+    k.kneeVoltsPerShare = 1.0 / (k.networkKeep * k.releaseShare);
+    k.ceilingVolts = VcaCurve::getZeroGainVolts();
 }
 
 void CompressorCircuit::settle (State& state) noexcept

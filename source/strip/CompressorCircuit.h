@@ -1,11 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "strip/OpeningTable.h"
-
-#include <algorithm>
-#include <cmath>
-
 namespace tarvik
 {
 
@@ -31,7 +26,7 @@ namespace tarvik
         current    i = (c - b) / R2, then with its last value i':
         exchange   c = c - (i + i') dt / (2 C1),  b = b + (i + i') dt / (2 C2)
 
-    where c and b are the voltages on C1 and C2. `step` says the same in an order in which less waits for the gain.
+    where c and b are the voltages on C1 and C2. DynamicsSteps-inl.h says the same in an order in which less waits for the gain.
 
     The network's time step is that of 44.1 kHz at every sample rate, so its times shrink in proportion at higher ones;
     the peak memory keeps its seconds. One object serves all channels, the state of each is kept outside. Audio thread.
@@ -50,12 +45,43 @@ public:
         bool operator== (const Controls&) const = default;
     };
 
-    struct State
+    /** Of one channel, or of several side by side. */
+    template <typename Number>
+    struct States
     {
-        double c1Volts = 0.0;
-        double c2Volts = 0.0;
-        double r2Amps = 0.0; ///< of the last sample
-        double peak = 0.0;
+        Number c1Volts {};
+        Number c2Volts {};
+        Number r2Amps {}; ///< of the last sample
+        Number peak {};
+    };
+
+    using State = States<double>;
+
+    /** What rate and controls make of the circuit. */
+    struct Coefficients
+    {
+        static constexpr double peakThreshold = 0.5;
+
+        /** Below this error exp (-1 / error) is under 2e-22, which no sum with releaseShare notices. */
+        static constexpr double smallestOpening = 0.02;
+
+        double rectifierGain = 0.0;
+        double peakRise = 0.0; ///< per sample
+        double peakFall = 1.0; ///< factor per sample
+        double amplifierGain = 1.0;
+        double amplifierOffset = 0.0;
+        double kneeVolts = 0.0;
+        double divider = 1.0; ///< Rl / (Rl + Ra)
+        double attackShare = 0.0;
+        double releaseShare = 0.0;
+        double releaseKeep = 1.0; ///< 1 - releaseShare
+        double r2Siemens = 0.0;
+        double networkKeep = 1.0;       ///< of C1's voltage, per sample
+        double perNetworkKeep = 1.0;    ///< 1 / networkKeep
+        double kneeVoltsPerShare = 0.0; ///< 1 / (networkKeep x releaseShare)
+        double c1VoltsPerAmp = 0.0;
+        double c2VoltsPerAmp = 0.0;
+        double ceilingVolts = 0.0;
     };
 
     /** The rate is in Hz, above 0. */
@@ -63,81 +89,13 @@ public:
 
     void set (const Controls& controls) noexcept;
 
-    /** One sample: the gain element's last gain, and the absolute value of the detector's input before it, both finite.
-        Updates the state and returns the control voltage, the one on C1. */
-    double step (State& state, double gain, double level) const noexcept
-    {
-        // Products are ordered so that only one multiplication waits for the gain.
-        const auto rectified = gain * (level * rectifierGain);
-        const auto highestPeak = state.peak + peakRise;
-        const auto lowestPeak = state.peak * peakFall;
-        state.peak = std::max (std::min (rectified - peakThreshold, highestPeak), lowestPeak);
-
-        // The amplifier takes each of the memory's three candidates and chooses afterwards, which leaves three
-        // operations less between one gain and the next.
-        const auto once = gain * (level * (rectifierGain * amplifierGain));
-        const auto twice = gain * (level * (2.0 * rectifierGain * amplifierGain));
-        const auto amplified = std::max (std::min (twice + (amplifierOffset - peakThreshold * amplifierGain),
-                                                   once + (highestPeak * amplifierGain + amplifierOffset)),
-                                         once + (lowestPeak * amplifierGain + amplifierOffset));
-
-        // The exchange takes C1 from v to v - c1VoltsPerAmp (i + i'), so to v x networkKeep + received.
-        const auto received = state.c2Volts * (1.0 - networkKeep) - state.r2Amps * c1VoltsPerAmp;
-
-        // The target's first part is the diode's knee, here with both its sides halved; it comes last, so it is taken
-        // through the network on its own.
-        const auto knee = releaseShare * kneeVolts * networkKeep / (std::abs (amplified) + 0.5);
-        const auto conducted = std::max (amplified, 0.0);
-        const auto target = knee * kneeVoltsPerShare + conducted * divider;
-        const auto rest = conducted * (releaseShare * divider) + releaseKeep * state.c1Volts;
-        auto charged = knee * perNetworkKeep + rest;
-        auto passedOn = knee + (rest * networkKeep + received);
-
-        // Upwards, the attack's resistor opens with the size of the error.
-        const auto error = target - state.c1Volts;
-
-        if (error > smallestOpening)
-        {
-            const auto opening = OpeningTable::at (error);
-            const auto share = (1.0 - opening) * releaseShare + opening * attackShare;
-            charged = (1.0 - share) * state.c1Volts + share * target;
-            passedOn = charged * networkKeep + received;
-        }
-
-        // Held before the exchange, so that neither capacitor sees more than the voltage at which the gain is 0.
-        const auto amps = (std::min (charged, ceilingVolts) - state.c2Volts) * r2Siemens;
-        state.c1Volts = std::min (passedOn, ceilingVolts * networkKeep + received);
-        state.c2Volts += (amps + state.r2Amps) * c2VoltsPerAmp;
-        state.r2Amps = amps;
-        return state.c1Volts;
-    }
+    const Coefficients& getCoefficients() const noexcept { return k; }
 
     /** Without a signal the peak memory halves for ever; this takes it to 0 at the floor. */
     static void settle (State& state) noexcept;
 
 private:
-    static constexpr double peakThreshold = 0.5;
-
-    /** Below this error exp (-1 / error) is under 2e-22, which no sum with releaseShare notices. */
-    static constexpr double smallestOpening = 0.02;
-
-    double rectifierGain = 0.0;
-    double peakRise = 0.0; ///< per sample
-    double peakFall = 1.0; ///< factor per sample
-    double amplifierGain = 1.0;
-    double amplifierOffset = 0.0;
-    double kneeVolts = 0.0;
-    double divider = 1.0; ///< Rl / (Rl + Ra)
-    double attackShare = 0.0;
-    double releaseShare = 0.0;
-    double releaseKeep = 1.0; ///< 1 - releaseShare
-    double r2Siemens = 0.0;
-    double networkKeep = 1.0;       ///< of C1's voltage, per sample
-    double perNetworkKeep = 1.0;    ///< 1 / networkKeep
-    double kneeVoltsPerShare = 0.0; ///< 1 / (networkKeep x releaseShare)
-    double c1VoltsPerAmp = 0.0;
-    double c2VoltsPerAmp = 0.0;
-    double ceilingVolts = 0.0;
+    Coefficients k;
 };
 
 } // namespace tarvik

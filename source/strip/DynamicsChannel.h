@@ -19,27 +19,37 @@ struct DynamicsCircuits
     Expander expander;
 };
 
-/** What one channel's loop remembers from sample to sample. Channels are not linked. */
-struct DynamicsChannel
+/** What the loop of one channel, or of several side by side, remembers from sample to sample. Channels are not linked. */
+template <typename Number>
+struct DynamicsLoops
 {
-    double gain = 1.0; ///< of the gain element, after the last sample
-    CompressorCircuit::State compressor;
-    double limiterVolts = 0.0;
-    Expander::State expander;
-    const VcaCurve::Segment* segment = &VcaCurve::getSegment (0.0); ///< where the last voltage fell
+    Number gain {}; ///< of the gain element, after the last sample
+    CompressorCircuit::States<Number> compressor;
+    Number limiterVolts {};
+    Expander::States<Number> expander;
+    VcaCurve::Lines<Number> line; ///< where the last voltage fell; at first nowhere
+};
+
+struct DynamicsChannel : DynamicsLoops<double>
+{
+    DynamicsChannel() noexcept
+    {
+        gain = 1.0;
+        expander = Expander::makeState();
+    }
 };
 
 /** One channel's rows of a slice, finite. */
 struct DynamicsRows
 {
-    float* detector = nullptr;        ///< what compressor and limiter hear, before the gain element
-    float* key = nullptr;             ///< what expander or gate hears, the latter before the gain element
-    double* attenuationsDb = nullptr; ///< work row of the expander
-    float* gains = nullptr;           ///< goes out: the gain element's gain, about 31.6 without signal
+    float* detector = nullptr;   ///< what compressor and limiter hear, before the gain element
+    float* key = nullptr;        ///< what expander or gate hears, the latter before the gain element
+    double* keyLevels = nullptr; ///< work row of the expander
+    float* gains = nullptr;      ///< goes out: the gain element's gain, about 31.6 without signal
 };
 
 /** Audio thread: runs the feedback loops of one or two channels over their rows of n samples, sample by sample. Two
-    take little longer than one, since each waits for its own gain most of the time. */
+    take little longer than one, since they go side by side. Every instruction set gives the same bits. */
 void processDynamics (const DynamicsCircuits& circuits, std::span<DynamicsChannel> channels,
                       std::span<const DynamicsRows> rows, int n) noexcept;
 

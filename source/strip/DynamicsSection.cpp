@@ -54,7 +54,7 @@ void DynamicsSection::prepare (double rateHz, int numChannels, int maxSamples)
     needles.assign (count, {});
     sidechainRows.assign (count, nullptr);
     workRows.assign (rowsPerChannel * count, Row (length));
-    attenuationsDb.assign (count * length, 0.0);
+    keyLevels.assign (count * length, 0.0);
     loopRows.clear();
     detectorRows.clear();
 
@@ -62,7 +62,7 @@ void DynamicsSection::prepare (double rateHz, int numChannels, int maxSamples)
     {
         auto* const own = &workRows[rowsPerChannel * c];
         needles[c].prepare (rateHz);
-        loopRows.push_back ({ own[0].data(), own[1].data(), &attenuationsDb[c * length], own[2].data() });
+        loopRows.push_back ({ own[0].data(), own[1].data(), &keyLevels[c * length], own[2].data() });
         detectorRows.push_back (loopRows.back().detector);
     }
 
@@ -77,7 +77,7 @@ void DynamicsSection::release()
     loops = {};
     loopRows = {};
     workRows = {};
-    attenuationsDb = {};
+    keyLevels = {};
     detectorRows = {};
     sidechainRows = {};
     needles = {};

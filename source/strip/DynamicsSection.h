@@ -81,7 +81,7 @@ private:
     std::vector<DynamicsChannel> loops; ///< of every main channel, with what stands in its rows
     std::vector<DynamicsRows> loopRows;
     std::vector<Row> workRows;
-    std::vector<double> attenuationsDb;
+    std::vector<double> keyLevels;
     std::vector<float*> detectorRows;
     std::vector<const float*> sidechainRows;
     std::vector<NeedleFilter> needles; ///< they read the gain element's gain

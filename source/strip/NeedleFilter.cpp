@@ -1,36 +1,85 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "strip/NeedleFilter.cpp" // this file, compiled once for each instruction set
+
 #include "strip/NeedleFilter.h"
 
 #include "dsp/AnalogBiquad.h"
+#include "dsp/Dispatch.h"
 #include "dsp/MZTiCoefs.h"
 #include "dsp/StateFloor.h"
+
+#include <hwy/foreach_target.h> // before highway.h
+#include <hwy/highway.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <numbers>
 
-namespace tarvik
-{
+HWY_BEFORE_NAMESPACE();
 
+namespace tarvik::needles::HWY_NAMESPACE
+{
 namespace
 {
-/** Four sums that don't wait for each other, which the compiler makes vectors of. */
-double weightedSum (const double* weights, const float* row, std::size_t n) noexcept
+namespace hn = hwy::HWY_NAMESPACE;
+
+constexpr std::size_t lanes = HWY_MAX_BYTES >= 32 ? 4 : HWY_MAX_BYTES >= 16 ? 2 : 1;
+constexpr std::size_t numSums = 4;
+using D = hn::FixedTag<double, lanes>;
+using Floats = hn::FixedTag<float, lanes>;
+using Vectors = std::array<hn::Vec<D>, numSums / lanes>;
+
+/** All four sums, with the samples that are left over in the first. */
+HWY_INLINE double total (const Vectors& vectors, const double* weights, const float* row, std::size_t numLeft)
 {
-    std::array<double, 4> sums {};
-    std::size_t k = 0;
+    HWY_ALIGN std::array<double, numSums> sums;
 
-    for (; k + sums.size() <= n; k += sums.size())
-        for (std::size_t lane = 0; lane < sums.size(); ++lane)
-            sums[lane] += weights[k + lane] * static_cast<double> (row[k + lane]);
+    for (std::size_t v = 0; v < vectors.size(); ++v)
+        hn::Store (vectors[v], D(), &sums[v * lanes]);
 
-    for (; k < n; ++k)
+    for (std::size_t k = 0; k < numLeft; ++k)
         sums[0] += weights[k] * static_cast<double> (row[k]);
 
     return (sums[0] + sums[1]) + (sums[2] + sums[3]);
 }
+
+/** The row's sums with two sets of weights: each as four sums that don't wait for each other. The same bits on every instruction set. */
+std::array<double, 2> weightedSums (const double* first, const double* second, const float* row, std::size_t n)
+{
+    Vectors ofFirst, ofSecond;
+    ofFirst.fill (hn::Zero (D()));
+    ofSecond.fill (hn::Zero (D()));
+    std::size_t k = 0;
+
+    for (; k + numSums <= n; k += numSums)
+    {
+        HWY_UNROLL (4)
+        for (std::size_t v = 0; v < ofFirst.size(); ++v)
+        {
+            const auto at = k + v * lanes;
+            const auto x = hn::PromoteTo (D(), hn::LoadU (Floats(), row + at));
+            ofFirst[v] = hn::Add (ofFirst[v], hn::Mul (hn::LoadU (D(), first + at), x));
+            ofSecond[v] = hn::Add (ofSecond[v], hn::Mul (hn::LoadU (D(), second + at), x));
+        }
+    }
+
+    return { total (ofFirst, first + k, row + k, n - k), total (ofSecond, second + k, row + k, n - k) };
+}
 } // namespace
+} // namespace tarvik::needles::HWY_NAMESPACE
+
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+
+namespace tarvik
+{
+namespace needles
+{
+HWY_EXPORT (weightedSums);
+}
 
 NeedleFilter::Pair NeedleFilter::advanceOne (const Pair& from, double x) const noexcept
 {
@@ -73,9 +122,9 @@ NeedleFilter::Pair NeedleFilter::advance (const Pair& from, const float* row, st
 {
     const auto& [ofFirst, ofSecond] = steps[n];
     const auto unused = longestStep - n;
-    return { ofFirst.first * from.first + ofSecond.first * from.second + weightedSum (&firstInputs[unused], row, n),
-             ofFirst.second * from.first + ofSecond.second * from.second
-                 + weightedSum (&secondInputs[unused], row, n) };
+    const auto sums = TARVIK_DISPATCH (needles::weightedSums) (&firstInputs[unused], &secondInputs[unused], row, n);
+    return { ofFirst.first * from.first + ofSecond.first * from.second + sums[0],
+             ofFirst.second * from.first + ofSecond.second * from.second + sums[1] };
 }
 
 void NeedleFilter::process (const float* row, int n) noexcept
@@ -98,3 +147,5 @@ void NeedleFilter::process (const float* row, int n) noexcept
 }
 
 } // namespace tarvik
+
+#endif

@@ -16,18 +16,17 @@ namespace tarvik
 class VcaCurve
 {
 public:
-    /** One line of the curve, good for lowestVolts <= volts < highestVolts. */
-    struct Segment
+    /** One line of the curve, good for lowestVolts <= volts < highestVolts; or one for each of several channels. */
+    template <typename Number>
+    struct Lines
     {
-        double offset = 0.0;
-        double slope = 0.0;
-        double lowestVolts = 0.0;
-        double highestVolts = 0.0;
-
-        bool contains (double volts) const noexcept { return volts >= lowestVolts && volts < highestVolts; }
-
-        double gainAt (double volts) const noexcept { return offset + slope * volts; }
+        Number offset {};
+        Number slope {};
+        Number lowestVolts {};
+        Number highestVolts {};
     };
+
+    using Segment = Lines<double>;
 
     static constexpr std::size_t numPoints = 25;
     static constexpr std::size_t numSegments = numPoints - 1;

@@ -159,13 +159,19 @@ std::vector<Signal> busySignal() { return { bursts (1, 5.0, 48000.0, 0.5), burst
 TEST (DynamicsSection, SameBitsHoweverCutAndOnEveryInstructionSet)
 {
     const auto in = busySignal();
-    const auto expected = PreparedSection (busySettings).process (in);
 
-    for (const auto& set : supportedInstructionSets())
+    for (const auto mode : { 0, 1, 2 })
     {
-        const ScopedInstructionSet scope (set);
-        EXPECT_EQ (PreparedSection (busySettings).process (in, { 1, 256, 7, 64 }), expected) << set.name;
-        EXPECT_EQ (PreparedSection (busySettings, 1).process ({ in[1] })[0], expected[1]) << set.name;
+        auto settings = busySettings;
+        settings.expMode = mode;
+        const auto expected = PreparedSection (settings).process (in);
+
+        for (const auto& set : supportedInstructionSets())
+        {
+            const ScopedInstructionSet scope (set);
+            EXPECT_EQ (PreparedSection (settings).process (in, { 1, 256, 7, 64 }), expected) << set.name << mode;
+            EXPECT_EQ (PreparedSection (settings, 1).process ({ in[1] })[0], expected[1]) << set.name << mode;
+        }
     }
 }
 
