@@ -47,8 +47,8 @@ already is kept, so that a batch that was stopped can be taken up again. When a 
   --jobs N           files that are rendered at the same time, 1 to 256 (one for each core)
   --overwrite        render again what is in FOLDER already
 
-"stream" is for programs that measure the module, such as "./run plot" (see "./run plot --help"; "./run compare" is told
-there, too). A run on its input is one line with the rate in Hz, the number of samples and settings as --set takes them,
+"stream" is for programs that measure the module, such as "./run plot" (see "./run plot --help"; "./run compare" is there,
+too). A run on its input is one line with the rate in Hz, the number of samples and settings as --set takes them,
 with tabs in between, and then the samples of one channel; as many come out, with the latency taken out. Each run begins
 with a reset strip, and with defaults for what its line does not set. "decode" writes a recording: a line with rate,
 channels and length, with tabs in between, and then its samples, frame by frame. Samples are 32-bit floats, the lowest byte
