@@ -1,5 +1,6 @@
 # The floors of the source, each an object library: dsp, strip, plugin, editor. A floor is compiled with a view of its own, a
-# folder in the build tree with links to just those folders that it may include from; anything else is not found.
+# folder in the build tree with links to just those folders that it may include from; anything else is not found, and
+# ./format --check refuses paths upwards.
 #     tarvik_add_floor (NAME [ON FLOOR...] FILES...)
 function (tarvik_add_floor name)
     cmake_parse_arguments (PARSE_ARGV 1 floor "" "" "ON")

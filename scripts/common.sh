@@ -3,7 +3,7 @@
 
 # What the module and the offline host are built from.
 build_packages="g++ cmake ninja-build pkg-config juce-modules-source libhwy-dev libarmadillo-dev liblapack-dev libblas-dev
-    libgfortran-12-dev libexpat1-dev libflac-dev libvorbis-dev libogg-dev libjack-jackd2-dev"
+    libgfortran-12-dev libexpat1-dev libpng-dev libflac-dev libvorbis-dev libogg-dev libjack-jackd2-dev"
 
 # A virtual screen with a window manager: see open_screen.
 screen_packages="xvfb openbox x11-utils"

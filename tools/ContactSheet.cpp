@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/ContactSheet.h"
 
+#include "editor/Palette.h"
+
 #include <algorithm>
 
 namespace tarvik
@@ -10,7 +12,7 @@ namespace
 {
 constexpr int sheetWidth = 2760;
 constexpr int margin = 24, captionHeight = 26;
-constexpr juce::uint32 paperColour = 0xff4a5157, captionColour = 0xffe4e3de;
+constexpr juce::uint32 paperColour = 0xff4a5157;
 
 juce::Font captionFont() { return { captionHeight * 0.7f }; }
 } // namespace
@@ -37,7 +39,7 @@ int ContactSheet::Entry::height() const
 
 void ContactSheet::Entry::draw (juce::Graphics& g, int x, int y) const
 {
-    g.setColour (juce::Colour (captionColour));
+    g.setColour (juce::Colour (palette::lightPrint));
     g.setFont (captionFont());
     g.drawText (caption, x, y, width(), captionHeight, juce::Justification::centredLeft);
     g.setOpacity (1.0f);

@@ -56,7 +56,7 @@ public:
 
     void add (const char* kind, const Box& box, const char* name) { add (kind, box, { { "name", name } }); }
 
-    /** What a person works: a row with a parameter and a legend. The one without a parameter switches what the meter shows. */
+    /** A control: a row with a parameter and a legend. The one without a parameter switches what the meter shows. */
     void add (const char* kind, const auto& row, const Fields& fields = {})
     {
         const auto id = row.parameter == noParameter ? Field { "name", "meter mode" }

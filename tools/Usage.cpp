@@ -47,8 +47,8 @@ already is kept, so that a batch that was stopped can be taken up again. When a 
   --jobs N           files that are rendered at the same time, 1 to 256 (one for each core)
   --overwrite        render again what is in FOLDER already
 
-"stream" is for programs that measure the module, such as "./run plot" (see "./run plot --help"; "./run compare" is told
-there, too). A run on its input is one line with the rate in Hz, the number of samples and settings as --set takes them,
+"stream" is for programs that measure the module, such as "./run plot" (see "./run plot --help"; "./run compare" is there,
+too). A run on its input is one line with the rate in Hz, the number of samples and settings as --set takes them,
 with tabs in between, and then the samples of one channel; as many come out, with the latency taken out. Each run begins
 with a reset strip, and with defaults for what its line does not set. "decode" writes a recording: a line with rate,
 channels and length, with tabs in between, and then its samples, frame by frame. Samples are 32-bit floats, the lowest byte
@@ -63,9 +63,9 @@ function of the equaliser's circuit: the coefficients of s^5 to s^0, numerator f
 100 %. "controls" shows every control in each of its states at 80, 100 and 150 % and on a screen of twice the density;
 --beside names a folder with other pictures, such as an older resources/pictures, and what looks different with them is
 shown below. "window" opens the window on the screen and draws what only shows there into FOLDER: the menus, the bubble
-of a value, a tooltip, a value being typed, the outline of the focus, and About. "screenshot" draws the window itself, with --state, --program and --set, at --zoom PERCENT (100), for a track called
---name TEXT, with slot A or B chosen by --slot (after --state, before the others), and with the meters as
-they stand when INPUT has gone through.
+of a value, a tooltip, a value being typed, the outline of the focus, and About. "screenshot" draws the window itself,
+with --state, --program and --set, at --zoom PERCENT (100), for a track called --name TEXT, with slot A or B chosen by
+--slot (after --state, before the others), and with the meters as they stand when INPUT has gone through.
 
 However they are ordered: the state is loaded first, then the program, then each --set from left to right. A file whose
 name begins with a dash goes after "--". Exit status: 0, or 2 after an error, which is told in one line, in a batch in

@@ -9,8 +9,8 @@ namespace tarvik
 /** The highest degree of a polynomial that findPolynomialRoots() solves. */
 constexpr int maxPolynomialDegree = 5;
 
-/** Finds all complex roots of a real polynomial as eigenvalues of its companion matrix (Armadillo's roots, which rests
-    on LAPACK's general eigenvalue routine).
+/** Finds all complex roots of a real polynomial as eigenvalues of its companion matrix (Armadillo's roots, which calls
+    LAPACK's general eigenvalue routine).
 
     @param coefficients  highest power first, the first one not 0; 1 to maxPolynomialDegree + 1 of them. A root at 0,
                          that is a trailing coefficient of 0, comes out as exactly 0.

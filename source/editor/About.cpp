@@ -22,7 +22,7 @@ struct TextRow
 
 using Style = juce::Font::FontStyleFlags;
 using At = juce::Justification;
-constexpr juce::uint32 white = 0xffffffff;
+constexpr auto white = palette::aboutPrint;
 
 constexpr TextRow textRows[] = {
     { nullptr, { 0.03f, 0.06f, 0.94f, lineHeight }, versionHeight, Style::plain, At::centred, white },

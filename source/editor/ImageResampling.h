@@ -48,7 +48,7 @@ private:
     int rowsDone = 0, rowsAdded = 0;
 };
 
-/** An image at another size, by the above; `width` is that of one frame. Null for a null image or for no area. */
+/** An image at another size; `width` is that of one frame. Null for a null image or for no area. */
 juce::Image resampled (const juce::Image& source, int width, int height, int numFrames = 1);
 
 } // namespace tarvik

@@ -6,8 +6,8 @@
 namespace tarvik
 {
 
-/** A slider whose wheel knows steps. If it is stepped, a notch of the wheel is a step; fine movements with Ctrl add up to steps, and a
-    remainder is dropped after a pause. Message thread.
+/** A slider whose wheel knows steps. If it is stepped, a notch of the wheel is a step; fine movements with Ctrl add up to
+    steps, and a remainder is dropped after a pause. Message thread.
 */
 class KVLSlider : public ValueSlider, private juce::Timer, private juce::Slider::Listener
 {

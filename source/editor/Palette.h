@@ -6,7 +6,7 @@
 namespace tarvik
 {
 
-/** Every colour of the window that is in no picture, as alpha, red, green and blue. */
+/** Every colour of the window that is not in a picture, as alpha, red, green and blue. */
 namespace palette
 {
 inline constexpr juce::uint32 lightPrint = 0xffe4e3de; ///< Read-outs of the console, and the level pots' pointers.
@@ -31,6 +31,7 @@ inline constexpr juce::uint32 menuHighlightedPrint = 0xffffffff;
 inline constexpr juce::uint32 menuTick = 0xffc47a14; ///< The panel's amber, dark enough for a light sheet.
 
 inline constexpr juce::uint32 aboutSheet = 0xe81d1d1d;
+inline constexpr juce::uint32 aboutPrint = 0xffffffff;
 inline constexpr juce::uint32 aboutRole = 0xaaffffff;
 inline constexpr juce::uint32 aboutLink = 0xccffffff;
 } // namespace palette

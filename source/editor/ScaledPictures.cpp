@@ -62,7 +62,7 @@ void ScaledPictures::makeTogether (std::span<const Copy> wanted)
 
     std::vector<std::future<Copies>> jobs;
 
-    for (const auto& [picture, sizes] : missing) // where no thread can be had, in turn
+    for (const auto& [picture, sizes] : missing) // one after the other if there is no thread to be had
         jobs.push_back (std::async (std::launch::async | std::launch::deferred,
                                     [this, picture = picture, &sizes = sizes] { return make (picture, sizes); }));
 

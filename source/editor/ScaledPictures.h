@@ -38,7 +38,8 @@ public:
     juce::Image get (const Copy& wanted);
 
     /** Makes all of them that are missing, each picture on a thread of its own, and returns when they are there: the
-        largest take a tenth of a second each to decode. To be held before the next call of `get`.
+        largest take a tenth of a second each to decode. Controls must hold them before the next call of
+        `get`, which drops the others.
     */
     void makeTogether (std::span<const Copy> wanted);
 

@@ -9,7 +9,7 @@ namespace tarvik
 {
 
 /** The field in which a slider's value is typed, one for a window, over the slider. Return, Tab and a press elsewhere take
-    the text, Escape leaves; a text that is no value of the parameter, or that was not touched, changes nothing. What is
+    the text, Escape leaves; a text that is not a value of the parameter, or that was not touched, changes nothing. What is
     taken is one gesture with one value. Message thread.
 */
 class ValueField final : public juce::TextEditor

@@ -20,7 +20,7 @@ struct ValueWindow
     virtual void typeValue (ValueSlider& slider) = 0;
 };
 
-/** A slider from 0 to 1 as hands use it. Ctrl or Shift makes a drag ten times finer; an arrow key moves it by a hundredth
+/** A slider from 0 to 1 for mouse and keys. Ctrl or Shift makes a drag ten times finer; an arrow key moves it by a hundredth
     of its travel or a step, whichever is larger, and by a tenth of that with Ctrl or Shift; Return lets the user type.
     Whatever moves it by hand, the window shows the value. Message thread.
 */

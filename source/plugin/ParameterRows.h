@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "dsp/ComponentTable.h"
 #include "plugin/ParameterRow.h"
 
 #include <algorithm>
@@ -94,7 +95,7 @@ inline constexpr auto rowsAndReadOut = std::to_array<ParameterRow> ({
     choice ("midMode", "Mid Mode", &Snapshot::midMode, midModes,
             "Whether the mid section boosts or cuts: pressed, it boosts"),
     choice ("lowFreq", "Low Freq", &Snapshot::lowFreq, lowFreqs,
-            "Four frequencies of a low boost, rest, or five depths of a low cut"),
+            "Four frequencies of a low boost, flat, or five depths of a low cut"),
     number ("lowGain", "Low Gain", &Snapshot::lowGain, { 0.0f, 1.0f, 0.01f }, "dB", "0 3 6 9 12 15",
             "Depth of the low boost", &textRules::lowGain),
     toggle ("equalizer", "equalizer", &Snapshot::equalizer, "Puts the equaliser in circuit"),
@@ -142,7 +143,8 @@ inline constexpr auto rowsAndReadOut = std::to_array<ParameterRow> ({
             "Level into the whole strip"),
     number ("outLevel", "Output Level", &Snapshot::outLevel, { -10.0f, 10.0f, 0.01f }, "dB", "",
             "Level out of the whole strip"),
-    whole  ("TolChannel", "TOL Channel", &Snapshot::tolChannel, { 1.0f, 32.0f, 1.0f },
+    whole  ("TolChannel", "TOL Channel", &Snapshot::tolChannel,
+            { 1.0f, static_cast<float> (ComponentTable::numChannels), 1.0f },
             "Which of the console's 32 channels this is: click to type a number"),
     toggle ("TolLink", "TOL Link", &Snapshot::tolLink,
             "Puts both sides of a stereo track on the same console channel"),
@@ -181,7 +183,7 @@ consteval int parameterNamed (std::string_view id)
     throw "no such parameter";
 }
 
-/** Host indices of the parameters, for the few places that mean one of them. */
+/** Host indices of the few parameters that code names. */
 namespace parameterIndex
 {
 inline constexpr int tolChannel = parameterNamed ("TolChannel");

@@ -39,7 +39,7 @@ std::unique_ptr<juce::RangedAudioParameter> createParameter (int index);
 /** The read-out that one host format takes as a parameter: a share from 0 to 1, in the category of such meters. */
 std::unique_ptr<juce::RangedAudioParameter> createGainReductionParameter();
 
-/** The share from 0 to 1 that a typed text means, or nothing if it is no value of the parameter. It takes what the hosts'
+/** The share from 0 to 1 that a typed text means, or nothing if it is not a value of the parameter. It takes what the hosts'
     text entry takes, a decimal comma, and a choice without its unit or in other letters; what lies beyond the range is
     limited to it. Message thread.
 */

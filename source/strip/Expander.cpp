@@ -48,7 +48,7 @@ void Expander::set (const Controls& controls) noexcept
     k.isInverted = controls.isInverted;
     k.keyScale = gainFromDb (keyReferenceDb - static_cast<double> (controls.thresholdDb));
     k.rangeDb = std::clamp (-static_cast<double> (controls.rangeDb), 0.0, deepestRangeDb);
-    const auto attack = static_cast<std::size_t> (controls.attack); // huge below 0
+    const auto attack = static_cast<std::size_t> (controls.attack); // below 0 it becomes far too large
     attackOhms = attack < attackOhmsByIndex.size() ? attackOhmsByIndex[attack] : otherAttackOhms;
     releaseSeconds = std::max (static_cast<double> (controls.releaseSeconds), 0.0);
     updateShares();

@@ -15,7 +15,7 @@ using namespace test;
 
 namespace
 {
-/** Ends the program, upon which the fuzzer keeps the input. */
+/** Ends the program; the fuzzer then keeps the input. */
 void require (bool isSo, const char* what)
 {
     if (isSo)

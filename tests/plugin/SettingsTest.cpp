@@ -37,7 +37,7 @@ TEST_F (Settings, StoredDefaultsReachNewInstancesAndRefusedOnesDoNot)
     EXPECT_EQ (Tarvik41Processor().calibrationSetting().getValue(), 24.0);
     EXPECT_EQ (Tarvik41Processor().getLatencySamples(), 0);
 
-    file().replaceWithText ("<?xml this is no settings file");
+    file().replaceWithText ("<?xml this is not a settings file");
     EXPECT_EQ (Tarvik41Processor().calibrationSetting().getValue(), 18.0);
 }
 
@@ -148,7 +148,7 @@ TEST_F (Settings, BroadcastsReachEveryInstanceAndTheirTypesAreKept)
     EXPECT_EQ (first.calls, 1);
     EXPECT_EQ (second.calls, 0);
 
-    // What an instance already has is no change.
+    // What an instance already has is not a change.
     BareStrip strip;
     strip.prepareToPlay (48000.0, 256);
     strip.takeLog();

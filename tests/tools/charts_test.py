@@ -134,7 +134,7 @@ class Figures(Charts):
             self.assertTrue(least < ratio < most, f"{longer}: {ratio}")
         self.assertEqual(self.figure("gate, threshold -10 dB") - self.figure("gate, threshold -40 dB"), 30)
 
-    def test_the_users_defaults_do_not_count_and_the_picture_is_the_same_each_time(self):
+    def test_ignores_user_defaults_and_draws_the_same_each_time(self):
         own = self.environment["XDG_CONFIG_HOME"]
         Path(own, "Tarvik Plugins", "Tarvik 41 Channel.settings").write_text(
             '<PROPERTIES><VALUE name="Calibration" val="24"/></PROPERTIES>')

@@ -48,7 +48,7 @@ class Single(Scratch):
         for words in ("Latency: 52 samples", "Sidechain, stereo", "-12.00 to 48.00 dB"):
             self.assertIn(words, printed)
 
-    def test_a_run_that_is_stopped_leaves_the_old_output_and_nothing_else(self):
+    def test_a_stopped_run_leaves_the_old_output_and_nothing_else(self):
         self.write("in.wav", np.zeros((1, 4000000)))  # many seconds of work in blocks of one sample
         (self.folder / "out.wav").write_text("old")
         for number in (signal.SIGINT, signal.SIGTERM):
@@ -186,7 +186,7 @@ class Batch(Scratch):
                       "text.wav: cannot read", "none.wav: cannot read", "4 of 7 files failed\n"):
             self.assertIn(words, errors)
 
-    def test_a_batch_that_is_stopped_or_dies_leaves_only_whole_files(self):
+    def test_a_batch_that_stops_or_dies_leaves_only_whole_files(self):
         self.write_long_and_short_files()
         self.write("early.wav", noise(2, 100))
         self.run_tool("batch", "early.wav", "out")

@@ -3,6 +3,7 @@
 #include "dsp/ConsoleEQ.h"
 #include "dsp/EqualiserComponents.h"
 #include "dsp/EqualiserNetwork.h"
+#include "dsp/RampTimes.h"
 #include "tools/clicks/MovedStrip.h"
 #include "tools/clicks/SteepHighPass.h"
 
@@ -71,7 +72,7 @@ double peakOfTail (const Response& before, const Response& after, double toneHz,
     auto old = makeCascade (before), changed = makeCascade (after);
     SteepHighPass highPass (edgeHz / rateHz);
     // A constant is there for so long that the capacitor, at 3.6 s, is full.
-    const auto ramp = static_cast<int> (0.1 * rateHz), begin = (toneHz > 0.0 ? 10 : 300) * ramp;
+    const auto ramp = static_cast<int> (rampSteps (rateHz)), begin = (toneHz > 0.0 ? 10 : 300) * ramp;
     const auto next = begin + ramp / 2;
 
     // A waiting change takes over 10 ms after the crossfade. What the steep high pass delays comes after that.

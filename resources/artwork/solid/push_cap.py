@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The cap of the twelve push buttons, released and, still without its light, pressed, 180 x 180. The 35 rows above it stay clear for the lamp."""
+"""The cap of the twelve push buttons, released and, still without its light, pressed, 180 x 180. The 35 rows above it stay
+clear for the lamp."""
 import os
 import sys
 
