@@ -53,14 +53,19 @@ function (tarvik_build_from_copies format)
 endfunction()
 
 # The bypass switch after our own bytes is read only where all of it is in order; a host's stream may give the state in
-# pieces; and a host that sets a parameter with steps to anything between two of them reads the step back.
+# pieces; and a host that sets a parameter with steps to anything between two of them reads the step back. A host may have
+# no menu for a parameter, and one that it gives is the caller's to release.
 tarvik_take_over (VST3/juce_VST3_Wrapper.cpp plugin/Vst3Corrections.h
                   "if (magic == kJucePrivateDataIdentifier)"
                   "if (tarvik::endsInPrivateState (data, sizeAsInt))"
                   "state->read (block.getData(), static_cast<int32> (block.getSize()), &bytesRead)"
                   "state->read (addBytesToPointer (block.getData(), len), static_cast<int32> (block.getSize()) - len, &bytesRead)"
                   "v = jlimit (0.0, 1.0, v)"
-                  "v = tarvik::heldValue (v, info.stepCount, valueNormalized)")
+                  "v = tarvik::heldValue (v, info.stepCount, valueNormalized)"
+                  "(handler->createContextMenu (view, &idToUse))"
+                  "(handler->createContextMenu (view, &idToUse), false)"
+                  "return std::make_unique<EditorContextMenu> (editor, menu)"
+                  "return menu.get() != nullptr ? std::make_unique<EditorContextMenu> (editor, menu) : nullptr")
 tarvik_build_from_copies (VST3)
 
 # The number of bytes in front of the text is not believed.

@@ -20,8 +20,8 @@ void draw (juce::Graphics& g, juce::Rectangle<int> area, bool isRound);
 std::unique_ptr<juce::FocusOutline> create (juce::Component& control);
 } // namespace focusOutline
 
-/** Outlines the control that has the keyboard focus in a window, from the first Tab until the next press of the mouse.
-    Owned by the window. Message thread.
+/** Outlines the control that has the keyboard focus in a window, from the first Tab until a press of the mouse moves the
+    focus. Owned by the window. Message thread.
 */
 class FocusMark final : private juce::FocusChangeListener, private juce::KeyListener, private juce::MouseListener
 {

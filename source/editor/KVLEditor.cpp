@@ -318,6 +318,7 @@ void KVLEditor::resized()
     constexpr float presetShare = 0.2f;
     const auto width = static_cast<float> (getWidth());
 
+    bubble.hide(); // its control is elsewhere now
     console.setBounds (0, editorSize::frameHeight / 2, getWidth(), getHeight() - editorSize::frameHeight);
     menuButton.setBounds (getWidth() - stripHeight, 0, stripHeight, stripHeight);
     bottomBar.setBounds (0, getHeight() - stripHeight, getWidth(), stripHeight);

@@ -3,6 +3,8 @@
 
 #include <juce_gui_basics/juce_gui_basics.h>
 
+#include <type_traits>
+
 namespace tarvik
 {
 
@@ -21,6 +23,8 @@ public:
 
         if (! isOtherButton)
             Control::mouseDown (event);
+        else if constexpr (std::is_base_of_v<juce::Button, Control>)
+            this->setState (juce::Button::buttonOver); // the focus that came with the press has drawn it held
     }
 
     void mouseDrag (const juce::MouseEvent& event) override

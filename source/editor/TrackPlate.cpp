@@ -117,7 +117,9 @@ void TrackPlate::numberTyped (const juce::Label& number)
     const auto isRight = &number == &rightNumber;
     const auto typed = numberAfter (isRight ? " Rr.," : " Ll.,", number.getText());
 
-    if (! typed)
+    const auto shown = isRight && ! isLinked() ? std::min (firstChannel() + 1, lastChannel()) : firstChannel();
+
+    if (! typed || *typed == shown) // a strip that does not fit in stays where it is until another number is typed
         return;
 
     const auto width = isRight && isLinked() ? 1 : numChannels();

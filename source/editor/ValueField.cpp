@@ -31,7 +31,7 @@ ValueField::ValueField()
     setPopupMenuEnabled (false);
     setAlwaysOnTop (true);
     setSize (width, height);
-    onReturnKey = onFocusLost = [this] { close (true); };
+    onReturnKey = [this] { close (true); };
     onEscapeKey = [this] { close (false); };
 }
 
@@ -73,6 +73,12 @@ void ValueField::close (bool isTaken)
         setInGesture (*parameter, *value);
         onValue (*closed);
     }
+}
+
+void ValueField::focusLost (FocusChangeType cause)
+{
+    TextEditor::focusLost (cause);
+    close (true);
 }
 
 bool ValueField::keyPressed (const juce::KeyPress& key)

@@ -27,6 +27,9 @@ public:
 
     bool keyPressed (const juce::KeyPress& key) override;
 
+    /** Takes the text before a press on the slider itself begins a drag, which JUCE's `onFocusLost` comes too late for. */
+    void focusLost (FocusChangeType cause) override;
+
     void parentSizeChanged() override { close (false); }
 
 private:

@@ -72,6 +72,9 @@ bool ValueSlider::keyPressed (const juce::KeyPress& key)
 {
     using juce::KeyPress;
 
+    if (isMouseButtonDown()) // a gesture within the drag's would end that
+        return false;
+
     if (key == KeyPress (KeyPress::returnKey))
     {
         auto* const w = window();

@@ -50,13 +50,13 @@ float toTravel (float, float, float valueDb)
 juce::NormalisableRange<float> mappedRange (const ParameterRow& row, MappingFunction fromTravel,
                                             MappingFunction toTravel)
 {
-    // Rounding at the ends of the travel must not leave the range.
+    // Rounding at the ends of the travel must not leave the range, and a text may mean any value: a logarithm must not see it.
     juce::NormalisableRange<float> range (
         row.range.start, row.range.end,
         [fromTravel] (float start, float end, float x)
         { return juce::jlimit (start, end, fromTravel (start, end, x)); },
         [toTravel] (float start, float end, float value)
-        { return juce::jlimit (0.0f, 1.0f, toTravel (start, end, value)); });
+        { return juce::jlimit (0.0f, 1.0f, toTravel (start, end, juce::jlimit (start, end, value))); });
     range.interval = row.range.step;
     return range;
 }

@@ -67,8 +67,9 @@ float fromText (const juce::String& text)
     if (db <= linearEndDb)
         return db / dbPerTurn;
 
+    constexpr float highestDb = 100.0f; // any above the range that is still finite as a gain
     constexpr float trackShare = 0.1f, loadedTrackShare = 0.590196f, wholeTrack = 50000.0f;
-    const auto h = gainOf (db) / makeupGain;
+    const auto h = gainOf (std::min (db, highestDb)) / makeupGain;
     return 1.0f - (h * load - load) / ((trackShare - h * loadedTrackShare) * wholeTrack);
 }
 } // namespace lowPot

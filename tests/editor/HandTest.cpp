@@ -74,6 +74,8 @@ TEST (Hand, AValueIsTypedOverItsControlAsOneChange)
                                                   { "compRelease", "100", 2.0f, "(19 v19 )19 " },
                                                   { "compHPF", "off", 20.0f, "(15 v15 )15 " },
                                                   { "compMix", "47", 0.47f, "(14 v14 )14 " },
+                                                  { "expRelease", "-5", 0.025f, "(30 v30 )30 " },
+                                                  { "lowGain", "800", 1.0f, "(10 v10 )10 " },
                                                   { "compMix", "54 %", 0.5432f, "" }, // as it stood: not rounded
                                                   { "compRelease", "fast", 4.0f, "" },
                                                   { "gain", "loud", 20.592f, "" },
@@ -113,11 +115,18 @@ TEST (Hand, ADoubleClickOnANameOpensTheFieldAndAPressElsewhereTakesIt)
             runMessagesFor (5);
             return t.field().isVisible();
         };
-        ASSERT_TRUE (doubleClick (control + toName)) << id;
-        t.field().setText ("4");
-        t.window.click ({ 450.0f, 20.0f }); // where nothing is
-        EXPECT_FALSE (t.field().isVisible());
-        EXPECT_EQ (plainOf (*t.strip, id), 4.0f);
+
+        for (const auto& [value, elsewhere] : { std::pair (3, juce::Point (450.0f, 20.0f)), { 4, control } })
+        {
+            ASSERT_TRUE (doubleClick (control + toName)) << id;
+            t.field().setTopLeftPosition (0, 99); // beside the control
+            t.field().setText (juce::String (value));
+            t.window.click (elsewhere);
+            EXPECT_FALSE (t.field().isVisible());
+            EXPECT_EQ (plainOf (*t.strip, id), value);
+            EXPECT_FALSE (t.ears.heard().contains ("(1 (1")) << "a gesture within a drag's";
+        }
+
         EXPECT_FALSE (doubleClick (control));
         EXPECT_EQ (plainOf (*t.strip, id), 0.0f) << "on the control it is the default";
     }
@@ -271,11 +280,14 @@ TEST (Hand, TheRightButtonOpensTheHostsMenuAndDoesNothingElse)
     EXPECT_EQ (juce::Component::getNumCurrentlyModalComponents(), 0) << "no menu, no field";
     EXPECT_EQ (host.opened, "1 at 90, 535 37 at 809, 421 13 at 314, 630 35 2 at 41, 629 40 at 552, 78 38 at 126, 12 ");
 
-    // Pressed while the left one is down, it neither ends nor keeps the drag.
+    // Pressed while the left one is down, it neither ends nor keeps the drag, and a key does nothing.
     const auto place = t.middleOf (t.at ("gain"));
 
     for (const auto buttons : { +Keys::leftButtonModifier, Keys::leftButtonModifier | Keys::rightButtonModifier, 0 })
+    {
         t.window.mouse (place, buttons);
+        t.press (buttons != 0 ? +KeyPress::upKey : +KeyPress::escapeKey);
+    }
 
     EXPECT_EQ (t.ears.heard(), "(1 )1 ");
     t.editor->setHostContext (nullptr);
@@ -305,18 +317,17 @@ TEST (Hand, ALinkedChannelsNumberOpensBare)
 {
     HandUnderTest t;
     t.set ("TolLink", 1.0f);
-    t.set ("TolChannel", 17.0f);
 
-    for (const auto side : { 0u, 1u })
+    for (const auto& [channel, side] : { std::pair (17, 0u), { 17, 1u }, { 32, 0u }, { 32, 1u } })
     {
+        t.set ("TolChannel", static_cast<float> (channel));
         auto& number = t.control<juce::Label> ("TolChannel", side);
         t.window.click (t.middleOf (number));
         ASSERT_NE (number.getCurrentTextEditor(), nullptr);
-        EXPECT_EQ (number.getCurrentTextEditor()->getText(), "17");
+        EXPECT_EQ (number.getCurrentTextEditor()->getText(), juce::String (channel));
         t.press (KeyPress::returnKey);
+        EXPECT_EQ (t.ears.heard(), "") << "nothing was typed";
     }
-
-    EXPECT_EQ (t.ears.heard(), "") << "nothing was typed";
 }
 
 TEST (Hand, WhatIsNamedIsSpokenWithItsValue)
