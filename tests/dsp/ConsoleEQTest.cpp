@@ -32,9 +32,8 @@ void prepare (ConsoleEQ& eq, const EQControls& controls)
 
 TEST (ConsoleEQ, OnlyAChangeThatMakesAnotherFilterIsHeard)
 {
-    const auto isHeard = [] (bool force, auto change)
+    const auto isHeard = [] (bool force, auto change, EQControls controls = {})
     {
-        EQControls controls;
         ConsoleEQ eq, steady;
         prepare (eq, controls);
         prepare (steady, controls);
@@ -46,6 +45,7 @@ TEST (ConsoleEQ, OnlyAChangeThatMakesAnotherFilterIsHeard)
     EXPECT_FALSE (isHeard (false, [] (auto&) {}));
     EXPECT_FALSE (isHeard (true, [] (auto&) {}));
     EXPECT_FALSE (isHeard (false, [] (auto& c) { c.lowGain = 0.7f; })); // without effect beside a low cut
+    EXPECT_TRUE (isHeard (false, [] (auto& c) { c.lowGain = 0.7f; }, { .lowFreq = 2 }));
     EXPECT_TRUE (isHeard (false, [] (auto& c) { c.highFreq = 2; }));
     EXPECT_TRUE (isHeard (false, [] (auto& c) { c.highGain = 2; }));
     EXPECT_TRUE (isHeard (false, [] (auto& c) { c.midGain = 0.7f; }));

@@ -240,6 +240,18 @@ TEST (DynamicsSection, CompInFadesForATenthOfASecondAndOutIsUntouched)
     EXPECT_LT (section.readOuts().gainReductionDb, -3.0f);
 }
 
+TEST (DynamicsSection, DetectorFiltersFollowTheirControlAndForgetAtAReset)
+{
+    auto settings = busySettings;
+    PreparedSection moved (settings);
+    settings.compHPF = 60.0f;
+    PreparedSection fresh (settings);
+    moved.update (settings);
+    moved.process (busySignal());
+    moved.section.reset();
+    EXPECT_EQ (moved.process (busySignal()), fresh.process (busySignal()));
+}
+
 // A detector that still held what was loud before would keep the gate open for 25 ms.
 TEST (DynamicsSection, ExpanderBackFromOffStartsItsDetectorAnew)
 {
