@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/ImageResampling.h"
 
+#include <utility>
+
 namespace tarvik
 {
 
@@ -55,7 +57,10 @@ void RowResampler::addRow (const juce::uint8* row)
     for (int y = rowsDone; y < numRows && rows[static_cast<std::size_t> (y)].first <= rowsAdded; ++y)
     {
         if (y - rowsDone == static_cast<int> (open.size()))
-            open.emplace_back (static_cast<std::size_t> (sourceWidth * bytesPerPixel), 0.0f);
+        {
+            open.push_back (std::exchange (spare, {}));
+            open.back().assign (static_cast<std::size_t> (sourceWidth * bytesPerPixel), 0.0f);
+        }
 
         const auto& [first, shares] = rows[static_cast<std::size_t> (y)];
         auto& sums = open[static_cast<std::size_t> (y - rowsDone)];
@@ -77,6 +82,7 @@ void RowResampler::addRow (const juce::uint8* row)
             break;
 
         finishRow (open.front().data());
+        spare = std::move (open.front());
         open.pop_front();
         ++rowsDone;
     }

@@ -45,6 +45,7 @@ private:
     juce::Image target;
     std::vector<Taps> columns, rows;
     std::deque<std::vector<float>> open; ///< Sums of the new rows that have begun, the uppermost first.
+    std::vector<float> spare;            ///< The last finished one's memory.
     int rowsDone = 0, rowsAdded = 0;
 };
 

@@ -27,6 +27,7 @@ class OrvaneConsoleUI final : public KVLUI,
 {
 public:
     explicit OrvaneConsoleUI (Tarvik41Processor& processorToShow);
+    ~OrvaneConsoleUI() override;
 
     /** Moves the needles and the expander's LED. */
     void updateMeters (const ParameterSnapshot& snapshot);

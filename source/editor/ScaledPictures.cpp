@@ -2,7 +2,6 @@
 #include "editor/ScaledPictures.h"
 
 #include "editor/ControlGeometry.h"
-#include "editor/ImageResampling.h"
 
 #include <future>
 
@@ -16,27 +15,28 @@ int numFramesOf (Picture picture)
     return picture == Picture::knobStandard || picture == Picture::knobLarge ? filmstrip::frameCount : 1;
 }
 
-ScaledPictures::Copies ScaledPictures::make (Picture picture, const std::set<Copy>& wanted) const
+void ScaledPictures::begin (Work& work, const Copy& copy)
 {
-    const auto& row = rowOf (picture);
+    const auto& row = rowOf (copy.picture);
     const auto format = row.colours == PictureColours::rgba ? juce::Image::ARGB : juce::Image::RGB;
-    std::map<Copy, RowResampler> resamplers;
-    Copies made;
+    work.try_emplace (copy, format, row.width, row.height, copy.frameWidth, copy.frameHeight,
+                      numFramesOf (copy.picture));
+}
 
-    for (const auto& copy : wanted)
-        resamplers.try_emplace (copy, format, row.width, row.height, copy.frameWidth, copy.frameHeight,
-                                numFramesOf (picture));
+bool ScaledPictures::read (Work& work) const
+{
+    return readPicture (work.begin()->first.picture,
+                        [&work] (const juce::uint8* pixels)
+                        {
+                            for (auto& [copy, resampler] : work)
+                                resampler.addRow (pixels);
+                        });
+}
 
-    if (readPicture (picture,
-                     [&] (const juce::uint8* pixels)
-                     {
-                         for (auto& [copy, resampler] : resamplers)
-                             resampler.addRow (pixels);
-                     }))
-        for (const auto& [copy, resampler] : resamplers)
-            made.emplace (copy, resampler.result());
-
-    return made;
+void ScaledPictures::keep (const Work& work)
+{
+    for (const auto& [copy, resampler] : work)
+        copies[copy] = resampler.result();
 }
 
 juce::Image ScaledPictures::get (const Copy& wanted)
@@ -48,26 +48,34 @@ juce::Image ScaledPictures::get (const Copy& wanted)
         return found->second;
 
     releaseUnused();
-    copies.merge (make (wanted.picture, { wanted }));
+    Work work;
+    begin (work, wanted);
+
+    if (! read (work))
+        return {};
+
+    keep (work);
     return copies[wanted];
 }
 
 void ScaledPictures::makeTogether (std::span<const Copy> wanted)
 {
-    std::map<Picture, std::set<Copy>> missing;
+    std::map<Picture, Work> missing; // with the copies' memory, which outlives the threads that fill it
 
     for (const auto& copy : wanted)
         if (copy.frameWidth > 0 && copy.frameHeight > 0 && ! copies.contains (copy))
-            missing[copy.picture].insert (copy);
+            begin (missing[copy.picture], copy);
 
-    std::vector<std::future<Copies>> jobs;
+    std::vector<std::pair<std::future<bool>, const Work*>> jobs;
 
-    for (const auto& [picture, sizes] : missing) // one after the other if there is no thread to be had
-        jobs.push_back (std::async (std::launch::async | std::launch::deferred,
-                                    [this, picture = picture, &sizes = sizes] { return make (picture, sizes); }));
+    for (auto& [picture, work] : missing) // where no thread can be had, in turn
+        jobs.emplace_back (
+            std::async (std::launch::async | std::launch::deferred, [this, &work = work] { return read (work); }),
+            &work);
 
-    for (auto& job : jobs)
-        copies.merge (job.get());
+    for (auto& [isRead, work] : jobs)
+        if (isRead.get())
+            keep (*work);
 }
 
 void ScaledPictures::releaseUnused()

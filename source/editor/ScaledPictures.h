@@ -2,11 +2,11 @@
 #pragma once
 
 #include "editor/EmbeddedResources.h"
+#include "editor/ImageResampling.h"
 
 #include <juce_events/juce_events.h>
 
 #include <map>
-#include <set>
 #include <span>
 
 namespace tarvik
@@ -53,12 +53,14 @@ public:
     std::function<bool (Picture picture, const TakeRow& takeRow)> readPicture = readEmbeddedPicture;
 
 private:
-    using Copies = std::map<Copy, juce::Image>;
+    /** Copies of one picture that are being made while it is read once for all. */
+    using Work = std::map<Copy, RowResampler>;
 
-    /** Copies of one picture, which is decoded once for all. Any thread. */
-    Copies make (Picture picture, const std::set<Copy>& wanted) const;
+    static void begin (Work& work, const Copy& copy);
+    bool read (Work& work) const; ///< True if the picture could be read. Any thread.
+    void keep (const Work& work);
 
-    Copies copies;
+    std::map<Copy, juce::Image> copies;
 };
 
 /** How many frames a picture has, from left to right. */

@@ -27,7 +27,7 @@ constexpr double allowedDeviation = 1.0e-6;
 constexpr double allowedGrowthMiB = 1.0e9;
 constexpr unsigned secondsForTheRest = 1200;
 #else
-constexpr double allowedGrowthMiB = 32.0;
+constexpr double allowedGrowthMiB = 48.0; // of it up to 28 the pictures of the last window, which stay for the next
 constexpr unsigned secondsForTheRest = 240;
 #endif
 
