@@ -113,6 +113,8 @@ KVLEditor::KVLEditor (Tarvik41Processor& processorToShow)
 
 KVLEditor::~KVLEditor()
 {
+    // For the next window one size is kept: ours, which our controls still hold.
+    ScaledPictures::getInstance()->releaseUnused();
     juce::PopupMenu::dismissAllActiveMenus(); // one of them may use our look
     setLookAndFeel (nullptr);
 }

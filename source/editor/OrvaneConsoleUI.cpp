@@ -72,12 +72,6 @@ OrvaneConsoleUI::OrvaneConsoleUI (Tarvik41Processor& processorToShow)
     setSize (layout::designWidth, layout::designHeight);
 }
 
-OrvaneConsoleUI::~OrvaneConsoleUI()
-{
-    // For the next window one size is kept: ours, which our controls still hold.
-    ScaledPictures::getInstance()->releaseUnused();
-}
-
 //==============================================================================
 void OrvaneConsoleUI::place (juce::Component& control, const Box& box)
 {

@@ -27,7 +27,6 @@ class OrvaneConsoleUI final : public KVLUI,
 {
 public:
     explicit OrvaneConsoleUI (Tarvik41Processor& processorToShow);
-    ~OrvaneConsoleUI() override;
 
     /** Moves the needles and the expander's LED. */
     void updateMeters (const ParameterSnapshot& snapshot);
