@@ -108,7 +108,7 @@ bool readEmbeddedPicture (Picture picture, const TakeRow& takeRow)
     auto* png = png_create_read_struct (PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
     auto* info = png_create_info_struct (png);
     PictureReader reader { rowOf (picture), takeRow, png, info };
-    const auto succeeded = readsAllRows (reader);
+    const auto succeeded = info != nullptr && readsAllRows (reader); // null without memory
     png_destroy_read_struct (&png, &info, nullptr);
     return succeeded;
 }
