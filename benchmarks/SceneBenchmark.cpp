@@ -228,6 +228,7 @@ void runAutomation (benchmark::State& state, bool (*isAutomated) (const juce::St
     const auto slow = static_cast<std::ptrdiff_t> (slowestShare * static_cast<double> (whole.size()));
     std::sort (whole.begin(), whole.end());
 
+    state.counters["us"] = micro * mean (whole);
     state.counters["usSetting"] = micro * mean (setting);
     state.counters["usProcessing"] = micro * mean (processing);
     state.counters["us99.9th"] = micro * *(whole.end() - 1 - slow);
