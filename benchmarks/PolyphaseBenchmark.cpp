@@ -67,20 +67,20 @@ void runPolyphase (benchmark::State& state, InstructionSet set, Way way)
     const ScopedInstructionSet forced (set);
     const auto peak = measureMultiplyAddPeak();
 
-    PolyphaseChannel channel;
-    channel.setup (factor);
+    Polyphase channel;
+    channel.setup (1, factor);
     auto base = signal (n), high = signal (n * factor), out = base;
     const auto start = threadSeconds();
 
     for (auto _ : state)
     {
         if (way != Way::down)
-            channel.up (base.data(), high.data(), n);
+            channel.up (0, base.data(), high.data(), n);
 
         benchmark::ClobberMemory();
 
         if (way != Way::up)
-            channel.down (high.data(), out.data(), n);
+            channel.down (0, high.data(), out.data(), n);
 
         benchmark::ClobberMemory();
     }

@@ -7,6 +7,7 @@
 #include "dsp/AnalogBiquad.h"
 #include "dsp/Dispatch.h"
 #include "dsp/MZTiCoefs.h"
+#include "dsp/SharedTables.h"
 #include "dsp/StateFloor.h"
 
 #include <hwy/foreach_target.h> // before highway.h
@@ -104,25 +105,34 @@ void NeedleFilter::prepare (double rateHz)
     feedForward = zeros[b0];
     input = { zeros[b1] - recursion.first * zeros[b0], zeros[b2] - recursion.second * zeros[b0] };
 
+    static SharedTables<double, Tables> all;
+    tables = all.get (rateHz, [this] { return makeTables(); });
+    reset();
+}
+
+NeedleFilter::Tables NeedleFilter::makeTables() const noexcept
+{
+    Tables made;
     auto response = input;
-    steps.front() = { { 1.0, 0.0 }, { 0.0, 1.0 } };
+    made.steps.front() = { { 1.0, 0.0 }, { 0.0, 1.0 } };
 
     for (std::size_t k = 0; k < longestStep; ++k)
     {
-        firstInputs[longestStep - 1 - k] = response.first;
-        secondInputs[longestStep - 1 - k] = response.second;
+        made.firstInputs[longestStep - 1 - k] = response.first;
+        made.secondInputs[longestStep - 1 - k] = response.second;
         response = advanceOne (response, 0.0);
-        steps[k + 1] = { advanceOne (steps[k].ofFirst, 0.0), advanceOne (steps[k].ofSecond, 0.0) };
+        made.steps[k + 1] = { advanceOne (made.steps[k].ofFirst, 0.0), advanceOne (made.steps[k].ofSecond, 0.0) };
     }
 
-    reset();
+    return made;
 }
 
 NeedleFilter::Pair NeedleFilter::advance (const Pair& from, const float* row, std::size_t n) const noexcept
 {
-    const auto& [ofFirst, ofSecond] = steps[n];
-    const auto unused = longestStep - n;
-    const auto sums = TARVIK_DISPATCH (needles::weightedSums) (&firstInputs[unused], &secondInputs[unused], row, n);
+    const auto& [ofFirst, ofSecond] = tables->steps[n];
+    const auto* const first = &tables->firstInputs[longestStep - n];
+    const auto* const second = &tables->secondInputs[longestStep - n];
+    const auto sums = TARVIK_DISPATCH (needles::weightedSums) (first, second, row, n);
     return { ofFirst.first * from.first + ofSecond.first * from.second + sums[0],
              ofFirst.second * from.first + ofSecond.second * from.second + sums[1] };
 }

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstddef>
+#include <memory>
 
 namespace tarvik
 {
@@ -53,12 +54,19 @@ private:
     Pair advanceOne (const Pair& from, double x) const noexcept;
     Pair advance (const Pair& from, const float* row, std::size_t n) const noexcept;
 
-    double feedForward = 0.0;                   ///< from the input straight to the output
-    Pair recursion;                             ///< a1 and a2 of the denominator 1 + a1 z^-1 + a2 z^-2
-    Pair input;                                 ///< b: what a sample adds to the delays
-    std::array<Step, longestStep + 1> steps {}; ///< A^0, A^1, ...
-    Inputs firstInputs {};                      ///< what a row's samples add to the first delay: ..., A^1 b, A^0 b
-    Inputs secondInputs {};                     ///< and to the second
+    struct Tables
+    {
+        std::array<Step, longestStep + 1> steps {}; ///< A^0, A^1, ...
+        Inputs firstInputs {};                      ///< what a row's samples add to the first delay: ..., A^1 b, A^0 b
+        Inputs secondInputs {};                     ///< and to the second
+    };
+
+    Tables makeTables() const noexcept;
+
+    double feedForward = 0.0;             ///< from the input straight to the output
+    Pair recursion;                       ///< a1 and a2 of the denominator 1 + a1 z^-1 + a2 z^-2
+    Pair input;                           ///< b: what a sample adds to the delays
+    std::shared_ptr<const Tables> tables; ///< all needles at a rate have the same
     Pair state;
     float reading = 0.0f;
 };
