@@ -17,9 +17,10 @@ std::vector<InstructionSet> supportedInstructionSets()
     return sets;
 }
 
+/** Better sets have lower bits. Those below the forced one stay, for the code that is not compiled for it. */
 ScopedInstructionSet::ScopedInstructionSet (InstructionSet set) noexcept
 {
-    hwy::SetSupportedTargetsForTest (set.target);
+    hwy::SetSupportedTargetsForTest (hwy::SupportedTargets() & ~(set.target - 1));
     selectInstructionSet();
 }
 

@@ -6,8 +6,8 @@
 
 namespace tarvik
 {
-/** Vector code is compiled once for each instruction set, and every call goes to the best one that the processor
-    has. Asking the processor is slow, so it is done here, once, instead of by whichever call happens to come first.
+/** Vector code is compiled once for each instruction set that it gains by, and every call goes to the best one that the
+    processor has. Asking the processor is slow, so it is done here, once, instead of by whichever call happens to come first.
 
     Called when a processor object is made, on whatever thread makes it; also harmless while audio runs elsewhere,
     since it stores the same answer again. It reaches every vector file of the program. */
@@ -24,7 +24,7 @@ struct InstructionSet
     outside the life of a ScopedInstructionSet. */
 std::vector<InstructionSet> supportedInstructionSets();
 
-/** Forces one instruction set on the whole program for the object's life. For tests and benchmarks with no audio
+/** Lets the whole program use no better instruction set than this for the object's life. For tests and benchmarks with no audio
     running; such objects do not nest. The argument is one of supportedInstructionSets(). */
 class ScopedInstructionSet
 {
