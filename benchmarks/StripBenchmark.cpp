@@ -1,13 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "benchmarks/StripUnderTest.h"
 #include "benchmarks/Yardstick.h"
 #include "dsp/InstructionSets.h"
-#include "plugin/ParameterTable.h"
-#include "plugin/Tarvik41Processor.h"
-
-#include <juce_events/juce_events.h>
 
 #include <memory>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -19,46 +15,8 @@ namespace tarvik::benchmarks
 
 namespace
 {
-constexpr double sampleRate = 48000.0;
 constexpr int numChannels = 2;
 constexpr int loopSamples = 1 << 15;
-
-/** The settings of a user must not decide what is measured. */
-std::unique_ptr<Tarvik41Processor> makeStrip (int factor)
-{
-    auto strip = std::make_unique<Tarvik41Processor>();
-    strip->oversamplingSetting().setValue (factor);
-    strip->analogSetting().setValue (true);
-
-    // Everything on but the expander: limiter, detector filters and all equaliser sections.
-    for (auto* const p : strip->getParameters())
-    {
-        for (const auto* const id : { "compLimit", "compNiveau" })
-            if (parameterID (*p) == id)
-                p->setValueNotifyingHost (1.0f);
-
-        for (const auto* const id : { "highGain", "midGain", "lowGain", "highPass", "compHPF" })
-            if (parameterID (*p) == id)
-                p->setValueNotifyingHost (0.6f);
-    }
-
-    strip->prepareToPlay (sampleRate, 1024);
-    return strip;
-}
-
-/** Noise at -12 dBFS, one stretch for all: main channels, and as much side chain as the buses have. */
-juce::AudioBuffer<float> makeInput (int channels)
-{
-    juce::AudioBuffer<float> input (channels, loopSamples);
-    std::mt19937 random (1);
-    std::uniform_real_distribution<float> uniform (-0.25f, 0.25f);
-
-    for (int c = 0; c < channels; ++c)
-        for (int i = 0; i < loopSamples; ++i)
-            input.setSample (c, i, uniform (random));
-
-    return input;
-}
 
 /** A parameter and the two normalised values between which the moving scene turns it. */
 struct Move
@@ -93,7 +51,7 @@ void runBlocks (benchmark::State& state, Scene scene, InstructionSet set)
     const auto blockLength = static_cast<int> (state.range (1));
     const auto strip = makeStrip (factor);
     const auto channels = strip->getTotalNumInputChannels();
-    const auto input = makeInput (channels);
+    const auto input = makeNoise (channels);
     juce::AudioBuffer<float> loop (channels, loopSamples);
     juce::AudioBuffer<float> block;
     juce::MidiBuffer midi;
@@ -106,9 +64,7 @@ void runBlocks (benchmark::State& state, Scene scene, InstructionSet set)
         goesToOther = ! goesToOther;
 
         for (const auto& move : moves)
-            for (auto* const p : strip->getParameters())
-                if (parameterID (*p) == move.id)
-                    p->setValueNotifyingHost (goesToOther ? move.other : move.one);
+            parameterOf (*strip, move.id).setValueNotifyingHost (goesToOther ? move.other : move.one);
     };
 
     // The strip works in place, in the host's memory, so it needs fresh input now and then: off the clock.
@@ -133,7 +89,7 @@ void runBlocks (benchmark::State& state, Scene scene, InstructionSet set)
     };
 
     // Fades are over before the clock runs, and silence has had its time.
-    const auto warmUpSamples = scene == Scene::silence ? 20 * static_cast<int> (sampleRate) : loopSamples;
+    const auto warmUpSamples = scene == Scene::silence ? 20 * static_cast<int> (stripRateHz) : loopSamples;
 
     for (int done = 0; done < warmUpSamples; done += blockLength)
     {
@@ -156,7 +112,7 @@ void runBlocks (benchmark::State& state, Scene scene, InstructionSet set)
         {
             state.PauseTiming(); // what a redesign costs is measured by itself
             moveEverything();
-            samplesUntilMove = static_cast<int> (0.1 * sampleRate);
+            samplesUntilMove = static_cast<int> (0.1 * stripRateHz);
             state.ResumeTiming();
         }
 
@@ -177,7 +133,7 @@ void preparing (benchmark::State& state)
     const auto strip = makeStrip (static_cast<int> (state.range (0)));
 
     for (auto _ : state)
-        strip->prepareToPlay (sampleRate, 512);
+        strip->prepareToPlay (stripRateHz, 512);
 }
 
 /** Everything on the best instruction set, and the plain case on each that the machine has. */
