@@ -171,6 +171,25 @@ TEST (BlockLoop, BadAudioMissingChannelsAndLongBlocksAreHeldAtTheEntry)
     EXPECT_EQ (process (*strip, { good, good }, 64)[0], Signal (512)) << "unprepared it is silent";
 }
 
+TEST (BlockLoop, ChangesOnTheAudioThreadMakeOneUpdateBeforeTheirBlock)
+{
+    BareStrip strip;
+    strip.prepareToPlay (sampleRate, 512);
+    process (strip, std::vector<Signal> (4, Signal (64)), 64);
+    strip.takeLog();
+
+    for (auto* const changed : strip.getParameters())
+        changed->setValueNotifyingHost (0.4f);
+
+    EXPECT_EQ (strip.takeLog(), Log());
+    process (strip, std::vector<Signal> (4, Signal (512)), 512);
+    const auto log = strip.takeLog();
+    EXPECT_EQ (log.front(), "update");
+    EXPECT_EQ (std::count (log.begin(), log.end(), "update"), 1);
+    std::jthread ([&] { parameter (strip, "gain").setValueNotifyingHost (0.6f); }).join();
+    EXPECT_EQ (strip.takeLog(), Log { "update" }) << "any other thread works at once";
+}
+
 TEST (BlockLoop, AChangeDuringAnUpdateIsHeardInTheNextBlock)
 {
     const auto strip = makeBareStrip();
