@@ -27,8 +27,8 @@ public:
     /** Fills the component table. Allocates. */
     ConsoleEQ();
 
-    /** Takes new positions: solves and designs what has changed since the last call, or everything with `force`, and
-        lets it fade in. A change of the tolerance channel alone needs `force`. Before the first prepare() the
+    /** Takes new positions: solves what has changed since the last call, or everything with `force`, and lets it fade in;
+        designed as SmoothedIppIIR says. A change of the tolerance channel alone needs `force`. Before the first prepare() the
         designs wait for the sample rate. */
     void update (const EQControls& controls, bool force) noexcept;
 
@@ -41,6 +41,10 @@ public:
 
     /** Brings in what waits, without a crossfade, and clears both filters. */
     void reset() noexcept;
+
+    /** Instead of process() while nothing is heard of the equaliser: it designs nothing, and comes back on the newest
+        controls with clear filters. */
+    void skip() noexcept { filters.skip(); }
 
     /** High pass, then network, in place. */
     void process (float* row, int n) noexcept { filters.process (&row, n); }

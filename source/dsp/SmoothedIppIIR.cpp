@@ -20,7 +20,9 @@ void SmoothedIppIIR<Sample, Coefs>::setAnalogue (const Polynomial& numerator, co
     analogue.getWriteSlot() = { numerator, denominator };
     analogue.publish();
     isDisturbed = true;
-    work();
+
+    if (! isOnProcessingThread())
+        work();
 }
 
 template <typename Sample, typename Coefs>
@@ -30,7 +32,9 @@ void SmoothedIppIIR<Sample, Coefs>::bringInCoefficients() noexcept
 
     isBringInWanted = true;
     isDisturbed = true;
-    work();
+
+    if (! isOnProcessingThread())
+        work();
 
     const auto hasToWait = isCrossfading.load() || hasWork();
 
@@ -44,9 +48,8 @@ template <typename Sample, typename Coefs>
 bool SmoothedIppIIR<Sample, Coefs>::mayStartTimer() const noexcept
 {
     const auto* const messages = juce::MessageManager::getInstanceWithoutCreating();
-    const auto thisThread = juce::Thread::getCurrentThreadId();
-    return messages != nullptr && messages->getCurrentMessageThread() == thisThread
-           && processingThread.load() != thisThread;
+    return messages != nullptr && messages->getCurrentMessageThread() == juce::Thread::getCurrentThreadId()
+           && ! isOnProcessingThread();
 }
 
 template <typename Sample, typename Coefs>
@@ -93,21 +96,32 @@ void SmoothedIppIIR<Sample, Coefs>::doWorkLocked() noexcept
 {
     // The request is read before the polynomials: those that it was made for are then certainly among them.
     const auto bringIn = isBringInWanted.exchange (false);
+    takeAnalogueLocked();
 
-    if (analogue.takeNewest())
+    if (isStale && isRateKnown())
     {
-        coefs.numerator = analogue.getReadSlot().numerator;
-        coefs.denominator = analogue.getReadSlot().denominator;
-
-        if (coefs.sampleRate > 0)
-            coefs.design();
+        coefs.numerator = newest.numerator;
+        coefs.denominator = newest.denominator;
+        coefs.design();
+        designed = newest;
+        isStale = false;
     }
 
     if (bringIn)
     {
-        published.getWriteSlot() = coefs.taps;
+        published.getWriteSlot() = { designed, coefs.taps };
         published.publish();
         isDisturbed = true; // again: a slice may have looked while this was designed
+    }
+}
+
+template <typename Sample, typename Coefs>
+void SmoothedIppIIR<Sample, Coefs>::takeAnalogueLocked() noexcept
+{
+    if (analogue.takeNewest())
+    {
+        newest = analogue.getReadSlot();
+        isStale = ! isRateKnown() || ! (newest == designed);
     }
 }
 
@@ -121,12 +135,9 @@ void SmoothedIppIIR<Sample, Coefs>::prepare (double sampleRate, int channels, in
     {
         const std::lock_guard lock (coefs.designLock);
 
-        const auto isNewRate = ! (sampleRate == coefs.sampleRate); // NaN differs from everything
+        takeAnalogueLocked();
+        isStale = isStale || ! (sampleRate == coefs.sampleRate); // NaN differs from everything
         coefs.sampleRate = sampleRate;
-
-        if (isNewRate && ! analogue.hasNewValue())
-            coefs.design();
-
         isBringInWanted = true;
         doWorkLocked();
     }
@@ -154,12 +165,13 @@ void SmoothedIppIIR<Sample, Coefs>::takeNewest() noexcept
 {
     isCrossfading = false;
     isUndisturbed = false;
+    isSkipped = false;
 
     if (published.takeNewest() || isWaiting.load())
     {
         isWaiting = false;
-        currentTaps = published.getReadSlot();
-        settle (currentTaps);
+        current = published.getReadSlot();
+        settle (current.taps);
     }
     else
     {
@@ -168,47 +180,93 @@ void SmoothedIppIIR<Sample, Coefs>::takeNewest() noexcept
 }
 
 template <typename Sample, typename Coefs>
+void SmoothedIppIIR<Sample, Coefs>::skip() noexcept
+{
+    claimThread();
+    isSkipped = true;
+    isUndisturbed = false;
+    setCrossfading (false);
+}
+
+/** Storing for other threads to see takes as long as filtering several samples, so it is done only where something
+    changes. */
+template <typename Sample, typename Coefs>
+void SmoothedIppIIR<Sample, Coefs>::claimThread() noexcept
+{
+    if (! isOnProcessingThread())
+        processingThread = juce::Thread::getCurrentThreadId();
+}
+
+template <typename Sample, typename Coefs>
+void SmoothedIppIIR<Sample, Coefs>::setCrossfading (bool doesCrossfade) noexcept
+{
+    if (isCrossfading.load (std::memory_order_relaxed) != doesCrossfade)
+        isCrossfading = doesCrossfade;
+}
+
+/** During a crossfade: whether another design comes after it. Of polynomials that are not designed yet, this looks only
+    whether they are those of the current design. */
+template <typename Sample, typename Coefs>
+bool SmoothedIppIIR<Sample, Coefs>::isAnotherComing() noexcept
+{
+    if (hasWork() && coefs.designLock.try_lock())
+    {
+        takeAnalogueLocked();
+        areOthersComing = ! (newest == current.analogue);
+        coefs.designLock.unlock();
+    }
+
+    return hasWork() ? areOthersComing : isWaiting.load();
+}
+
+template <typename Sample, typename Coefs>
 bool SmoothedIppIIR<Sample, Coefs>::beginDisturbedSlice() noexcept
 {
     isDisturbed.exchange (false); // first: what comes from now on disturbs the next slice
+    claimThread();
 
-    // Storing for other threads to see takes as long as filtering several samples, so it is done only where something
-    // changes.
-    if (const auto thisThread = juce::Thread::getCurrentThreadId();
-        processingThread.load (std::memory_order_relaxed) != thisThread)
-        processingThread = thisThread;
-
-    tryToWork(); // once: a slice lends a hand, it doesn't take over
-
-    const auto wasOut = isOut();
+    const auto wasOut = isOut() || isSkipped;
     onRamp.takeRequest();
 
-    if (published.takeNewest())
-        isWaiting = published.getReadSlot() != currentTaps; // else it replaces one that waited, and nothing is left
+    if (isOut()) // nothing is heard, so nothing is designed
+    {
+        setCrossfading (false);
+        return false;
+    }
 
-    if (isOut() ? isWaiting.load() : wasOut) // nothing is heard of it: no crossfade is needed
+    if (wasOut || ! isChanging())
+        tryToWork(); // once: a slice lends a hand, it doesn't take over
+
+    if (wasOut)
     {
         takeNewest();
     }
-    else if (isWaiting.load())
+    else
     {
-        if (isChanging())
-        {
+        if (published.takeNewest())
+            isWaiting = published.getReadSlot().taps != current.taps; // else it replaces one that waited
+
+        if (! isChanging())
+            crossfadeToWaiting();
+        else if (isAnotherComing())
             hurryTail();
-        }
-        else
-        {
-            currentTaps = published.getReadSlot();
-            isWaiting = false;
-            beginCrossfade (currentTaps);
-        }
     }
 
-    if (isCrossfading.load (std::memory_order_relaxed) != isChanging())
-        isCrossfading = isChanging();
-
+    setCrossfading (isChanging());
     isUndisturbed = isIdle() && ! hasWork(); // else the lock was taken, and the next slice looks again
     return isIdle();
+}
+
+template <typename Sample, typename Coefs>
+void SmoothedIppIIR<Sample, Coefs>::crossfadeToWaiting() noexcept
+{
+    if (! isWaiting.load())
+        return;
+
+    current = published.getReadSlot();
+    isWaiting = false;
+    areOthersComing = false;
+    beginCrossfade (current.taps);
 }
 
 template <typename Sample, typename Coefs>

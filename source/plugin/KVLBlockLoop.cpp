@@ -120,8 +120,12 @@ void KVLProcessor::processBlockBypassed (juce::AudioBuffer<float>& buffer, juce:
 }
 
 /** False if the block has no samples, or is silenced because nothing may run. */
-bool KVLProcessor::canProcess (juce::AudioBuffer<float>& buffer) const
+bool KVLProcessor::canProcess (juce::AudioBuffer<float>& buffer)
 {
+    if (const auto thisThread = juce::Thread::getCurrentThreadId();
+        audioThread.load (std::memory_order_relaxed) != thisThread)
+        audioThread.store (thisThread, std::memory_order_relaxed);
+
     if (! licence.permitsAudio() || ! isPrepared())
     {
         buffer.clear();

@@ -151,7 +151,11 @@ void KVLProcessor::applySnapshot (const ParameterSnapshot& snapshot)
 
 void KVLProcessor::requestUpdate()
 {
-    updateGate.request ([this] { update (false); });
+    // The slice that follows would solve filters for every parameter, of which it hears the last state alone.
+    if (audioThread.load (std::memory_order_relaxed) == juce::Thread::getCurrentThreadId())
+        updateGate.leaveNote();
+    else
+        updateGate.request ([this] { update (false); });
 }
 
 void KVLProcessor::update (bool force)

@@ -187,7 +187,8 @@ protected:
     /** The end of a concrete constructor: listens to all parameters of the generic category, and to broadcasts. */
     void listenToParameters();
 
-    /** Has `update (false)` run: now, or on the thread that is at it. Never waits. */
+    /** Has `update (false)` run: now, or on the thread that is at it, or, asked for by the thread that processes, before
+        the next slice. Never waits. */
     void requestUpdate();
 
     bool isPrepared() const noexcept { return maxSliceSize.get() > 0; }
@@ -229,7 +230,7 @@ private:
     /** The level ramps first, then the model. */
     void update (bool force);
 
-    bool canProcess (juce::AudioBuffer<float>& buffer) const;
+    bool canProcess (juce::AudioBuffer<float>& buffer);
     BlockChannels channelsOf (const juce::AudioBuffer<float>& buffer) const;
     void processSlices (juce::AudioBuffer<float>& buffer, const BlockChannels& layout);
     void processSlice (float** channels, int numMain, int numSide, int n);
@@ -260,6 +261,7 @@ private:
 
     std::atomic<bool> ignoreParameterChanges { false };
     UpdateGate updateGate;
+    std::atomic<juce::Thread::ThreadID> audioThread { nullptr }; ///< The last one that has processed.
 
     /** Held while the strip is rebuilt or freed, which a host's thread and the message thread may both ask for. Taken
         before JUCE's callback lock, and never on the audio thread.

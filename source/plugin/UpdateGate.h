@@ -24,6 +24,17 @@ public:
             workOnce (work);
     }
 
+    /** Any thread; never waits. Leaves a note instead of working: `catchUp` or the next request takes it up. */
+    void leaveNote() noexcept
+    {
+        auto seen = requests.load (std::memory_order_relaxed);
+
+        while (seen != leftOver
+               && ! requests.compare_exchange_weak (seen, seen == 0 ? leftOver : seen + 1, std::memory_order_acq_rel))
+        {
+        }
+    }
+
     /** Does the work if there is a note, and returns whether there was. Any thread; never waits. */
     template <typename Work>
     bool catchUp (Work&& work) noexcept

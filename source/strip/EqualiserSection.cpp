@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "strip/EqualiserSection.h"
 
+#include "dsp/RampTimes.h"
 #include "dsp/RowOperations.h"
 #include "strip/ToleranceChannel.h"
 
+#include <algorithm>
 #include <span>
 
 namespace tarvik
@@ -33,11 +35,14 @@ void EqualiserSection::prepare (double rateHz, int numChannels, int maxSamples)
         equaliser->prepare (rateHz, maxSamples);
 
     fader.prepare (rateHz, numChannels, maxSamples);
+    samplesUntilRest = rampSteps (rateHz, secondsUntilRest);
+    closedSamples = 0;
 }
 
 void EqualiserSection::reset() noexcept
 {
     fader.fade.snap();
+    closedSamples = 0;
 
     for (auto& equaliser : equalisers)
         equaliser->reset();
@@ -68,10 +73,24 @@ void EqualiserSection::update (const ParameterSnapshot& snapshot, bool force) no
 
 void EqualiserSection::process (float* const* channels, int numSamples) noexcept
 {
-    fader.begin (channels, numSamples);
-    ConsoleEQ::process (std::span (equalisers).first (numInUse), channels, numSamples);
-    rows::scale (channels, static_cast<int> (numInUse), static_cast<float> (ConsoleEQ::makeupGain), numSamples);
-    fader.end (channels, numSamples);
+    const auto inUse = std::span (equalisers).first (numInUse);
+    const auto length = static_cast<std::uint32_t> (numSamples);
+    fader.fade.takeRequest();
+
+    if (! isAtRest())
+    {
+        const auto numMoving = std::min (length, fader.fade.get().remaining);
+        fader.begin (channels, numSamples);
+        ConsoleEQ::process (inUse, channels, numSamples);
+        rows::scale (channels, static_cast<int> (numInUse), static_cast<float> (ConsoleEQ::makeupGain), numSamples);
+        fader.end (channels, numSamples);
+        closedSamples = fader.isClosed() ? std::min (closedSamples + length - numMoving, samplesUntilRest) : 0;
+    }
+
+    // Asked again, so that where a host cuts its blocks makes no difference to the filters' return.
+    if (isAtRest())
+        for (const auto& equaliser : inUse)
+            equaliser->skip();
 }
 
 } // namespace tarvik

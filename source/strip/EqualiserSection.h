@@ -5,6 +5,7 @@
 #include "strip/ParameterSnapshot.h"
 #include "strip/WetDryFader.h"
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -17,6 +18,9 @@ EQControls equaliserControls (const ParameterSnapshot& snapshot, int toleranceCh
 /** The equaliser of all channels of a strip, faded in and out as a whole, with the fixed gain that makes up for the
     loss of its passive network. Each audio channel is the console channel that "TOL Channel" says or, unlinked,
     one of its neighbours.
+
+    Faded out it runs on for some seconds, so that whoever compares by switching hears filters that have never stopped.
+    Then it rests, costs nothing, and comes back with clear filters.
 */
 class EqualiserSection
 {
@@ -31,10 +35,16 @@ public:
     void process (float* const* channels, int numSamples) noexcept;
 
 private:
+    static constexpr double secondsUntilRest = 5.0;
+
+    bool isAtRest() const noexcept { return fader.isClosed() && closedSamples >= samplesUntilRest; }
+
     /** Only ever grows: the filters inside may not be destroyed on every thread that prepares. */
     std::vector<std::unique_ptr<ConsoleEQ>> equalisers;
     std::size_t numInUse = 0;
     WetDryFader fader;
+    std::uint32_t samplesUntilRest = 1;
+    std::uint32_t closedSamples = 0; ///< since the fade closed, up to the above
     bool lastEqualizer = false;
 };
 

@@ -26,6 +26,9 @@ public:
 
     void release() { blend.release(); }
 
+    /** Audio thread: as long as nothing else is asked of the fade, nothing is heard of the stage. */
+    bool isClosed() const noexcept { return fade.get().isIdle() && fade.get().current == 0.0; }
+
     /** Audio thread; n is at most maxSamples. */
     void begin (const float* const* channels, int n) noexcept
     {

@@ -12,6 +12,7 @@
 #include <numbers>
 #include <semaphore>
 #include <thread>
+#include <utility>
 
 namespace tarvik
 {
@@ -230,6 +231,52 @@ TEST (SmoothedIppIIRHandOver, ADesignInProgressStopsNobodyAndIsNotLost)
     designer.join();
     EXPECT_EQ (lastOf (filter), 0.25f);
     EXPECT_EQ (HeldCoefs::numDesigns, 3);
+}
+
+struct CountedCoefs : Coefs
+{
+    void design()
+    {
+        ++numDesigns;
+        Coefs::design();
+    }
+
+    static inline int numDesigns = 0;
+};
+
+TEST (SmoothedIppIIRHandOver, TheAudioThreadDesignsOnceAndWhatIsAboutToBeHeard)
+{
+    SmoothedIppIIR<float, CountedCoefs> filter;
+    const auto expectDesigns = [&] (int expected, int samples, float last)
+    {
+        EXPECT_EQ (processOnes (filter, samples).back(), last);
+        EXPECT_EQ (std::exchange (CountedCoefs::numDesigns, 0), expected);
+    };
+
+    changeGain (filter, 2.0);
+    filter.prepare (rate, 1, blockSize);
+    expectDesigns (1, 1, 2.0f);
+
+    for (const auto gain : { 3.0, 4.0, 6.0 })
+        changeGain (filter, gain);
+
+    expectDesigns (1, rampLength / 2, 4.0f);
+    changeGain (filter, 7.0); // while the crossfade runs
+    expectDesigns (0, rampLength / 2, 6.0f);
+    changeGain (filter, 6.0); // back, so the tail is not hurried
+    expectDesigns (0, hurriedTailLength, 6.0f);
+    changeGain (filter, 8.0);
+    expectDesigns (1, rampLength + hurriedTailLength, 8.0f);
+    processOnes (filter, rampLength); // the tail
+    filter.setOn (false);
+    processOnes (filter, rampLength);
+    changeGain (filter, 9.0);
+    expectDesigns (0, 1, 1.0f);
+    filter.setOn (true);
+    expectDesigns (1, rampLength, 9.0f);
+    changeGain (filter, 10.0);
+    filter.skip();
+    expectDesigns (1, 1, 10.0f); // at once
 }
 } // namespace
 } // namespace tarvik
