@@ -4,6 +4,7 @@
 #include "dsp/BiquadCascadeKernels.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 
 namespace tarvik
@@ -29,6 +30,27 @@ void BiquadCascade::clear() noexcept
 {
     sections.s1.fill (0.0);
     sections.s2.fill (0.0);
+}
+
+/** Without input, a section's s1 is an oscillation that swings out as far as it stands, and as far as its speed takes it:
+    |1 - p| is the angle that a pole p turns by in a sample, or what it decays by. */
+BiquadCascade::Rest BiquadCascade::findRest (double input) const noexcept
+{
+    Rest rest { input, 0.0 };
+
+    for (std::size_t s = 0; s < static_cast<std::size_t> (numSections); ++s)
+    {
+        const auto& [b0, c1, c2, a1, a2, s1, s2] = sections;
+        const auto polesAtDc = 1.0 + a1[s] + a2[s]; // the product of (1 - p) over both poles
+        const auto end1 = (c1[s] + c2[s]) * rest.output / polesAtDc;
+        const auto end2 = c2[s] * rest.output - a2[s] * end1;
+        const auto from1 = s1[s] - end1, from2 = s2[s] - end2;
+        const auto speed = from2 - (1.0 + a1[s]) * from1;
+        rest.distance = std::max (rest.distance, std::abs (from1) + std::abs (speed) / std::sqrt (polesAtDc));
+        rest.output = b0[s] * rest.output + end1;
+    }
+
+    return rest;
 }
 
 void filterPlainly (const CascadeRow& row, int n) noexcept

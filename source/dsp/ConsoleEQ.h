@@ -42,6 +42,9 @@ public:
     /** Brings in what waits, without a crossfade, and clears both filters. */
     void reset() noexcept;
 
+    /** Whether nothing moves or waits, and silence is followed by nothing. */
+    bool isSettled() noexcept { return filters.isSettled (0.0); }
+
     /** High pass, then network, in place. */
     void process (float* row, int n) noexcept { filters.process (&row, n); }
 

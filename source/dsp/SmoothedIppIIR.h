@@ -73,6 +73,9 @@ public:
                || beginDisturbedSlice();
     }
 
+    /** Audio side: as CascadeBanks; and no design is in progress or waits. */
+    bool isSettled (double& level) noexcept;
+
     /** Message thread: looks whether a design was left over. */
     void timerCallback() override;
 

@@ -4,6 +4,7 @@
 #include "dsp/RowOperations.h"
 #include "strip/ToleranceChannel.h"
 
+#include <algorithm>
 #include <span>
 
 namespace tarvik
@@ -72,6 +73,13 @@ void EqualiserSection::process (float* const* channels, int numSamples) noexcept
     ConsoleEQ::process (std::span (equalisers).first (numInUse), channels, numSamples);
     rows::scale (channels, static_cast<int> (numInUse), static_cast<float> (ConsoleEQ::makeupGain), numSamples);
     fader.end (channels, numSamples);
+}
+
+bool EqualiserSection::isSettled() noexcept
+{
+    const auto inUse = std::span (equalisers).first (numInUse);
+    return fader.fade.isIdle()
+           && std::all_of (inUse.begin(), inUse.end(), [] (const auto& equaliser) { return equaliser->isSettled(); });
 }
 
 } // namespace tarvik

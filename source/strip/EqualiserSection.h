@@ -29,6 +29,7 @@ public:
 
     void update (const ParameterSnapshot& snapshot, bool force) noexcept;
     void process (float* const* channels, int numSamples) noexcept;
+    bool isSettled() noexcept;
 
 private:
     /** Only ever grows: the filters inside may not be destroyed on every thread that prepares. */
