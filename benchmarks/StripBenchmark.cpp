@@ -40,6 +40,7 @@ enum class Scene
 {
     signal,  ///< Music-like noise, nothing moving.
     silence, ///< Twenty seconds after the signal.
+    idle,    ///< The same without noise: the strip sleeps.
     moving,  ///< Every filter crossfades, and every fade and gain ramp runs, all the time: `moves`.
     bypassed
 };
@@ -51,6 +52,8 @@ void runBlocks (benchmark::State& state, Scene scene, InstructionSet set)
     const auto blockLength = static_cast<int> (state.range (1));
     const auto strip = makeStrip (factor);
     const auto channels = strip->getTotalNumInputChannels();
+    const auto isFed = scene != Scene::silence && scene != Scene::idle;
+    strip->analogSetting().setValue (scene != Scene::idle);
     const auto input = makeNoise (channels);
     juce::AudioBuffer<float> loop (channels, loopSamples);
     juce::AudioBuffer<float> block;
@@ -73,7 +76,7 @@ void runBlocks (benchmark::State& state, Scene scene, InstructionSet set)
         position = 0;
         loop.clear();
 
-        for (int c = 0; c < channels && scene != Scene::silence; ++c)
+        for (int c = 0; c < channels && isFed; ++c)
             loop.copyFrom (c, 0, input, c, 0, loopSamples);
     };
 
@@ -89,7 +92,7 @@ void runBlocks (benchmark::State& state, Scene scene, InstructionSet set)
     };
 
     // Fades are over before the clock runs, and silence has had its time.
-    const auto warmUpSamples = scene == Scene::silence ? 20 * static_cast<int> (stripRateHz) : loopSamples;
+    const auto warmUpSamples = isFed ? loopSamples : 20 * static_cast<int> (stripRateHz);
 
     for (int done = 0; done < warmUpSamples; done += blockLength)
     {
@@ -154,6 +157,7 @@ void preparing (benchmark::State& state)
 
     add ("running", Scene::signal, sets.front(), factors, blocks);
     add ("silence", Scene::silence, sets.front(), { 1, 2 }, { 256 });
+    add ("idle", Scene::idle, sets.front(), { 1, 2 }, { 64, 256 });
     add ("moving", Scene::moving, sets.front(), { 1, 2 }, { 256 });
     add ("bypassed", Scene::bypassed, sets.front(), { 1, 2 }, blocks);
 

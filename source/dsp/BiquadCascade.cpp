@@ -4,6 +4,7 @@
 #include "dsp/BiquadCascadeKernels.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 
 namespace tarvik
@@ -29,6 +30,32 @@ void BiquadCascade::clear() noexcept
 {
     sections.s1.fill (0.0);
     sections.s2.fill (0.0);
+}
+
+/** Without input, a section's s1 swings out as far as it stands, and as far as its speed takes it: for the poles p,
+    |1 - p| is the angle or the share that they move by in a sample. */
+BiquadCascade::Rest BiquadCascade::findRest (double input) const noexcept
+{
+    Rest rest { input, 0.0 };
+
+    for (std::size_t s = 0; s < static_cast<std::size_t> (numSections); ++s)
+    {
+        const auto& [b0, c1, c2, a1, a2, s1, s2] = sections;
+        const auto poles = 1.0 + a1[s] + a2[s];              // (1 - p) of the one times that of the other
+        const auto isNeutral = c1[s] == 0.0 && c2[s] == 0.0; // its poles may lie at 1, under its zeros
+        const auto end1 = isNeutral ? 0.0 : (c1[s] + c2[s]) * rest.output / poles;
+        const auto end2 = c2[s] * rest.output - a2[s] * end1;
+        const auto from1 = s1[s] - end1, from2 = s2[s] - end2;
+        const auto speed = from2 - (1.0 + a1[s]) * from1;
+        const auto distance = std::abs (from1) + (speed != 0.0 ? std::abs (speed) / std::sqrt (poles) : 0.0);
+
+        if (! (distance <= rest.distance)) // so a NaN stays
+            rest.distance = distance;
+
+        rest.output = b0[s] * rest.output + end1;
+    }
+
+    return rest;
 }
 
 void filterPlainly (const CascadeRow& row, int n) noexcept

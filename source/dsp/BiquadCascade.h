@@ -36,6 +36,16 @@ public:
 
     int getNumSections() const noexcept { return numSections; }
 
+    /** Where the output ends if every sample from now on is `input`, and how far from their ends it and what passes
+        between the sections may still go, at about the most. */
+    struct Rest
+    {
+        double output;
+        double distance;
+    };
+
+    Rest findRest (double input) const noexcept;
+
     /** One sample through all sections. */
     double step (double x) noexcept
     {

@@ -75,6 +75,30 @@ void CascadeBanks::hurryTail() noexcept
         hurry.begin (hurrySteps);
 }
 
+bool CascadeBanks::isSettled (double& level) const noexcept
+{
+    constexpr double farthest = 1e-8; // -179 dBFS at the calibration that nothing has changed
+
+    if (! onRamp.isIdle() || isChanging())
+        return false;
+
+    if (isOut())
+        return true;
+
+    const auto input = level;
+
+    for (const auto* const cascade : getActiveCascades())
+    {
+        const auto rest = cascade->findRest (input);
+        level = rest.output;
+
+        if (! (rest.distance < farthest))
+            return false;
+    }
+
+    return true;
+}
+
 int CascadeBanks::getPieceLength (int n) const noexcept
 {
     if (numChannels == 0 || isOut())

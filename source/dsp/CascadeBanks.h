@@ -50,6 +50,10 @@ public:
         and finish() would do. */
     bool isIdle() const noexcept { return ! isChanging() && onRamp.get().isIdle() && ! isOut(); }
 
+    /** Whether nothing moves, and every channel stays within 1e-8 of where it ends if `level` is its input from now on.
+        `level` becomes that end. */
+    bool isSettled (double& level) const noexcept;
+
     /** Of the next n samples, how many come before a fade ends, at most maxSamples. */
     int getPieceLength (int n) const noexcept;
 

@@ -46,6 +46,9 @@ public:
         controls with clear filters. */
     void skip() noexcept { filters.skip(); }
 
+    /** Whether nothing moves or waits, and silence is followed by nothing. */
+    bool isSettled() noexcept { return filters.isSettled (0.0); }
+
     /** High pass, then network, in place. */
     void process (float* row, int n) noexcept { filters.process (&row, n); }
 

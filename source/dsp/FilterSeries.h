@@ -40,6 +40,9 @@ public:
         second.skip();
     }
 
+    /** Whether both are settled, with `level` as the input of each channel from now on. */
+    bool isSettled (double level) noexcept { return first.isSettled (level) && second.isSettled (level); }
+
     /** Filters n samples of each channel, in place. */
     void process (float* const* channelRows, int n) noexcept
     {

@@ -41,14 +41,14 @@ public:
     void down (int channel, const float* in, float* out, int numOut) noexcept;
 
 private:
-    struct Channel
+    struct PolyphaseChannel
     {
         MultiRateFirDelay up, down;
     };
 
     int factor = 1;
     std::shared_ptr<const PolyphaseFilters> filters; ///< all instances of a factor have the same
-    std::vector<Channel> records;
+    std::vector<PolyphaseChannel> records;
     AlignedFloats work; ///< of whichever way of whichever channel is being converted
 };
 } // namespace tarvik

@@ -257,6 +257,24 @@ bool SmoothedIppIIR<Sample, Coefs>::beginDisturbedSlice() noexcept
     return isIdle();
 }
 
+/** What has been taken up for a design is seen by the lock alone. */
+template <typename Sample, typename Coefs>
+bool SmoothedIppIIR<Sample, Coefs>::isSettled (double& level) noexcept
+{
+    if (! onRamp.isIdle())
+        return false;
+
+    if (isOut() || isSkipped) // what waits is looked at when it comes back
+        return true;
+
+    if (! CascadeBanks::isSettled (level) || ! coefs.designLock.try_lock())
+        return false;
+
+    const auto isAnyLeft = hasWork() || published.hasNewValue() || isWaiting.load();
+    coefs.designLock.unlock();
+    return ! isAnyLeft;
+}
+
 template <typename Sample, typename Coefs>
 void SmoothedIppIIR<Sample, Coefs>::crossfadeToWaiting() noexcept
 {

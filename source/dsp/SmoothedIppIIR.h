@@ -77,6 +77,9 @@ public:
         clear delay line. */
     void skip() noexcept;
 
+    /** Audio side: as CascadeBanks; and no design is in progress or waits. */
+    bool isSettled (double& level) noexcept;
+
     /** Message thread: looks whether a design was left over. */
     void timerCallback() override;
 

@@ -16,6 +16,8 @@ void BypassFader::prepare (double rateHz, int mainChannels, int maxSamples)
     silentSamples = 0;
 }
 
+bool BypassFader::isSettled() const noexcept { return wet.isIdleAtOne() && silentSamples >= LatencyDelay::length; }
+
 void BypassFader::beginSlice (const float* const* channels, int n, LatencyDelay& latencyDelay, int delay) noexcept
 {
     activeThisSlice = static_cast<float> (wet.target) < 1.0f || ! wet.isIdle();

@@ -20,6 +20,9 @@ public:
     /** While no audio runs: sizes and clears the rows for slices of at most maxSamples, and ends a fade. */
     void prepare (double rateHz, int mainChannels, int maxSamples);
 
+    /** Whether no fade runs, and the delay's history is silent. */
+    bool isSettled() const noexcept;
+
     /** Keeps the dry share of the slice before the strip works on it, delayed by `delay` samples. */
     void beginSlice (const float* const* channels, int n, LatencyDelay& latencyDelay, int delay) noexcept;
 

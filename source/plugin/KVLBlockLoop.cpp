@@ -53,6 +53,8 @@ void KVLProcessor::prepareToPlay (double announcedRate, int)
     inputGainRamp.prepare (rampSteps (sampleRate));
     outputGainRamp.prepare (rampSteps (sampleRate));
     bypassFader.prepare (sampleRate, numMain, sliceSize);
+    silence = {};
+    isAsleep = false;
 }
 
 void KVLProcessor::releaseResources()
@@ -198,6 +200,67 @@ void KVLProcessor::processSlice (float** channels, int numMain, int numSide, int
 {
     updateGate.catchUp ([this] { update (false); });
 
+    for (int length = 0; n > 0; n -= length)
+    {
+        length = sleepOrProcess (channels, numMain, numSide, n);
+
+        for (int c = 0; c < numMain + numSide; ++c)
+            channels[c] += length;
+    }
+}
+
+/** Takes as many of n samples as the strip sleeps or is awake for, and returns their number. */
+int KVLProcessor::sleepOrProcess (float** channels, int numMain, int numSide, int n)
+{
+    const auto numChannels = numMain + numSide;
+    const auto silent = SilenceWatch::countAtStart (channels, numChannels, n);
+
+    if (isAsleep && (silent == 0 || isDisturbed()))
+    {
+        isAsleep = false;
+
+        if (const auto slept = silence.restart(); slept > 0)
+            skipDsp (slept);
+    }
+
+    if (isAsleep)
+    {
+        const auto length = silence.getPieceLength (silent, silent);
+
+        for (int c = 0; c < numMain; ++c)
+            rows::fill (channels[c], 0.0f, length);
+
+        if (silence.endPiece (length, length))
+            skipDsp (SilenceWatch::period);
+
+        return length;
+    }
+
+    const auto length = silence.getPieceLength (n, silent);
+    const auto silentAtEnd =
+        silent >= length ? length : SilenceWatch::countAtEnd (channels, numChannels, length); // before work in place
+    processPiece (channels, numMain, numSide, length);
+
+    if (silence.endPiece (length, silentAtEnd))
+        isAsleep = isSettled();
+
+    return length;
+}
+
+bool KVLProcessor::isSettled()
+{
+    numUpdatesBeforeSleep = numUpdates.load (std::memory_order_acquire); // first: what comes from now on disturbs
+    return ! isDisturbed() && inputGainRamp.isIdle() && outputGainRamp.isIdle() && isDspSettled();
+}
+
+bool KVLProcessor::isDisturbed() const
+{
+    return numUpdates.load (std::memory_order_acquire) != numUpdatesBeforeSleep || analogOn
+           || ! bypassFader.isSettled();
+}
+
+void KVLProcessor::processPiece (float** channels, int numMain, int numSide, int n)
+{
     const auto numChannels = numMain + numSide;
     auto* const inputGain = gainRows.getWritePointer (inputGainRow);
     auto* const outputGain = gainRows.getWritePointer (outputGainRow);

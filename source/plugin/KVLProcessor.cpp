@@ -169,6 +169,7 @@ void KVLProcessor::update (bool force)
     request (inputGainRamp, lastInLevelDb, snapshot.inLevel);
     request (outputGainRamp, lastOutLevelDb, snapshot.outLevel);
     updateDsp (force);
+    numUpdates.fetch_add (1, std::memory_order_release);
 }
 
 //==============================================================================

@@ -8,6 +8,7 @@
 #include "plugin/LicenceCheck.h"
 #include "plugin/OversamplerBank.h"
 #include "plugin/ProcessorSetting.h"
+#include "plugin/SilenceWatch.h"
 #include "plugin/StateSchema.h"
 #include "plugin/UpdateGate.h"
 #include "strip/ParameterSnapshot.h"
@@ -180,6 +181,14 @@ protected:
     /** Whether the current snapshot listens to the side chain. */
     virtual bool isSidechainUsed() const { return false; }
 
+    /** Audio thread: whether a strip without noise, with silent inputs from now on, makes no sound any more. It may then
+        sleep: nothing is called but skipDsp().
+    */
+    virtual bool isDspSettled() { return false; }
+
+    /** Audio thread: so many samples of silence pass for a strip that sleeps, at most SilenceWatch::period. */
+    virtual void skipDsp (int /*numSamples*/) {}
+
     /** The end of a state load, whatever came of it. */
     virtual void onStateRestored() {}
 
@@ -234,6 +243,10 @@ private:
     BlockChannels channelsOf (const juce::AudioBuffer<float>& buffer) const;
     void processSlices (juce::AudioBuffer<float>& buffer, const BlockChannels& layout);
     void processSlice (float** channels, int numMain, int numSide, int n);
+    int sleepOrProcess (float** channels, int numMain, int numSide, int n);
+    bool isSettled();
+    bool isDisturbed() const;
+    void processPiece (float** channels, int numMain, int numSide, int n);
     void processMiddleSection (float** channels, int numMain, int numSide, int n);
 
     /** Four pointers are enough: stereo and a stereo side chain. */
@@ -287,6 +300,10 @@ private:
     LatencyDelay latencyDelay;
     RelaxedValue<int> latencyInUse = Polyphase::latencySamples;
     BypassFader bypassFader;
+    SilenceWatch silence;
+    bool isAsleep = false;
+    std::atomic<std::uint32_t> numUpdates { 0 }; ///< Of the model, on any thread.
+    std::uint32_t numUpdatesBeforeSleep = 0;
     bool bypassRequested = false;
     static constexpr float activeLevel = 1.0f;
     RelaxedValue<float> calibrationGain = static_cast<float> (ParameterSnapshot::defaultCalibration);

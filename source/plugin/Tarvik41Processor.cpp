@@ -95,12 +95,23 @@ void Tarvik41Processor::processChunk (float** channels, int numSamples, int numS
 
 void Tarvik41Processor::processPostOversampling (float** channels, int numSamples, int)
 {
-    auto& snapshot = currentSnapshot();
-    strip.processPost (channels, numSamples, analogOn, snapshot);
+    strip.processPost (channels, numSamples, analogOn, currentSnapshot());
+    showGainReduction();
+}
 
+bool Tarvik41Processor::isDspSettled() { return strip.isSettled(); }
+
+void Tarvik41Processor::skipDsp (int numSamples)
+{
+    strip.skip (numSamples, currentSnapshot());
+    showGainReduction();
+}
+
+void Tarvik41Processor::showGainReduction()
+{
     if (gainReductionParameter != nullptr)
         gainReductionParameter->setValueNotifyingHost (
-            1.0f - static_cast<float> (gainFromDb (static_cast<double> (snapshot.gainReductionDb))));
+            1.0f - static_cast<float> (gainFromDb (static_cast<double> (currentSnapshot().gainReductionDb))));
 }
 
 } // namespace tarvik

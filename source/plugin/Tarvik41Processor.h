@@ -38,9 +38,12 @@ protected:
     void processPostOversampling (float** channels, int numSamples, int numSidechainChannels) override;
     void updateDsp (bool force) override;
     bool isSidechainUsed() const override;
+    bool isDspSettled() override;
+    void skipDsp (int numSamples) override;
 
 private:
     void limiterSensitivityChanged (int sensitivity);
+    void showGainReduction();
 
     ChannelStrip strip;
     juce::RangedAudioParameter* gainReductionParameter = nullptr; ///< Only in the one format that shows it as such.

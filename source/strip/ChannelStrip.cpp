@@ -23,6 +23,7 @@ static_assert (
 void ChannelStrip::prepare (double hostRateHz, int oversamplingFactor, int numChannels, int maxSamples)
 {
     numMain = numChannels;
+    factor = oversamplingFactor;
     gainTimesPhase.assign (static_cast<std::size_t> (maxSamples), 0.0f);
     prepareAll (getStagesAtHostRate(), hostRateHz, numChannels, maxSamples);
     prepareAll (getStagesAtProcessingRate(), hostRateHz * oversamplingFactor, numChannels, maxSamples);
@@ -107,10 +108,29 @@ void ChannelStrip::processPost (float* const* channels, int numSamples, bool isN
 
     level.process (channels, numSamples);
     outputMeter.process (channels, numSamples);
+    writeReadOuts (readOuts);
+}
 
+void ChannelStrip::writeReadOuts (ParameterSnapshot& readOuts) const noexcept
+{
     readOuts.inputMeter = inputMeter.getReading();
     readOuts.outputMeter = outputMeter.getReading();
     dynamics.writeReadOuts (readOuts);
+}
+
+//==============================================================================
+bool ChannelStrip::isSettled() noexcept
+{
+    return padGain.isSettled() && inputGain.isSettled() && phase.isSettled() && unityGain.isSettled()
+           && level.isSettled() && dynamics.isSettled() && saturation.isSettled() && equaliser.isSettled();
+}
+
+void ChannelStrip::skip (int numSamples, ParameterSnapshot& readOuts) noexcept
+{
+    inputMeter.skip (numSamples);
+    dynamics.skip (numSamples * factor);
+    outputMeter.skip (numSamples);
+    writeReadOuts (readOuts);
 }
 
 //==============================================================================

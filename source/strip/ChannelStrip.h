@@ -39,6 +39,14 @@ public:
     /** Second noise, fader and output meter; the read-outs go to `readOuts`. */
     void processPost (float* const* channels, int numSamples, bool isNoiseOn, ParameterSnapshot& readOuts) noexcept;
 
+    /** Audio thread: whether nothing moves or waits, and silence at the input has no other sequel than capacitors and
+        needles that fall. Noise is not looked at. */
+    bool isSettled() noexcept;
+
+    /** In place of all three sections, for a settled strip: capacitors and needles keep their time while so many samples of
+        silence pass, at the host's rate and at most 1024. Everything else stands still. */
+    void skip (int numSamples, ParameterSnapshot& readOuts) noexcept;
+
 private:
     /** The last values of the group that decides pad, gain, unity gain, level and phase. */
     struct GainSettings
@@ -64,6 +72,7 @@ private:
 
     void applyGainAndPhase (float* const* channels, int numSamples) noexcept;
     void requestGains (const GainSettings& settings) noexcept;
+    void writeReadOuts (ParameterSnapshot& readOuts) const noexcept;
 
     Gain padGain;
     NeedleMeter inputMeter;
@@ -79,6 +88,7 @@ private:
     NeedleMeter outputMeter;
 
     int numMain = 0;
+    int factor = 1; ///< of the processing rate
     std::vector<float> gainTimesPhase;
     GainSettings lastGainSettings;
 };

@@ -8,6 +8,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <utility>
 
 namespace tarvik
 {
@@ -116,6 +117,104 @@ void CompressorCircuit::set (const Controls& controls) noexcept
     k.perNetworkKeep = 1.0 / k.networkKeep;
     k.kneeVoltsPerShare = 1.0 / (k.networkKeep * k.releaseShare);
     k.ceilingVolts = VcaCurve::getZeroGainVolts();
+}
+
+//==============================================================================
+bool CompressorCircuit::isSettled (const State& state) const noexcept
+{
+    // exp (-1 / error) of the attack's way: 4e-13.
+    constexpr double largestError = 0.035;
+    const auto amplified = state.peak * k.amplifierGain + k.amplifierOffset;
+    const auto target = 2.0 * k.kneeVolts / (1.0 - 2.0 * amplified);
+
+    // The target only falls, and neither capacitor falls below the lowest of the three.
+    return amplified < 0.0 && target - std::min (state.c1Volts, state.c2Volts) < largestError;
+}
+
+/** Without a signal a sample makes M v + g x of the voltages and the current v, where x, what the amplifier's knee adds,
+    is K / (h - A p) for a memory p that falls by f in each sample. Around the middle of its way a parabola in p stands
+    for that, so that x is a sum of w f^(jk), j from 0 to 2, with the sample's number k:
+
+        v after n samples = M^n v + sum over j of w[j] G[j],  G[j] = sum over k of M^(n-1-k) g f^(jk)
+
+    From n samples to 2 n it goes by squaring: G[j] becomes M^n G[j] + f^(jn) G[j]. */
+void CompressorCircuit::skipSilence (State& state, int n) const noexcept
+{
+    using Vector = std::array<double, 3>; // c1Volts, r2Amps, c2Volts
+
+    struct Matrix
+    {
+        std::array<Vector, 3> rows;
+
+        Vector operator* (const Vector& v) const noexcept
+        {
+            Vector product {};
+
+            for (std::size_t i = 0; i < rows.size(); ++i)
+                product[i] = rows[i][0] * v[0] + rows[i][1] * v[1] + rows[i][2] * v[2];
+
+            return product;
+        }
+
+        Matrix squared() const noexcept
+        {
+            Matrix square {};
+
+            for (std::size_t i = 0; i < rows.size(); ++i)
+                for (std::size_t j = 0; j < rows.size(); ++j)
+                    square.rows[i][j] = rows[i][0] * rows[0][j] + rows[i][1] * rows[1][j] + rows[i][2] * rows[2][j];
+
+            return square;
+        }
+    };
+
+    const auto add = [] (Vector& sum, const Vector& v, double factor)
+    {
+        for (std::size_t i = 0; i < sum.size(); ++i)
+            sum[i] += v[i] * factor;
+    };
+
+    // The first row is passedOn in DynamicsSteps-inl.h, the second amps.
+    const auto fed = k.releaseKeep * k.r2Siemens;
+    Matrix power { { { { k.releaseKeep * k.networkKeep, -k.c1VoltsPerAmp, 1.0 - k.networkKeep },
+                       { fed, 0.0, -k.r2Siemens },
+                       { fed * k.c2VoltsPerAmp, k.c2VoltsPerAmp, 1.0 - k.r2Siemens * k.c2VoltsPerAmp } } } };
+    const auto ampsPerKnee = k.perNetworkKeep * k.r2Siemens;
+    const Vector perKnee { 1.0, ampsPerKnee, ampsPerKnee * k.c2VoltsPerAmp };
+    std::array<Vector, 3> responses { perKnee, perKnee, perKnee };
+
+    const auto first = state.peak * k.peakFall, last = state.peak * std::pow (k.peakFall, n);
+    const auto middle = 0.5 * (first + last);
+    const auto distance = 0.5 - k.amplifierOffset - k.amplifierGain * middle; // of the knee from its place, in volts
+    const auto knee = k.releaseShare * k.kneeVolts * k.networkKeep / distance;
+    const auto steepness = k.amplifierGain / distance, bend = steepness * middle;
+    std::array weights { knee * (1.0 - bend + bend * bend), knee * steepness * (1.0 - 2.0 * bend) * first,
+                         knee * steepness * steepness * first * first };
+    std::array falls { 1.0, k.peakFall, k.peakFall * k.peakFall };
+    Vector v { state.c1Volts, state.r2Amps, state.c2Volts };
+
+    for (auto left = n; left > 0; left /= 2)
+    {
+        const auto isPart = left % 2 != 0;
+
+        if (isPart)
+            v = power * v;
+
+        for (std::size_t j = 0; j < responses.size(); ++j)
+        {
+            if (isPart)
+                add (v, responses[j], std::exchange (weights[j], weights[j] * falls[j]));
+
+            const auto once = responses[j];
+            responses[j] = power * once;
+            add (responses[j], once, falls[j]);
+            falls[j] *= falls[j];
+        }
+
+        power = power.squared();
+    }
+
+    state = { .c1Volts = v[0], .c2Volts = v[2], .r2Amps = v[1], .peak = last };
 }
 
 void CompressorCircuit::settle (State& state) noexcept

@@ -91,6 +91,12 @@ public:
 
     const Coefficients& getCoefficients() const noexcept { return k; }
 
+    /** Whether, without a signal, the amplifier conducts nothing and the attack's resistor stays shut. */
+    bool isSettled (const State& state) const noexcept;
+
+    /** n samples without a signal, from a settled state. */
+    void skipSilence (State& state, int n) const noexcept;
+
     /** Without a signal the peak memory halves for ever; this takes it to 0 at the floor. */
     static void settle (State& state) noexcept;
 

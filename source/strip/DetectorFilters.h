@@ -30,6 +30,9 @@ public:
     /** Any thread. */
     void setNiveau (bool isOn) noexcept { filters.second.setOn (isOn); }
 
+    /** Audio thread: whether nothing moves or waits, and silence is followed by nothing. */
+    bool isSettled() noexcept { return filters.isSettled (0.0); }
+
     /** The samples must be finite. */
     void process (float* const* rows, int n) noexcept;
 

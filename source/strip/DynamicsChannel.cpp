@@ -88,10 +88,8 @@ HWY_INLINE void step (const DynamicsCircuits& circuits, DynamicsLoops<Number>& l
         otherVolts = max (charge (expander, loop.expander.volts, attenuationDb), otherVolts);
     }
 
-    constexpr double offsetVolts = 1.288849;          // the two are fitted: they match expander and limiter
-    constexpr double voltsPerVolt = 1.0 / 0.95376545; // to the control voltage of the gain element
     const auto compressorVolts = step (circuits.compressor.getCoefficients(), loop.compressor, loop.gain, level);
-    loop.gain = gainFor (loop.line, compressorVolts, (otherVolts - scale * offsetVolts) * (voltsPerVolt / scale));
+    loop.gain = gainFor (loop.line, compressorVolts, controlVolts (otherVolts, scale));
     store (loop.gain, first.gains + i, second.gains + i);
 }
 

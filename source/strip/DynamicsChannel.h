@@ -53,4 +53,11 @@ struct DynamicsRows
 void processDynamics (const DynamicsCircuits& circuits, std::span<DynamicsChannel> channels,
                       std::span<const DynamicsRows> rows, int n) noexcept;
 
+/** Audio thread: whether, without a signal, nothing but capacitors moves in a channel. */
+bool isSettled (const DynamicsCircuits& circuits, const DynamicsChannel& channel) noexcept;
+
+/** Audio thread: where a settled channel stands after n samples of silence, n above 0 and at most some hundredths of a
+    second, in the time that a few samples take. Within 1e-7 of the gain that processDynamics() comes to. */
+void skipSilence (const DynamicsCircuits& circuits, DynamicsChannel& channel, int n) noexcept;
+
 } // namespace tarvik

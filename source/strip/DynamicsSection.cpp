@@ -286,6 +286,35 @@ void DynamicsSection::feedNeedles (int n) noexcept
 }
 
 //==============================================================================
+bool DynamicsSection::isSettled() noexcept
+{
+    for (const auto* const ramp : getRamps())
+        if (! ramp->isIdle())
+            return false;
+
+    // Out of circuit, all but the needles stand still.
+    return ! published.hasNewValue()
+           && (countInCircuit (1) == 0
+               || (std::all_of (loops.begin(), loops.end(),
+                                [this] (const auto& loop) { return tarvik::isSettled (circuits, loop); })
+                   && detectorFilters.isSettled()));
+}
+
+void DynamicsSection::skip (int n) noexcept
+{
+    const auto isInCircuit = countInCircuit (1) > 0;
+
+    for (std::size_t c = 0; c < loops.size(); ++c)
+    {
+        const auto before = loops[c].gain;
+
+        if (isInCircuit)
+            skipSilence (circuits, loops[c], n);
+
+        needles[c].hold (isHeard ? 0.5 * (before + loops[c].gain) : static_cast<double> (idleGain), n);
+    }
+}
+
 void DynamicsSection::writeReadOuts (ParameterSnapshot& snapshot) const noexcept
 {
     constexpr double lampVolts = 0.1;

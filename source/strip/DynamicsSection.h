@@ -46,6 +46,12 @@ public:
     */
     void process (float* const* main, int n, int numSidechain = 0) noexcept;
 
+    /** Audio thread: whether nothing moves or waits, and without a signal only capacitors and needles will go on. */
+    bool isSettled() noexcept;
+
+    /** Audio thread: as much silence as skipSilence() takes, for a settled section. */
+    void skip (int n) noexcept;
+
     /** Audio thread: the section's read-outs go into their fields. */
     void writeReadOuts (ParameterSnapshot& snapshot) const noexcept;
 

@@ -209,6 +209,15 @@ HWY_INLINE Number fall (Expander::States<Number>& state)
 }
 
 //==============================================================================
+/** What expander and limiter bring to the gain element, of their larger voltage times `scale`. */
+template <typename Number>
+HWY_INLINE Number controlVolts (Number scaledVolts, double scale)
+{
+    constexpr double offsetVolts = 1.288849; // the two are fitted
+    constexpr double voltsPerVolt = 1.0 / 0.95376545;
+    return (scaledVolts - scale * offsetVolts) * (voltsPerVolt / scale);
+}
+
 /** The gain for the larger of two control voltages, 0 or above, by the line of the curve that the last one fell on. The
     voltage seldom leaves it, so the next gain doesn't wait for the search. */
 template <typename Number>

@@ -93,4 +93,11 @@ void EqualiserSection::process (float* const* channels, int numSamples) noexcept
             equaliser->skip();
 }
 
+bool EqualiserSection::isSettled() noexcept
+{
+    const auto inUse = std::span (equalisers).first (numInUse);
+    return fader.fade.isIdle()
+           && std::all_of (inUse.begin(), inUse.end(), [] (const auto& equaliser) { return equaliser->isSettled(); });
+}
+
 } // namespace tarvik

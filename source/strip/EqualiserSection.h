@@ -33,6 +33,7 @@ public:
 
     void update (const ParameterSnapshot& snapshot, bool force) noexcept;
     void process (float* const* channels, int numSamples) noexcept;
+    bool isSettled() noexcept;
 
 private:
     static constexpr double secondsUntilRest = 5.0;

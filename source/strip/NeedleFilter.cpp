@@ -147,8 +147,37 @@ void NeedleFilter::process (const float* row, int n) noexcept
     for (std::size_t done = 0; done < length; done += longestStep)
         state = advance (state, row + done, std::min (length - done, longestStep));
 
+    finish (static_cast<double> (row[length - 1]));
+}
+
+/** From one power of A to the next by squaring: where x samples make A^x of the state and add s, 2 x make A^x A^x of it
+    and add A^x s + s. */
+void NeedleFilter::hold (double value, int n) noexcept
+{
+    auto step = steps[1];
+    Pair added { input.first * value, input.second * value };
+
+    for (auto left = std::max (n, 0); left > 0; left /= 2)
+    {
+        if (left % 2 != 0)
+            state = apply (step, state, added);
+
+        added = apply (step, added, added);
+        step = { apply (step, step.ofFirst, {}), apply (step, step.ofSecond, {}) };
+    }
+
+    finish (value);
+}
+
+NeedleFilter::Pair NeedleFilter::apply (const Step& step, const Pair& from, const Pair& added) noexcept
+{
+    return { step.ofFirst.first * from.first + step.ofSecond.first * from.second + added.first,
+             step.ofFirst.second * from.first + step.ofSecond.second * from.second + added.second };
+}
+
+void NeedleFilter::finish (double newest) noexcept
+{
     // The first delay as the last sample met it: what that one made of the second says so, and a2 is close to 1.
-    const auto newest = static_cast<double> (row[length - 1]);
     const auto beforeLast = (input.second * newest - state.second) / recursion.second;
     reading = static_cast<float> (feedForward * newest + beforeLast);
 

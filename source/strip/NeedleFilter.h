@@ -29,6 +29,9 @@ public:
     /** Audio thread: takes n finite samples, which it leaves as they are. */
     void process (const float* row, int n) noexcept;
 
+    /** Audio thread: n samples of one value, 0 or more of them, in the time of few. */
+    void hold (double value, int n) noexcept;
+
     /** The filtered value at the last sample. */
     float getReading() const noexcept { return reading; }
 
@@ -53,6 +56,8 @@ private:
 
     Pair advanceOne (const Pair& from, double x) const noexcept;
     Pair advance (const Pair& from, const float* row, std::size_t n) const noexcept;
+    static Pair apply (const Step& step, const Pair& from, const Pair& added) noexcept;
+    void finish (double newest) noexcept;
 
     struct Tables
     {

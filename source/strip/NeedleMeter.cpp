@@ -23,11 +23,21 @@ void NeedleMeter::reset() noexcept
 
 void NeedleMeter::process (const float* const* channels, int numSamples) noexcept
 {
-    // (pi / 2) / sqrt (1.2): from a sine's mean to its amplitude, and from the sample value of 0 VU to 1.
-    constexpr auto scale = static_cast<float> (1.5707964 / 1.0954451150103321);
-
     rows::meanMagnitude (magnitude.data(), channels, numMain, numSamples);
     needle.process (magnitude.data(), numSamples);
+    read();
+}
+
+void NeedleMeter::skip (int numSamples) noexcept
+{
+    needle.hold (0.0, numSamples);
+    read();
+}
+
+void NeedleMeter::read() noexcept
+{
+    // (pi / 2) / sqrt (1.2): from a sine's mean to its amplitude, and from the sample value of 0 VU to 1.
+    constexpr auto scale = static_cast<float> (1.5707964 / 1.0954451150103321);
     reading = scale * needle.getReading();
 }
 } // namespace tarvik

@@ -20,11 +20,16 @@ public:
 
     void process (const float* const* channels, int numSamples) noexcept;
 
+    /** Audio thread: as much silence. */
+    void skip (int numSamples) noexcept;
+
     /** Linear, 1 is 0 VU, at the end of the last row; below zero while nothing has been measured. Audio thread. */
     float getReading() const noexcept { return reading; }
 
 private:
     static constexpr float unmeasured = -50.0f;
+
+    void read() noexcept;
 
     NeedleFilter needle;
     int numMain = 0;

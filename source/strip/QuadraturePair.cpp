@@ -10,6 +10,7 @@
 #include <hwy/highway.h>
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 HWY_BEFORE_NAMESPACE();
@@ -263,6 +264,17 @@ namespace tarvik
 namespace quadrature
 {
 HWY_EXPORT (follow);
+}
+
+bool QuadraturePair::isBelow (float level) const noexcept
+{
+    auto largest = std::abs (memory.lastSample);
+
+    for (const auto& lanes : memory.points)
+        for (const auto x : lanes)
+            largest = std::max (largest, std::abs (x));
+
+    return largest < level;
 }
 
 void QuadraturePair::process (std::span<QuadraturePair* const> pairs, float* const* rows, float* const* squares,

@@ -29,6 +29,9 @@ public:
 
     void clear() noexcept { memory = {}; }
 
+    /** Whether everything that is remembered is smaller than `level`. */
+    bool isBelow (float level) const noexcept;
+
     /** The squares of the envelope of row c, n samples, through *pairs[c]; `squares` too has the margin after them. Two
         channels together cost little more than one. Pieces of a row give the same as the whole, and one channel the
         same as among two. */

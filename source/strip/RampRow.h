@@ -46,6 +46,9 @@ public:
                 rows::multiply (channels[c], gains, numSamples);
     }
 
+    /** Audio thread: whether the ramp is idle and nothing waits. */
+    bool isSettled() const noexcept { return ramp.isIdle(); }
+
     /** Audio thread: the next n values. */
     const float* advance (int n) noexcept
     {

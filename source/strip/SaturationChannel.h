@@ -32,6 +32,10 @@ public:
     /** Ends all moves and clears what the channel remembers. */
     void reset() noexcept;
 
+    /** Audio side: whether the envelope has gone, and nothing moves or waits or follows from the filters, with `level` as
+        their input from now on. */
+    bool isSettled (double level) noexcept { return shaper.isSettled() && filters.isSettled (level); }
+
     /** The harmonics of one or two channels together, each with its row of n samples, in place, turned down by n factors
         of 0 to 1; the same bits as one by one. */
     static void shape (std::span<SaturationChannel* const> channels, float* const* rows, const float* scale,

@@ -76,7 +76,21 @@ void SaturationSection::process (float* const* channels, int numSamples) noexcep
         for (std::size_t c = 0; c < inUse.size(); ++c)
             overdrive (channels[c], mix, numSamples);
 
+    for (std::size_t c = 0; c < inUse.size() && numSamples > 0; ++c)
+        lastBent[c] = channels[c][numSamples - 1];
+
     SaturationChannel::filter (inUse, channels, numSamples);
+}
+
+/** In silence the curves leave a constant, which the high pass holds back. */
+bool SaturationSection::isSettled() noexcept
+{
+    auto isEach = harmonicScale.isSettled() && overdriveMix.isSettled();
+
+    for (std::size_t c = 0; c < inUse.size(); ++c)
+        isEach = isEach && inUse[c]->isSettled (static_cast<double> (lastBent[c]));
+
+    return isEach;
 }
 
 /** out (1 - k) - tanh (0.5 - out) k, as out + k (tanh (out - 0.5) - out). The bias puts the signal's zero off the middle

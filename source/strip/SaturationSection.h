@@ -5,6 +5,7 @@
 #include "strip/RampRow.h"
 #include "strip/SaturationChannel.h"
 
+#include <array>
 #include <memory>
 #include <vector>
 
@@ -22,6 +23,7 @@ public:
     void release();
     void update (const ParameterSnapshot& snapshot, bool force) noexcept;
     void process (float* const* channels, int numSamples) noexcept;
+    bool isSettled() noexcept;
 
 private:
     void overdrive (float* row, const float* mix, int n) noexcept;
@@ -31,7 +33,8 @@ private:
     std::vector<SaturationChannel*> inUse;
     RampRow<LinearRamp> harmonicScale { 1.0 };
     RampRow<LinearRamp> overdriveMix { 0.0 };
-    std::vector<float> bent; ///< work row of the overdrive
+    std::vector<float> bent;          ///< work row of the overdrive
+    std::array<float, 2> lastBent {}; ///< what the channels' output filters had last
     float lastThdDb = 0.0f;
 };
 } // namespace tarvik

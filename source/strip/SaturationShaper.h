@@ -40,6 +40,10 @@ public:
     static void process (std::span<SaturationShaper* const> shapers, float* const* rows, const float* scale,
                          int n) noexcept;
 
+    /** Whether what is left of the envelope may stand still until there is a signal again: where the harmonics are
+        strongest it moves them by 150 dB less than the signal. */
+    bool isSettled() const noexcept { return quadraturePair.isBelow (1e-4f); }
+
     QuadraturePair& getQuadraturePair() noexcept { return quadraturePair; }
 
     /** The tone's sign at the next sample. Asks for n samples. */

@@ -24,10 +24,14 @@ concept Stage = requires (S stage, double rateHz, int number, float* const* chan
 /** A stage with controls.
 
     - update: any thread while audio runs, the audio thread included, one call at a time; it neither allocates nor waits.
-      Takes over what differs from the values seen last, or everything when forced. */
+      Takes over what differs from the values seen last, or everything when forced.
+    - isSettled: audio thread. Whether no move runs or waits, and after silence at the input nothing more than -140 dBFS
+      comes out; the stage may then stand still until there is a signal again, or keeps its time by an operation of its
+      own. */
 template <typename S>
 concept ControlledStage = Stage<S> && requires (S stage, const ParameterSnapshot& snapshot, bool force)
 {
     requires noexcept (stage.update (snapshot, force));
+    requires noexcept (stage.isSettled());
 };
 } // namespace tarvik
