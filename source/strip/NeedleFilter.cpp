@@ -154,7 +154,7 @@ void NeedleFilter::process (const float* row, int n) noexcept
     and add A^x s + s. */
 void NeedleFilter::hold (double value, int n) noexcept
 {
-    auto step = steps[1];
+    auto step = tables->steps[1];
     Pair added { input.first * value, input.second * value };
 
     for (auto left = std::max (n, 0); left > 0; left /= 2)
