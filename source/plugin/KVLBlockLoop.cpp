@@ -224,7 +224,7 @@ int KVLProcessor::sleepOrProcess (float** channels, int numMain, int numSide, in
         const auto length = silence.getPieceLength (silent, silent);
 
         for (int c = 0; c < numMain; ++c)
-            rows::fill (channels[c], 0.0f, length);
+            std::fill_n (channels[c], length, 0.0f); // there may be -0
 
         if (silence.endPiece (length, length))
             skipDsp (SilenceWatch::period);
