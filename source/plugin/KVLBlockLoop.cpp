@@ -208,6 +208,13 @@ void KVLProcessor::processSlice (float** channels, int numMain, int numSide, int
 /** Takes as many of n samples as the strip sleeps or is awake for, and returns their number. */
 int KVLProcessor::sleepOrProcess (float** channels, int numMain, int numSide, int n)
 {
+    if (analogOn && ! isAsleep)
+    {
+        silence.restart();
+        processPiece (channels, numMain, numSide, n);
+        return n;
+    }
+
     const auto numChannels = numMain + numSide;
     const auto silent = SilenceWatch::countAtStart (channels, numChannels, n);
 
