@@ -68,12 +68,26 @@ tarvik_take_over (VST3/juce_VST3_Wrapper.cpp plugin/Vst3Corrections.h
                   "return menu.get() != nullptr ? std::make_unique<EditorContextMenu> (editor, menu) : nullptr")
 tarvik_build_from_copies (VST3)
 
-# The number of bytes in front of the text is not believed.
-tarvik_take_over (LV2/juce_LV2_Client.cpp plugin/StateText.h
+# The number of bytes in front of the text is not believed. The descriptor is the stereo plug-in's, beside which ours makes
+# one for mono; an instance asks for its buses by the name of its own.
+tarvik_take_over (LV2/juce_LV2_Client.cpp plugin/Lv2Forms.h
                   "String text (static_cast<const char*> (data), (size_t) size)"
                   "const std::string_view text (static_cast<const char*> (data), size)"
                   "block.fromBase64Encoding (text)"
-                  "tarvik::readStateText (text, block)")
+                  "tarvik::readStateText (text, block)"
+                  "LV2_SYMBOL_EXPORT const LV2_Descriptor* lv2_descriptor (uint32_t index)"
+                  "const LV2_Descriptor* stereoDescriptor (uint32_t index)"
+                  "[] (const LV2_Descriptor*,"
+                  "[] (const LV2_Descriptor* self,"
+                  "LV2PluginInstance { sampleRate, *blockSize, pathToBundle, *mapFeature }"
+                  "LV2PluginInstance { sampleRate, *blockSize, self->URI, *mapFeature }"
+                  "const char*,\n                       LV2_URID_Map mapFeatureIn)\n        : mapFeature (mapFeatureIn),"
+                  "const char* uri, LV2_URID_Map mapFeatureIn)
+        : processor (createProcessorInstance (uri)), mapFeature (mapFeatureIn), patchSetHelper (mapFeature, uri),"
+                  "std::unique_ptr<AudioProcessor> createProcessorInstance()"
+                  "std::unique_ptr<AudioProcessor> createProcessorInstance (const char* uri = JucePlugin_LV2URI)"
+                  "result->enableAllBuses()"
+                  "tarvik::setLv2Buses (*result, uri)")
 tarvik_build_from_copies (LV2)
 
 tarvik_take_over (Standalone/juce_StandaloneFilterWindow.h plugin/StateText.h

@@ -4,4 +4,6 @@ find_library (LAPACK_ARCHIVE NAMES liblapack_pic.a REQUIRED)
 find_library (BLAS_ARCHIVE NAMES libblas.a HINTS /usr/lib/${CMAKE_LIBRARY_ARCHITECTURE}/blas NO_DEFAULT_PATH REQUIRED)
 
 add_library (tarvik_linear_algebra INTERFACE)
-target_link_libraries (tarvik_linear_algebra INTERFACE ${LAPACK_ARCHIVE} ${BLAS_ARCHIVE} gfortran)
+target_link_libraries (tarvik_linear_algebra
+                       INTERFACE $<TARGET_NAME_IF_EXISTS:tarvik_substitutes> ${LAPACK_ARCHIVE} ${BLAS_ARCHIVE}
+                                 $<$<NOT:$<BOOL:${TARVIK_PORTABLE}>>:gfortran>)

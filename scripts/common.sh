@@ -5,6 +5,12 @@
 build_packages="g++ cmake ninja-build pkg-config juce-modules-source libhwy-dev libarmadillo-dev liblapack-dev libblas-dev
     libgfortran-12-dev libexpat1-dev libpng-dev libflac-dev libvorbis-dev libogg-dev libjack-jackd2-dev"
 
+# What a portable build links beside that, and what its archive is packed with.
+portable_packages="libfreetype-dev libjpeg62-turbo-dev libbrotli-dev zlib1g-dev dpkg-dev xz-utils binutils"
+
+# The oldest glibc that a portable build runs with: packaging/check-install.sh reads in the files that none asks for more.
+oldest_glibc=2.34
+
 # A virtual screen with a window manager: see open_screen.
 screen_packages="xvfb openbox x11-utils"
 

@@ -21,7 +21,7 @@ inline juce::PluginHostType::HostType hostInUse()
     return hostTypeOf (juce::File (juce::PluginHostType::getHostPath()), juce::PluginHostType().type);
 }
 
-/** Whether the module offers a main bus of this width to that host: mono or stereo, but to Ardour stereo only. Any
+/** Whether the VST3 module offers a main bus of this width to that host: mono or stereo, but to Ardour stereo only. Any
     thread but the audio thread.
 
     Ardour 7.3 (Debian 12) asks a VST3 module on a mono track for unequal widths, ignores the refusal, and passes two

@@ -49,7 +49,7 @@ bool KVLProcessor::isBusesLayoutSupported (const BusesLayout& layouts) const
     if (main != layouts.getMainOutputChannelSet())
         return false;
 
-    if (! isMainBusOffered (main, hostInUse()))
+    if (! isMainBusOffered (main, wrapperType == wrapperType_VST3 ? hostInUse() : juce::PluginHostType::UnknownHost))
         return false;
 
     if (sidechain == main || sidechain.isDisabled())

@@ -2,9 +2,11 @@
 
 // Completes the LV2 bundle's description, which JUCE's helper writes out of the built module: the parameters get units
 // and the values that belong to their choices (JUCE counts those from 0 to 1, whatever the range), the side chain is
-// marked as one, the plug-in gets its class and licence, a maker without addresses has none, and what the vocabularies
-// do not allow goes. Runs in the build, after the module is linked; what it does not find as expected fails the build.
+// marked as one, the plug-in gets its class and licence, a maker without addresses has none, what the vocabularies do not
+// allow goes, and the plug-in for mono tracks gets its record. Runs in the build, after the module is linked; what it does not find as expected fails the build.
 
+#include "plugin/FactoryPrograms.h"
+#include "plugin/Lv2Forms.h"
 #include "plugin/ParameterTable.h"
 #include "tools/ToolError.h"
 
@@ -126,6 +128,48 @@ void nameProperties (juce::String& turtle)
               "plug:StateString a rdf:Property ; rdfs:label \"State\" .\n";
 }
 
+/** The record of the plug-in for mono tracks: the stereo one's, without every second audio port. */
+void addMonoPlugin (juce::String& turtle)
+{
+    const juce::String uri = juce::String ("<") + JucePlugin_LV2URI + ">\n", between = "\t] , [\n";
+    auto record = turtle.fromFirstOccurrenceOf (uri, true, false).upToFirstOccurrenceOf (" .\n", true, false);
+    replace (record, uri, juce::String ("<") + lv2MonoUri + ">\n");
+    replace (record, juce::String ("doap:name \"") + JucePlugin_Name + "\"",
+             juce::String ("doap:name \"") + JucePlugin_Name + " Mono\"");
+
+    auto ports = juce::StringArray::fromTokens (record.replace (between, "\x1f"), "\x1f", "");
+    constexpr int numPorts = 11, numAudioPorts = 6;
+
+    if (ports.size() != numPorts)
+        throw ToolError ("expected 11 ports, found " + juce::String (ports.size()));
+
+    for (int i = numAudioPorts - 1; i > 0; i -= 2)
+        ports.remove (i);
+
+    for (int i = 0; i < ports.size(); ++i)
+    {
+        const auto oldIndex =
+            ports[i].fromFirstOccurrenceOf ("lv2:index ", true, false).upToFirstOccurrenceOf (";", true, false);
+        replace (ports.getReference (i), oldIndex, "lv2:index " + juce::String (i) + " ;");
+    }
+
+    replace (ports.getReference (1), "audio_in_3", "audio_in_2");
+    replace (ports.getReference (1), "Audio In 3", "Audio In 2");
+    record = ports.joinIntoString (between);
+    replace (record, "port-groups#left>", "port-groups#center>", numAudioPorts / 2);
+    turtle << "\n" << record;
+}
+
+/** The mono plug-in is in the same binary, and the programs are for both. */
+void nameMonoPlugin (juce::String& turtle)
+{
+    const auto stereo = juce::String ("<") + JucePlugin_LV2URI + ">", mono = juce::String ("<") + lv2MonoUri + ">";
+    const auto record =
+        turtle.fromFirstOccurrenceOf (stereo + "\n", true, false).upToFirstOccurrenceOf (" .\n", true, false);
+    replace (turtle, "lv2:appliesTo " + stereo, "lv2:appliesTo " + stereo + " , " + mono, numFactoryPrograms);
+    turtle << "\n" << record.replace (stereo, mono);
+}
+
 /** A feature is not extension data, and an interface is not a feature. */
 void mendUserInterface (juce::String& turtle)
 {
@@ -146,7 +190,9 @@ void complete (const juce::File& file, std::initializer_list<void (*) (juce::Str
 
 void completeBundle (const juce::File& folder)
 {
-    complete (folder.getChildFile ("dsp.ttl"), { replaceParameters, completePorts, completePlugin, nameProperties });
+    complete (folder.getChildFile ("dsp.ttl"),
+              { replaceParameters, completePorts, completePlugin, addMonoPlugin, nameProperties });
+    complete (folder.getChildFile ("manifest.ttl"), { nameMonoPlugin });
     complete (folder.getChildFile ("ui.ttl"), { mendUserInterface });
 }
 } // namespace
