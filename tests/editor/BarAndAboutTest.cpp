@@ -89,7 +89,7 @@ TEST (About, SaysWhichBuildThisIsAndGoesAtAClick)
     const auto* const link = linked.getChildren().getLast();
     EXPECT_EQ (linked.getComponentAt (link->getBounds().getCentre()), link);
     EXPECT_TRUE (labelTexts (about).contains ("Tarvik 41 Channel 1.0.0 (build "
-                                              + juce::Time::getCompilationDate().formatted ("%F") + ")"));
+                                              + juce::Time::getCompilationDate().formatted ("%Y-%m-%d") + ")"));
 
     for (auto* const child : about.getChildren())
         EXPECT_EQ (about.getComponentAt (child->getBounds().getCentre()), &about) << "no letters are a hole in it";
