@@ -5,6 +5,12 @@
 build_packages="g++ cmake ninja-build pkg-config juce-modules-source libhwy-dev libarmadillo-dev liblapack-dev libblas-dev
     libgfortran-12-dev libexpat1-dev libpng-dev libflac-dev libvorbis-dev libogg-dev libjack-jackd2-dev"
 
+# What Windows' binaries are built from beside it, what packs them, and what they are tried out in.
+windows_packages="cmake ninja-build pkg-config juce-modules-source libz-mingw-w64-dev g++-mingw-w64-x86-64-posix
+    gfortran-mingw-w64-x86-64-posix dpkg-dev xz-utils"
+windows_packing_packages="nsis zip"
+windows_check_packages="wine wine64"
+
 # A virtual screen with a window manager: see open_screen.
 screen_packages="xvfb openbox x11-utils"
 

@@ -2,9 +2,16 @@
 # build/windows/prefix. A stamp for each names the package's version, the compiler and a sum of how it was built, so that
 # what is up to date is left alone.
 
+# The project's root is the current folder, as for scripts/common.sh.
+
+project=$PWD
 prefix="$PWD/build/windows/prefix"
 library_work="$PWD/build/windows/libraries"
 mingw=x86_64-w64-mingw32
+
+# The parts of what is delivered, and what only the tests need.
+linked_libraries="hwy libpng libjpeg libogg libvorbis libflac expat lapack armadillo"
+test_libraries=googletest
 
 # Builds what is missing or of another version.
 build_libraries()
@@ -14,7 +21,7 @@ build_libraries()
     mkdir -p "$prefix"/{include,lib/pkgconfig,stamps,licences} "$library_work"
     refresh_source_index
 
-    for name in hwy libpng libjpeg libogg libvorbis libflac expat lapack armadillo googletest; do
+    for name in $linked_libraries $test_libraries; do
         build_library $name
     done
 }
