@@ -11,6 +11,16 @@ find_package (ZLIB REQUIRED)
 set (TARVIK_SYSTEM_LIBRARIES JPEG::JPEG PNG::PNG ZLIB::ZLIB ole32 oleaut32 uuid gdi32 comdlg32 imm32 shlwapi winmm ws2_32
                              version wininet dxgi)
 
+# Where Wine shows this machine's files.
+set (TARVIK_ROOT Z:)
+
+# The calls that tests/support/windows/RealTimeTrap.cpp stands in front of, for the whole test program.
+set (TARVIK_TRAP_LINKING "")
+foreach (function IN ITEMS malloc calloc realloc free _aligned_malloc _aligned_realloc _aligned_free pthread_mutex_lock
+                           __imp_EnterCriticalSection)
+    list (APPEND TARVIK_TRAP_LINKING -Wl,--wrap=${function})
+endforeach()
+
 include_directories (BEFORE ${CMAKE_CURRENT_LIST_DIR}/windows) # jpeglib.h
 
 # Its header would take the library for a DLL.

@@ -21,6 +21,10 @@ for file in "$@"; do
         grep -qw "$name" <<<"$windows_own" || fail "$file needs $name.dll, which is not Windows' own"
     done
 
+    # Nothing but the entries may be visible: a host loads many modules into one process.
+    exports=$($objdump -p "$file" | sed -n '/Ordinal\/Name Pointer/,/^$/s/.*] //p' | sort | xargs)
+    [[ $file != *.vst3 || $exports = "ExitDll GetPluginFactory InitDll" ]] || fail "$file shows $exports"
+
     # The stack is aligned to 16 bytes: a move of 32 or 64 that trusts in more ends the process (cmake/WindowsToolchain.cmake).
     # The files must have such moves in the other form, or the search has found nothing for want of vectors.
     moves=$($objdump -d --no-show-raw-insn "$file" | grep -E '\bvmov[a-z0-9]+ .*(%[yz]mm.*\(|\(.*%[yz]mm)' || true)
