@@ -13,17 +13,29 @@ function (tarvik_embed_resources target catalogue picture_folder font)
         list (APPEND symbols tarvikPicture_${CMAKE_MATCH_1})
     endforeach()
 
-    set (text ".section .note.GNU-stack,\"\",%progbits\n")
+    # ELF is told that the code needs no executable stack, and that the symbols are not for other modules. The format of
+    # Windows knows neither.
+    if (WIN32)
+        set (text "")
+        set (section ".section .rdata,\"dr\"")
+        set (visibility "")
+    else()
+        set (text ".section .note.GNU-stack,\"\",%progbits\n")
+        set (section ".section .rodata.@symbol@,\"a\",%progbits")
+        set (visibility ".hidden @symbol@, @symbol@_size")
+    endif()
 
     foreach (file symbol IN ZIP_LISTS files symbols)
         if (NOT EXISTS ${file})
             message (FATAL_ERROR "The window needs ${file}: see resources/README.md")
         endif()
 
+        string (CONFIGURE "${section}" own_section @ONLY)
+        string (CONFIGURE "${visibility}" own_visibility @ONLY)
         string (APPEND text "
-.section .rodata.${symbol},\"a\",%progbits
+${own_section}
 .global ${symbol}, ${symbol}_size
-.hidden ${symbol}, ${symbol}_size
+${own_visibility}
 .balign 16
 ${symbol}:
     .incbin \"${file}\"

@@ -11,6 +11,12 @@ portable_packages="libfreetype-dev libjpeg62-turbo-dev libbrotli-dev zlib1g-dev 
 # The oldest glibc that a portable build runs with: packaging/check-install.sh reads in the files that none asks for more.
 oldest_glibc=2.34
 
+# What Windows' binaries are built from beside it, what packs them, and what they are tried out in.
+windows_packages="cmake ninja-build pkg-config juce-modules-source libz-mingw-w64-dev g++-mingw-w64-x86-64-posix
+    gfortran-mingw-w64-x86-64-posix dpkg-dev xz-utils"
+windows_packing_packages="nsis zip"
+windows_check_packages="wine wine64"
+
 # A virtual screen with a window manager: see open_screen.
 screen_packages="xvfb openbox x11-utils"
 

@@ -4,15 +4,12 @@
 #include "tools/Interruption.h"
 #include "tools/OutputFile.h"
 #include "tools/ParameterArguments.h"
-#include "tools/RenderCommand.h"
 #include "tools/ToolError.h"
 #include "tools/WorkerProcess.h"
 
 #include <iostream>
 #include <list>
 #include <memory>
-#include <poll.h>
-#include <sstream>
 #include <thread>
 
 namespace tarvik
@@ -20,21 +17,6 @@ namespace tarvik
 
 namespace
 {
-juce::String describe (const BatchItem& item, const RenderFigures& figures)
-{
-    const auto peak = std::isfinite (figures.peakDbfs) ? juce::String (figures.peakDbfs, 2) : juce::String ("-inf");
-    auto text = item.inputPath + " -> " + item.outputPath + ", peak " + peak + " dBFS, "
-                + juce::String (figures.timesRealTime, 1) + " times real time";
-
-    if (figures.clippedSamples > 0)
-        text += ", " + juce::String (figures.clippedSamples) + " samples clipped";
-
-    if (figures.badSamples > 0)
-        text += ", " + juce::String (figures.badSamples) + " samples are not numbers";
-
-    return text;
-}
-
 class Batch
 {
 public:
@@ -106,13 +88,7 @@ private:
     */
     juce::String tryOut() const
     {
-        WorkerProcess trial (
-            [this] (const ShowProgress&)
-            {
-                std::ostringstream report;
-                trySettings (line, report);
-                return juce::String (report.str());
-            });
+        WorkerProcess trial (WorkerTask::trial, line);
 
         while (trial.receive())
             throwIfInterrupted();
@@ -137,30 +113,25 @@ private:
         single.outputPath = item.outputPath;
         single.saveStatePath = {}; // written already
 
-        workers.push_back ({ item, std::make_unique<WorkerProcess> (
-                                       [single, item] (const ShowProgress& show)
-                                       {
-                                           std::ostringstream notShown;
-                                           return describe (item, renderFile (single, notShown, show));
-                                       }) });
+        workers.push_back ({ item, std::make_unique<WorkerProcess> (WorkerTask::render, single) });
     }
 
     /** Waits until a process has written something, or a signal comes, and takes what there is. */
     void receive()
     {
         constexpr int pollMilliseconds = 200; // a signal that comes in the wrong moment waits so long
-        std::vector<pollfd> pipes;
+        std::vector<const WorkerProcess*> processes;
 
         for (const auto& worker : workers)
-            pipes.push_back ({ worker.process->descriptor(), POLLIN, 0 });
+            processes.push_back (worker.process.get());
 
-        ::poll (pipes.data(), pipes.size(), pollMilliseconds);
+        const auto haveNews = WorkerProcess::awaitNews (processes, pollMilliseconds);
         throwIfInterrupted();
         auto worker = workers.begin();
 
-        for (const auto& pipe : pipes)
+        for (const auto hasNews : haveNews)
         {
-            const auto isAtWork = pipe.revents == 0 || worker->process->receive();
+            const auto isAtWork = ! hasNews || worker->process->receive();
 
             if (! isAtWork)
                 tell (*worker);

@@ -194,6 +194,10 @@ CommandLine parseCommandLine (const juce::StringArray& arguments)
                 throw ToolError (argument + " is given twice");
 
             given.add (&option);
+
+            if ((option.about & everyRender) != 0)
+                line.renderOptions.addArray ({ argument, arguments[i] });
+
             option.take (line, option.name, arguments[i]);
         }
     }

@@ -21,12 +21,13 @@ struct CommandLine
     juce::String modulePath; ///< Empty: look in the usual places.
     juce::String sidechainPath;
     juce::String loadStatePath, saveStatePath;
-    juce::String program;          ///< A name or a number, empty for none.
-    juce::StringArray assignments; ///< Each ID=TEXT, in the order given.
-    juce::String trackName;        ///< What a screenshot's channel is called.
-    juce::String picturesPath;     ///< A folder of other pictures to compare with, empty for none.
-    int zoomPercent = 100;         ///< Of a screenshot.
-    int slot = -1;                 ///< The one that a screenshot shows, 0 for A; -1 for the current one.
+    juce::String program;            ///< A name or a number, empty for none.
+    juce::StringArray assignments;   ///< Each ID=TEXT, in the order given.
+    juce::StringArray renderOptions; ///< The options that a rendering takes, with their values, as given.
+    juce::String trackName;          ///< What a screenshot's channel is called.
+    juce::String picturesPath;       ///< A folder of other pictures to compare with, empty for none.
+    int zoomPercent = 100;           ///< Of a screenshot.
+    int slot = -1;                   ///< The one that a screenshot shows, 0 for A; -1 for the current one.
     int blockSize = defaultBlockSize;
     int bitDepth = 32; ///< 24, or 32 for floating point.
 };

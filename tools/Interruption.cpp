@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/Interruption.h"
 
+#include <juce_core/system/juce_TargetPlatform.h>
+
 #include <csignal>
 #include <cstdlib>
 #include <initializer_list>
@@ -10,6 +12,12 @@ namespace tarvik
 
 namespace
 {
+#if JUCE_WINDOWS
+constexpr int closingSignal = SIGBREAK; // the console's window goes
+#else
+constexpr int closingSignal = SIGHUP;
+#endif
+
 volatile std::sig_atomic_t notedSignal = 0;
 
 void note (int signalNumber) { notedSignal = signalNumber; }
@@ -17,7 +25,7 @@ void note (int signalNumber) { notedSignal = signalNumber; }
 
 void noteTerminationSignals()
 {
-    for (const auto number : { SIGINT, SIGTERM, SIGHUP })
+    for (const auto number : { SIGINT, SIGTERM, closingSignal })
         std::signal (number, note);
 }
 

@@ -10,7 +10,7 @@ struct Interrupted
     int signalNumber = 0;
 };
 
-/** From here on SIGINT, SIGTERM and SIGHUP are noted instead of ending the process at once. */
+/** From here on SIGINT, SIGTERM and SIGHUP (on Windows SIGBREAK) are noted instead of ending the process at once. */
 void noteTerminationSignals();
 
 /** Throws `Interrupted` if such a signal has come. */

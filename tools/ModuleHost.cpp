@@ -5,6 +5,7 @@
 #include "plugin/StripReadOuts.h"
 #include "tools/OutputFile.h"
 #include "tools/ParameterArguments.h"
+#include "tools/System.h"
 #include "tools/ToolError.h"
 
 #include <pluginterfaces/vst/ivstcomponent.h>
@@ -77,7 +78,7 @@ ModuleHost::ModuleHost (const juce::File& bundle)
 
     juce::VST3PluginFormat format;
     juce::OwnedArray<juce::PluginDescription> found;
-    format.findAllTypesForFile (found, bundle.getFullPathName());
+    format.findAllTypesForFile (found, openableModule (bundle).getFullPathName());
 
     if (found.isEmpty())
         fail ("it is not a VST3 module for this system");

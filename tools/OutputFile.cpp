@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/OutputFile.h"
 
+#include "tools/System.h"
 #include "tools/ToolError.h"
 
 #include <filesystem>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace tarvik
@@ -12,14 +12,18 @@ namespace tarvik
 
 namespace
 {
-std::filesystem::path pathOf (const juce::File& file) { return file.getFullPathName().toStdString(); }
+/** From UTF-8, whatever the system's narrow characters mean. */
+std::filesystem::path pathOf (const juce::File& file)
+{
+    return reinterpret_cast<const char8_t*> (file.getFullPathName().toRawUTF8());
+}
 
 /** A link's target is written, not the link itself. */
 juce::File resolved (const juce::File& file)
 {
     std::error_code error;
     const auto real = std::filesystem::weakly_canonical (pathOf (file), error);
-    return error ? file : juce::File (juce::String (real.string()));
+    return error ? file : juce::File (juce::String::fromUTF8 (reinterpret_cast<const char*> (real.u8string().c_str())));
 }
 } // namespace
 
@@ -27,12 +31,8 @@ juce::File fileAt (const juce::String& path) { return juce::File::getCurrentWork
 
 juce::String identityOf (const juce::File& file)
 {
-    struct stat status = {};
-
-    if (::stat (file.getFullPathName().toRawUTF8(), &status) == 0)
-        return juce::String (status.st_dev) + ":" + juce::String (status.st_ino);
-
-    return resolved (file).getFullPathName();
+    const auto identity = fileIdentity (file);
+    return identity.isNotEmpty() ? identity : resolved (file).getFullPathName();
 }
 
 OutputFile::OutputFile (const juce::String& path) : wantedPath (path), target (resolved (fileAt (path)))

@@ -7,8 +7,8 @@
 namespace tarvik
 {
 
-/** What X shows of an area of the screen, as red, green and blue in one number for each pixel; empty without a screen.
-    Apart from JUCE's headers, whose names are also Xlib's.
+/** What the system shows of an area of the screen, as red, green and blue in one number for each pixel; empty without a screen.
+    Apart from JUCE's headers, whose names are also Xlib's and Windows'.
 */
 std::vector<std::uint32_t> captureScreen (int x, int y, int width, int height);
 

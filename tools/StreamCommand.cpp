@@ -52,7 +52,7 @@ void readSamples (std::vector<float>& samples)
 /** The output. What the module itself prints while it is loaded goes where errors go from here on. */
 std::FILE* takeOutput()
 {
-    auto* const output = ::fdopen (::dup (STDOUT_FILENO), "w");
+    auto* const output = ::fdopen (::dup (STDOUT_FILENO), "wb");
     ::dup2 (STDERR_FILENO, STDOUT_FILENO);
     return output;
 }

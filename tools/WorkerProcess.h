@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "tools/ProgressBar.h"
+#include "tools/WorkerTask.h"
 
-#include <sys/types.h>
+#include <memory>
+#include <optional>
+#include <vector>
 
 namespace tarvik
 {
@@ -15,32 +17,32 @@ namespace tarvik
     it; and a process that renders one file does what a render of that file alone does, to the bit. What it costs is
     loading the module once for each file.
 
-    The process is a copy of this one, which must therefore have no other thread and must not have started JUCE's
-    messages: several processes would share their queue.
+    On Linux the process is a copy of this one, which must therefore have no other thread and must not have started JUCE's
+    messages: several processes would share their queue. On Windows the program is started again.
 */
 class WorkerProcess
 {
 public:
-    /** Does the work on JUCE's message thread of the new process and returns what is to be told of it. What it throws
-        as a `std::exception` is told instead; by `Interrupted` the process ends.
+    /** Does the task on JUCE's message thread of the new process. What it throws as a `std::exception` is told; by
+        `Interrupted` the process ends. Signals for termination are noted already. Throws `ToolError` if the system has no
+        process to spare.
     */
-    using Work = std::function<juce::String (const ShowProgress&)>;
+    WorkerProcess (WorkerTask task, const CommandLine& line);
 
-    /** Starts. Signals for termination are noted already. Throws `ToolError` if the system has no process to spare. */
-    explicit WorkerProcess (const Work& work);
-
-    /** Ends a process that is still at work, by the signal that lets it clean up, and waits for that. */
+    /** Ends a process that is still at work, on Linux by the signal that lets it clean up, and waits for that. */
     ~WorkerProcess();
 
     WorkerProcess (const WorkerProcess&) = delete;
     WorkerProcess& operator= (const WorkerProcess&) = delete;
 
-    pid_t id() const { return process; }
+    int id() const;
 
-    /** Can be read from, or is at its end, when there is something to `receive`. */
-    int descriptor() const { return pipeEnd; }
+    /** Waits until one of them has something to `receive`, or that long, and says for each whether it has. */
+    static std::vector<bool> awaitNews (const std::vector<const WorkerProcess*>& processes, int mostMilliseconds);
 
-    /** Takes what has come in. False if that was the last: the work is done, or has failed. */
+    /** Takes what has come in, and waits for it if there is nothing. False if that was the last: the work is done, or has
+        failed.
+    */
     bool receive();
 
     int perCent() const { return received.indexOfChar ('\n') < 0 ? received.length() : wholePerCent; }
@@ -55,11 +57,17 @@ public:
     bool endedInOrder() const { return isOrderly; }
 
 private:
-    pid_t process = -1; ///< Negative: none, or waited for.
-    int pipeEnd = -1;
+    struct Process; ///< What the system knows of it.
+
+    const std::unique_ptr<Process> process;
     juce::String received; ///< A dot for each per cent, a line's end, and the message.
     juce::String told;
     bool isOrderly = false;
 };
+
+/** Where this program was started again as a worker, does the task that the words name, and returns the process's status.
+    Otherwise there is none.
+*/
+std::optional<int> actAsWorker (const juce::StringArray& words);
 
 } // namespace tarvik

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/Commands.h"
+#include "tools/Environment.h"
 #include "tools/Interruption.h"
+#include "tools/System.h"
+#include "tools/WorkerProcess.h"
 
 #include <juce_events/juce_events.h>
 
-#include <cstdlib>
 #include <iostream>
 #include <optional>
 
@@ -12,10 +14,7 @@ int main (int argc, char** argv)
 {
     constexpr int failure = 2;
 
-    juce::StringArray arguments;
-
-    for (int i = 1; i < argc; ++i)
-        arguments.add (juce::String::fromUTF8 (argv[i]));
+    const auto arguments = tarvik::startProgram (argc, argv);
 
     if (arguments.isEmpty())
     {
@@ -25,13 +24,15 @@ int main (int argc, char** argv)
 
     try
     {
+        if (const auto status = tarvik::actAsWorker (arguments))
+            return *status;
+
         const auto line = tarvik::parseCommandLine (arguments);
         std::optional<juce::ScopedJuceInitialiser_GUI> juceLibrary;
 
-        // No other task opens a window, and neither do the modules that it loads. JUCE would join a screen all the same, and
-        // the process would end with it.
+        // No other task opens a window, and neither do the modules that it loads.
         if (line.perform != tarvik::writeWindowPictures)
-            setenv ("DISPLAY", ":65000", 1);
+            tarvik::joinNoScreen();
 
         // Hosted modules need JUCE's message thread to be known; no loop has to run. A batch loads modules in processes
         // of its own only, and those begin best without what JUCE would share between them.

@@ -12,73 +12,72 @@ namespace tarvik
 {
 namespace
 {
-constexpr std::size_t arenaAlignment = 32;
+constexpr std::size_t mostRoots = maxPolynomialDegree;
 
-/** LAPACK's workspace of 64 numbers per degree is by far the largest piece; five degrees take some 3 KiB in all. */
-constexpr std::size_t arenaBytes = 8192;
+/** The workspace that LAPACK is given for each row of a matrix. It chooses its way by this number, so results depend on it. */
+constexpr std::size_t workPerRow = 64;
 
-struct Arena
+/** The eigenvalues of the companion matrix of a polynomial whose first and last coefficients count. All that this needs
+    is on the stack, some 3 KiB: Armadillo's own classes would take it from the heap.
+*/
+bool findNonZeroRoots (std::span<const double> coefficients, std::span<std::complex<double>> roots) noexcept
 {
-    Arena() noexcept;
-    ~Arena();
-    Arena (const Arena&) = delete;
-    Arena& operator= (const Arena&) = delete;
+    const auto degree = coefficients.size() - 1;
+    std::array<double, mostRoots * mostRoots> matrix {}; // by columns
+    std::array<double, mostRoots> realParts, imaginaryParts;
+    std::array<double, mostRoots * workPerRow> work;
 
-    alignas (arenaAlignment) std::array<std::byte, arenaBytes> storage;
-    std::size_t used = 0;
-};
+    for (std::size_t column = 0; column < degree; ++column)
+    {
+        matrix[column * degree] = -coefficients[column + 1] / coefficients[0];
 
-/** The arena of the design that runs on this thread. The initial-exec model keeps these eight bytes in the block that
-    every thread has from its start; otherwise the C library would allocate on a thread's first use of them. */
-[[gnu::tls_model ("initial-exec")]] thread_local Arena* currentArena = nullptr;
+        if (! std::isfinite (matrix[column * degree]))
+            return false;
 
-Arena::Arena() noexcept { currentArena = this; }
+        if (column + 1 < degree)
+            matrix[column * degree + column + 1] = 1.0;
+    }
 
-Arena::~Arena() { currentArena = nullptr; }
-} // namespace
+    char noVectors = 'N';
+    double noVector = 0.0;
+    arma::blas_int size = static_cast<arma::blas_int> (degree), one = 1, info = 0;
+    arma::blas_int workLength = static_cast<arma::blas_int> (workPerRow) * size;
+    arma::lapack::geev (&noVectors, &noVectors, &size, matrix.data(), &size, realParts.data(), imaginaryParts.data(),
+                        &noVector, &one, &noVector, &one, work.data(), &workLength, &info);
 
-void* armadilloMemory::take (std::size_t numBytes) noexcept
-{
-    auto* const arena = currentArena;
-    const auto rounded = (numBytes + arenaAlignment - 1) / arenaAlignment * arenaAlignment;
+    for (std::size_t i = 0; i < degree; ++i)
+        roots[i] = { realParts[i], imaginaryParts[i] };
 
-    if (arena == nullptr || rounded > arenaBytes - arena->used)
-        return nullptr;
-
-    void* const piece = arena->storage.data() + arena->used;
-    arena->used += rounded;
-    return piece;
+    return info == 0;
 }
-
-void armadilloMemory::giveBack (void*) noexcept {}
+} // namespace
 
 bool findPolynomialRoots (std::span<const double> coefficients, std::span<std::complex<double>> roots) noexcept
 {
     const auto isFinite = [] (double c) { return std::isfinite (c); };
 
-    if (coefficients.empty() || coefficients.size() > maxPolynomialDegree + 1 || roots.size() + 1 < coefficients.size()
-        || ! (coefficients.front() != 0.0) || ! std::all_of (coefficients.begin(), coefficients.end(), isFinite))
+    if (coefficients.empty() || coefficients.size() > mostRoots + 1 || roots.size() + 1 < coefficients.size()
+        || ! std::all_of (coefficients.begin(), coefficients.end(), isFinite))
         return false;
 
-    const auto degree = coefficients.size() - 1;
-    const Arena arena;
+    // A coefficient that underflows beside the largest counts as 0. If that is the first, its roots are lost.
+    double largest = 0.0;
 
-    try
-    {
-        arma::vec polynomial (coefficients.size());
-        std::copy (coefficients.begin(), coefficients.end(), polynomial.begin());
-        arma::cx_vec found;
+    for (const auto c : coefficients)
+        largest = std::max (largest, std::abs (c));
 
-        // A polynomial whose coefficients lie further apart than a double's range loses some to underflow inside.
-        if (! arma::roots (found, polynomial) || found.n_elem != degree)
-            return false;
+    const auto counts = [largest] (double c) { return c / largest != 0.0; };
 
-        std::copy (found.begin(), found.end(), roots.begin());
-        return true;
-    }
-    catch (...)
-    {
+    if (! (largest > 0.0) || ! counts (coefficients.front()))
         return false;
-    }
+
+    auto numCounting = coefficients.size();
+
+    while (! counts (coefficients[numCounting - 1]))
+        --numCounting;
+
+    std::fill (roots.begin() + static_cast<std::ptrdiff_t> (numCounting) - 1,
+               roots.begin() + static_cast<std::ptrdiff_t> (coefficients.size()) - 1, 0.0);
+    return numCounting == 1 || findNonZeroRoots (coefficients.first (numCounting), roots);
 }
 } // namespace tarvik

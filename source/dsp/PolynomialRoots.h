@@ -9,8 +9,8 @@ namespace tarvik
 /** The highest degree of a polynomial that findPolynomialRoots() solves. */
 constexpr int maxPolynomialDegree = 5;
 
-/** Finds all complex roots of a real polynomial as eigenvalues of its companion matrix (Armadillo's roots, which calls
-    LAPACK's general eigenvalue routine).
+/** Finds all complex roots of a real polynomial as eigenvalues of its companion matrix, by LAPACK's general eigenvalue
+    routine; the same to the bit as Armadillo's roots.
 
     @param coefficients  highest power first, the first one not 0; 1 to maxPolynomialDegree + 1 of them. A root at 0,
                          that is a trailing coefficient of 0, comes out as exactly 0.
@@ -18,7 +18,7 @@ constexpr int maxPolynomialDegree = 5;
     @returns whether the roots were found. It is false, and the roots are undefined, for a coefficient that is not
              finite, a first one of 0, a wrong size or a matrix on which LAPACK gives up.
 
-    Any thread, several at once. Takes no memory from the heap, takes no lock and doesn't throw: Armadillo works in an
-    arena on the caller's stack (about 8 KiB), and LAPACK's reference version takes none of its own for these sizes. */
+    Any thread, several at once. Takes no memory from the heap, takes no lock and doesn't throw: the workspace is on the
+    caller's stack (some 3 KiB), and LAPACK's reference version takes none of its own for these sizes. */
 bool findPolynomialRoots (std::span<const double> coefficients, std::span<std::complex<double>> roots) noexcept;
 } // namespace tarvik

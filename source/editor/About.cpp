@@ -51,7 +51,7 @@ About::About (const Sites& sites) : link ("Tarvik Plugins Website", juce::URL (s
     setTitle ("About");
     setWantsKeyboardFocus (true);
     const auto built =
-        juce::Time::getCompilationDate().formatted (JucePlugin_Name " " JucePlugin_VersionString " (build %F)");
+        juce::Time::getCompilationDate().formatted (JucePlugin_Name " " JucePlugin_VersionString " (build %Y-%m-%d)");
 
     for (std::size_t i = 0; i < texts.size(); ++i)
     {

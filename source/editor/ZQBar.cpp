@@ -33,6 +33,21 @@ constexpr PageLink pageLinks[] = {
     { 4, "Nomvale Website...", [] (const Sites& s) { return s.family; } },
     { 5, "Tarvik Plugins Website...", [] (const Sites& s) { return s.maker; } },
 };
+
+/** The system's folder for programs. On Windows the registry names it. */
+juce::File applicationsFolder()
+{
+#if JUCE_WINDOWS
+    constexpr const char* key = "HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows\\CurrentVersion\\";
+    constexpr std::size_t mostBytes = 1023;
+
+    for (const auto* const name : { "ProgramW6432Dir", "ProgramFilesDir" })
+        if (const auto folder = juce::WindowsRegistry::getValue (juce::String (key) + name);
+            juce::File::isAbsolutePath (folder) && folder.getNumBytesAsUTF8() <= mostBytes)
+            return folder;
+#endif
+    return juce::File::getSpecialLocation (juce::File::globalApplicationsDirectory);
+}
 } // namespace
 
 ZQBar::ZQBar() : ZQBar (World()) {}
@@ -139,9 +154,7 @@ void ZQBar::linkChosen (int id)
 
 std::vector<juce::File> ZQBar::manualPlaces (const juce::File& module, const juce::File& home)
 {
-    std::vector places {
-        juce::File::getSpecialLocation (juce::File::globalApplicationsDirectory).getChildFile (packagePath)
-    };
+    std::vector places { applicationsFolder().getChildFile (packagePath) };
 
     // The prefix is some folders above the module, by the format's own.
     for (auto folder = module.getParentDirectory(); ! folder.isRoot(); folder = folder.getParentDirectory())

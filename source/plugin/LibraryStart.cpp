@@ -3,6 +3,7 @@
 
 #include "dsp/InstructionSets.h"
 #include "dsp/LibrarySelfChecks.h"
+#include "plugin/ProductRecord.h"
 
 #include <cstdio>
 #include <memory>
@@ -40,6 +41,7 @@ void startLibrary()
     std::fputs ("Initializing KVLLib...\n", stdout);
     std::fflush (stdout);
 
+    writeProductRecord();
     selectInstructionSet();
     slots.renew();
 }

@@ -8,19 +8,23 @@ namespace
 {
 constexpr const char* folder = "Tarvik Plugins";
 
-#if JUCE_LINUX || JUCE_BSD
-/** JUCE would put a relative folder, unhidden, into the home folder; it takes an absolute one as it is. */
+/** Where the user's settings are if no variable says otherwise. */
+juce::File usualBase()
+{
+#if JUCE_WINDOWS
+    return juce::File::getSpecialLocation (juce::File::userApplicationDataDirectory);
+#else
+    return juce::File::getSpecialLocation (juce::File::userHomeDirectory).getChildFile (".config");
+#endif
+}
+
+/** JUCE on Linux would put a relative folder, unhidden, into the home folder; it takes an absolute one as it is. */
 juce::String settingsFolder()
 {
     const auto configured = juce::SystemStats::getEnvironmentVariable ("XDG_CONFIG_HOME", {});
-    const auto base = juce::File::isAbsolutePath (configured)
-                          ? juce::File (configured)
-                          : juce::File::getSpecialLocation (juce::File::userHomeDirectory).getChildFile (".config");
+    const auto base = juce::File::isAbsolutePath (configured) ? juce::File (configured) : usualBase();
     return base.getChildFile (folder).getFullPathName();
 }
-#else
-juce::String settingsFolder() { return folder; }
-#endif
 } // namespace
 
 juce::PropertiesFile::Options settingsFileOptions()

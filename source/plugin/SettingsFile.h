@@ -7,7 +7,8 @@ namespace tarvik
 {
 
 /** Where the user's defaults for all instances live: "Tarvik 41 Channel.settings" in a folder "Tarvik Plugins" of the
-   user's application data, as XML. On Linux that is under $XDG_CONFIG_HOME, or ~/.config where the variable is not set.
+   user's application data, as XML. That is the folder that XDG_CONFIG_HOME names; where the variable is not set, ~/.config
+   on Linux and %APPDATA% on Windows.
 */
 juce::PropertiesFile::Options settingsFileOptions();
 

@@ -101,7 +101,7 @@ std::vector<std::string> damagesTo (const std::string& good)
     for (int i = 0; i < numRandomDamages; ++i)
     {
         auto& state = all.emplace_back (good);
-        const auto place = random() % good.size(), length = random() % 100;
+        const std::size_t place = random() % good.size(), length = random() % 100;
 
         if (i % 4 == 0)
             state.erase (place, length);

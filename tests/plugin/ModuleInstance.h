@@ -11,7 +11,6 @@
 #include <pluginterfaces/vst/ivstmessage.h>
 
 #include <cstdlib>
-#include <dlfcn.h>
 #include <stdexcept>
 #include <string>
 
@@ -24,15 +23,11 @@ class Module
 public:
     Module()
     {
-        if (handle == nullptr || ! entry<bool (*) (void*)> ("ModuleEntry") (handle))
+        if (! library.open (juce::File (other != nullptr ? other : TARVIK_MODULE).getFullPathName()) || ! start())
             throw std::runtime_error ("cannot open the module");
     }
 
-    ~Module()
-    {
-        entry<bool (*)()> ("ModuleExit")();
-        dlclose (handle);
-    }
+    ~Module() { entry<bool (*)()> (JUCE_WINDOWS ? "ExitDll" : "ModuleExit")(); }
 
     Module (const Module&) = delete;
     Module& operator= (const Module&) = delete;
@@ -42,12 +37,21 @@ public:
     template <typename Function>
     Function entry (const char* name) const
     {
-        return reinterpret_cast<Function> (dlsym (handle, name));
+        return reinterpret_cast<Function> (library.getFunction (name));
     }
 
 private:
+    bool start() const
+    {
+#if JUCE_WINDOWS
+        return entry<bool (*)()> ("InitDll")();
+#else
+        return entry<bool (*) (void*)> ("ModuleEntry") (library.getNativeHandle());
+#endif
+    }
+
     const char* const other = std::getenv ("TARVIK_OTHER_MODULE");
-    void* const handle = dlopen (other != nullptr ? other : TARVIK_MODULE, RTLD_NOW | RTLD_LOCAL);
+    mutable juce::DynamicLibrary library; // whose looking-up is not const
 };
 
 template <typename Interface>

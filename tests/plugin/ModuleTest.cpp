@@ -16,7 +16,13 @@ juce::String textOf (const Vst::String128& wide)
     return juce::CharPointer_UTF16 (reinterpret_cast<const juce::CharPointer_UTF16::CharType*> (wide));
 }
 
-juce::String hexOf (const TUID uid) { return juce::String::toHexString (uid, sizeof (TUID), 0); }
+/** Its four words, whose bytes Windows keeps in another order. */
+juce::String hexOf (const TUID uid)
+{
+    char8 text[33] = {};
+    FUID::fromTUID (uid).toString (text);
+    return juce::String (text).toLowerCase();
+}
 } // namespace
 
 TEST (Module, ShowsWhatHostsAndProjectsKnowItBy)
@@ -26,18 +32,22 @@ TEST (Module, ShowsWhatHostsAndProjectsKnowItBy)
     EXPECT_TRUE (module.entry<bool (*)()> ("ExitDll")());
 
     // Nothing but the entries may be visible: a host loads many modules into one process.
+#if ! JUCE_WINDOWS // there packaging/windows/check-binaries.sh sees to it
     juce::ChildProcess nm;
     ASSERT_TRUE (
         nm.start (juce::StringArray { "nm", "--dynamic", "--defined-only", "--format=just-symbols", TARVIK_MODULE }));
     auto symbols = juce::StringArray::fromLines (nm.readAllProcessOutput().trim());
     symbols.sort (false);
-    juce::String all (symbols.joinIntoString (" "));
+    EXPECT_EQ (symbols.joinIntoString (" "), "ExitDll GetPluginFactory InitDll ModuleEntry ModuleExit");
+#endif
+
+    juce::String all;
 
     const auto factory = module.getFactory();
     EXPECT_EQ (module.getFactory().get(), factory.get()) << "one factory for the whole module";
     PFactoryInfo info;
     ASSERT_EQ (factory->getFactoryInfo (&info), kResultOk);
-    all << "\n" << info.vendor << ", flags " << info.flags;
+    all << info.vendor << ", flags " << info.flags;
     const auto factory2 = query<IPluginFactory2> (*factory, INLINE_UID_OF (IPluginFactory2));
 
     for (int32 i = 0; i < factory->countClasses(); ++i)

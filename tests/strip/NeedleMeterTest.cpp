@@ -70,7 +70,7 @@ TEST (NeedleFilter, GivesThePlainFiltersValuesForRowsOfAnyLength)
 
         for (int n = 1; n <= 300; ++n)
         {
-            auto row = noise (n, static_cast<std::size_t> (n));
+            auto row = noise (n, static_cast<unsigned> (n));
             filter.process (row.data(), n);
             filterPlainly ({ row.data(), &cascade }, n);
             ASSERT_NEAR (filter.getReading(), row.back(), 1e-6f) << n << " at " << rateHz;

@@ -86,7 +86,7 @@ inline float plainOf (juce::AudioProcessor& processor, const juce::String& id)
 }
 
 /** From 0 to 1, by a parameter's ID and a number: a new parameter changes nothing for the others. */
-inline float drawFor (const juce::AudioProcessorParameter& p, std::uint_fast32_t number)
+inline float drawFor (const juce::AudioProcessorParameter& p, std::uint64_t number)
 {
     return juce::Random (static_cast<juce::int64> (number) ^ parameterID (p).hashCode64()).nextFloat();
 }

@@ -11,8 +11,8 @@ int main (int argc, char** argv)
 
     const tarvik::ScratchSettings settings; // no test touches those of the user who runs it
 
-    // No test may need a screen. With the variable unset JUCE would join whatever screen :0 is, and end with it.
-    setenv ("DISPLAY", ":65000", 1);
+    // No test may need a screen. Without this JUCE would join whatever screen :0 is, and end with it.
+    tarvik::joinNoScreen();
 
     const juce::ScopedJuceInitialiser_GUI juceRuntime;
     tarvik::selectInstructionSet();

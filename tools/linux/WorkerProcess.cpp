@@ -1,26 +1,30 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/WorkerProcess.h"
 
-#include "tools/Interruption.h"
 #include "tools/ToolError.h"
-
-#include <juce_events/juce_events.h>
 
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
 #include <iostream>
+#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 namespace tarvik
 {
 
+struct WorkerProcess::Process
+{
+    pid_t id = -1; ///< Negative: none.
+    bool isRunning = false;
+    int pipeEnd = -1;
+};
+
 namespace
 {
-constexpr int succeeded = 0, failed = 2;
-
 void sendAll (int pipe, const std::string& text)
 {
     for (std::size_t numSent = 0; numSent < text.size();)
@@ -33,37 +37,9 @@ void sendAll (int pipe, const std::string& text)
         numSent += static_cast<std::size_t> (std::max<ssize_t> (n, 0));
     }
 }
-
-int work (int pipe, const WorkerProcess::Work& task)
-{
-    const auto sendMessage = [pipe] (const juce::String& text) { sendAll (pipe, "\n" + text.toStdString()); };
-    int numDots = 0;
-
-    try
-    {
-        const juce::ScopedJuceInitialiser_GUI juceLibrary;
-        sendMessage (task (
-            [pipe, &numDots] (juce::int64 done, juce::int64 total)
-            {
-                for (; numDots < perCentOf (done, total); ++numDots)
-                    sendAll (pipe, ".");
-            }));
-        return succeeded;
-    }
-    catch (const std::exception& error)
-    {
-        sendMessage (error.what());
-    }
-    catch (const Interrupted& interruption)
-    {
-        endBySignal (interruption.signalNumber);
-    }
-
-    return failed;
-}
 } // namespace
 
-WorkerProcess::WorkerProcess (const Work& task)
+WorkerProcess::WorkerProcess (WorkerTask task, const CommandLine& line) : process (std::make_unique<Process>())
 {
     int ends[2] = {};
 
@@ -73,9 +49,9 @@ WorkerProcess::WorkerProcess (const Work& task)
     // What stands in the buffers must not be written twice.
     std::cout.flush();
     const auto parent = ::getpid();
-    process = ::fork();
+    process->id = ::fork();
 
-    if (process == 0)
+    if (process->id == 0)
     {
         // The parent's death is a wish to stop like another, and must not come as a broken pipe.
         ::prctl (PR_SET_PDEATHSIG, SIGTERM);
@@ -84,35 +60,56 @@ WorkerProcess::WorkerProcess (const Work& task)
 
         // Only the parent prints: what a module says as it is loaded would come once for each file, and into the bar.
         ::dup2 (::open ("/dev/null", O_WRONLY), STDOUT_FILENO);
-        ::_exit (::getppid() == parent ? work (ends[1], task) : failed);
+        ::_exit (::getppid() == parent
+                     ? performTask (task, line, [&ends] (const std::string& text) { sendAll (ends[1], text); })
+                     : taskFailed);
     }
 
     ::close (ends[1]);
-    pipeEnd = ends[0];
+    process->pipeEnd = ends[0];
+    process->isRunning = process->id > 0;
 
-    if (process < 0)
+    if (process->id < 0)
     {
-        ::close (pipeEnd);
+        ::close (process->pipeEnd);
         throw ToolError ("cannot start a process: " + juce::String (std::strerror (errno)));
     }
 }
 
 WorkerProcess::~WorkerProcess()
 {
-    if (process > 0)
+    if (process->isRunning)
     {
-        ::kill (process, SIGTERM);
+        ::kill (process->id, SIGTERM);
         finish();
     }
 
-    ::close (pipeEnd);
+    ::close (process->pipeEnd);
+}
+
+int WorkerProcess::id() const { return process->id; }
+
+std::vector<bool> WorkerProcess::awaitNews (const std::vector<const WorkerProcess*>& processes, int mostMilliseconds)
+{
+    std::vector<pollfd> pipes;
+    std::vector<bool> haveNews;
+
+    for (const auto* const each : processes)
+        pipes.push_back ({ each->process->pipeEnd, POLLIN, 0 });
+
+    ::poll (pipes.data(), pipes.size(), mostMilliseconds);
+
+    for (const auto& pipe : pipes)
+        haveNews.push_back (pipe.revents != 0);
+
+    return haveNews;
 }
 
 bool WorkerProcess::receive()
 {
     constexpr std::size_t most = 4096;
     char bytes[most];
-    const auto n = ::read (pipeEnd, bytes, most);
+    const auto n = ::read (process->pipeEnd, bytes, most);
 
     if (n > 0)
         received += juce::String::fromUTF8 (bytes, static_cast<int> (n));
@@ -124,15 +121,18 @@ bool WorkerProcess::finish()
 {
     int status = 0;
 
-    while (::waitpid (process, &status, 0) < 0 && errno == EINTR)
+    while (::waitpid (process->id, &status, 0) < 0 && errno == EINTR)
         continue;
 
-    process = -1;
+    process->isRunning = false;
     isOrderly = WIFEXITED (status);
     told = isOrderly ? received.fromFirstOccurrenceOf ("\n", false, false)
                      : "its process was ended by signal " + juce::String (WTERMSIG (status)) + " ("
                            + juce::String (::strsignal (WTERMSIG (status))) + ")";
-    return isOrderly && WEXITSTATUS (status) == succeeded;
+    return isOrderly && WEXITSTATUS (status) == taskSucceeded;
 }
+
+/** A fork is no program started again. */
+std::optional<int> actAsWorker (const juce::StringArray&) { return {}; }
 
 } // namespace tarvik
