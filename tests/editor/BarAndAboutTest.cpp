@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/ConsoleTestTools.h"
+#include "tools/Environment.h"
 
 namespace tarvik
 {
@@ -65,7 +66,7 @@ TEST (BottomBar, ButtonsAndLinksOpenTheirPagesIfTheyHaveOne)
     }
 
     EXPECT_TRUE (rowsOf (t.bar.linksMenu()).startsWith ("1 Open Manual...\n"));
-    EXPECT_EQ (ZQBar::World().manuals[0], juce::File (JUCE_WINDOWS ? "C:\\Program Files" : "/usr")
+    EXPECT_EQ (ZQBar::World().manuals[0], juce::File (isOnWindows ? "C:\\Program Files" : "/usr")
                                               .getChildFile ("Nomvale/Tarvik 41 Series/Tarvik 41 Series Manual.pdf"));
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tests/support/HostStream.h"
+#include "tools/Environment.h"
 
 #include <pluginterfaces/base/ipluginbase.h>
 #include <pluginterfaces/base/smartpointer.h>
@@ -27,7 +28,7 @@ public:
             throw std::runtime_error ("cannot open the module");
     }
 
-    ~Module() { entry<bool (*)()> (JUCE_WINDOWS ? "ExitDll" : "ModuleExit")(); }
+    ~Module() { entry<bool (*)()> (isOnWindows ? "ExitDll" : "ModuleExit")(); }
 
     Module (const Module&) = delete;
     Module& operator= (const Module&) = delete;
