@@ -79,11 +79,14 @@ bool CascadeBanks::isSettled (double& level) const noexcept
 {
     constexpr double farthest = 1e-8; // -179 dBFS at the calibration that nothing has changed
 
-    if (! onRamp.isIdle() || isChanging())
+    if (! onRamp.isIdle())
         return false;
 
     if (isOut())
-        return true;
+        return true; // crossfade and tail stand still
+
+    if (isChanging())
+        return false;
 
     const auto input = level;
 

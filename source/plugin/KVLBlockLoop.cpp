@@ -212,6 +212,13 @@ void KVLProcessor::processSlice (float** channels, int numMain, int numSide, int
 /** Takes as many of n samples as the strip sleeps or is awake for, and returns their number. */
 int KVLProcessor::sleepOrProcess (float** channels, int numMain, int numSide, int n)
 {
+    if (analogOn && ! isAsleep)
+    {
+        silence.restart();
+        processPiece (channels, numMain, numSide, n);
+        return n;
+    }
+
     const auto numChannels = numMain + numSide;
     const auto silent = SilenceWatch::countAtStart (channels, numChannels, n);
 
@@ -228,7 +235,7 @@ int KVLProcessor::sleepOrProcess (float** channels, int numMain, int numSide, in
         const auto length = silence.getPieceLength (silent, silent);
 
         for (int c = 0; c < numMain; ++c)
-            rows::fill (channels[c], 0.0f, length);
+            std::fill_n (channels[c], length, 0.0f); // there may be -0
 
         if (silence.endPiece (length, length))
             skipDsp (SilenceWatch::period);

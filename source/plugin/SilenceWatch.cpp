@@ -2,33 +2,37 @@
 #include "plugin/SilenceWatch.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 
 namespace tarvik
 {
 
 namespace
 {
-/** Samples that are looked at together, so that vectors do it. */
-constexpr int group = 16;
-
-bool isGroupSilent (const float* row) noexcept
+/** Whether n samples are 0, of either sign. By their bits, so that the processor's flags make no difference to what is
+    silent, and so that vectors do it.
+*/
+bool areSilent (const float* row, int n) noexcept
 {
-    int numHeard = 0;
+    constexpr std::uint32_t allButSign = 0x7fffffff;
+    std::uint32_t bits = 0;
 
-    for (int i = 0; i < group; ++i)
-        numHeard += row[i] != 0.0f ? 1 : 0;
+    for (int i = 0; i < n; ++i)
+        bits |= std::bit_cast<std::uint32_t> (row[i]);
 
-    return numHeard == 0;
+    return (bits & allButSign) == 0;
 }
 
 int countInRow (const float* row, int n) noexcept
 {
+    constexpr int group = 32;
     int i = 0;
 
-    while (n - i >= group && isGroupSilent (row + i))
+    while (n - i >= group && areSilent (row + i, group))
         i += group;
 
-    while (i < n && row[i] == 0.0f)
+    while (i < n && areSilent (row + i, 1))
         ++i;
 
     return i;
@@ -49,7 +53,7 @@ int SilenceWatch::countAtEnd (const float* const* channels, int numChannels, int
 
     while (count < n
            && std::none_of (channels, channels + numChannels,
-                            [at = n - 1 - count] (const float* row) { return row[at] != 0.0f; }))
+                            [at = n - 1 - count] (const float* row) { return ! areSilent (row + at, 1); }))
         ++count;
 
     return count;

@@ -14,8 +14,8 @@ public:
     /** Samples. Longer than a slice, so that none begins and ends within one; short enough for needles to fall evenly. */
     static constexpr int period = 1024;
 
-    /** How many samples of n are 0 in every channel before the first one that isn't, and after the last one. What the
-        processor flushes to zero, with its flag for that set, counts as 0. */
+    /** How many samples of n are 0 in every channel, of either sign, before the first one that isn't, and after the last
+        one. */
     static int countAtStart (const float* const* channels, int numChannels, int n) noexcept;
     static int countAtEnd (const float* const* channels, int numChannels, int n) noexcept;
 
