@@ -162,7 +162,7 @@ void preparing (benchmark::State& state)
     add ("bypassed", Scene::bypassed, sets.front(), { 1, 2 }, blocks);
 
     for (const auto& set : sets)
-        add (std::string ("running/") + set.name, Scene::signal, set, factors, { 256 });
+        add (std::string ("running/") + set.name, Scene::signal, set, factors, blocks);
 
     return true;
 }();
