@@ -41,7 +41,7 @@ BiquadCascade::Rest BiquadCascade::findRest (double input) const noexcept
     for (std::size_t s = 0; s < static_cast<std::size_t> (numSections); ++s)
     {
         const auto& [b0, c1, c2, a1, a2, s1, s2] = sections;
-        const auto poles = 1.0 + a1[s] + a2[s]; // (1 - p) of the one times that of the other
+        const auto poles = 1.0 + a1[s] + a2[s];              // (1 - p) of the one times that of the other
         const auto isNeutral = c1[s] == 0.0 && c2[s] == 0.0; // its poles may lie at 1, under its zeros
         const auto end1 = isNeutral ? 0.0 : (c1[s] + c2[s]) * rest.output / poles;
         const auto end2 = c2[s] * rest.output - a2[s] * end1;

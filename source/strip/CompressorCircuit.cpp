@@ -124,11 +124,15 @@ bool CompressorCircuit::isSettled (const State& state) const noexcept
 {
     // exp (-1 / error) of the attack's way: 4e-13.
     constexpr double largestError = 0.035;
-    const auto amplified = state.peak * k.amplifierGain + k.amplifierOffset;
-    const auto target = 2.0 * k.kneeVolts / (1.0 - 2.0 * amplified);
+
+    // So that skipSilence() may take a piece of the knee for a parabola: reached after some 0.4 s.
+    constexpr double mostOfDistance = 0.3;
+    const auto ofPeak = state.peak * k.amplifierGain;
+    const auto distance = 0.5 - k.amplifierOffset - ofPeak; // from the knee
+    const auto target = k.kneeVolts / distance;
 
     // The target only falls, and neither capacitor falls below the lowest of the three.
-    return amplified < 0.0 && target - std::min (state.c1Volts, state.c2Volts) < largestError;
+    return ofPeak < mostOfDistance * distance && target - std::min (state.c1Volts, state.c2Volts) < largestError;
 }
 
 /** Without a signal a sample makes M v + g x of the voltages and the current v, where x, what the amplifier's knee adds,

@@ -91,7 +91,7 @@ public:
 
     const Coefficients& getCoefficients() const noexcept { return k; }
 
-    /** Whether, without a signal, the amplifier conducts nothing and the attack's resistor stays shut. */
+    /** Whether, without a signal, the amplifier is far from conducting and the attack's resistor stays shut. */
     bool isSettled (const State& state) const noexcept;
 
     /** n samples without a signal, from a settled state. */
