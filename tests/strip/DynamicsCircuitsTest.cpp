@@ -54,10 +54,10 @@ TEST (DynamicsChannel, SkippedSilenceComesToTheGainsOfSilence)
 
         int waited = 0;
 
-        for (; ! isSettled (circuits, processed[0]) && waited < 88200; waited += 256)
+        for (; ! isSettled (circuits, processed[0]) && waited < 220500; waited += 256)
             process (silence, 256);
 
-        EXPECT_LT (waited, 88200) << i;
+        EXPECT_LT (waited, 220500) << i;
         auto skipped = processed[0];
 
         for (int k = 0; k < 150; ++k)
