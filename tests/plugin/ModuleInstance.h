@@ -23,11 +23,11 @@ class Module
 public:
     Module()
     {
-        if (! library.open (juce::File (other != nullptr ? other : TARVIK_MODULE).getFullPathName()) || ! start())
+        if (! library.open (juce::File (other != nullptr ? other : TARVIK_MODULE).getFullPathName()) || ! enter())
             throw std::runtime_error ("cannot open the module");
     }
 
-    ~Module() { entry<bool (*)()> (JUCE_WINDOWS ? "ExitDll" : "ModuleExit")(); }
+    ~Module() { leave(); }
 
     Module (const Module&) = delete;
     Module& operator= (const Module&) = delete;
@@ -41,14 +41,13 @@ public:
     }
 
 private:
-    bool start() const
-    {
 #if JUCE_WINDOWS
-        return entry<bool (*)()> ("InitDll")();
+    bool enter() const { return entry<bool (*)()> ("InitDll")(); }
+    bool leave() const { return entry<bool (*)()> ("ExitDll")(); }
 #else
-        return entry<bool (*) (void*)> ("ModuleEntry") (library.getNativeHandle());
+    bool enter() const { return entry<bool (*) (void*)> ("ModuleEntry") (library.getNativeHandle()); }
+    bool leave() const { return entry<bool (*)()> ("ModuleExit")(); }
 #endif
-    }
 
     const char* const other = std::getenv ("TARVIK_OTHER_MODULE");
     mutable juce::DynamicLibrary library; // whose looking-up is not const
