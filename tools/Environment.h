@@ -8,13 +8,6 @@
 namespace tarvik
 {
 
-inline constexpr bool isOnWindows =
-#if JUCE_WINDOWS
-    true;
-#else
-    false;
-#endif
-
 /** For this process and those that it starts. While there is no other thread. */
 inline void setEnvironmentVariable (const char* name, const juce::String& value)
 {

@@ -22,7 +22,7 @@ for file in "$@"; do
     done
 
     # Nothing but the entries may be visible: a host loads many modules into one process.
-    exports=$($objdump -p "$file" | sed -n '/Ordinal\/Name Pointer/,/^$/s/.*] //p' | sort | xargs)
+    exports=$($objdump -p "$file" | sed -n '/Ordinal\/Name Pointer/,/^$/s/^[[:space:]]*\[ *[0-9]*\] //p' | sort | xargs)
     [[ $file != *.vst3 || $exports = "ExitDll GetPluginFactory InitDll" ]] || fail "$file shows $exports"
 
     # The stack is aligned to 16 bytes: a move of 32 or 64 that trusts in more ends the process (cmake/WindowsToolchain.cmake).

@@ -7,10 +7,10 @@ import os
 import subprocess
 import sys
 import time
-import xml.etree.ElementTree as ElementTree
 
 from checks import check, finish, home
 from console import UNLIKE_PIXELS, Console, check_state, slots_of
+from juce_text import saved_state
 from screen import Screen
 
 module, _, renderer, folder = sys.argv[1:]
@@ -18,21 +18,6 @@ program = os.path.join(module.split("/VST3/")[0], "Standalone", "tarvik41-channe
 TITLE = "^Tarvik 41 Channel$"
 BORDER = 1  # around the window's contents; above them is a title
 JACK = '<DEVICESETUP deviceType="JACK" audioOutputDeviceName="Auto-connect ON" audioInputDeviceName="Auto-connect ON"/>'
-DIGITS = ".ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+"  # of JUCE's text form of bytes
-
-
-def decoded(text):
-    """Each digit stands for six bits, the lowest first."""
-    length, digits = text.split(".", 1)
-    bits = sum(DIGITS.index(digit) << 6 * place for place, digit in enumerate(digits))
-    return bits.to_bytes(int(length) + 1, "little")[:int(length)]
-
-
-def saved():
-    """The state that the program left behind."""
-    values = {value.get("name"): value.get("val") for value in ElementTree.parse(settings).getroot()}
-    return decoded(values["filterState"])
-
 
 environment = home(os.path.join(folder, "home"), {"Analog": "0", "UIZoom": "1"})
 environment["JACK_DEFAULT_SERVER"] = "tarvik-window"  # beside whatever sound server there is
@@ -65,7 +50,7 @@ def closed(process, window):
 try:
     screen.start(["jackd", "-r", "-d", "dummy", "-r", "48000", "-p", "512"], log)
     closed(*opened()[:2])
-    untouched, _ = slots_of(saved())
+    untouched, _ = slots_of(saved_state(settings))
 
     process, window, console = opened()
     ports = subprocess.run(["jack_lsp", "-c"], env=screen.environment, stdout=subprocess.PIPE, text=True).stdout
@@ -75,7 +60,7 @@ try:
     console.picture(before)
     closed(process, window)
 
-    state = saved()
+    state = saved_state(settings)
     check_state(*slots_of(state), untouched[0])
     pixels = console.unlike(before, state, [], folder)
     check(pixels < UNLIKE_PIXELS,

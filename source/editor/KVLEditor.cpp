@@ -3,6 +3,7 @@
 
 #include "editor/EditorSize.h"
 #include "editor/Palette.h"
+#include "editor/PendingRepaints.h"
 #include "editor/SetInGesture.h"
 #include "editor/SettingsMenu.h"
 
@@ -155,6 +156,8 @@ void KVLEditor::timerCallback (int timerID)
         showMeters();
     else if (timerID == kEditorTimerZoom)
         updateEditorSize();
+
+    paintWithoutRefresh();
 }
 
 void KVLEditor::showState()

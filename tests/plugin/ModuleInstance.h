@@ -2,7 +2,6 @@
 #pragma once
 
 #include "tests/support/HostStream.h"
-#include "tools/Environment.h"
 
 #include <pluginterfaces/base/ipluginbase.h>
 #include <pluginterfaces/base/smartpointer.h>
@@ -24,11 +23,11 @@ class Module
 public:
     Module()
     {
-        if (! library.open (juce::File (other != nullptr ? other : TARVIK_MODULE).getFullPathName()) || ! start())
+        if (! library.open (juce::File (other != nullptr ? other : TARVIK_MODULE).getFullPathName()) || ! enter())
             throw std::runtime_error ("cannot open the module");
     }
 
-    ~Module() { entry<bool (*)()> (isOnWindows ? "ExitDll" : "ModuleExit")(); }
+    ~Module() { leave(); }
 
     Module (const Module&) = delete;
     Module& operator= (const Module&) = delete;
@@ -42,14 +41,15 @@ public:
     }
 
 private:
-    bool start() const
-    {
 #if JUCE_WINDOWS
-        return entry<bool (*)()> ("InitDll")();
+    bool enter() const { return entry<bool (*)()> ("InitDll")(); }
+
+    bool leave() const { return entry<bool (*)()> ("ExitDll")(); }
 #else
-        return entry<bool (*) (void*)> ("ModuleEntry") (library.getNativeHandle());
+    bool enter() const { return entry<bool (*) (void*)> ("ModuleEntry") (library.getNativeHandle()); }
+
+    bool leave() const { return entry<bool (*)()> ("ModuleExit")(); }
 #endif
-    }
 
     const char* const other = std::getenv ("TARVIK_OTHER_MODULE");
     mutable juce::DynamicLibrary library; // whose looking-up is not const

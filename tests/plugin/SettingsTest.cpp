@@ -4,9 +4,9 @@
 #include "tests/support/SettingsFileTest.h"
 #include "tests/support/StateTestTools.h"
 
+#include <atomic>
 #include <chrono>
 #include <future>
-#include <latch>
 #include <set>
 #include <thread>
 
@@ -215,11 +215,15 @@ TEST_F (Settings, TwoThreadsThatChangeTheFactorLeaveTheLastOnesLatency)
     {
         strip->oversamplingSetting().setValue (2);
         const auto change = [&] (int factor) { strip->oversamplingSetting().setValue (factor); };
-        std::latch start (2);
+        std::atomic<int> numReady { 0 };
         {
-            const std::jthread first ([&] { start.arrive_and_wait(), change (1); });
-            start.arrive_and_wait();
-            change (4);
+            const auto meet = [&]
+            {
+                for (++numReady; numReady < 2;)
+                    std::this_thread::yield();
+            };
+            const std::jthread first ([&] { meet(), change (1); });
+            meet(), change (4);
         }
         const auto latency = strip->oversamplingSetting().getValue() == 1 ? 0 : 52;
         ASSERT_EQ (strip->getLatencySamples(), latency) << "run " << run;
