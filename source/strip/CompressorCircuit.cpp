@@ -122,8 +122,8 @@ void CompressorCircuit::set (const Controls& controls) noexcept
 //==============================================================================
 bool CompressorCircuit::isSettled (const State& state) const noexcept
 {
-    // exp (-1 / error) of the attack's way: 4e-13.
-    constexpr double largestError = 0.035;
+    // The attack's share opens by exp (-1 / error), 2e-9, for as long as an empty capacitor takes to leave this behind.
+    constexpr double largestError = 0.05;
 
     // So that skipSilence() may take a piece of the knee for a parabola: reached after some 0.4 s.
     constexpr double mostOfDistance = 0.3;

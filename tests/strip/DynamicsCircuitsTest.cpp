@@ -66,6 +66,7 @@ TEST (DynamicsChannel, SkippedSilenceComesToTheGainsOfSilence)
             process (silence, n);
             skipSilence (circuits, skipped, n);
             ASSERT_NEAR (skipped.gain, processed[0].gain, 1e-7 * processed[0].gain) << i << ", " << k;
+            ASSERT_NEAR (skipped.expander.volts, processed[0].expander.volts, 1e-5) << i << ", " << k;
         }
     }
 }
