@@ -62,7 +62,8 @@ try:
     state = saved_state(settings)
     check_state(*slots_of(state), untouched[0])
     pixels = console.unlike(before, state, [], folder)
-    check(pixels < UNLIKE_PIXELS, f"what was seen is what was saved: {pixels:.0f} pixels unlike Linux's picture of the state")
+    check(pixels < UNLIKE_PIXELS,
+          f"what was seen is what was saved: {pixels:.0f} pixels unlike Linux's picture of the state")
 
     process, window, console = opened()
     after = os.path.join(folder, "after.png")

@@ -43,9 +43,11 @@ public:
 private:
 #if JUCE_WINDOWS
     bool enter() const { return entry<bool (*)()> ("InitDll")(); }
+
     bool leave() const { return entry<bool (*)()> ("ExitDll")(); }
 #else
     bool enter() const { return entry<bool (*) (void*)> ("ModuleEntry") (library.getNativeHandle()); }
+
     bool leave() const { return entry<bool (*)()> ("ModuleExit")(); }
 #endif
 
