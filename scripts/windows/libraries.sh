@@ -37,6 +37,10 @@ refresh_source_index()
     mkdir -p "$index"/{sources,lists/partial,cache/archives/partial}
     apt-get indextargets --format 'deb-src $(SITE) $(RELEASE) $(COMPONENT) $(ORIGIN)' 'Created-By: Packages' |
         sed -n 's/ Debian$//p' | sort -u >"$index/sources/debian.list"
+    [ -s "$index/sources/debian.list" ] || {
+        echo "$0: apt knows no sources of Debian's; as root, type: apt-get update" >&2
+        exit 1
+    }
     quietly apt-get "${apt_options[@]}" update
     touch "$index/fresh"
 }
