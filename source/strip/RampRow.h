@@ -47,7 +47,7 @@ public:
     }
 
     /** Audio thread: whether the ramp is idle and nothing waits. */
-    bool isSettled() const noexcept { return true; }
+    bool isSettled() const noexcept { return ramp.isIdle(); }
 
     /** Audio thread: the next n values. */
     const float* advance (int n) noexcept
