@@ -32,10 +32,7 @@ for package in $packages juce-modules-source libarmadillo-dev libhwy-dev; do
     cp -L "/usr/share/doc/$package/copyright" "$licences/$package.txt"
 done
 cp "$project/resources/fonts/OFL.txt" "$licences/font.txt"
-grep -ohE '/usr/share/common-licenses/[[:alnum:].-]*[[:alnum:]]' "$licences"/*.txt "$documents/copyright" | sort -u |
-    while read -r text; do
-        cp -L "$text" "$licences"
-    done
+add_common_licences "$licences" "$licences"/*.txt "$documents/copyright"
 
 archive=$folder/$name.tar.xz
 tar --sort=name --owner=0 --group=0 --numeric-owner -C "$stage" -cJf "$archive" "$name"

@@ -59,6 +59,49 @@ ensure_packages()
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install --no-install-recommends -y -q "${missing[@]}"
 }
 
+# Lists the sources of Debian's own packages that this machine takes its binary packages from, in folders of our own: the
+# machine's lists stay as they are. Renewed once a day. apt's programs see it by "${source_options[@]}". Needs dpkg-dev.
+list_sources()
+{
+    local index=$PWD/build/sources
+    source_options=(-o Dir::Etc::SourceList="$index/sources.list" -o Dir::Etc::SourceParts=- -o Dir::State::Lists="$index/lists"
+        -o Dir::Cache="$index/cache" -o APT::Sandbox::User=root)
+    [ -z "$(find "$index/fresh" -mtime -1 2>/dev/null)" ] || return 0
+    mkdir -p "$index"/{lists/partial,cache/archives/partial}
+    apt-get indextargets 'Created-By: Packages' --format \
+        'deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] $(SITE) $(RELEASE) $(COMPONENT) $(ORIGIN)' |
+        sed -n 's/ Debian$//p' | sort -u >"$index/sources.list"
+    [ -s "$index/sources.list" ] || {
+        echo "$0: apt knows no sources of Debian's; as root, type: apt-get update" >&2
+        exit 1
+    }
+    quietly apt-get "${source_options[@]}" update
+    touch "$index/fresh"
+}
+
+# Unpacks a source package, in the version given, into a folder of its own. If it cannot be had, fails with the reason in $log.
+fetch_source()
+{
+    local package=$1 version=$2 folder=$3 download
+    download=$(mktemp -d)
+    leftovers+=("$download")
+    (cd "$download" && apt-get "${source_options[@]}" source --download-only "$package=$version") >"$log" 2>&1 || return 1
+    rm -rf "$folder"
+    mkdir -p "$(dirname "$folder")"
+    quietly dpkg-source --no-check -x "$download"/*.dsc "$folder"
+}
+
+# Puts those of Debian's common licences into a folder that the files after it refer to.
+add_common_licences()
+{
+    local folder=$1 text
+    shift
+    grep -ohE '/usr/share/common-licenses/[[:alnum:].-]*[[:alnum:]]' "$@" | sort -u |
+        while read -r text; do
+            cp -L "$text" "$folder/${text##*/}.txt"
+        done
+}
+
 # Runs a command, and shows what it prints only if it fails.
 quietly()
 {

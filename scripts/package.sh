@@ -9,26 +9,17 @@ set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
 . scripts/common.sh
 
-# Debian has no archive of Highway, so two of its files are compiled from the source that the installed headers are of. The
-# list of sources is one of our own: the machine's lists stay as they are.
+# Debian has no archive of Highway, so two of its files are compiled from the source that the installed headers are of.
 fetch_highway()
 {
-    local version folder=$PWD/build/highway index options
+    local version folder=$PWD/build/highway
     version=$(dpkg-query --show --showformat='${source:Version}' libhwy-dev)
     [ "$(sed -n '1s/^highway (\(.*\)) .*/\1/p' "$folder/debian/changelog" 2>/dev/null)" != "$version" ] || return 0
-
-    index=$(mktemp -d)
-    leftovers+=("$index")
-    mkdir -p "$index"/{lists/partial,cache/archives/partial}
-    apt-get indextargets --format '$(ORIGIN) deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] $(REPO_URI) $(RELEASE) $(COMPONENT)' \
-        'Created-By: Packages' | sed -n 's/^Debian //p' | sort -u >"$index/sources.list"
-    options=(-o Dir::Etc::SourceList="$index/sources.list" -o Dir::Etc::SourceParts=- -o Dir::State::Lists="$index/lists"
-        -o Dir::Cache="$index/cache" -o APT::Sandbox::User=root)
-    quietly apt-get "${options[@]}" update
-    (cd "$index" && quietly apt-get "${options[@]}" source --download-only "highway=$version")
-    rm -rf "$folder"
-    mkdir -p build
-    quietly dpkg-source --no-check -x "$index"/*.dsc "$folder"
+    list_sources
+    fetch_source highway "$version" "$folder" || {
+        cat "$log" >&2
+        exit 1
+    }
 }
 
 make_archive()

@@ -27,13 +27,13 @@ ensure_packages $windows_packing_packages
 version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' build/windows/CMakeCache.txt)
 name=tarvik41-channel-$version-windows-x86_64
 folder="$PWD/build/windows/$name"
-rm -rf "$folder" "$folder.zip" "$folder-setup.exe"
+rm -rf build/windows/tarvik41-channel-* # of other versions, too
 mkdir -p "$folder/licences"
 cp -r "$built/VST3/Tarvik 41 Channel.vst3" "${programs[@]}" "build/manual/Tarvik 41 Series Manual.pdf" "$folder"
 find "$folder" \( -name '*.exe' -o -path '*/x86_64-win/*' \) -exec $mingw-strip {} +
 sed 's/$/\r/' packaging/windows/INSTALL.txt >"$folder/INSTALL.txt"
 
-# Ours, then the libraries', then those of what the compiler adds.
+# Ours, then the libraries', then those of what the compiler adds, then the texts that these refer to.
 cp LICENSE "$folder/licences/tarvik41-channel.txt"
 cp packaging/copyright "$folder/licences/overview.txt"
 cp resources/fonts/OFL.txt "$folder/licences/font.txt"
@@ -43,6 +43,7 @@ done
 for package in juce-modules-source libz-mingw-w64-dev mingw-w64-common gcc-mingw-w64-base; do
     cp /usr/share/doc/$package/copyright "$folder/licences/$package.txt"
 done
+add_common_licences "$folder/licences" "$folder"/licences/*.txt
 
 (cd build/windows && quietly zip -X -r "$name.zip" "$name")
 quietly makensis -V2 "-DVERSION=$version" "-DFOLDER=$folder" "-DOUTPUT=$folder-setup.exe" packaging/windows/setup.nsi

@@ -19,30 +19,11 @@ build_libraries()
     local name
 
     mkdir -p "$prefix"/{include,lib/pkgconfig,stamps,licences} "$library_work"
-    refresh_source_index
+    list_sources
 
     for name in $linked_libraries $test_libraries; do
         build_library $name
     done
-}
-
-# A list of the sources of Debian's own packages that this machine takes its binary packages from, in folders of our own: the
-# machine's lists stay as they are. Renewed once a day.
-refresh_source_index()
-{
-    local index="$library_work/apt"
-    apt_options=(-o Dir::Etc::SourceList=/dev/null -o Dir::Etc::SourceParts="$index/sources"
-        -o Dir::State::Lists="$index/lists" -o Dir::Cache="$index/cache" -o APT::Sandbox::User=root)
-    [ -z "$(find "$index/fresh" -mtime -1 2>/dev/null)" ] || return 0
-    mkdir -p "$index"/{sources,lists/partial,cache/archives/partial}
-    apt-get indextargets --format 'deb-src $(SITE) $(RELEASE) $(COMPONENT) $(ORIGIN)' 'Created-By: Packages' |
-        sed -n 's/ Debian$//p' | sort -u >"$index/sources/debian.list"
-    [ -s "$index/sources/debian.list" ] || {
-        echo "$0: apt knows no sources of Debian's; as root, type: apt-get update" >&2
-        exit 1
-    }
-    quietly apt-get "${apt_options[@]}" update
-    touch "$index/fresh"
 }
 
 # Builds a library by the function `build_NAME`, which runs in the unpacked source. In the newest version that can be had: a
@@ -60,12 +41,9 @@ build_library()
     for version in $(versions_of "$package"); do
         [ "$(cat "$stamp" 2>/dev/null)" != "$package $version $recipe" ] || return 0
         rm -rf "$unpacked"
-        mkdir -p "$unpacked"
-        (cd "$unpacked" && apt-get "${apt_options[@]}" source --download-only "$package=$version") >"$log" 2>&1 || continue
-
+        fetch_source "$package" "$version" "$unpacked/source" || continue
         echo "Building $package $version for Windows ..."
         rm -f "$stamp"
-        quietly dpkg-source --no-check -x "$unpacked"/*.dsc "$unpacked/source"
         (cd "$unpacked/source" && build_"$name")
         cp "$unpacked/source/debian/copyright" "$prefix/licences/$name.txt"
         echo "$package $version $recipe" >"$stamp"
@@ -81,7 +59,7 @@ build_library()
 # The newest first.
 versions_of()
 {
-    apt-cache "${apt_options[@]}" showsrc --only-source "$1" | sed -n 's/^Version: //p' | sort -rV
+    apt-cache "${source_options[@]}" showsrc --only-source "$1" | sed -n 's/^Version: //p' | sort -rV
 }
 
 source_package_of()
@@ -163,7 +141,10 @@ build_lapack()
             flags=-O2
             file=$(find SRC BLAS/SRC INSTALL -name "$routine.f" -o -name "$routine.f90" | head -1)
             [ "$routine" != dlamch ] || flags=-O0
-            [ -n "$file" ] || continue
+            [ -n "$file" ] || {
+                echo "$0: there is no $routine in LAPACK's source" >&2
+                exit 1
+            }
             echo "$compile $flags $file -o ../objects/$routine.o"
         done >../commands
         quietly xargs -a ../commands -d '\n' -P "$(nproc)" -I{} sh -c '{}'
