@@ -90,7 +90,10 @@ build_hwy()
     cp --parents hwy/contrib/math/math-inl.h "$prefix/include"
 }
 
-build_libpng() { with_cmake -DPNG_SHARED=OFF -DPNG_TESTS=OFF -DPNG_EXECUTABLES=OFF; }
+build_libpng()
+{
+    with_cmake -DPNG_SHARED=OFF -DPNG_TESTS=OFF -DPNG_EXECUTABLES=OFF
+}
 
 # JUCE includes the library's internals.
 build_libjpeg()
@@ -99,9 +102,15 @@ build_libjpeg()
     cp jpegint.h "$prefix/include"
 }
 
-build_libogg() { with_cmake -DINSTALL_DOCS=OFF; }
+build_libogg()
+{
+    with_cmake -DINSTALL_DOCS=OFF
+}
 
-build_libvorbis() { with_cmake; }
+build_libvorbis()
+{
+    with_cmake
+}
 
 build_libflac()
 {
@@ -119,10 +128,16 @@ build_expat()
     cd ..
 }
 
-build_googletest() { with_cmake; }
+build_googletest()
+{
+    with_cmake
+}
 
 # Only headers.
-build_armadillo() { cp -r include/armadillo include/armadillo_bits "$prefix/include"; }
+build_armadillo()
+{
+    cp -r include/armadillo include/armadillo_bits "$prefix/include"
+}
 
 # The eigenvalue routine and all that it calls, LAPACK's and BLAS's: each round compiles what the objects so far lack. As
 # Debian builds them, so that the results are the same to the bit; the machine's constants unoptimised, as they must be.
