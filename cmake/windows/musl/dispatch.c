@@ -50,3 +50,51 @@ double log10 (double x)
     const double z = y * perOctaveLow + perNeper * log (x);
     return z + y * perOctaveHigh;
 }
+
+/* The root of the sum of two squares and its correction, of C. Borges, "An Improved Algorithm for hypot(a,b)" (2019), unfused:
+   first >= second >= 0, and neither square leaves the range. */
+static double correctedHypot (double first, double second)
+{
+    const double h = sqrt (first * first + second * second);
+    double one, other;
+
+    if (h <= 2.0 * second)
+    {
+        const double delta = h - second;
+        one = first * (2.0 * delta - first);
+        other = (delta - 2.0 * (first - second)) * delta;
+    }
+    else
+    {
+        const double delta = h - first;
+        one = 2.0 * delta * (first - 2.0 * second);
+        other = (4.0 * delta - second) * second + delta * delta;
+    }
+
+    return h - (one + other) / (2.0 * h);
+}
+
+double hypot (double x, double y)
+{
+    const double largest = 0x1p+511, smallest = 0x1p-459, negligible = 0x1p-54, scale = 0x1p-600;
+
+    if (isinf (x) || isinf (y))
+        return INFINITY;
+
+    if (isnan (x) || isnan (y))
+        return x + y;
+
+    x = fabs (x);
+    y = fabs (y);
+    const double first = x < y ? y : x, second = x < y ? x : y;
+
+    if (second <= first * negligible)
+        return first + second;
+
+    if (first > largest)
+        return correctedHypot (first * scale, second * scale) / scale;
+
+    return second < smallest ? correctedHypot (first / scale, second / scale) * scale : correctedHypot (first, second);
+}
+
+double cabs (double _Complex z) { return hypot (__real__ z, __imag__ z); }
