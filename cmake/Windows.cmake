@@ -8,7 +8,8 @@ find_package (JPEG REQUIRED)
 find_package (ZLIB REQUIRED)
 
 # Windows' own. JUCE names most of them to Microsoft's linker alone.
-set (TARVIK_SYSTEM_LIBRARIES JPEG::JPEG PNG::PNG ZLIB::ZLIB ole32 oleaut32 uuid gdi32 comdlg32 imm32 shlwapi winmm ws2_32
+find_library (TARVIK_MATHEMATICS NAMES libtarvik_mathematics.a REQUIRED) # before the compiler's own: glibc's results
+set (TARVIK_SYSTEM_LIBRARIES ${TARVIK_MATHEMATICS} JPEG::JPEG PNG::PNG ZLIB::ZLIB ole32 oleaut32 uuid gdi32 comdlg32 imm32 shlwapi winmm ws2_32
                              version wininet dxgi)
 
 # Where Wine shows this machine's files.

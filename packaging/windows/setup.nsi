@@ -1,7 +1,7 @@
 ; The setup program, by scripts/windows.sh: makensis -DVERSION=... -DFOLDER=... -DOUTPUT=... setup.nsi
 ; FOLDER is what the zip holds. /S installs or removes without a word.
 
-Unicode true
+Target amd64-unicode
 SetCompressor /SOLID lzma
 RequestExecutionLevel admin
 

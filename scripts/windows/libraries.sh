@@ -10,7 +10,7 @@ library_work="$PWD/build/windows/libraries"
 mingw=x86_64-w64-mingw32
 
 # The parts of what is delivered, and what only the tests need.
-linked_libraries="hwy libpng libjpeg libogg libvorbis libflac expat lapack armadillo"
+linked_libraries="hwy libpng libjpeg libogg libvorbis libflac expat lapack armadillo musl"
 test_libraries=googletest
 
 # Builds what is missing or of another version.
@@ -34,6 +34,7 @@ build_library()
     package=$(source_package_of "$name")
     recipe=$({
         declare -f with_cmake "build_$name"
+        [ "$name" != musl ] || cat cmake/windows/musl/*
         cat cmake/WindowsToolchain.cmake
         $mingw-g++-posix --version
     } | sha256sum | cut -c 1-16)
@@ -171,4 +172,35 @@ build_lapack()
     done
 
     $mingw-ar rcs "$prefix/lib/liblapack_dgeev.a" ../objects/*.o
+}
+
+# Functions of mathematics that give glibc's results to the bit: both libraries have them from the same hand. glibc chooses
+# by the processor between two forms, so here they are compiled twice as well, with names of their own
+# (cmake/windows/musl/dispatch.c). MinGW's own go by the x87 and round some results otherwise.
+build_musl()
+{
+    local shims=$project/cmake/windows/musl form name flags names
+    local files="exp exp_data log log_data pow pow_data log2f log2f_data powf powf_data exp2f_data __math_divzero __math_invalid
+        __math_oflow __math_uflow __math_xflow __math_divzerof __math_invalidf __math_oflowf __math_uflowf __math_xflowf"
+
+    for form in fma sse2; do
+        flags="-ffp-contract=off"
+        [ $form = sse2 ] || flags="-mavx2 -mfma -ffp-contract=fast"
+        names=
+        for name in exp log pow log2f powf __exp_data __log_data __pow_log_data __log2f_data __powf_log2_data __exp2f_data \
+            __math_{divzero,invalid,oflow,uflow,xflow}{,f}; do
+            names+=" -D$name=${form}_$name"
+        done
+        for name in $files; do
+            quietly $mingw-gcc-posix -O2 $flags $names -std=gnu99 -Wa,-muse-unaligned-vector-move -I"$shims" -Isrc/internal \
+                -Iarch/generic -include features.h -c "src/math/$name.c" -o "../$form-$name.o"
+        done
+    done
+
+    # These have one form in glibc.
+    quietly $mingw-gcc-posix -O2 -ffp-contract=off -std=gnu99 -I"$shims" -Isrc/internal -Iarch/generic -include features.h \
+        -c src/math/expm1.c -o ../expm1.o
+    quietly $mingw-gcc-posix -O2 -ffp-contract=off -fno-builtin -c "$shims/dispatch.c" -o ../dispatch.o
+    rm -f "$prefix/lib/libtarvik_mathematics.a"
+    quietly $mingw-ar rcs "$prefix/lib/libtarvik_mathematics.a" ../*.o
 }

@@ -1,10 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "FilterTestTools.h"
 #include "dsp/AnalogBiquad.h"
+#include "dsp/Armadillo.h"
+#include "dsp/PolynomialRoots.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
+#include <complex>
 #include <limits>
 #include <random>
 
@@ -47,6 +52,30 @@ TEST (FilterDesign, NeutralPrototypesAndConstantsAreExact)
     auto quarter = MZTiCoefs<double, 5, 5>::makeNeutralTaps();
     quarter[quarter.size() - 6] = 0.25; // the last section's b0
     EXPECT_EQ (designTaps<5> ({ 0.0, 0.0, 0.0, 0.0, 0.0, 0.5 }, { 0.0, 0.0, 0.0, 0.0, 0.0, 2.0 }, rate), quarter);
+}
+
+TEST (FilterDesign, RootsAreArmadillosToTheBit)
+{
+    std::mt19937 random (5);
+
+    for (int trial = 0; trial < 5000; ++trial)
+    {
+        arma::vec polynomial (2 + random() % maxPolynomialDegree);
+
+        for (auto& c : polynomial)
+            c = random() % 8 == 0
+                    ? 0.0
+                    : std::ldexp (static_cast<double> (random() % 2001) - 1000.0, static_cast<int> (random() % 60));
+
+        arma::cx_vec expected;
+        std::array<std::complex<double>, maxPolynomialDegree> roots;
+
+        if (polynomial[0] == 0.0 || ! arma::roots (expected, polynomial))
+            continue;
+
+        ASSERT_TRUE (findPolynomialRoots ({ polynomial.memptr(), polynomial.n_elem }, roots)) << polynomial;
+        ASSERT_TRUE (std::equal (expected.begin(), expected.end(), roots.begin())) << polynomial;
+    }
 }
 
 TEST (FilterDesign, MagnitudeIsExactAtTheFitPointsOrTheFirstAlone)

@@ -8,9 +8,10 @@
 
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <future>
+#include <mutex>
 #include <numbers>
-#include <semaphore>
 #include <thread>
 #include <utility>
 
@@ -185,6 +186,30 @@ TEST_F (SmoothedIppIIRTest, FadesInAndOutAsAWhole)
     }
 }
 
+/** As the library's, which MinGW's can leave waiting. */
+class Semaphore
+{
+public:
+    void release (int number = 1)
+    {
+        const std::lock_guard lock (mutex);
+        count += number;
+        changed.notify_all();
+    }
+
+    void acquire()
+    {
+        std::unique_lock lock (mutex);
+        changed.wait (lock, [this] { return count > 0; });
+        --count;
+    }
+
+private:
+    std::mutex mutex;
+    std::condition_variable changed;
+    int count = 0;
+};
+
 /** A design that takes as long as the test likes. */
 struct HeldCoefs : Coefs
 {
@@ -197,7 +222,7 @@ struct HeldCoefs : Coefs
     }
 
     static inline std::atomic<int> numDesigns { 0 };
-    static inline std::counting_semaphore<> begun { 0 }, mayEnd { 0 };
+    static inline Semaphore begun, mayEnd;
 };
 
 TEST (SmoothedIppIIRHandOver, ADesignInProgressStopsNobodyAndIsNotLost)
