@@ -7,10 +7,12 @@ set (CMAKE_FIND_LIBRARY_SUFFIXES .a) # not the .dll.a of those that are there bo
 find_package (JPEG REQUIRED)
 find_package (ZLIB REQUIRED)
 
-# Windows' own. JUCE names most of them to Microsoft's linker alone.
-find_library (TARVIK_MATHEMATICS NAMES libtarvik_mathematics.a REQUIRED) # before the compiler's own: glibc's results
-set (TARVIK_SYSTEM_LIBRARIES ${TARVIK_MATHEMATICS} JPEG::JPEG PNG::PNG ZLIB::ZLIB ole32 oleaut32 uuid gdi32 comdlg32 imm32 shlwapi winmm ws2_32
-                             version wininet dxgi)
+# Before the compiler's own functions of mathematics, which round some results differently from glibc's.
+find_library (TARVIK_MATHEMATICS NAMES libtarvik_mathematics.a REQUIRED)
+
+# The last ones are Windows' own. JUCE names most of them to Microsoft's linker alone.
+set (TARVIK_SYSTEM_LIBRARIES ${TARVIK_MATHEMATICS} JPEG::JPEG PNG::PNG ZLIB::ZLIB
+                             ole32 oleaut32 uuid gdi32 comdlg32 imm32 shlwapi winmm ws2_32 version wininet dxgi)
 
 # Where Wine shows this machine's files.
 set (TARVIK_ROOT Z:)
