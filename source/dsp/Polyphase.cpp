@@ -62,14 +62,14 @@ void Polyphase::setup (int channels, int newFactor)
 void Polyphase::reset (int channel) noexcept
 {
     auto& record = records[static_cast<std::size_t> (channel)];
-    record.up.clear();
-    record.down.clear();
+    record.upDelay.clear();
+    record.downDelay.clear();
 }
 
 void Polyphase::up (int channel, const float* in, float* out, int numIn) noexcept
 {
     if (factor > 1)
-        runUp (filters->up, records[static_cast<std::size_t> (channel)].up, work.get(), in, out, numIn);
+        runUp (filters->up, records[static_cast<std::size_t> (channel)].upDelay, work.get(), in, out, numIn);
     else
         copySamples (in, out, numIn);
 }
@@ -77,7 +77,7 @@ void Polyphase::up (int channel, const float* in, float* out, int numIn) noexcep
 void Polyphase::down (int channel, const float* in, float* out, int numOut) noexcept
 {
     if (factor > 1)
-        runDown (filters->down, records[static_cast<std::size_t> (channel)].down, work.get(), in, out, numOut);
+        runDown (filters->down, records[static_cast<std::size_t> (channel)].downDelay, work.get(), in, out, numOut);
     else
         copySamples (in, out, numOut);
 }

@@ -43,7 +43,7 @@ public:
 private:
     struct PolyphaseChannel
     {
-        MultiRateFirDelay up, down;
+        MultiRateFirDelay upDelay, downDelay;
     };
 
     int factor = 1;

@@ -10,7 +10,7 @@ namespace tarvik
 /** Tables that are calculated once and never change, such as the taps for a factor: one for all instances, so that a row of
     them shares the processor's caches too. Made by the first that asks for its key, gone with the last that holds it.
 
-    Locks and allocates, as does letting go of the last: any thread but the audio's. */
+    Locks and allocates; letting go of the last frees. Any thread but the audio thread. */
 template <typename Key, typename Table>
 class SharedTables
 {

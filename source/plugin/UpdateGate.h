@@ -27,11 +27,13 @@ public:
     /** Any thread; never waits. Leaves a note instead of working: `catchUp` or the next request takes it up. */
     void leaveNote() noexcept
     {
-        auto seen = requests.load (std::memory_order_relaxed);
-
-        while (seen != leftOver
-               && ! requests.compare_exchange_weak (seen, seen == 0 ? leftOver : seen + 1, std::memory_order_acq_rel))
+        // Written even where there is a note already: whoever takes that up sees what this thread has changed before.
+        for (auto seen = requests.load (std::memory_order_relaxed);;)
         {
+            const auto isFree = (seen & ~leftOver) == 0;
+
+            if (requests.compare_exchange_weak (seen, isFree ? leftOver : seen + 1, std::memory_order_acq_rel))
+                return;
         }
     }
 

@@ -128,6 +128,7 @@ bool ChannelStrip::isSettled() noexcept
 void ChannelStrip::skip (int numSamples, ParameterSnapshot& readOuts) noexcept
 {
     inputMeter.skip (numSamples);
+    equaliser.skip (numSamples * factor);
     dynamics.skip (numSamples * factor);
     outputMeter.skip (numSamples);
     writeReadOuts (readOuts);

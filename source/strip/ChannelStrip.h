@@ -43,8 +43,8 @@ public:
         needles that fall. Noise is not looked at. */
     bool isSettled() noexcept;
 
-    /** In place of all three sections, for a settled strip: capacitors and needles keep their time while so many samples of
-        silence pass, at the host's rate and at most 1024. Everything else stands still. */
+    /** In place of all three sections, for a settled strip: capacitors, needles and the equaliser's rest keep their time while
+        so many samples of silence pass, at the host's rate and at most 1024. Everything else stands still. */
     void skip (int numSamples, ParameterSnapshot& readOuts) noexcept;
 
 private:

@@ -77,19 +77,27 @@ void EqualiserSection::process (float* const* channels, int numSamples) noexcept
     const auto length = static_cast<std::uint32_t> (numSamples);
     fader.fade.takeRequest();
 
-    if (! isAtRest())
-    {
-        const auto numMoving = std::min (length, fader.fade.get().remaining);
-        fader.begin (channels, numSamples);
-        ConsoleEQ::process (inUse, channels, numSamples);
-        rows::scale (channels, static_cast<int> (numInUse), static_cast<float> (ConsoleEQ::makeupGain), numSamples);
-        fader.end (channels, numSamples);
-        closedSamples = fader.isClosed() ? std::min (closedSamples + length - numMoving, samplesUntilRest) : 0;
-    }
-
-    // Asked again, so that where a host cuts its blocks makes no difference to the filters' return.
     if (isAtRest())
-        for (const auto& equaliser : inUse)
+        return countClosed (length);
+
+    const auto numMoving = std::min (length, fader.fade.get().remaining);
+    fader.begin (channels, numSamples);
+    ConsoleEQ::process (inUse, channels, numSamples);
+    rows::scale (channels, static_cast<int> (numInUse), static_cast<float> (ConsoleEQ::makeupGain), numSamples);
+    fader.end (channels, numSamples);
+    countClosed (length - numMoving);
+}
+
+void EqualiserSection::skip (int numSamples) noexcept { countClosed (static_cast<std::uint32_t> (numSamples)); }
+
+/** Tells the filters at once when the rest begins, so that where a host cuts its blocks makes no difference to their
+    return. */
+void EqualiserSection::countClosed (std::uint32_t numSamples) noexcept
+{
+    closedSamples = fader.isClosed() ? std::min (closedSamples + numSamples, samplesUntilRest) : 0;
+
+    if (isAtRest())
+        for (const auto& equaliser : std::span (equalisers).first (numInUse))
             equaliser->skip();
 }
 

@@ -35,10 +35,15 @@ public:
     void process (float* const* channels, int numSamples) noexcept;
     bool isSettled() noexcept;
 
+    /** Audio thread: for a settled section, the time of so many samples of silence. */
+    void skip (int numSamples) noexcept;
+
 private:
     static constexpr double secondsUntilRest = 5.0;
 
     bool isAtRest() const noexcept { return fader.isClosed() && closedSamples >= samplesUntilRest; }
+
+    void countClosed (std::uint32_t numSamples) noexcept;
 
     /** Only ever grows: the filters inside may not be destroyed on every thread that prepares. */
     std::vector<std::unique_ptr<ConsoleEQ>> equalisers;

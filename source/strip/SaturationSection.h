@@ -34,7 +34,7 @@ private:
     RampRow<LinearRamp> harmonicScale { 1.0 };
     RampRow<LinearRamp> overdriveMix { 0.0 };
     std::vector<float> bent;          ///< work row of the overdrive
-    std::array<float, 2> lastBent {}; ///< what the channels' output filters had last
+    std::array<float, 2> lastBent {}; ///< the newest sample that each channel's output filters have had
     float lastThdDb = 0.0f;
 };
 } // namespace tarvik

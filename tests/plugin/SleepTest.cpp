@@ -143,6 +143,17 @@ TEST (Sleep, EachChangeWakesAtOnce)
         ASSERT_LT (strips.errorDb(), -130.0) << parameterRow (index).id;
     }
 
+    // The equaliser comes back clear after 5 s, whether or not they have been slept through.
+    strips.onEach ([] (auto& strip) { setPlain (strip, "equalizer", 0.0f); });
+    strips.play (0.2, 0.3f);
+    strips.play (6.0, 0.0f);
+    strips.onEach (
+        [] (auto& strip) {
+            setPlain (strip, { { "lowFreq", 3.0f }, { "lowGain", 0.8f }, { "equalizer", 1.0f } });
+        });
+    strips.play (0.2, 0.3f);
+    EXPECT_LT (strips.errorDb(), -130.0) << "equaliser";
+
     const auto strip = makeNoiselessStrip();
     strip->prepareToPlay (sampleRate, 512);
     const std::vector<Signal> silence (2, Signal (441000));
