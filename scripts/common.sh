@@ -59,6 +59,13 @@ ensure_packages()
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install --no-install-recommends -y -q "${missing[@]}"
 }
 
+list_targets()
+{
+    apt-get indextargets 'Created-By: Packages' --format \
+        'deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] $(SITE) $(RELEASE) $(COMPONENT) $(ORIGIN)' |
+        sed -n 's/ Debian$//p' | sort -u
+}
+
 # Lists the sources of Debian's own packages that this machine takes its binary packages from, in folders of our own: the
 # machine's lists stay as they are. Renewed once a day. apt's programs see it by "${source_options[@]}". Needs dpkg-dev.
 list_sources()
@@ -68,9 +75,14 @@ list_sources()
         -o Dir::Cache="$index/cache" -o APT::Sandbox::User=root)
     [ -z "$(find "$index/fresh" -mtime -1 2>/dev/null)" ] || return 0
     mkdir -p "$index"/{lists/partial,cache/archives/partial}
-    apt-get indextargets 'Created-By: Packages' --format \
-        'deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] $(SITE) $(RELEASE) $(COMPONENT) $(ORIGIN)' |
-        sed -n 's/ Debian$//p' | sort -u >"$index/sources.list"
+    list_targets >"$index/sources.list"
+
+    # Images of containers come without apt's lists.
+    if [ ! -s "$index/sources.list" ] && [ "$(id -u)" -eq 0 ]; then
+        quietly apt-get update
+        list_targets >"$index/sources.list"
+    fi
+
     [ -s "$index/sources.list" ] || {
         echo "$0: apt knows no sources of Debian's; as root, type: apt-get update" >&2
         exit 1
