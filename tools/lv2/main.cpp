@@ -3,7 +3,8 @@
 // Completes the LV2 bundle's description, which JUCE's helper writes out of the built module: the parameters get units
 // and the values that belong to their choices (JUCE counts those from 0 to 1, whatever the range), the side chain is
 // marked as one, the plug-in gets its class and licence, a maker without addresses has none, what the vocabularies do not
-// allow goes, and the plug-in for mono tracks gets its record. Runs in the build, after the module is linked; what it does not find as expected fails the build.
+// allow goes, and the plug-in for mono tracks gets its record. Runs in the build, after the module is linked; what it does
+// not find as expected fails the build.
 
 #include "plugin/FactoryPrograms.h"
 #include "plugin/Lv2Forms.h"
